@@ -1,0 +1,23 @@
+# What every target of ours is compiled with. Libraries come in as SYSTEM, so that only our
+# own code is held to the warnings.
+
+find_program(CCACHE ccache)
+if(CCACHE)
+  set(CMAKE_CXX_COMPILER_LAUNCHER "${CCACHE}")
+endif()
+
+add_library(tavi_compiler INTERFACE)
+target_compile_options(tavi_compiler INTERFACE
+  -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror
+  -ffunction-sections -fdata-sections)
+target_link_options(tavi_compiler INTERFACE -Wl,--gc-sections -Wl,--build-id)
+
+if(TAVI_SANITIZE)
+  # fno-sanitize-recover: a finding of the undefined-behaviour sanitizer fails the test.
+  set(sanitizers -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_compile_options(tavi_compiler INTERFACE ${sanitizers})
+  target_link_options(tavi_compiler INTERFACE ${sanitizers})
+else()
+  # One shared library less to find and relocate at each start.
+  target_link_options(tavi_compiler INTERFACE -static-libstdc++ -static-libgcc)
+endif()

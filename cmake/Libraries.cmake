@@ -1,0 +1,40 @@
+# Outside libraries, each under one name `ext::...`. What Debian ships as an archive is linked
+# statically: a process that runs for a millisecond pays for every shared library it loads.
+
+find_package(Threads REQUIRED)
+find_package(Boost 1.81 REQUIRED)
+
+function(tavi_static_library target header)
+  add_library(${target} INTERFACE IMPORTED GLOBAL)
+  find_path(${target}_include ${header} REQUIRED)
+  target_include_directories(${target} SYSTEM INTERFACE ${${target}_include})
+  foreach(archive IN LISTS ARGN)
+    find_library(${target}_${archive} NAMES lib${archive}.a REQUIRED)
+    target_link_libraries(${target} INTERFACE ${${target}_${archive}})
+  endforeach()
+endfunction()
+
+tavi_static_library(ext::sqlite sqlite3.h sqlite3)
+target_link_libraries(ext::sqlite INTERFACE Threads::Threads ${CMAKE_DL_LIBS} m)
+tavi_static_library(ext::icu unicode/uchar.h icui18n icuuc icudata)
+target_link_libraries(ext::icu INTERFACE Threads::Threads ${CMAKE_DL_LIBS} m)
+tavi_static_library(ext::nettle nettle/sha2.h nettle)
+tavi_static_library(ext::expat expat.h expat)
+tavi_static_library(ext::uuid uuid/uuid.h uuid)
+
+# md4c comes as a shared library only.
+add_library(ext::md4c INTERFACE IMPORTED GLOBAL)
+find_path(md4c_include md4c.h REQUIRED)
+find_library(md4c_library md4c REQUIRED)
+target_include_directories(ext::md4c SYSTEM INTERFACE ${md4c_include})
+target_link_libraries(ext::md4c INTERFACE ${md4c_library})
+
+# Headers only.
+add_library(ext::fmt INTERFACE IMPORTED GLOBAL)
+find_path(fmt_include fmt/format.h REQUIRED)
+target_include_directories(ext::fmt SYSTEM INTERFACE ${fmt_include})
+target_compile_definitions(ext::fmt INTERFACE FMT_HEADER_ONLY)
+
+# Compiled once, in src/json/boost_json.cpp.
+add_library(ext::boost_json INTERFACE IMPORTED GLOBAL)
+target_include_directories(ext::boost_json SYSTEM INTERFACE ${Boost_INCLUDE_DIRS})

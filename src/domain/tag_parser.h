@@ -1,0 +1,15 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace tavi {
+
+struct TagParser {
+  /// The canonical name of any tag text, or the empty text when it holds none.
+  static std::string canonicalName(std::string_view text);
+  /// The hashtag text of a canonical name, or "#" and the name when it has no written form.
+  static std::string hashtag(std::string_view name);
+};
+
+}  // namespace tavi

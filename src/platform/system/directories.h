@@ -1,0 +1,19 @@
+#pragma once
+
+#include <filesystem>
+#include <optional>
+
+namespace platform::system {
+
+/// HOME, else the password database's entry for the user; nothing when neither tells an absolute
+/// path.
+std::optional<std::filesystem::path> homeDirectory();
+
+/// TMPDIR, else "/tmp".
+std::filesystem::path temporaryDirectory();
+
+/// ${XDG_DATA_HOME:-$HOME/.local/share}/tavi (XDG Base Directory Specification: a relative
+/// XDG_DATA_HOME is ignored). Nothing is created. Nothing when there is no home.
+std::optional<std::filesystem::path> applicationDataDirectory();
+
+}  // namespace platform::system
