@@ -56,8 +56,8 @@ std::unique_ptr<sqlite::Connection> openReadOnly(const fs::path& path) {
   std::error_code error;
   const auto logSize = fs::file_size(path.string() + "-wal", error);
   if (!error && logSize > 0) return nullptr;
-  auto connection = std::make_unique<sqlite::Connection>(
-      "file:" + path.string() + "?immutable=1", sqlite::Connection::Mode::readOnly);
+  auto connection = std::make_unique<sqlite::Connection>("file:" + path.string() + "?immutable=1",
+                                                         sqlite::Connection::Mode::readOnly);
   upgradeSchema(*connection);
   return connection;
 }
@@ -103,9 +103,7 @@ std::unique_ptr<KVCoreDataStackForExtensions> KVCoreDataStackForExtensions::init
 
 KVCoreDataStackForExtensions::KVCoreDataStackForExtensions(
     std::unique_ptr<sqlite::Connection> connection, const fs::path& folder)
-    : connection_(std::move(connection)),
-      files_(folder / "files"),
-      context_(*connection_, files_) {
+    : connection_(std::move(connection)), files_(folder / "files"), context_(*connection_, files_) {
   sqlite3_wal_hook(connection_->handle(), noteLogLength, &logFrames_);
 }
 

@@ -9,7 +9,7 @@ inline constexpr const char* NSCocoaErrorDomain = "NSCocoaErrorDomain";
 
 /// Codes of a save that met somebody else's change.
 enum CocoaErrorCode {
-  managedObjectMergeError = 133020,         ///< a row that was read is gone
+  managedObjectMergeError = 133020,            ///< a row that was read is gone
   persistentStoreSaveConflictsError = 134050,  ///< a row that was read has changed since
 };
 

@@ -86,7 +86,9 @@ std::int64_t copyBytes(const fs::path& source, int target, const fs::path& targe
 
 FileStore::FileStore(fs::path folder) : folder_(std::move(folder)) {}
 
-FileStore::~FileStore() { discardStaged(); }
+FileStore::~FileStore() {
+  discardStaged();
+}
 
 FileStore::Staged FileStore::stage(const fs::path& source) {
   makeFolder(folder_);

@@ -16,7 +16,8 @@ class Connection;
 /// The folder with the attachments' bytes. A file is written to `staged/` first, locked
 /// (flock(2)) by its writer, and moves up when the row that names it is saved:
 ///
-///   - A writer that dies leaves a staged file that nobody holds. With a row it is moved up, without
+///   - A writer that dies leaves a staged file that nobody holds. With a row it is moved up,
+///   without
 ///     one it is removed, by the next program that opens the database.
 ///   - A row that is deleted, by anybody, puts its file's name into the table `removedFile`; the
 ///     file goes when that is on the disk.

@@ -25,6 +25,10 @@ std::int64_t ManagedObjectContext::count(const FetchRequest& request) {
   return NoteFetch(reading()).count(request.predicate);
 }
 
+bool ManagedObjectContext::hasPinnedNote() {
+  return reading().query("SELECT 1 FROM noteSummary WHERE pinned = 1 LIMIT 1").step();
+}
+
 void ManagedObjectContext::prefetchMetadata(const std::vector<KVNote*>& notes) {
   NoteReader reader(reading());
   reader.loadTags(notes);
@@ -38,18 +42,9 @@ void ManagedObjectContext::forEachText(
     const std::function<void(KVNote&, std::string_view)>& visit) {
   std::vector<std::int64_t> ids;
   ids.reserve(notes.size());
-  for (const KVNote* note : notes) {
-    if (!note->encryptedValue()) ids.push_back(note->state_.row.id);
-  }
-  std::size_t next = 0;  // the first note that has not been visited
-  const auto visitLocked = [&] {
-    while (next < notes.size() && notes[next]->encryptedValue()) visit(*notes[next++], {});
-  };
-  NoteReader(reading()).forEachText(ids, [&](std::size_t, std::string_view text) {
-    visitLocked();
-    visit(*notes[next++], text);
-  });
-  visitLocked();
+  for (const KVNote* note : notes) ids.push_back(note->state_.row.id);
+  NoteReader(reading()).forEachText(
+      ids, [&](std::size_t index, std::string_view text) { visit(*notes[index], text); });
 }
 
 bool ManagedObjectContext::hasChanges() const {

@@ -31,10 +31,12 @@ class ManagedObjectContext {
   /// How many notes the request finds; its order, offset and limit do not count.
   std::int64_t count(const FetchRequest& request);
 
+  /// Whether any note is pinned globally, wherever it is.
+  bool hasPinnedNote();
+
   /// Loads what metadata needs for all the notes, in a fixed number of statements.
   void prefetchMetadata(const std::vector<KVNote*>& notes);
-  /// Calls `visit` with each note and its text, in order, holding one text at a time. The texts of
-  /// locked notes are left out: they are visited with an empty one.
+  /// Calls `visit` with each note and its text, in order, holding one text at a time.
   void forEachText(const std::vector<KVNote*>& notes,
                    const std::function<void(KVNote&, std::string_view)>& visit);
 

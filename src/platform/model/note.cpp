@@ -124,9 +124,8 @@ void KVNote::willChange() {
 
 void KVNote::updateNoteWithText(std::string text, bool updateModificationDate) {
   const std::vector<FileLink> linkedBefore =
-      orderedFiles().empty()
-          ? std::vector<FileLink>{}
-          : zephyrdown::ZDKAST::fromMarkdown(this->text()).textSummary().files;
+      orderedFiles().empty() ? std::vector<FileLink>{}
+                             : zephyrdown::ZDKAST::fromMarkdown(this->text()).textSummary().files;
   if (this->text() == text) return;
   tagsStrings();
   willChange();
@@ -145,12 +144,24 @@ void KVNote::setFlag(bool NoteRow::*flag, bool value) {
   state_.row.*flag = value;
 }
 
-void KVNote::trash() { setFlag(&NoteRow::trashed, true); }
-void KVNote::restoreFromTrash() { setFlag(&NoteRow::trashed, false); }
-void KVNote::archive() { setFlag(&NoteRow::archived, true); }
-void KVNote::unarchive() { setFlag(&NoteRow::archived, false); }
-void KVNote::pin() { setFlag(&NoteRow::pinned, true); }
-void KVNote::unpin() { setFlag(&NoteRow::pinned, false); }
+void KVNote::trash() {
+  setFlag(&NoteRow::trashed, true);
+}
+void KVNote::restoreFromTrash() {
+  setFlag(&NoteRow::trashed, false);
+}
+void KVNote::archive() {
+  setFlag(&NoteRow::archived, true);
+}
+void KVNote::unarchive() {
+  setFlag(&NoteRow::archived, false);
+}
+void KVNote::pin() {
+  setFlag(&NoteRow::pinned, true);
+}
+void KVNote::unpin() {
+  setFlag(&NoteRow::pinned, false);
+}
 
 void KVNote::pinInTag(const std::string& tagName) {
   const std::vector<std::string>& pins = pinnedInTags();

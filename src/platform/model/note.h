@@ -20,7 +20,8 @@ class ManagedObjectContext;
 class KVNote {
  public:
   /// The note with this identifier, in any location, or null.
-  static KVNote* noteWithUniqueIdentifier(std::string_view identifier, ManagedObjectContext& context);
+  static KVNote* noteWithUniqueIdentifier(std::string_view identifier,
+                                          ManagedObjectContext& context);
   /// All notes with this title, but for case and canonical equivalence, in any location.
   static std::vector<KVNote*> notesWithTitle(std::string_view title, ManagedObjectContext& context);
   /// A new note of the text; title, tags and to-dos are derived from it.
@@ -43,7 +44,9 @@ class KVNote {
   const std::string& text();
   /// Of the text: hash, length, to-dos.
   const TextFacts& textFacts();
-  std::int32_t todoIncompleteValue() { return static_cast<std::int32_t>(textFacts().todoIncomplete); }
+  std::int32_t todoIncompleteValue() {
+    return static_cast<std::int32_t>(textFacts().todoIncomplete);
+  }
   std::int32_t todoCompletedValue() { return static_cast<std::int32_t>(textFacts().todoCompleted); }
   /// Canonical names, without order.
   const std::vector<std::string>& tagsStrings();

@@ -85,11 +85,13 @@ class TermSearch {
   static constexpr int firstPlanColumn = 3;
 
   sqlite::Query select(std::string_view from, std::string_view order) {
-    return connection_.query(fmt::format("SELECT s.note, s.title, s.encrypted{} FROM {} WHERE {} AND {}{}",
-                                         plan_.columns(), from, base_, plan_.where(), order));
+    return connection_.query(
+        fmt::format("SELECT s.note, s.title, s.encrypted{} FROM {} WHERE {} AND {}{}",
+                    plan_.columns(), from, base_, plan_.where(), order));
   }
 
-  /// Notes that may hold one of the terms; nothing when the index cannot tell or there are too many.
+  /// Notes that may hold one of the terms; nothing when the index cannot tell or there are too
+  /// many.
   std::optional<std::vector<std::int64_t>> candidatesOfAny(const std::vector<std::string>& terms,
                                                            std::size_t most) {
     SearchIndex index(connection_);
@@ -171,7 +173,8 @@ std::vector<NoteRow> decidedBySQL(sqlite::Connection& connection, const FetchReq
   if (page) {
     sql += fmt::format("{} LIMIT {} OFFSET {}", order, request.fetchLimit, request.fetchOffset);
   }
-  if (!page && plan == nullptr) sql.replace(sql.find("noteSummary s"), 13, "noteSummary s NOT INDEXED");
+  if (!page && plan == nullptr)
+    sql.replace(sql.find("noteSummary s"), 13, "noteSummary s NOT INDEXED");
   sqlite::Query query = connection.query(sql);
   if (plan != nullptr) plan->bind(query);
   std::vector<NoteRow> rows = readRows(query);

@@ -14,21 +14,6 @@ namespace {
 /// What common file systems hold, so that an attachment can be saved anywhere.
 constexpr std::size_t longestName = 255;
 
-void checkName(const std::string& name) {
-  const char* fault = nullptr;
-  if (name.empty()) fault = "it is empty";
-  if (name == "." || name == "..") fault = "it names a folder";
-  if (name.find('/') != std::string::npos) fault = "it has a slash";
-  if (name.find('\0') != std::string::npos) fault = "it has a NUL character";
-  if (!platform::text::isValidUTF8(name)) fault = "it is not valid UTF-8";
-  if (name.size() > longestName) fault = "it is longer than 255 bytes";
-  if (fault != nullptr) {
-    throw std::runtime_error(
-        fmt::format("The file name \"{}\" cannot be stored: {}.",
-                    platform::text::replacingInvalidUTF8(name.substr(0, longestName)), fault));
-  }
-}
-
 /// "photo.jpg", "photo 2.jpg", "photo 3.jpg": the first that the note does not have.
 std::string freeName(const std::string& wanted, KVNote& note) {
   const std::string_view extension = platform::system::pathExtension(wanted);
@@ -43,6 +28,21 @@ std::string freeName(const std::string& wanted, KVNote& note) {
 }
 
 }  // namespace
+
+void KVNoteFile::checkName(const std::string& name) {
+  const char* fault = nullptr;
+  if (name.empty()) fault = "it is empty";
+  if (name == "." || name == "..") fault = "it names a folder";
+  if (name.find('/') != std::string::npos) fault = "it has a slash";
+  if (name.find('\0') != std::string::npos) fault = "it has a NUL character";
+  if (!platform::text::isValidUTF8(name)) fault = "it is not valid UTF-8";
+  if (name.size() > longestName) fault = "it is longer than 255 bytes";
+  if (fault != nullptr) {
+    throw std::runtime_error(
+        fmt::format("The file name \"{}\" cannot be stored: {}.",
+                    platform::text::replacingInvalidUTF8(name.substr(0, longestName)), fault));
+  }
+}
 
 const KVNoteFile& KVNoteFile::getOrCreateFileFromURL(const std::filesystem::path& source,
                                                      KVNote& note) {

@@ -72,9 +72,9 @@ class ByID {
 /// Rows of `relation`, ordered by note: of all notes when there are many, else of those listed.
 sqlite::Query relationRows(sqlite::Connection& connection, std::string_view columns,
                            std::string_view relation, std::string_view order, bool many) {
-  return connection.query(fmt::format(
-      "SELECT {0} FROM {1} {2} ORDER BY {3}", columns, relation,
-      many ? "" : "WHERE note IN (SELECT value FROM json_each(?1))", order));
+  return connection.query(fmt::format("SELECT {0} FROM {1} {2} ORDER BY {3}", columns, relation,
+                                      many ? "" : "WHERE note IN (SELECT value FROM json_each(?1))",
+                                      order));
 }
 
 }  // namespace
@@ -117,16 +117,17 @@ std::vector<NoteRow> NoteReader::rowsWithTitle(std::string_view title) {
   std::vector<NoteRow> rows;
   while (query.step()) {
     NoteRow row = readNoteRow(query);
-    if (platform::text::foldedForSearch(row.title.value_or("")) == key) rows.push_back(std::move(row));
+    if (platform::text::foldedForSearch(row.title.value_or("")) == key)
+      rows.push_back(std::move(row));
   }
   return rows;
 }
 
 std::vector<NoteRow> NoteReader::rowsWithIDs(const std::vector<std::int64_t>& ids) {
-  sqlite::Query query = connection_.query(
-      fmt::format("SELECT {} FROM json_each(?1) wanted CROSS JOIN noteSummary s "
-                  "ON s.note = wanted.value",
-                  noteRowColumns));
+  sqlite::Query query =
+      connection_.query(fmt::format("SELECT {} FROM json_each(?1) wanted CROSS JOIN noteSummary s "
+                                    "ON s.note = wanted.value",
+                                    noteRowColumns));
   const std::string list = jsonArray(ids);
   query.bind(1, list);
   std::vector<NoteRow> rows;
@@ -148,9 +149,10 @@ std::vector<std::string> NoteReader::tags(std::int64_t note) {
 }
 
 std::vector<std::string> NoteReader::pinnedInTags(std::int64_t note) {
-  return names(connection_.query("SELECT tag.title FROM pinnedInTag "
-                                 "JOIN tag ON tag.id = pinnedInTag.tag WHERE pinnedInTag.note = ?1"),
-               note);
+  return names(
+      connection_.query("SELECT tag.title FROM pinnedInTag "
+                        "JOIN tag ON tag.id = pinnedInTag.tag WHERE pinnedInTag.note = ?1"),
+      note);
 }
 
 std::vector<KVNoteFile> NoteReader::files(std::int64_t note) {

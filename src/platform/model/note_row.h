@@ -19,7 +19,7 @@ struct NoteRow {
   std::int64_t version = 0;  ///< of the last change by anybody
   std::string uniqueIdentifier;
   std::optional<std::string> title;
-  std::optional<double> creationDate;      ///< seconds since 1970-01-01 UTC
+  std::optional<double> creationDate;  ///< seconds since 1970-01-01 UTC
   std::optional<double> modificationDate;
   bool trashed = false;
   bool archived = false;

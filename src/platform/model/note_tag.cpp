@@ -13,8 +13,7 @@ using zephyrdown::ZDKAST;
 using Results = std::vector<zephyrdown::ZDKASTOperationResult>;
 
 /// Rewrites the text of each note as `plan` says for its tree.
-void rewrite(const std::vector<KVNote*>& notes,
-             const std::function<Results(const ZDKAST&)>& plan) {
+void rewrite(const std::vector<KVNote*>& notes, const std::function<Results(const ZDKAST&)>& plan) {
   for (KVNote* note : notes) {
     ZDKAST tree = ZDKAST::fromMarkdown(note->text());
     const Results results = plan(tree);
@@ -44,8 +43,7 @@ std::vector<KVNoteTag> KVNoteTag::populatedNotesTags(ManagedObjectContext& conte
 
 std::vector<KVNoteTag> KVNoteTag::tagsWithPins(ManagedObjectContext& context) {
   const Predicate predicate = Predicate::withFormat("pinnedNotes.@count > 0");
-  sqlite::Query query =
-      context.reading().query("SELECT title FROM tag WHERE " + predicate.sql());
+  sqlite::Query query = context.reading().query("SELECT title FROM tag WHERE " + predicate.sql());
   std::vector<KVNoteTag> tags;
   while (query.step()) tags.push_back({context, std::string(query.text(0))});
   return tags;
@@ -65,7 +63,9 @@ KVNoteTag KVNoteTag::getOrCreateTagWithName(std::string_view name, ManagedObject
   return {context, std::string(name)};
 }
 
-std::vector<KVNote*> KVNoteTag::notes() const { return context_->notesWithTag(title_, false); }
+std::vector<KVNote*> KVNoteTag::notes() const {
+  return context_->notesWithTag(title_, false);
+}
 
 std::size_t KVNoteTag::noteCount() const {
   sqlite::Query query = context_->reading().query(

@@ -42,7 +42,8 @@ void NoteWriter::checkVersion(const KVNote& note) {
 void NoteWriter::insert(KVNote& note) {
   NoteRow& row = note.state_.row;
   sqlite::Query query = connection_.query(
-      "INSERT INTO note (uniqueIdentifier, title, creationDate, modificationDate, trashed, archived, "
+      "INSERT INTO note (uniqueIdentifier, title, creationDate, modificationDate, trashed, "
+      "archived, "
       "pinned, text) VALUES (?1, ?2, ?3, ?4, ?5, ?6, ?7, ?8)");
   query.bind(1, std::string_view(row.uniqueIdentifier));
   query.bind(2, std::string_view(*row.title));
@@ -63,14 +64,13 @@ void NoteWriter::update(KVNote& note) {
   const KVNote::State& before = *note.committed_;
   updateAttributes(now.row, before.row);
   if (now.text && before.text && *now.text != *before.text) {
-    sqlite::Query query =
-        connection_.query("UPDATE note SET title = ?2, text = ?3, modificationDate = ?4 WHERE id = ?1");
+    sqlite::Query query = connection_.query(
+        "UPDATE note SET title = ?2, text = ?3, modificationDate = ?4 WHERE id = ?1");
     query.bind(1, now.row.id).bind(2, std::string_view(now.row.title.value_or("")));
     query.bind(3, std::string_view(*now.text)).bind(4, now.row.modificationDate).run();
     writeFacts(note);
   } else if (now.row.modificationDate != before.row.modificationDate) {
-    sqlite::Query query =
-        connection_.query("UPDATE note SET modificationDate = ?2 WHERE id = ?1");
+    sqlite::Query query = connection_.query("UPDATE note SET modificationDate = ?2 WHERE id = ?1");
     query.bind(1, now.row.id).bind(2, now.row.modificationDate).run();
   }
   if (now.tags) writeTags(now.row.id, *now.tags, orNone(before.tags));
@@ -86,8 +86,8 @@ void NoteWriter::updateAttributes(const NoteRow& now, const NoteRow& before) {
       now.pinned == before.pinned) {
     return;
   }
-  sqlite::Query query = connection_.query(
-      "UPDATE note SET trashed = ?2, archived = ?3, pinned = ?4 WHERE id = ?1");
+  sqlite::Query query =
+      connection_.query("UPDATE note SET trashed = ?2, archived = ?3, pinned = ?4 WHERE id = ?1");
   query.bind(1, now.id).bind(2, std::int64_t{now.trashed}).bind(3, std::int64_t{now.archived});
   query.bind(4, std::int64_t{now.pinned}).run();
 }
@@ -97,7 +97,8 @@ void NoteWriter::writeFacts(KVNote& note) {
   const TextFacts& facts = *row.facts;
   const std::string key = platform::text::foldedForSearch(row.title.value_or(""));
   sqlite::Query query = connection_.query(
-      "UPDATE noteSummary SET titleKey = ?2, textDigest = ?3, textLength = ?4, todoIncomplete = ?5, "
+      "UPDATE noteSummary SET titleKey = ?2, textDigest = ?3, textLength = ?4, todoIncomplete = "
+      "?5, "
       "todoCompleted = ?6, features = ?7 WHERE note = ?1 RETURNING version");
   query.bind(1, row.id).bind(2, std::string_view(key)).bind(3, std::string_view(facts.digest));
   query.bind(4, facts.length).bind(5, facts.todoIncomplete).bind(6, facts.todoCompleted);

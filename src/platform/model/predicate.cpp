@@ -60,7 +60,8 @@ Predicate Predicate::withFormat(std::string_view format) {
   std::string sql = comparison(tokens[0], tokens[1], tokens[2]);
   for (std::size_t i = 3; i < tokens.size(); i += 4) {
     if (tokens[i] != "AND" && tokens[i] != "OR") refuse(tokens[i]);
-    sql += fmt::format(" {} {}", tokens[i], comparison(tokens[i + 1], tokens[i + 2], tokens[i + 3]));
+    sql +=
+        fmt::format(" {} {}", tokens[i], comparison(tokens[i + 1], tokens[i + 2], tokens[i + 3]));
   }
   Predicate predicate;
   predicate.sql_ = fmt::format("({})", sql);
@@ -70,7 +71,8 @@ Predicate Predicate::withFormat(std::string_view format) {
 Predicate Predicate::andPredicate(const std::vector<Predicate>& subpredicates) {
   Predicate result;
   for (const Predicate& part : subpredicates) {
-    if (part.sql_ != "1") result.sql_ = result.sql_ == "1" ? part.sql_ : result.sql_ + " AND " + part.sql_;
+    if (part.sql_ != "1")
+      result.sql_ = result.sql_ == "1" ? part.sql_ : result.sql_ + " AND " + part.sql_;
     if (part.search_) result.search_ = part.search_;
   }
   return result;

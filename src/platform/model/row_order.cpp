@@ -93,10 +93,11 @@ std::string orderClause(const FetchRequest& request) {
   std::string clause;
   for (const SortDescriptor& descriptor : request.sortDescriptors) {
     if (descriptor.key == SortKey::title && descriptor.localized) return {};
-    const std::string_view column = descriptor.key == SortKey::pinned             ? "s.pinned"
-                                    : descriptor.key == SortKey::modificationDate ? "s.modificationDate"
-                                    : descriptor.key == SortKey::creationDate     ? "s.creationDate"
-                                                                                  : "s.title";
+    const std::string_view column = descriptor.key == SortKey::pinned ? "s.pinned"
+                                    : descriptor.key == SortKey::modificationDate
+                                        ? "s.modificationDate"
+                                    : descriptor.key == SortKey::creationDate ? "s.creationDate"
+                                                                              : "s.title";
     clause += clause.empty() ? " ORDER BY " : ", ";
     clause += column;
     clause += descriptor.ascending ? "" : " DESC";

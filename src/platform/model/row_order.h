@@ -7,7 +7,8 @@
 
 namespace tavimodel {
 
-/// Sorts rows as `orderClause` would have SQL do it, localized titles besides, and cuts out the page.
+/// Sorts rows as `orderClause` would have SQL do it, localized titles besides, and cuts out the
+/// page.
 std::vector<NoteRow> sortedPage(std::vector<NoteRow> rows, const FetchRequest& request);
 
 /// " ORDER BY ..." over `noteSummary s`, or the empty text where SQL cannot sort so.

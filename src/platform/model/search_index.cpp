@@ -101,8 +101,9 @@ void SearchIndex::add(std::int64_t note, std::string_view title, std::string_vie
       "VALUES ((SELECT value FROM counter WHERE name = 'searchRow'), ?1)");
   insert.bind(1, std::string_view(body)).run();
   connection_
-      .query("UPDATE noteSummary SET searchRow = (SELECT value FROM counter "
-             "WHERE name = 'searchRow') WHERE note = ?1")
+      .query(
+          "UPDATE noteSummary SET searchRow = (SELECT value FROM counter "
+          "WHERE name = 'searchRow') WHERE note = ?1")
       .bind(1, note)
       .run();
 }
@@ -125,8 +126,7 @@ bool SearchIndex::bringUpToDate(int milliseconds) {
   dropWhenStale();
   std::vector<std::int64_t> unknown;
   {
-    sqlite::Query query =
-        connection_.query("SELECT note FROM noteSummary WHERE searchRow IS NULL");
+    sqlite::Query query = connection_.query("SELECT note FROM noteSummary WHERE searchRow IS NULL");
     while (query.step()) unknown.push_back(query.integer(0));
   }
   for (const std::int64_t note : unknown) {

@@ -42,15 +42,15 @@ bool any(const SearchQuery& query, bool (*test)(const SearchCondition&)) {
 /// below need not tell the two apart.
 void workOutUnknownFacts(sqlite::Connection& connection) {
   connection.execute(
-      "CREATE TEMP TABLE IF NOT EXISTS workedOut (note INTEGER PRIMARY KEY, todoIncomplete INTEGER, "
+      "CREATE TEMP TABLE IF NOT EXISTS workedOut (note INTEGER PRIMARY KEY, todoIncomplete "
+      "INTEGER, "
       "todoCompleted INTEGER, features INTEGER); DELETE FROM temp.workedOut");
   sqlite::Query unknown = connection.query(
       "SELECT note.id, note.text FROM noteSummary s JOIN note ON note.id = s.note "
       "WHERE s.textDigest IS NULL AND s.encrypted = 0");
   while (unknown.step()) {
     const TextFacts facts = TextFacts::of(unknown.text(1));
-    sqlite::Query insert =
-        connection.query("INSERT INTO temp.workedOut VALUES (?1, ?2, ?3, ?4)");
+    sqlite::Query insert = connection.query("INSERT INTO temp.workedOut VALUES (?1, ?2, ?3, ?4)");
     insert.bind(1, unknown.integer(0)).bind(2, facts.todoIncomplete);
     insert.bind(3, facts.todoCompleted).bind(4, facts.features).run();
   }
@@ -68,8 +68,7 @@ std::string feature(TextFacts::Feature bit) {
 
 void isImageName(sqlite3_context* context, int, sqlite3_value** values) {
   const auto* bytes = reinterpret_cast<const char*>(sqlite3_value_text(values[0]));
-  const bool image =
-      bytes != nullptr && platform::system::fileTypeOf(bytes).conformsToImage;
+  const bool image = bytes != nullptr && platform::system::fileTypeOf(bytes).conformsToImage;
   sqlite3_result_int(context, image ? 1 : 0);
 }
 
@@ -81,13 +80,12 @@ std::string linkedNotes(sqlite::Connection& connection) {
     notesByTitle[platform::text::foldedForSearch(titles.text(1))].push_back(titles.integer(0));
   }
   std::vector<std::int64_t> linked;
-  sqlite::Query texts = connection.query(fmt::format(
-      "SELECT note.id, note.text FROM noteSummary s JOIN note ON note.id = s.note "
-      "WHERE s.encrypted = 0 AND (s.features IS NULL OR (s.features & {}) <> 0)",
-      static_cast<std::int64_t>(TextFacts::wikiLinks)));
+  sqlite::Query texts = connection.query(
+      fmt::format("SELECT note.id, note.text FROM noteSummary s JOIN note ON note.id = s.note "
+                  "WHERE s.encrypted = 0 AND (s.features IS NULL OR (s.features & {}) <> 0)",
+                  static_cast<std::int64_t>(TextFacts::wikiLinks)));
   while (texts.step()) {
-    const auto summary =
-        zephyrdown::ZDKAST::fromMarkdown(std::string(texts.text(1))).textSummary();
+    const auto summary = zephyrdown::ZDKAST::fromMarkdown(std::string(texts.text(1))).textSummary();
     for (const std::string& target : summary.wikiLinks) {
       // A target may name a heading inside the note, "Title/Heading", and a title may have a slash.
       for (std::size_t length = target.size(); length != std::string::npos && length > 0;
@@ -179,7 +177,8 @@ std::string SearchPlan::tagsNamed(const SearchCondition& condition) {
     case Kind::exactTag:
       return fmt::format("title = {}", name);
     case Kind::subtag:
-      return fmt::format("title <> {0} AND instr('/' || title || '/', '/' || {0} || '/') > 0", name);
+      return fmt::format("title <> {0} AND instr('/' || title || '/', '/' || {0} || '/') > 0",
+                         name);
     default:  // "0" is the character behind "/"
       return fmt::format("title = {0} OR (title > {0} || '/' AND title < {0} || '0')", name);
   }
@@ -246,8 +245,8 @@ bool SearchPlan::matches(std::string_view title, std::string_view text, const sq
                          int column) const {
   const auto holds = [&](const OpenCondition& condition) {
     if (!condition.term) return (row.integer(column + condition.column) != 0) != condition.negated;
-    const bool found = (!titlesOnly_ && condition.term->isIn(text)) ||
-                       (!ocrOnly_ && condition.term->isIn(title));
+    const bool found =
+        (!titlesOnly_ && condition.term->isIn(text)) || (!ocrOnly_ && condition.term->isIn(title));
     return found != condition.negated;
   };
   return std::all_of(groups_.begin(), groups_.end(), [&](const auto& group) {

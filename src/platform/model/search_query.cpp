@@ -14,7 +14,8 @@
 
 // A query is a row of words. A word is, in this order of tries:
 //
-//   "..."            a phrase; \" and \\ stand for the character; one that is not closed goes to the
+//   "..."            a phrase; \" and \\ stand for the character; one that is not closed goes to
+//   the
 //                    query's end
 //   #tag  #a b#      a tag, with a closing mark when its name has blanks
 //   !#tag  #*/tag    exactly this tag; nested tags with this name in their path
@@ -53,7 +54,9 @@ constexpr std::array directives{
     Directive{"ocr", Kind::ocr},
 };
 
-bool isASCIILetter(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
+bool isASCIILetter(char c) {
+  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
+}
 
 std::string lowered(std::string_view text) {
   std::string result(text);
@@ -117,8 +120,8 @@ class Parser {
 
   /// Nothing for a word that asks nothing: an empty phrase, @title.
   std::optional<SearchCondition> readCondition() {
-    const bool negated = text_[position_] == '-' && position_ + 1 < text_.size() &&
-                         !atBlank(position_ + 1);
+    const bool negated =
+        text_[position_] == '-' && position_ + 1 < text_.size() && !atBlank(position_ + 1);
     if (negated) ++position_;
     std::optional<SearchCondition> condition = readPositive();
     if (condition) condition->negated = negated;
@@ -139,7 +142,8 @@ class Parser {
     }
     const std::size_t end = endOfWord(position_);
     const std::size_t begin = std::exchange(position_, end);
-    return SearchCondition{.kind = Kind::term, .text = std::string(text_.substr(begin, end - begin))};
+    return SearchCondition{.kind = Kind::term,
+                           .text = std::string(text_.substr(begin, end - begin))};
   }
 
   std::optional<SearchCondition> readPhrase() {
@@ -192,18 +196,16 @@ class Parser {
       return SearchCondition{.kind = directive.kind};
     }
     if (auto dates = readDates(name)) return dates;
-    throw SearchSyntaxError(
-        fmt::format("Unknown search directive: {0} — write \"{0}\" in quotes to search for the text",
-                    word));
+    throw SearchSyntaxError(fmt::format(
+        "Unknown search directive: {0} — write \"{0}\" in quotes to search for the text", word));
   }
 
   std::optional<SearchCondition> readDates(std::string_view name) const {
     if (name == "today") return lastDays(Kind::modified, 1);
     if (name == "ctoday") return lastDays(Kind::created, 1);
     if (name == "yesterday") {
-      return SearchCondition{.kind = Kind::modified,
-                             .from = startOfDay(now_, -1),
-                             .to = startOfDay(now_, 0)};
+      return SearchCondition{
+          .kind = Kind::modified, .from = startOfDay(now_, -1), .to = startOfDay(now_, 0)};
     }
     if (auto days = between(name, "last", "days")) return lastDays(Kind::modified, number(*days));
     if (auto days = between(name, "created", "days")) return lastDays(Kind::created, number(*days));
@@ -226,9 +228,10 @@ class Parser {
     const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), value);
     if (error != std::errc() || end != digits.data() + digits.size() || value < 1 ||
         value > 100'000) {
-      throw SearchSyntaxError(fmt::format(
-          "Invalid number of days in the search query: '{}' — give a whole number, as in @last7days",
-          digits));
+      throw SearchSyntaxError(
+          fmt::format("Invalid number of days in the search query: '{}' — give a whole number, as "
+                      "in @last7days",
+                      digits));
     }
     return value;
   }
@@ -244,8 +247,8 @@ class Parser {
     const std::string_view day = related ? date.substr(1) : date;
     const auto begin = startOfDate(day, 0);
     if (!begin) {
-      throw SearchSyntaxError(fmt::format(
-          "Invalid date in the search query: '{}' — write it as YYYY-MM-DD", day));
+      throw SearchSyntaxError(
+          fmt::format("Invalid date in the search query: '{}' — write it as YYYY-MM-DD", day));
     }
     if (relation == '<') return {.kind = kind, .to = begin};
     if (relation == '>') return {.kind = kind, .from = startOfDate(day, 1)};

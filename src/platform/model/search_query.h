@@ -17,29 +17,29 @@ class SearchSyntaxError : public std::runtime_error {
 /// One thing asked of a note.
 struct SearchCondition {
   enum class Kind {
-    term,          ///< `text` stands in the note
-    tag,           ///< carries the tag `text` or a child of it
-    exactTag,      ///< carries the tag `text` itself
-    subtag,        ///< carries a nested tag with `text` in its path, not `text` itself
-    modified,      ///< changed from `from` on and before `to`
-    created,       ///< the same of its making
-    todo,          ///< has open to-dos
-    done,          ///< has to-dos, all finished
-    task,          ///< has to-dos
+    term,      ///< `text` stands in the note
+    tag,       ///< carries the tag `text` or a child of it
+    exactTag,  ///< carries the tag `text` itself
+    subtag,    ///< carries a nested tag with `text` in its path, not `text` itself
+    modified,  ///< changed from `from` on and before `to`
+    created,   ///< the same of its making
+    todo,      ///< has open to-dos
+    done,      ///< has to-dos, all finished
+    task,      ///< has to-dos
     tagged,
     untagged,
-    pinned,        ///< in All Notes
+    pinned,  ///< in All Notes
     images,
-    files,         ///< attached files that are no images
-    attachments,   ///< attached files of any kind
+    files,        ///< attached files that are no images
+    attachments,  ///< attached files of any kind
     code,
     locked,
     readOnly,
-    empty,         ///< no text but white space
+    empty,  ///< no text but white space
     untitled,
-    wikiLinks,     ///< links to other notes
-    backlinks,     ///< is linked to by another note
-    ocr,           ///< has attachments with recognised text
+    wikiLinks,  ///< links to other notes
+    backlinks,  ///< is linked to by another note
+    ocr,        ///< has attachments with recognised text
   };
 
   Kind kind = Kind::term;

@@ -95,9 +95,13 @@ bool Query::isNull(int column) const {
   return sqlite3_column_type(statement_, column) == SQLITE_NULL;
 }
 
-std::int64_t Query::integer(int column) const { return sqlite3_column_int64(statement_, column); }
+std::int64_t Query::integer(int column) const {
+  return sqlite3_column_int64(statement_, column);
+}
 
-double Query::real(int column) const { return sqlite3_column_double(statement_, column); }
+double Query::real(int column) const {
+  return sqlite3_column_double(statement_, column);
+}
 
 std::string_view Query::text(int column) const {
   const auto* bytes = reinterpret_cast<const char*>(sqlite3_column_text(statement_, column));
@@ -158,11 +162,17 @@ void Connection::execute(const char* script) {
   if (sqlite3_exec(handle_, script, nullptr, nullptr, nullptr) != SQLITE_OK) fail();
 }
 
-std::int64_t Connection::lastInsertedRow() const { return sqlite3_last_insert_rowid(handle_); }
+std::int64_t Connection::lastInsertedRow() const {
+  return sqlite3_last_insert_rowid(handle_);
+}
 
-void Connection::setBusyTimeout(int milliseconds) { sqlite3_busy_timeout(handle_, milliseconds); }
+void Connection::setBusyTimeout(int milliseconds) {
+  sqlite3_busy_timeout(handle_, milliseconds);
+}
 
-void Connection::fail() const { throwError(handle_, sqlite3_errcode(handle_)); }
+void Connection::fail() const {
+  throwError(handle_, sqlite3_errcode(handle_));
+}
 
 Transaction::Transaction(Connection& connection, Kind kind) : connection_(connection) {
   connection_.query(kind == Kind::write ? "BEGIN IMMEDIATE" : "BEGIN").run();

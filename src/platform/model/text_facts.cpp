@@ -12,8 +12,8 @@ TextFacts TextFacts::of(std::string_view text) {
 TextFacts TextFacts::of(std::string_view text, const zephyrdown::ZDKTextSummary& summary) {
   const platform::system::SHA256Digest digest = platform::system::sha256(text);
   TextFacts facts;
-  facts.digest = platform::system::hexadecimal(
-      {reinterpret_cast<const char*>(digest.data()), std::size_t{8}});
+  facts.digest =
+      platform::system::hexadecimal({reinterpret_cast<const char*>(digest.data()), std::size_t{8}});
   facts.length = static_cast<std::int64_t>(text.size());
   facts.todoIncomplete = summary.todoIncomplete;
   facts.todoCompleted = summary.todoCompleted;
