@@ -5,6 +5,7 @@
 #include <unicode/ustring.h>
 
 #include <algorithm>
+#include <memory>
 #include <span>
 
 namespace platform::text {
@@ -99,14 +100,20 @@ bool attachesToPrevious(char32_t scalar) {
   return syllable == U_HST_VOWEL_JAMO || syllable == U_HST_TRAILING_JAMO;
 }
 
+ScalarForms& ScalarForms::shared(CaseFolding folding) {
+  thread_local std::unique_ptr<ScalarForms> tables[2];
+  std::unique_ptr<ScalarForms>& table = tables[folding == CaseFolding::full ? 1 : 0];
+  if (table == nullptr) table.reset(new ScalarForms(folding));
+  return *table;
+}
+
 const ScalarForms::Form& ScalarForms::of(char32_t scalar) {
   if (isOwnForm(scalar)) {
     passing_.scalar = passing_.scalars[0] = scalar;
     passing_.length = 1;
     return passing_;
   }
-  if (entries_ == nullptr) entries_ = std::make_unique<Form[]>(kEntries);
-  Form& entry = entries_[scalar % kEntries];
+  Form& entry = entries_[scalar % entries_.size()];
   if (entry.scalar != scalar || entry.length == 0) entry = make(scalar);
   return entry;
 }

@@ -3,7 +3,6 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <memory>
 #include <string_view>
 #include <vector>
 
@@ -47,7 +46,8 @@ class ScalarForms {
     }
   };
 
-  explicit ScalarForms(CaseFolding folding) : folding_(folding) {}
+  /// The one table of this thread, made on first use.
+  static ScalarForms& shared(CaseFolding folding);
 
   /// Valid until the next call.
   const Form& of(char32_t scalar);
@@ -55,13 +55,12 @@ class ScalarForms {
   CaseFolding folding() const { return folding_; }
 
  private:
-  static constexpr std::size_t kEntries = 2048;
-
+  explicit ScalarForms(CaseFolding folding) : folding_(folding) {}
   Form make(char32_t scalar) const;
 
   CaseFolding folding_;
-  std::unique_ptr<Form[]> entries_;  // made on first use: ASCII needs none
-  Form passing_;                     // of a scalar that is its own form, by its block
+  std::array<Form, 2048> entries_;
+  Form passing_;  // of a scalar that is its own form, by its block
 };
 
 /// Reads a text unit by unit.
