@@ -14,4 +14,15 @@ class TaviCLIError : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
+/// A failure that a command words itself, with its machine code; ends the run like a store error.
+class CommandFailure : public std::runtime_error {
+ public:
+  CommandFailure(std::string code, const std::string& message)
+      : std::runtime_error(message), code_(std::move(code)) {}
+  const std::string& code() const { return code_; }
+
+ private:
+  std::string code_;
+};
+
 }  // namespace tavi
