@@ -7,10 +7,12 @@
 namespace tavi {
 
 struct StoreOptions {
-  bool preserveModificationDate = false;  ///< writes leave the note's modification date as it is
+  bool preserveModificationDate = false;  ///< writes of text leave the note's date as it is
 };
 
-/// Opens the application's database. Throws NoteStoreError (`appLockEnabled`, `storeUnavailable`).
-std::unique_ptr<NoteStore> makeStore(const StoreOptions& options);
+/// Opens the application's notes, once per command or tool call; releasing the store closes them.
+/// Throws NoteStoreError: `appLockEnabled` when the application is locked, before anything is
+/// opened, and `storeUnavailable` when the database cannot be had.
+std::unique_ptr<NoteStore> makeStore(const StoreOptions& options = {});
 
 }  // namespace tavi

@@ -157,6 +157,12 @@ bool UnitReader::next() {
   return true;
 }
 
+void UnitReader::skipASCII() {
+  if (end_ == text_.size() || static_cast<unsigned char>(text_[end_]) >= 0x80) return;
+  // The last one may have marks behind it.
+  end_ += asciiPrefixLength(text_.substr(end_)) - 1;
+}
+
 void UnitReader::append(const ScalarForms::Form& form) {
   scalars_.insert(scalars_.end(), form.scalars.begin(), form.scalars.begin() + form.length);
 }
@@ -181,6 +187,18 @@ void UnitReader::readMarks(ScalarForms::Form last) {
     position = scalar.next;
   }
   scalars_ = compared(decomposed(source), forms_.folding());
+}
+
+std::string comparisonForm(std::string_view text, CaseFolding folding) {
+  std::string result;
+  result.reserve(text.size() + text.size() / 8);
+  UnitReader units(text, 0, ScalarForms::shared(folding));
+  while (units.next()) {
+    for (const char32_t scalar : units.scalars()) {
+      appendScalar(result, scalar == kIllFormed ? char32_t{0xFFFD} : scalar);
+    }
+  }
+  return result;
 }
 
 }  // namespace platform::text

@@ -3,6 +3,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -73,6 +74,10 @@ class UnitReader {
   /// Goes on to the next unit; false at the text's end.
   bool next();
 
+  /// Passes over units of plain ASCII, though perhaps not all.
+  void skipASCII();
+  void skipToEnd() { end_ = text_.size(); }
+
   std::size_t begin() const { return begin_; }  ///< of the unit, in the source
   std::size_t end() const { return end_; }
   const std::vector<char32_t>& scalars() const { return scalars_; }
@@ -87,5 +92,8 @@ class UnitReader {
   ScalarForms& forms_;
   std::vector<char32_t> scalars_;
 };
+
+/// The comparison form of a whole text, ill-formed parts read as U+FFFD.
+std::string comparisonForm(std::string_view text, CaseFolding folding);
 
 }  // namespace platform::text

@@ -9,7 +9,7 @@
 #include <string>
 
 #include "platform/text/comparison_units.h"
-#include "random_text.h"
+#include "text_testing.h"
 
 namespace platform::text {
 namespace {

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "platform/text/characters.h"
-#include "random_text.h"
+#include "text_testing.h"
 
 namespace platform::text {
 namespace {
