@@ -230,7 +230,7 @@ TEST_F(Model, MakesAncestorsTagsAndDropsTheDead) {
 }
 
 TEST_F(Model, RollbackAndResetForgetChanges) {
-  const std::string id = create("# a #t");
+  const std::string id = create("# a\n#t");
   auto stack = open();
   auto& context = *stack->managedObjectContext();
   KVNote& changed = note(*stack, id);
@@ -241,7 +241,7 @@ TEST_F(Model, RollbackAndResetForgetChanges) {
   context.rollback();
   EXPECT_FALSE(context.hasChanges());
   EXPECT_EQ(changed.title(), "a");
-  EXPECT_EQ(changed.text(), "# a #t");
+  EXPECT_EQ(changed.text(), "# a\n#t");
   EXPECT_FALSE(changed.pinnedValue());
   changed.trash();
   context.reset();

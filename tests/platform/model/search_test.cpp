@@ -62,7 +62,7 @@ class Search : public testing::Test {
 TEST_F(Search, AnswersEveryDirective) {
   create("# tasks\n- [ ] open\n- [x] finished");
   create("# finished\n- [x] all of it #work/draft");
-  create("# tagged #work");
+  create("# tagged\n#work");
   create("# pictured\n![](a.png) and `code`");
   create("# linking [[tagged]]");
   create("");
