@@ -1,0 +1,90 @@
+#include "platform/markdown/ast.h"
+
+#include <algorithm>
+#include <unordered_set>
+
+#include "platform/markdown/document.h"
+#include "platform/markdown/insertion.h"
+#include "platform/markdown/layout.h"
+#include "platform/markdown/removal.h"
+#include "platform/markdown/tag_rewriting.h"
+
+namespace zephyrdown {
+
+ZDKAST ZDKAST::fromMarkdown(std::string text) {
+  return ZDKAST(std::move(text));
+}
+
+const Document& ZDKAST::document() const {
+  if (!document_) document_ = std::make_shared<const Document>(readDocument(text_));
+  return *document_;
+}
+
+Operations ZDKAST::appendText(std::string_view text, SourceRange) const {
+  if (text.empty()) return {};
+  return plannedAppend(text_, Layout(text_, document()), text);
+}
+
+Operations ZDKAST::prependText(std::string_view text, SourceRange) const {
+  if (text.empty()) return {};
+  return plannedPrepend(text_, Layout(text_, document()), text);
+}
+
+Operations ZDKAST::removeLinkWithURL(std::string_view url, SourceRange) const {
+  std::vector<SourceRange> ranges;
+  for (const FileMention& file : document().files) {
+    if (file.link.filename == url) ranges.push_back(file.link.range);
+  }
+  return plannedRemoval(text_, document().bodyBegin, ranges);
+}
+
+Operations ZDKAST::addHashtag(std::string_view name, bool bottom) const {
+  return plannedTag(text_, document(), name, bottom);
+}
+
+Operations ZDKAST::removeHashtag(std::string_view name) const {
+  return plannedTagRemoval(text_, document(), name);
+}
+
+Operations ZDKAST::renameHashtag(std::string_view from, std::string_view to) const {
+  return plannedTagRename(text_, document(), from, to);
+}
+
+void ZDKAST::applyTextOperationResults(const Operations& results) {
+  if (results.empty()) return;
+  Operations inOrder = results;
+  std::stable_sort(inOrder.begin(), inOrder.end(),
+                   [](const auto& a, const auto& b) { return a.range.begin < b.range.begin; });
+  std::string text;
+  std::size_t done = 0;
+  for (const ZDKASTOperationResult& result : inOrder) {
+    text.append(text_, done, result.range.begin - done).append(result.replacement);
+    done = result.range.end;
+  }
+  text.append(text_, done);
+  text_ = std::move(text);
+  document_.reset();
+}
+
+ZDKTextSummary ZDKAST::textSummary() const {
+  const Document& found = document();
+  ZDKTextSummary summary;
+  summary.title = found.title;
+  summary.wikiLinks = found.wikiLinks;
+  summary.todoIncomplete = found.todoIncomplete;
+  summary.todoCompleted = found.todoCompleted;
+  summary.hasImages = found.hasImages;
+  summary.hasCode = found.hasCode;
+  for (const FileMention& file : found.files) summary.files.push_back(file.link);
+  std::unordered_set<std::string_view> known;
+  for (const HashtagMention& tag : found.hashtags) {
+    if (known.insert(tag.name).second) summary.tags.push_back(tag.name);
+  }
+  return summary;
+}
+
+std::vector<HashtagMention> ZDKAST::hashtags() const {
+  return document().hashtags;
+}
+
+}  // namespace zephyrdown

@@ -1,0 +1,67 @@
+#include "platform/markdown/parser_input.h"
+
+#include <algorithm>
+
+#include "platform/markdown/hashtag_grammar.h"
+#include "platform/markdown/lines.h"
+
+namespace zephyrdown {
+namespace {
+
+constexpr std::size_t npos = std::string_view::npos;
+constexpr char kPunctuation = ',';  // flanks emphasis as a bracket does
+constexpr char kLetter = 'x';
+
+/// The offset of the "]" of a footnote's label at `at`, or npos.
+std::size_t footnoteLabelEnd(std::string_view body, std::size_t at) {
+  const std::size_t end = body.find_first_of(" \t\r\n[]", at + 2);
+  return end != npos && body[end] == ']' && end > at + 2 ? end : npos;
+}
+
+void maskFootnotes(std::string_view body, std::optional<std::string>& copy) {
+  for (std::size_t at = body.find("[^"); at != npos; at = body.find("[^", at + 1)) {
+    const std::size_t end = footnoteLabelEnd(body, at);
+    if (end == npos) continue;
+    if (!copy) copy.emplace(body);
+    (*copy)[at] = (*copy)[end] = kPunctuation;
+  }
+}
+
+void maskLineOfHashtags(std::string_view body, SourceRange line, std::optional<std::string>& copy) {
+  std::vector<HashtagMention> tags;
+  findHashtags(body, line, /*opens=*/true, tags);
+  for (const HashtagMention& tag : tags) {
+    if (tag.name.find('_') == npos) continue;
+    if (!copy) copy.emplace(body);
+    std::replace(copy->begin() + static_cast<std::ptrdiff_t>(tag.range.begin),
+                 copy->begin() + static_cast<std::ptrdiff_t>(tag.range.end), '_', kLetter);
+  }
+}
+
+void maskHashtags(std::string_view body, std::optional<std::string>& copy) {
+  if (body.find('_') == npos) return;
+  for (std::size_t hash = body.find('#'); hash != npos; hash = body.find('#', hash)) {
+    const SourceRange line{lineBegin(body, hash), lineEnd(body, hash)};
+    maskLineOfHashtags(body, line, copy);
+    hash = line.end;
+  }
+}
+
+}  // namespace
+
+std::optional<std::string> maskedForParser(std::string_view body) {
+  std::optional<std::string> copy;
+  maskFootnotes(body, copy);
+  maskHashtags(body, copy);
+  return copy;
+}
+
+std::string maskedForPlainReading(std::string_view input) {
+  std::string copy(input);
+  for (std::size_t at = copy.find("]:"); at != npos; at = copy.find("]:", at + 2)) {
+    copy[at + 1] = kPunctuation;
+  }
+  return copy;
+}
+
+}  // namespace zephyrdown
