@@ -6,11 +6,10 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/text/folding.h"
 #include "platform/text/utf8.h"
 
 namespace platform::text {
-
-enum class CaseFolding { none, full };
 
 /// Finds one string in others as a reader would: canonically equivalent sequences match each
 /// other ("é" finds "e" and U+0301), and a match never begins or ends inside a composed
