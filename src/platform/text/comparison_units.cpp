@@ -5,6 +5,7 @@
 #include <unicode/ustring.h>
 
 #include <algorithm>
+#include <memory>
 #include <span>
 
 namespace platform::text {
@@ -99,14 +100,20 @@ bool attachesToPrevious(char32_t scalar) {
   return syllable == U_HST_VOWEL_JAMO || syllable == U_HST_TRAILING_JAMO;
 }
 
+ScalarForms& ScalarForms::shared(CaseFolding folding) {
+  thread_local std::unique_ptr<ScalarForms> tables[2];
+  std::unique_ptr<ScalarForms>& table = tables[folding == CaseFolding::full ? 1 : 0];
+  if (table == nullptr) table.reset(new ScalarForms(folding));
+  return *table;
+}
+
 const ScalarForms::Form& ScalarForms::of(char32_t scalar) {
   if (isOwnForm(scalar)) {
     passing_.scalar = passing_.scalars[0] = scalar;
     passing_.length = 1;
     return passing_;
   }
-  if (entries_ == nullptr) entries_ = std::make_unique<Form[]>(kEntries);
-  Form& entry = entries_[scalar % kEntries];
+  Form& entry = entries_[scalar % entries_.size()];
   if (entry.scalar != scalar || entry.length == 0) entry = make(scalar);
   return entry;
 }
@@ -150,6 +157,12 @@ bool UnitReader::next() {
   return true;
 }
 
+void UnitReader::skipASCII() {
+  if (end_ == text_.size() || static_cast<unsigned char>(text_[end_]) >= 0x80) return;
+  // The last one may have marks behind it.
+  end_ += asciiPrefixLength(text_.substr(end_)) - 1;
+}
+
 void UnitReader::append(const ScalarForms::Form& form) {
   scalars_.insert(scalars_.end(), form.scalars.begin(), form.scalars.begin() + form.length);
 }
@@ -174,6 +187,18 @@ void UnitReader::readMarks(ScalarForms::Form last) {
     position = scalar.next;
   }
   scalars_ = compared(decomposed(source), forms_.folding());
+}
+
+std::string comparisonForm(std::string_view text, CaseFolding folding) {
+  std::string result;
+  result.reserve(text.size() + text.size() / 8);
+  UnitReader units(text, 0, ScalarForms::shared(folding));
+  while (units.next()) {
+    for (const char32_t scalar : units.scalars()) {
+      appendScalar(result, scalar == kIllFormed ? char32_t{0xFFFD} : scalar);
+    }
+  }
+  return result;
 }
 
 }  // namespace platform::text

@@ -3,7 +3,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <memory>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -47,7 +47,8 @@ class ScalarForms {
     }
   };
 
-  explicit ScalarForms(CaseFolding folding) : folding_(folding) {}
+  /// The one table of this thread, made on first use.
+  static ScalarForms& shared(CaseFolding folding);
 
   /// Valid until the next call.
   const Form& of(char32_t scalar);
@@ -55,13 +56,12 @@ class ScalarForms {
   CaseFolding folding() const { return folding_; }
 
  private:
-  static constexpr std::size_t kEntries = 2048;
-
+  explicit ScalarForms(CaseFolding folding) : folding_(folding) {}
   Form make(char32_t scalar) const;
 
   CaseFolding folding_;
-  std::unique_ptr<Form[]> entries_;  // made on first use: ASCII needs none
-  Form passing_;                     // of a scalar that is its own form, by its block
+  std::array<Form, 2048> entries_;
+  Form passing_;  // of a scalar that is its own form, by its block
 };
 
 /// Reads a text unit by unit.
@@ -73,6 +73,10 @@ class UnitReader {
 
   /// Goes on to the next unit; false at the text's end.
   bool next();
+
+  /// Passes over units of plain ASCII, though perhaps not all.
+  void skipASCII();
+  void skipToEnd() { end_ = text_.size(); }
 
   std::size_t begin() const { return begin_; }  ///< of the unit, in the source
   std::size_t end() const { return end_; }
@@ -88,5 +92,8 @@ class UnitReader {
   ScalarForms& forms_;
   std::vector<char32_t> scalars_;
 };
+
+/// The comparison form of a whole text, ill-formed parts read as U+FFFD.
+std::string comparisonForm(std::string_view text, CaseFolding folding);
 
 }  // namespace platform::text

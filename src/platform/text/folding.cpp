@@ -15,18 +15,11 @@ char lowercasedASCII(char c) {
   return c >= 'A' && c <= 'Z' ? static_cast<char>(c | 0x20) : c;
 }
 
-/// The comparison forms of all units in a row.
-std::string comparisonForm(std::string_view text, CaseFolding folding) {
-  std::string result;
-  result.reserve(text.size() + text.size() / 8);
-  ScalarForms forms(folding);
-  UnitReader units(text, 0, forms);
-  while (units.next()) {
-    for (const char32_t scalar : units.scalars()) {
-      appendScalar(result, scalar == kIllFormed ? char32_t{0xFFFD} : scalar);
-    }
-  }
-  return result;
+/// Whether no scalar is as high as the first combining mark, U+0300, whose first byte is 0xCC.
+/// Below it everything is composed already.
+bool isEasilyComposed(std::string_view text) {
+  return std::none_of(text.begin(), text.end(),
+                      [](char c) { return static_cast<unsigned char>(c) >= 0xCC; });
 }
 
 }  // namespace
@@ -39,14 +32,14 @@ std::string foldedForSearch(std::string_view text) {
 }
 
 std::string canonicallyComposed(std::string_view text) {
-  if (isASCII(text)) return std::string(text);
+  if (!isValidUTF8(text)) return canonicallyComposed(replacingInvalidUTF8(text));
+  if (isEasilyComposed(text)) return std::string(text);
   UErrorCode status = U_ZERO_ERROR;
   const auto* composer = icu::Normalizer2::getNFCInstance(status);
-  if (isValidUTF8(text) &&
-      composer->isNormalizedUTF8({text.data(), static_cast<int32_t>(text.size())}, status)) {
-    return std::string(text);
-  }
-  // Decomposed first by our own hand: ICU sorts a long run of marks in quadratic time.
+  const auto wide = icu::UnicodeString::fromUTF8({text.data(), static_cast<int32_t>(text.size())});
+  if (composer->quickCheck(wide, status) == UNORM_YES) return std::string(text);
+  // Decomposed first by our own hand: ICU sorts a long run of marks in quadratic time, also when
+  // it is only asked whether UTF-8 is normalised.
   const std::string decomposed = comparisonForm(text, CaseFolding::none);
   std::string result;
   icu::StringByteSink<std::string> sink(&result);
