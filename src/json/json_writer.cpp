@@ -2,88 +2,51 @@
 
 #include <algorithm>
 #include <array>
-#include <bit>
 #include <charconv>
 #include <cmath>
-#include <cstring>
 #include <map>
 #include <ranges>
 
+#include "json/byte_scan.h"
 #include "platform/text/utf8.h"
 
 namespace tavi {
 namespace {
 
-/// What follows the backslash for each byte: 0 for none, 'u' for the form with digits.
-using EscapeTable = std::array<char, 256>;
+// What must be escaped. On the wire "/" need not be, but is.
+using CommandLineEscapes = ByteSet<0x20, '"', '\\'>;
+using WireEscapes = ByteSet<0x20, '"', '\\', '/'>;
 
-constexpr EscapeTable makeTable(JSONStyle style) {
-  EscapeTable table{};
-  std::fill_n(table.begin(), 0x20, 'u');
-  table['\n'] = 'n';
-  table['\r'] = 'r';
-  table['\t'] = 't';
-  table['"'] = '"';
-  table['\\'] = '\\';
-  if (style == JSONStyle::wire) table['/'] = '/';
-  return table;
-}
-constexpr EscapeTable commandLineTable = makeTable(JSONStyle::commandLine);
-constexpr EscapeTable wireTable = makeTable(JSONStyle::wire);
-
-// Eight bytes are tested at a time (Anderson, "Bit Twiddling Hacks": hasless, haszero). The tests
-// see a byte that is not there only above one that is, so "any of these" comes out exact.
-constexpr std::uint64_t ones = 0x0101010101010101;
-constexpr std::uint64_t highBits = ones * 0x80;
-constexpr std::uint64_t below(std::uint64_t word, std::uint8_t limit) {
-  return (word - ones * limit) & ~word & highBits;
-}
-constexpr std::uint64_t equal(std::uint64_t word, char byte) {
-  return below(word ^ (ones * static_cast<std::uint8_t>(byte)), 1);
-}
-template <JSONStyle style>
-std::uint64_t escapesIn(std::uint64_t word) {
-  std::uint64_t found = below(word, 0x20) | equal(word, '"') | equal(word, '\\');
-  if constexpr (style == JSONStyle::wire) found |= equal(word, '/');
-  return found;
-}
-
-std::size_t firstByte(std::uint64_t found) {
-  static_assert(std::endian::native == std::endian::little);
-  return static_cast<std::size_t>(std::countr_zero(found)) / 8;
-}
-
-/// The length of the run at the start of `text` that stands as it is.
-template <JSONStyle style>
-std::size_t plainLength(std::string_view text, const EscapeTable& table) {
-  std::size_t at = 0;
-  for (; at + 8 <= text.size(); at += 8) {
-    std::uint64_t word;
-    std::memcpy(&word, text.data() + at, 8);
-    if (const std::uint64_t found = escapesIn<style>(word)) return at + firstByte(found);
-  }
-  while (at < text.size() && table[static_cast<unsigned char>(text[at])] == 0) ++at;
-  return at;
-}
-
-void writeEscape(ByteSink& sink, char byte, char letter) {
-  sink.put('\\');
-  sink.put(letter);
-  if (letter != 'u') return;
+void writeEscape(ByteSink& sink, char byte) {
   constexpr std::string_view digits = "0123456789abcdef";
-  sink.append("00");
+  switch (byte) {
+    case '\n':
+      return sink.append("\\n");
+    case '\r':
+      return sink.append("\\r");
+    case '\t':
+      return sink.append("\\t");
+    case '"':
+      return sink.append("\\\"");
+    case '\\':
+      return sink.append("\\\\");
+    case '/':
+      return sink.append("\\/");
+    default:
+      break;
+  }
+  sink.append("\\u00");
   sink.put(digits[static_cast<unsigned char>(byte) >> 4]);
   sink.put(digits[static_cast<unsigned char>(byte) & 15]);
 }
 
-template <JSONStyle style>
+template <class Escapes>
 void writeEscaped(ByteSink& sink, std::string_view text) {
-  constexpr const EscapeTable& table = style == JSONStyle::wire ? wireTable : commandLineTable;
   while (true) {
-    const std::size_t plain = plainLength<style>(text, table);
+    const std::size_t plain = Escapes::lengthBefore(text);
     sink.append(text.substr(0, plain));
     if (plain == text.size()) return;
-    writeEscape(sink, text[plain], table[static_cast<unsigned char>(text[plain])]);
+    writeEscape(sink, text[plain]);
     text.remove_prefix(plain + 1);
   }
 }
@@ -107,8 +70,8 @@ void JSONWriter::string(std::string_view text) {
 }
 
 void JSONWriter::stringPart(std::string_view text) {
-  if (style_ == JSONStyle::wire) return writeEscaped<JSONStyle::wire>(sink_, text);
-  writeEscaped<JSONStyle::commandLine>(sink_, text);
+  if (style_ == JSONStyle::wire) return writeEscaped<WireEscapes>(sink_, text);
+  writeEscaped<CommandLineEscapes>(sink_, text);
 }
 
 void JSONWriter::integer(std::int64_t number) {
