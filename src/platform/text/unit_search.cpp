@@ -45,7 +45,7 @@ UnitSearch::UnitSearch(const UnitNeedle& needle, std::string_view text, std::siz
 
 std::optional<ByteRange> UnitSearch::next() {
   for (;;) {
-    if (matched_ == 0 && needle_.front() >= 0x80) units_.skipASCII();
+    if (matched_ == 0) units_.skipASCIIUntil(needle_.front());
     if (!units_.next()) return std::nullopt;
     // A match begins with a unit.
     if (matched_ == 0 && units_.scalars().front() != needle_.front()) continue;
@@ -55,7 +55,7 @@ std::optional<ByteRange> UnitSearch::next() {
 
 std::optional<ByteRange> UnitSearch::searchUnit() {
   const std::size_t mask = origins_.size() - 1;
-  const std::vector<char32_t>& scalars = units_.scalars();
+  const std::span<const char32_t> scalars = units_.scalars();
   for (std::size_t i = 0; i < scalars.size(); ++i) {
     origins_[count_++ & mask] = i == 0 ? units_.begin() : kInside;
     matched_ = needle_.advance(matched_, scalars[i]);

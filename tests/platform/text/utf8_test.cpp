@@ -40,10 +40,13 @@ TEST(UTF8, ReplacesEachMaximalIllFormedPartOnce) {
   };
   for (const auto& [bytes, expected] : cases) {
     EXPECT_FALSE(isValidUTF8(bytes));
-    std::string marked = replacingInvalidUTF8(bytes);
-    EXPECT_TRUE(isValidUTF8(marked));
-    for (std::size_t at; (at = marked.find("\xEF\xBF\xBD")) != std::string::npos;) {
-      marked.replace(at, 3, "?");
+    const std::string replaced = replacingInvalidUTF8(bytes);
+    EXPECT_TRUE(isValidUTF8(replaced));
+    std::string marked;
+    for (std::size_t at = 0; at < replaced.size();) {
+      const DecodedScalar scalar = decodeScalar(replaced, at);
+      marked.push_back(scalar.value == 0xFFFD ? '?' : static_cast<char>(scalar.value));
+      at = scalar.next;
     }
     EXPECT_EQ(marked, expected);
   }
