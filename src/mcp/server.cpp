@@ -65,9 +65,10 @@ std::string_view toolName(const json::object& params) {
   return name->get_string();
 }
 
-json::value toolArguments(const json::object& params) {
+const json::value& toolArguments(const json::object& params) {
+  static const json::value none = json::object();
   const json::value* arguments = params.if_contains("arguments");
-  if (!arguments || !arguments->is_object()) return json::object();
+  if (!arguments || !arguments->is_object()) return none;
   if (!isEncodable(*arguments))
     throw JSONRPCError(ErrorCode::invalidParams, "arguments not encodable as JSON");
   return *arguments;
@@ -139,7 +140,7 @@ ResultWriter MCPServer::callTool(const json::object* params) {
   if (staleness_.checkForStaleness(environment_.now())) writeStaleNotification();
   if (!params) throw JSONRPCError(ErrorCode::invalidParams, "params required");
   const MCPTool& tool = toolNamed(toolName(*params));
-  const json::value arguments = toolArguments(*params);
+  const json::value& arguments = toolArguments(*params);
   const bool stale = staleness_.staleFlag();
   const auto call = std::make_shared<ToolCall>();
   try {
