@@ -157,6 +157,7 @@ bool UnitReader::next() {
 
 void UnitReader::skipASCIIUntil(char32_t wanted) {
   std::size_t position = end_;
+  if (position == text_.size() || !isASCIIAt(position)) return;
   if (wanted >= 0x80) {
     position += asciiPrefixLength(text_.substr(position));
   } else {
