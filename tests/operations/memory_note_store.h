@@ -1,5 +1,6 @@
 #pragma once
 
+#include <memory>
 #include <string>
 #include <utility>
 #include <vector>
@@ -9,7 +10,8 @@
 namespace tavi::testing {
 
 /// A note store in memory: the rules of NoteStore on a vector of notes. Tags are a list beside
-/// the text, and a search knows a tag or one plain term. Every call is noted in `calls`.
+/// the text, and a search knows a tag or one plain term. Every call is noted in `calls`. Copies
+/// are stores of their own on the same notes, as two runs of the program have them.
 class MemoryNoteStore final : public NoteStore {
  public:
   struct StoredNote {
@@ -18,13 +20,23 @@ class MemoryNoteStore final : public NoteStore {
     std::vector<std::pair<std::string, std::string>> files;  ///< names and bytes
   };
 
+ private:
+  struct Contents {
+    std::vector<StoredNote> notes;
+    std::vector<std::string> loneTags, calls;
+  };
+  std::shared_ptr<Contents> contents_ = std::make_shared<Contents>();
+  std::vector<StoredNote>& notes_ = contents_->notes;
+  std::vector<std::string>& loneTags_ = contents_->loneTags;
+
+ public:
+  std::vector<std::string>& calls = contents_->calls;
+
   /// Adds a note called `title` with an id such as "ID-1"; the reference is valid until the next.
   StoredNote& add(const std::string& title, const std::string& content = "");
   StoredNote& find(const std::string& id);
   /// A tag that exists and has no notes.
   void addTag(const std::string& name) { loneTags_.push_back(name); }
-
-  std::vector<std::string> calls;
 
   Note noteWithID(const std::string& id) override;
   Note noteWithTitle(const std::string& title) override;
@@ -82,9 +94,6 @@ class MemoryNoteStore final : public NoteStore {
   WriteResponse withText(StoredNote& note, const std::string& text, const RemovalGate& gate);
   WriteResponse withPin(const std::string& id, const std::string& pin, bool present);
   std::string tagPin(const std::string& tag);
-
-  std::vector<StoredNote> notes_;
-  std::vector<std::string> loneTags_;
 };
 
 }  // namespace tavi::testing
