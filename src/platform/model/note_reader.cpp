@@ -168,7 +168,7 @@ std::vector<KVNoteFile> NoteReader::files(std::int64_t note) {
 void NoteReader::loadTags(const std::vector<KVNote*>& notes) {
   std::vector<KVNote*> wanted;
   std::copy_if(notes.begin(), notes.end(), std::back_inserter(wanted),
-               [](const KVNote* note) { return !note->state_.tags; });
+               [](const KVNote* note) { return !note->state_.tags && !note->committed_; });
   ByID byID(wanted, [](const KVNote& note) { return note.state_.row.id; });
   if (byID.empty()) return;
   for (KVNote* note : wanted) note->state_.tags.emplace();
@@ -192,7 +192,7 @@ void NoteReader::loadTags(const std::vector<KVNote*>& notes) {
 void NoteReader::loadPins(const std::vector<KVNote*>& notes) {
   std::vector<KVNote*> wanted;
   std::copy_if(notes.begin(), notes.end(), std::back_inserter(wanted),
-               [](const KVNote* note) { return !note->state_.pinnedInTags; });
+               [](const KVNote* note) { return !note->state_.pinnedInTags && !note->committed_; });
   ByID byID(wanted, [](const KVNote& note) { return note.state_.row.id; });
   if (byID.empty()) return;
   for (KVNote* note : wanted) note->state_.pinnedInTags.emplace();
@@ -209,7 +209,7 @@ void NoteReader::loadPins(const std::vector<KVNote*>& notes) {
 void NoteReader::loadFiles(const std::vector<KVNote*>& notes) {
   std::vector<KVNote*> wanted;
   std::copy_if(notes.begin(), notes.end(), std::back_inserter(wanted),
-               [](const KVNote* note) { return !note->state_.files; });
+               [](const KVNote* note) { return !note->state_.files && !note->committed_; });
   ByID byID(wanted, [](const KVNote& note) { return note.state_.row.id; });
   if (byID.empty()) return;
   for (KVNote* note : wanted) note->state_.files.emplace();
