@@ -6,11 +6,13 @@ namespace tavi {
 
 std::string ContentHash::of(std::string_view text) {
   const platform::system::SHA256Digest digest = platform::system::sha256(text);
-  // Seven digits are the first three bytes and half of the fourth.
-  std::string digits =
-      platform::system::hexadecimal({reinterpret_cast<const char*>(digest.data()), 4});
-  digits.pop_back();
-  return digits;
+  return ofDigest(platform::system::hexadecimal(
+      {reinterpret_cast<const char*>(digest.data()), digest.size()}));
+}
+
+std::string ContentHash::ofDigest(std::string_view sha256) {
+  constexpr std::size_t digits = 7;
+  return std::string(sha256.substr(0, digits));
 }
 
 }  // namespace tavi

@@ -1,0 +1,27 @@
+#include "cli/session.h"
+
+#include <cassert>
+#include <utility>
+
+namespace tavi {
+namespace {
+
+Session* inPlace = nullptr;
+
+}  // namespace
+
+Session& Session::current() {
+  assert(inPlace != nullptr);
+  return *inPlace;
+}
+
+Session::Scope::Scope(Session& session) : previous_(std::exchange(inPlace, &session)) {}
+Session::Scope::~Scope() {
+  inPlace = previous_;
+}
+
+std::unique_ptr<NoteStore> openStore(const StoreOptions& options) {
+  return Session::current().makeStore(options);
+}
+
+}  // namespace tavi

@@ -1,0 +1,67 @@
+#include "platform/model/bookkeeping.h"
+
+#include <chrono>
+#include <exception>
+
+#include "platform/model/search_index.h"
+#include "platform/model/sqlite.h"
+#include "platform/model/text_facts.h"
+#include "platform/text/folding.h"
+
+namespace tavimodel {
+namespace {
+
+constexpr std::int64_t enoughForABatch = 64;
+constexpr std::int64_t imported = 1000;  ///< so many at once come from an import
+constexpr int batchMilliseconds = 100;
+constexpr int importMilliseconds = 1000;
+
+std::int64_t notesWithoutFacts(sqlite::Connection& connection) {
+  sqlite::Query query = connection.query(
+      "SELECT count(*) FROM (SELECT 1 FROM noteSummary WHERE textDigest IS NULL LIMIT ?1)");
+  query.bind(1, imported).step();
+  return query.integer(0);
+}
+
+void writeFacts(sqlite::Connection& connection, int milliseconds) {
+  const auto start = std::chrono::steady_clock::now();
+  sqlite::Query notes = connection.query(
+      "SELECT note.id, note.title, note.text FROM noteSummary s JOIN note ON note.id = s.note "
+      "WHERE s.textDigest IS NULL");
+  while (notes.step()) {
+    const TextFacts facts = TextFacts::of(notes.text(2));
+    const std::string key = platform::text::foldedForSearch(notes.text(1));
+    sqlite::Query update = connection.query(
+        "UPDATE noteSummary SET titleKey = ?2, textDigest = ?3, textLength = ?4, "
+        "todoIncomplete = ?5, todoCompleted = ?6, features = ?7 WHERE note = ?1");
+    update.bind(1, notes.integer(0)).bind(2, std::string_view(key));
+    update.bind(3, std::string_view(facts.digest)).bind(4, facts.length);
+    update.bind(5, facts.todoIncomplete).bind(6, facts.todoCompleted).bind(7, facts.features).run();
+    if (std::chrono::steady_clock::now() - start > std::chrono::milliseconds(milliseconds)) return;
+  }
+}
+
+}  // namespace
+
+void catchUp(sqlite::Connection& connection) {
+  try {
+    const std::int64_t withoutFacts = notesWithoutFacts(connection);
+    SearchIndex index(connection);
+    const std::int64_t notIndexed = index.unknownNotes(imported);
+    if (withoutFacts < enoughForABatch && notIndexed < enoughForABatch) return;
+    const bool import = withoutFacts >= imported || notIndexed >= imported;
+    const int milliseconds = import ? importMilliseconds : batchMilliseconds;
+
+    connection.setBusyTimeout(0);
+    // What is written here can be worked out again: it need not survive a power cut.
+    connection.execute("PRAGMA synchronous = NORMAL");
+    sqlite::Transaction transaction(connection, sqlite::Transaction::Kind::write);
+    if (withoutFacts >= enoughForABatch) writeFacts(connection, milliseconds);
+    if (notIndexed >= enoughForABatch) index.bringUpToDate(milliseconds);
+    transaction.commit();
+  } catch (const std::exception&) {
+    // Somebody else is writing, or the disk is full: there will be another time.
+  }
+}
+
+}  // namespace tavimodel

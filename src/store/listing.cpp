@@ -1,0 +1,174 @@
+#include <functional>
+#include <optional>
+#include <utility>
+
+#include "domain/invalid_query.h"
+#include "platform/model/search_manager.h"
+#include "platform/model/search_query.h"
+#include "store/database_store.h"
+#include "store/note_conversion.h"
+
+namespace tavi {
+namespace {
+
+using tavimodel::FetchRequest;
+using tavimodel::KVNote;
+using tavimodel::KVNoteSearchManager;
+using tavimodel::ManagedObjectContext;
+using tavimodel::Predicate;
+using tavimodel::SearchTermCounter;
+using tavimodel::SortDescriptor;
+using tavimodel::SortKey;
+
+std::optional<Predicate> locationPredicate(std::optional<NoteLocation> location) {
+  if (!location) return std::nullopt;
+  switch (*location) {
+    case NoteLocation::notes:
+      return Predicate::withFormat("trashed == NO AND archived == NO");
+    case NoteLocation::trash:
+      return Predicate::withFormat("trashed == YES");
+    case NoteLocation::archive:
+      return Predicate::withFormat("archived == YES");
+  }
+  return std::nullopt;
+}
+
+SortKey sortKey(SortField field) {
+  switch (field) {
+    case SortField::pinned:
+      return SortKey::pinned;
+    case SortField::modified:
+      return SortKey::modificationDate;
+    case SortField::created:
+      return SortKey::creationDate;
+    case SortField::title:
+      return SortKey::title;
+  }
+  return SortKey::pinned;
+}
+
+/// A list sorts titles by code points, a search as the user's locale does and without case.
+FetchRequest fetchRequest(const ListRequest& request, std::optional<Predicate> search,
+                          bool localized) {
+  std::vector<Predicate> parts;
+  if (auto location = locationPredicate(request.location)) parts.push_back(std::move(*location));
+  parts.push_back(Predicate::withFormat("permanentlyDeleted == NO OR permanentlyDeleted == nil"));
+  if (search) parts.push_back(std::move(*search));
+  FetchRequest fetch;
+  fetch.predicate = Predicate::andPredicate(parts);
+  for (const SortCriterion& criterion : request.sort) {
+    fetch.sortDescriptors.push_back(
+        {sortKey(criterion.field), criterion.order == SortOrder::asc, localized});
+  }
+  fetch.fetchOffset = request.offset;
+  fetch.fetchLimit = request.limit;
+  return fetch;
+}
+
+/// The rows of one fetch. The notes are fetched, and their metadata loaded in bulk, when the first
+/// row is asked for; texts come one at a time, each time round.
+template <class Record>
+class FetchedList final : public RecordSource<Record> {
+ public:
+  /// Makes a row of a note, and of its text where the row has or counts it.
+  using Convert = std::function<Record(KVNote&, std::string_view text)>;
+
+  FetchedList(ManagedObjectContext& context, FetchRequest request, bool readsText, Convert convert)
+      : context_(context),
+        request_(std::move(request)),
+        readsText_(readsText),
+        convert_(std::move(convert)) {}
+
+  std::int64_t count() override {
+    if (notes_) return static_cast<std::int64_t>(notes_->size());
+    const std::int64_t all = context_.count(request_);
+    const std::int64_t left = std::max<std::int64_t>(0, all - request_.fetchOffset);
+    return std::min(left, request_.fetchLimit);
+  }
+
+  void forEach(const std::function<void(const Record&)>& visit) override {
+    if (!notes_) {
+      notes_ = context_.fetch(request_);
+      context_.prefetchMetadata(*notes_);
+    }
+    if (!readsText_) {
+      for (KVNote* note : *notes_) visit(convert_(*note, {}));
+      return;
+    }
+    context_.forEachText(*notes_,
+                         [&](KVNote& note, std::string_view text) { visit(convert_(note, text)); });
+  }
+
+ private:
+  ManagedObjectContext& context_;
+  FetchRequest request_;
+  bool readsText_;
+  Convert convert_;
+  std::optional<std::vector<KVNote*>> notes_;
+};
+
+template <class Record>
+RecordList<Record> fetched(ManagedObjectContext& context, FetchRequest request, bool readsText,
+                           typename FetchedList<Record>::Convert convert) {
+  return std::make_unique<FetchedList<Record>>(context, std::move(request), readsText,
+                                               std::move(convert));
+}
+
+struct ParsedSearch {
+  std::optional<Predicate> predicate;
+  std::shared_ptr<const SearchTermCounter> counter;  ///< null: nothing to count
+
+  std::int64_t matchesIn(std::string_view text) const {
+    return counter ? counter->numberOfMatches(text) : 0;
+  }
+};
+
+ParsedSearch parsed(const std::string& query) {
+  try {
+    ParsedSearch search{KVNoteSearchManager::predicateForSearchString(query), nullptr};
+    if (auto counter = KVNoteSearchManager::defaultSearchRegexForSearchString(query)) {
+      search.counter = std::make_shared<SearchTermCounter>(std::move(*counter));
+    }
+    return search;
+  } catch (const tavimodel::SearchSyntaxError& error) {
+    throw InvalidQuery(error.what());
+  }
+}
+
+Note noteOf(KVNote& note, std::string_view text) {
+  return {metadataOf(note), note.encryptedValue() ? std::string() : std::string(text)};
+}
+
+}  // namespace
+
+RecordList<NoteMetadata> TaviDatabaseStore::listNotes(const ListRequest& request) {
+  return fetched<NoteMetadata>(context(), fetchRequest(request, std::nullopt, false), false,
+                               [](KVNote& note, std::string_view) { return metadataOf(note); });
+}
+
+RecordList<Note> TaviDatabaseStore::listNotesWithContent(const ListRequest& request) {
+  return fetched<Note>(context(), fetchRequest(request, std::nullopt, false), true,
+                       [](KVNote& note, std::string_view text) { return noteOf(note, text); });
+}
+
+RecordList<SearchResult> TaviDatabaseStore::searchNotes(const std::string& query,
+                                                        const ListRequest& request) {
+  const ParsedSearch search = parsed(query);
+  return fetched<SearchResult>(context(), fetchRequest(request, search.predicate, true),
+                               search.counter != nullptr,
+                               [search](KVNote& note, std::string_view text) {
+                                 return SearchResult{metadataOf(note), search.matchesIn(text)};
+                               });
+}
+
+RecordList<SearchResultWithContent> TaviDatabaseStore::searchNotesWithContent(
+    const std::string& query, const ListRequest& request) {
+  const ParsedSearch search = parsed(query);
+  return fetched<SearchResultWithContent>(
+      context(), fetchRequest(request, search.predicate, true), true,
+      [search](KVNote& note, std::string_view text) {
+        return SearchResultWithContent{noteOf(note, text), search.matchesIn(text)};
+      });
+}
+
+}  // namespace tavi
