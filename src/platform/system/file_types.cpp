@@ -1,8 +1,8 @@
 #include "platform/system/file_types.h"
 
 #include <algorithm>
-#include <array>
 #include <iterator>
+#include <string>
 
 namespace platform::system {
 namespace {
@@ -18,23 +18,20 @@ constexpr std::string_view kImageExtensions[] = {
     "tga",  "tif",   "tiff", "webp", "x3f",  "xbm",  "xpm"};
 static_assert(std::is_sorted(std::begin(kImageExtensions), std::end(kImageExtensions)));
 
-constexpr std::size_t kLongestExtension = 5;
-
 }  // namespace
 
 FileType fileTypeOf(std::string_view filename) {
-  const std::string_view extension = pathExtension(filename);
-  if (extension.empty() || extension.size() > kLongestExtension) return {};
-  std::array<char, kLongestExtension> buffer;
-  std::transform(extension.begin(), extension.end(), buffer.begin(),
-                 [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c | 0x20) : c; });
-  const std::string_view lowercased(buffer.data(), extension.size());
+  std::string lowercased(pathExtension(filename));
+  for (char& c : lowercased) {
+    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c | 0x20);
+  }
   if (lowercased == "pdf") return {.conformsToPDF = true};
   if (lowercased == "svg" || lowercased == "svgz") {
     return {.conformsToSVG = true, .conformsToImage = true};
   }
-  return {.conformsToImage = std::binary_search(std::begin(kImageExtensions),
-                                                std::end(kImageExtensions), lowercased)};
+  return {.conformsToImage =
+              std::binary_search(std::begin(kImageExtensions), std::end(kImageExtensions),
+                                 std::string_view(lowercased))};
 }
 
 std::string_view pathExtension(std::string_view filename) {
