@@ -12,6 +12,7 @@
 #include "cli/commands/create_command.h"
 #include "cli/commands/edit_command.h"
 #include "cli/commands/list_command.h"
+#include "cli/commands/mcp_server_command.h"
 #include "cli/commands/move_commands.h"
 #include "cli/commands/open_command.h"
 #include "cli/commands/overwrite_command.h"
@@ -111,7 +112,8 @@ ArgumentParser::CommandConfiguration TaviCLI::configuration() {
                           commandType<AppendCommand>(), commandType<TagsCommand>(),
                           commandType<PinCommand>(), commandType<TrashCommand>(),
                           commandType<ArchiveCommand>(), commandType<RestoreCommand>(),
-                          commandType<OpenCommand>(), commandType<AttachmentsCommand>()}};
+                          commandType<OpenCommand>(), commandType<AttachmentsCommand>(),
+                          commandType<MCPServerCommand>()}};
 }
 
 void TaviCLI::declare(ArgumentParser::ArgumentSet& args) {
