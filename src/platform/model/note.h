@@ -75,7 +75,6 @@ class KVNote {
  private:
   friend class ManagedObjectContext;
   friend class NoteWriter;
-  friend class NoteReader;
   friend class KVNoteFile;
 
   struct State {

@@ -156,34 +156,45 @@ class TermSearch {
   std::string base_;
 };
 
-std::vector<NoteRow> readRows(sqlite::Query& query) {
-  std::vector<NoteRow> rows;
-  while (query.step()) rows.push_back(readNoteRow(query));
-  return rows;
-}
-
 /// A fetch that SQL decides by itself.
-std::vector<NoteRow> decidedBySQL(sqlite::Connection& connection, const FetchRequest& request,
-                                  const SearchPlan* plan) {
+NoteTable decidedBySQL(sqlite::Connection& connection, const FetchRequest& request,
+                       const SearchPlan* plan) {
   const std::string order = orderClause(request);
   const bool page = request.fetchLimit <= longestWalkedPage && !order.empty();
-  // The parentheses keep a page's ORDER BY from being read as a part of the condition.
-  std::string sql = fmt::format("SELECT {} FROM noteSummary s WHERE {} AND {}", noteRowColumns,
+  // A whole list is not fetched through an index: it would look every row up.
+  const bool walk = !page && plan == nullptr;
+  std::string sql = fmt::format("SELECT {} FROM noteSummary s{} WHERE {} AND {}",
+                                NoteTable::columns, walk ? " NOT INDEXED" : "",
                                 request.predicate.sql(), plan != nullptr ? plan->where() : "1");
   if (page) {
     sql += fmt::format("{} LIMIT {} OFFSET {}", order, request.fetchLimit, request.fetchOffset);
   }
-  if (!page && plan == nullptr)
-    sql.replace(sql.find("noteSummary s"), 13, "noteSummary s NOT INDEXED");
   sqlite::Query query = connection.query(sql);
   if (plan != nullptr) plan->bind(query);
-  std::vector<NoteRow> rows = readRows(query);
-  return page ? rows : sortedPage(std::move(rows), request);
+  NoteTable table;
+  while (query.step()) table.add(query);
+  table.loadRelations(connection);
+  if (!page) table.setOrder(sortedPage(table.rows(), request));
+  return table;
+}
+
+NoteTable tableOf(sqlite::Connection& connection, const std::vector<std::int64_t>& ids) {
+  sqlite::Query query =
+      connection.query(fmt::format("SELECT {} FROM json_each(?1) wanted CROSS JOIN noteSummary s "
+                                   "ON s.note = wanted.value",
+                                   NoteTable::columns));
+  const std::string list = jsonArray(ids);
+  query.bind(1, std::string_view(list));
+  NoteTable table;
+  table.reserve(ids.size());
+  while (query.step()) table.add(query);
+  table.loadRelations(connection);
+  return table;
 }
 
 }  // namespace
 
-std::vector<NoteRow> NoteFetch::rows(const FetchRequest& request) {
+NoteTable NoteFetch::table(const FetchRequest& request) {
   if (!request.predicate.search()) return decidedBySQL(connection_, request, nullptr);
   const SearchPlan plan(*request.predicate.search(), connection_);
   if (!plan.needsText()) return decidedBySQL(connection_, request, &plan);
@@ -191,11 +202,13 @@ std::vector<NoteRow> NoteFetch::rows(const FetchRequest& request) {
   TermSearch search(connection_, plan, request.predicate);
   auto found = search.throughIndex(commonFrom);
   if (!found) {
-    if (auto page = search.byWalking(request)) return NoteReader(connection_).rowsWithIDs(*page);
+    if (auto page = search.byWalking(request)) return tableOf(connection_, *page);
     found = search.throughIndex(unlimited);
   }
   if (!found) found = search.throughAll();
-  return sortedPage(NoteReader(connection_).rowsWithIDs(*found), request);
+  NoteTable table = tableOf(connection_, *found);
+  table.setOrder(sortedPage(table.rows(), request));
+  return table;
 }
 
 std::int64_t NoteFetch::count(const Predicate& predicate) {
@@ -229,7 +242,9 @@ std::vector<NoteRow> NoteFetch::rowsWithTag(std::string_view relation, std::stri
       "(SELECT id FROM tag WHERE title = ?1 {}))",
       noteRowColumns, relation, children ? "OR (title > ?1 || '/' AND title < ?1 || '0')" : ""));
   query.bind(1, tag);
-  return readRows(query);
+  std::vector<NoteRow> rows;
+  while (query.step()) rows.push_back(readNoteRow(query));
+  return rows;
 }
 
 }  // namespace tavimodel
