@@ -72,7 +72,7 @@ template <class Record>
 class FetchedList final : public RecordSource<Record> {
  public:
   /// Makes a row of a note, and of its text where the row has or counts it.
-  using Convert = std::function<Record(const NoteView&, std::string_view text)>;
+  using Convert = std::function<void(const NoteView&, std::string_view text, Record& row)>;
 
   FetchedList(ManagedObjectContext& context, FetchRequest request, bool readsText, Convert convert)
       : context_(context),
@@ -89,13 +89,19 @@ class FetchedList final : public RecordSource<Record> {
 
   void forEach(const std::function<void(const Record&)>& visit) override {
     if (!table_) table_ = context_.fetch(request_);
+    Record row;  // one for all, so that its memory is used again
     if (readsText_) {
       context_.forEachText(*table_, [&](const NoteView& note, std::string_view text) {
-        visit(convert_(note, text));
+        convert_(note, text, row);
+        visit(row);
       });
       return;
     }
-    for (std::size_t i = 0; i < table_->size(); ++i) visit(convert_((*table_)[i], {}));
+    for (std::size_t i = 0; i < table_->size(); ++i) {
+      table_->prefetch(i + 8);
+      convert_((*table_)[i], {}, row);
+      visit(row);
+    }
   }
 
  private:
@@ -134,8 +140,9 @@ ParsedSearch parsed(const std::string& query) {
   }
 }
 
-Note noteOf(const NoteView& note, std::string_view text) {
-  return {metadataOf(note), note.encrypted ? std::string() : std::string(text)};
+void convert(const NoteView& note, std::string_view text, Note& row) {
+  convert(note, row.metadata);
+  row.content = note.encrypted ? std::string_view() : text;
 }
 
 }  // namespace
@@ -143,23 +150,24 @@ Note noteOf(const NoteView& note, std::string_view text) {
 RecordList<NoteMetadata> TaviDatabaseStore::listNotes(const ListRequest& request) {
   return fetched<NoteMetadata>(
       context(), fetchRequest(request, std::nullopt, false), false,
-      [](const NoteView& note, std::string_view) { return metadataOf(note); });
+      [](const NoteView& note, std::string_view, NoteMetadata& row) { convert(note, row); });
 }
 
 RecordList<Note> TaviDatabaseStore::listNotesWithContent(const ListRequest& request) {
   return fetched<Note>(
       context(), fetchRequest(request, std::nullopt, false), true,
-      [](const NoteView& note, std::string_view text) { return noteOf(note, text); });
+      [](const NoteView& note, std::string_view text, Note& row) { convert(note, text, row); });
 }
 
 RecordList<SearchResult> TaviDatabaseStore::searchNotes(const std::string& query,
                                                         const ListRequest& request) {
   const ParsedSearch search = parsed(query);
-  return fetched<SearchResult>(context(), fetchRequest(request, search.predicate, true),
-                               search.counter != nullptr,
-                               [search](const NoteView& note, std::string_view text) {
-                                 return SearchResult{metadataOf(note), search.matchesIn(text)};
-                               });
+  return fetched<SearchResult>(
+      context(), fetchRequest(request, search.predicate, true), search.counter != nullptr,
+      [search](const NoteView& note, std::string_view text, SearchResult& row) {
+        convert(note, row.metadata);
+        row.matchCount = search.matchesIn(text);
+      });
 }
 
 RecordList<SearchResultWithContent> TaviDatabaseStore::searchNotesWithContent(
@@ -167,8 +175,9 @@ RecordList<SearchResultWithContent> TaviDatabaseStore::searchNotesWithContent(
   const ParsedSearch search = parsed(query);
   return fetched<SearchResultWithContent>(
       context(), fetchRequest(request, search.predicate, true), true,
-      [search](const NoteView& note, std::string_view text) {
-        return SearchResultWithContent{noteOf(note, text), search.matchesIn(text)};
+      [search](const NoteView& note, std::string_view text, SearchResultWithContent& row) {
+        convert(note, text, row.note);
+        row.matchCount = search.matchesIn(text);
       });
 }
 

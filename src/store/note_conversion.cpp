@@ -29,8 +29,13 @@ std::vector<std::string> pinsOf(const NoteView& note) {
   return pins;
 }
 
-std::vector<std::string> texts(std::span<const std::string_view> views) {
-  return {views.begin(), views.end()};
+void assign(std::vector<std::string>& texts, std::span<const std::string_view> views) {
+  texts.resize(views.size());
+  for (std::size_t i = 0; i < views.size(); ++i) texts[i] = views[i];
+}
+
+void sortByCodePoints(std::vector<std::string>& texts) {
+  if (texts.size() > 1) std::sort(texts.begin(), texts.end(), platform::text::CodePointLess());
 }
 
 std::vector<std::string_view> views(const std::vector<std::string>& texts) {
@@ -40,7 +45,7 @@ std::vector<std::string_view> views(const std::vector<std::string>& texts) {
 }  // namespace
 
 std::vector<std::string> sortedByCodePoints(std::vector<std::string> texts) {
-  if (texts.size() > 1) std::sort(texts.begin(), texts.end(), platform::text::CodePointLess());
+  sortByCodePoints(texts);
   return texts;
 }
 
@@ -53,8 +58,7 @@ std::vector<std::string> sortedHashtags(std::span<const std::string_view> names)
   return sortedByCodePoints(std::move(hashtags));
 }
 
-NoteMetadata metadataOf(const NoteView& note) {
-  NoteMetadata metadata;
+void convert(const NoteView& note, NoteMetadata& metadata) {
   metadata.id = note.uniqueIdentifier;
   metadata.title = note.title;
   metadata.locked = note.encrypted;
@@ -62,14 +66,14 @@ NoteMetadata metadataOf(const NoteView& note) {
   metadata.modified = instant(note.modificationDate);
   metadata.pins = pinsOf(note);
   metadata.location = locationOf(note);
-  metadata.tags = sortedByCodePoints(texts(note.tags));
-  if (metadata.locked) return metadata;
-  metadata.contentHash = ContentHash::ofDigest(note.digest);
-  metadata.contentLength = note.length;
-  metadata.todos = note.todoIncomplete;
-  metadata.done = note.todoCompleted;
-  metadata.attachments = texts(note.filenames);
-  return metadata;
+  assign(metadata.tags, note.tags);
+  sortByCodePoints(metadata.tags);
+  const bool readable = !note.encrypted;
+  metadata.contentHash = readable ? ContentHash::ofDigest(note.digest) : std::string();
+  metadata.contentLength = readable ? note.length : 0;
+  metadata.todos = readable ? note.todoIncomplete : 0;
+  metadata.done = readable ? note.todoCompleted : 0;
+  assign(metadata.attachments, readable ? note.filenames : std::span<const std::string_view>());
 }
 
 NoteMetadata metadataOf(KVNote& note) {
@@ -86,7 +90,11 @@ NoteMetadata metadataOf(KVNote& note) {
   const std::vector<std::string_view> pins = views(note.pinnedInTags());
   view.tags = tags;
   view.pinnedInTags = pins;
-  if (view.encrypted) return metadataOf(view);
+  NoteMetadata metadata;
+  if (view.encrypted) {
+    convert(view, metadata);
+    return metadata;
+  }
   const tavimodel::TextFacts& facts = note.textFacts();
   view.digest = facts.digest;
   view.length = facts.length;
@@ -97,7 +105,8 @@ NoteMetadata metadataOf(KVNote& note) {
     if (file.filename) filenames.push_back(*file.filename);
   }
   view.filenames = filenames;
-  return metadataOf(view);
+  convert(view, metadata);
+  return metadata;
 }
 
 Note noteOf(KVNote& note) {

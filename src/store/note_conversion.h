@@ -13,7 +13,8 @@ namespace tavi {
 
 /// The one conversion of a note of the model, which every read and every write response goes
 /// through. Of a locked note, hash, counts and attachments are empty.
-NoteMetadata metadataOf(const tavimodel::NoteView& note);
+/// What `metadata` held before goes; its memory is used again, which is what a long list lives on.
+void convert(const tavimodel::NoteView& note, NoteMetadata& metadata);
 
 /// The same of an object of the model; the text of a locked note is not read.
 NoteMetadata metadataOf(tavimodel::KVNote& note);

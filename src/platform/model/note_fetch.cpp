@@ -17,9 +17,11 @@ namespace {
 
 /// A term with more candidates than this is common: a page of it is found sooner by walking.
 constexpr std::size_t commonFrom = 2000;
-/// Pages up to here are walked to; a walk that has looked at this many notes in vain gives up.
+/// Pages up to here are walked to.
 constexpr std::int64_t longestWalkedPage = 1000;
-constexpr std::int64_t longestWalk = 2000;
+/// A walk that has looked at so many notes and found less than a quarter of its page gives up.
+constexpr std::int64_t shortWalk = 256;
+constexpr std::int64_t longWalk = 4096;
 constexpr std::size_t unlimited = SIZE_MAX;
 
 /// Decides one query's terms, note by note.
@@ -41,7 +43,8 @@ class TermSearch {
   }
 
   /// Ids in the request's order until the page is full; nothing when it takes too long.
-  std::optional<std::vector<std::int64_t>> byWalking(const FetchRequest& request) {
+  std::optional<std::vector<std::int64_t>> byWalking(const FetchRequest& request,
+                                                     std::int64_t patience) {
     const std::string order = orderClause(request);
     const std::int64_t wanted = request.fetchLimit <= longestWalkedPage
                                     ? request.fetchOffset + request.fetchLimit
@@ -52,9 +55,8 @@ class TermSearch {
     sqlite::Query rows = select("noteSummary s", order);
     plan_.bind(rows);
     while (static_cast<std::int64_t>(found.size()) < wanted && rows.step()) {
-      if (++looked > longestWalk && static_cast<std::int64_t>(found.size()) * 8 < wanted) {
-        return std::nullopt;
-      }
+      const bool hopeful = static_cast<std::int64_t>(found.size()) * 4 >= wanted;
+      if (++looked > patience && !hopeful) return std::nullopt;
       if (matchesByLookup(rows)) found.push_back(rows.integer(0));
     }
     const auto skipped = std::min(request.fetchOffset, static_cast<std::int64_t>(found.size()));
@@ -200,9 +202,10 @@ NoteTable NoteFetch::table(const FetchRequest& request) {
   if (!plan.needsText()) return decidedBySQL(connection_, request, &plan);
 
   TermSearch search(connection_, plan, request.predicate);
+  if (auto page = search.byWalking(request, shortWalk)) return tableOf(connection_, *page);
   auto found = search.throughIndex(commonFrom);
   if (!found) {
-    if (auto page = search.byWalking(request)) return tableOf(connection_, *page);
+    if (auto page = search.byWalking(request, longWalk)) return tableOf(connection_, *page);
     found = search.throughIndex(unlimited);
   }
   if (!found) found = search.throughAll();
