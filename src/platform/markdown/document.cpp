@@ -191,7 +191,8 @@ class DocumentReader {
     ++linkDepth_;
     targetBytes_ += target.size;
     if (targetBytes_ > kTargetBytesPerByte * budget_) return 1;
-    links_.enter(kind, offsetOf(view(target)), view(target));
+    const auto offset = offsetOf(view(target));
+    links_.enter(kind, offset, offset ? std::string() : resolved(target));
     return goOn();
   }
 
@@ -266,6 +267,7 @@ class DocumentReader {
     } else {
       glue_ = type == MD_TEXT_NORMAL ? Glue::text : Glue::other;
     }
+    if (type == MD_TEXT_HTML) glue_ = Glue::boundary;
     return goOn();
   }
 

@@ -44,7 +44,7 @@ Layout::Layout(std::string_view text, const Document& document) : text_(text), d
   findFootnotes();
   std::size_t line = passTagLines(skipBlankLines(text, document.bodyBegin));
   line = passTitle(skipBlankLines(text, line));
-  line = passTagLines(line);
+  if (headingEnd_) line = passTagLines(line);
   findFoot(line);
   if (const std::size_t next = skipBlankLines(text, line); next < footBegin_) {
     line = passTagLines(next);
@@ -62,6 +62,17 @@ bool Layout::isTagLine(std::size_t begin) const {
     at = tag->range.end;
   }
   return isBlankText(text_.substr(at, end - at));
+}
+
+bool Layout::bodyGoesOn() const {
+  const auto block = firstEndingBehind(document_.blocks, bodyBegin_);
+  return hasBody() && block != document_.blocks.end() && block->text.begin < bodyBegin_ &&
+         block->kind == BlockKind::paragraph;
+}
+
+std::optional<BlockKind> Layout::bodyKind() const {
+  const auto block = firstEndingBehind(document_.blocks, bodyBegin_);
+  return block == document_.blocks.end() ? std::nullopt : std::optional(block->kind);
 }
 
 void Layout::endHead(std::size_t end, bool inTags) {

@@ -12,8 +12,15 @@ constexpr std::size_t npos = std::string_view::npos;
 constexpr char kPunctuation = ',';  // flanks emphasis as a bracket does
 constexpr char kLetter = 'x';
 
+bool isEscaped(std::string_view body, std::size_t at) {
+  const std::size_t last = body.substr(0, at).find_last_not_of('\\');
+  const std::size_t backslashes = at - (last == npos ? 0 : last + 1);
+  return backslashes % 2 == 1;
+}
+
 /// The offset of the "]" of a footnote's label at `at`, or npos.
 std::size_t footnoteLabelEnd(std::string_view body, std::size_t at) {
+  if (isEscaped(body, at)) return npos;
   const std::size_t end = body.find_first_of(" \t\r\n[]", at + 2);
   return end != npos && body[end] == ']' && end > at + 2 ? end : npos;
 }

@@ -18,6 +18,28 @@ bool hasTag(const Document& document, std::string_view name) {
                      [&](const HashtagMention& tag) { return tag.name == name; });
 }
 
+/// The name's hashtag as it is read back before `rest`, the rest of its line. A closing mark more
+/// than the name needs keeps "#2024#.5" from growing; a backslash keeps a hash mark that follows.
+std::optional<std::string> fittingHashtag(std::string_view name, std::string_view rest) {
+  constexpr std::size_t kBehindMark = 8;
+  const auto usual = ZDKHashtag::hashtagStringForTagName(name);
+  if (!usual) return std::nullopt;
+  if (const std::size_t hash = rest.find('#', 1); hash != rest.npos) {
+    rest = rest.substr(0, hash + kBehindMark);
+  }
+  const std::string closed = "#" + std::string(name) + "#";
+  for (const std::string& hashtag : {*usual, closed, closed + "\\"}) {
+    const std::string line = hashtag + std::string(rest);
+    std::vector<HashtagMention> tags;
+    findHashtags(line, {0, line.size()}, /*opens=*/true, tags);
+    if (!tags.empty() && tags[0].name == name &&
+        tags[0].range.end == hashtag.find_last_not_of('\\') + 1) {
+      return hashtag;
+    }
+  }
+  return std::nullopt;
+}
+
 /// On a line of its own directly below the title; without a heading, as the first line.
 Operations plannedTopLine(std::string_view text, const Document& document, const Layout& layout,
                           std::string_view hashtag) {
@@ -70,11 +92,13 @@ class Renamer {
   }
 
   void rewrite(const HashtagMention& tag, const std::string& name, bool isKnown) {
-    const auto hashtag = ZDKHashtag::hashtagStringForTagName(name);
+    const std::size_t end = lineEnd(text_, tag.range.end);
+    const auto hashtag = fittingHashtag(name, text_.substr(tag.range.end, end - tag.range.end));
     if (!hashtag) return;
     if (isKnown) {
       SourceRange range = tag.range;
-      const std::size_t floor = results_.empty() ? line_ : std::max(line_, results_.back().range.end);
+      const std::size_t floor =
+          results_.empty() ? line_ : std::max(line_, results_.back().range.end);
       while (range.begin > floor && isBlank(text_[range.begin - 1])) --range.begin;
       if (range.begin == line_) range.end = skipBlanks(text_, range.end);
       results_.push_back({range, {}});
