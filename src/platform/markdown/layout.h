@@ -58,7 +58,6 @@ class Layout {
   std::size_t passTagLines(std::size_t line);
   std::size_t passTitle(std::size_t line);
   void endHead(std::size_t end, bool inTags);
-  bool isPlainText(std::size_t position) const;
   bool startsFootnote(std::size_t line) const;
   std::size_t footnoteEnd(std::size_t line) const;
   const SourceRange* footnoteAt(std::size_t position) const;

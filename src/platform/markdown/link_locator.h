@@ -41,6 +41,9 @@ class LinkLocator {
   /// very bytes of the text; else `destination` is what it made of them.
   void enter(LinkKind kind, std::optional<std::size_t> destinationAt, std::string destination);
 
+  /// Forgets links that were entered and not left.
+  void endBlock() { open_.clear(); }
+
   /// The link that was entered last. Nothing for an autolink, which has no brackets.
   std::optional<LocatedLink> leave();
 

@@ -42,7 +42,9 @@ class Remover {
   std::pair<SourceRange, RangeIterator> lineOf(RangeIterator first, RangeIterator end) const {
     SourceRange line{lineBegin(text_, first->begin), lineEnd(text_, first->end)};
     auto last = std::next(first);
-    for (; last != end && last->begin <= line.end; ++last) line.end = lineEnd(text_, last->end);
+    for (; last != end && last->begin <= line.end; ++last) {
+      if (last->end > line.end) line.end = lineEnd(text_, last->end);
+    }
     return {line, last};
   }
 
@@ -79,6 +81,7 @@ class Remover {
   /// what an insertion wrote is what goes.
   SourceRange wholeLines(SourceRange line) const {
     const std::size_t below = behindLineBreak(text_, line.end);
+    if (wouldBecomeCode(below, line.begin)) return {line.begin, skipBlanks(text_, below)};
     if (line.begin <= bodyBegin_) {
       const bool goesOn = isBlankLine(below) && skipBlankLines(text_, below) < text_.size();
       return {line.begin, goesOn ? nextLine(text_, below) : below};
@@ -88,6 +91,16 @@ class Remover {
     const bool isBlankAbove = above > bodyBegin_ && isBlankLine(above);
     const bool isBlankBelow = below == text_.size() || isBlankLine(below);
     return {isBlankAbove && isBlankBelow ? previousLineEnd(text_, above) : aboveEnd, line.end};
+  }
+
+  /// Whether the line at `below` goes on with a paragraph, deep enough to be code without it.
+  bool wouldBecomeCode(std::size_t below, std::size_t line) const {
+    const std::size_t textBegin = skipBlanks(text_, below);
+    const std::string_view indentation = text_.substr(below, textBegin - below);
+    const bool isDeep = indentation.size() >= 4 || indentation.find('\t') != std::string_view::npos;
+    if (!isDeep || isBlankLine(below) || below == text_.size()) return false;
+    if (line <= bodyBegin_) return true;
+    return isBlankLine(lineBegin(text_, previousLineEnd(text_, line)));
   }
 
   bool isBlankLine(std::size_t begin) const {
