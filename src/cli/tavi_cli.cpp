@@ -1,5 +1,6 @@
 #include "cli/tavi_cli.h"
 
+#include <fcntl.h>
 #include <unistd.h>
 
 #include <csignal>
@@ -100,6 +101,15 @@ std::optional<int> flushed(Session& session, std::optional<int> exitCode) {
   return exitCode;
 }
 
+/// Puts something in the place of standard streams that the caller closed: else the database would
+/// be opened there, and output written into it. Writing still fails, as it should.
+void keepStandardDescriptors() {
+  for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+    // The lowest free descriptor is the one that open(2) takes.
+    if (::fcntl(descriptor, F_GETFD) == -1) (void)::open("/dev/null", O_RDONLY);
+  }
+}
+
 }  // namespace
 
 ArgumentParser::CommandConfiguration TaviCLI::configuration() {
@@ -121,8 +131,10 @@ void TaviCLI::declare(ArgumentParser::ArgumentSet& args) {
 }
 
 std::optional<int> TaviCLI::main(const std::vector<std::string>& arguments) {
-  // A reader that stops reading, as `head` does, ends the output and not a write that is under way.
-  std::signal(SIGPIPE, SIG_IGN);
+  keepStandardDescriptors();
+  // A reader that stops reading, as `head` does, ends the output and not what is under way. Not
+  // SIG_IGN, which a program that we start would inherit.
+  std::signal(SIGPIPE, [](int) {});
   DescriptorSink output(STDOUT_FILENO);
   DescriptorSink errors(STDERR_FILENO);
   Session session{.output = output,

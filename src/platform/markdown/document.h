@@ -59,4 +59,7 @@ struct Document {
 
 Document readDocument(std::string_view text);
 
+/// The stretch that holds the byte at `position`; absent where that is markup or no plain text.
+const TextStretch* stretchAt(const Document& document, std::size_t position);
+
 }  // namespace zephyrdown
