@@ -153,7 +153,9 @@ std::optional<int> TaviCLI::main(const std::vector<std::string>& arguments, Sess
     exitCode = serve(commandType<TaviCLI>(), arguments);
   } catch (const OutputClosed&) {  // within a long page of help
   }
-  return flushed(session, exitCode);
+  exitCode = flushed(session, exitCode);
+  session.store.reset();
+  return exitCode;
 }
 
 }  // namespace tavi

@@ -13,7 +13,7 @@ CommandConfiguration MCPServerCommand::configuration() {
 }
 
 void MCPServerCommand::run() {
-  mcp::runServer({.createStore = [] { return openStore(); },
+  mcp::runServer({.createStore = [] { return Session::current().makeStore({}); },
                   .postRefresh = TaviCLIBridge::requestAppRefresh,
                   .version = versionString()});
 }
