@@ -87,4 +87,19 @@ ProgramResult runProgram(const std::vector<std::string>& arguments, const std::s
   return result;
 }
 
+int runAndKill(const std::vector<std::string>& arguments, const std::filesystem::path& input,
+               int microseconds) {
+  const pid_t child = fork();
+  if (child == 0) {
+    const int in = open(input.c_str(), O_RDONLY);
+    const int nowhere = open("/dev/null", O_WRONLY);
+    become(arguments, in, nowhere, nowhere);
+  }
+  usleep(static_cast<useconds_t>(microseconds));
+  kill(child, SIGKILL);
+  int status = 0;
+  waitpid(child, &status, 0);
+  return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
 }  // namespace support
