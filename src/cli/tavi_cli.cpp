@@ -135,6 +135,8 @@ std::optional<int> TaviCLI::main(const std::vector<std::string>& arguments) {
   // A reader that stops reading, as `head` does, ends the output and not what is under way. Not
   // SIG_IGN, which a program that we start would inherit.
   std::signal(SIGPIPE, [](int) {});
+  // A file that would grow beyond the user's limit is a failed write, to be told like any other.
+  std::signal(SIGXFSZ, [](int) {});
   DescriptorSink output(STDOUT_FILENO);
   DescriptorSink errors(STDERR_FILENO);
   Session session{.output = output,
