@@ -6,8 +6,8 @@ namespace tavi {
 
 std::string ContentHash::of(std::string_view text) {
   const platform::system::SHA256Digest digest = platform::system::sha256(text);
-  return ofDigest(platform::system::hexadecimal(
-      {reinterpret_cast<const char*>(digest.data()), digest.size()}));
+  return ofDigest(
+      platform::system::hexadecimal({reinterpret_cast<const char*>(digest.data()), digest.size()}));
 }
 
 std::string ContentHash::ofDigest(std::string_view sha256) {

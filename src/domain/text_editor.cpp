@@ -43,6 +43,7 @@ std::vector<ByteRange> wordMatches(const EditOperation& edit, std::string_view t
 std::string applied(const EditAction& action, const std::vector<ByteRange>& ranges,
                     std::string_view text) {
   std::string result;
+  result.reserve(text.size() + ranges.size() * action.text.size());
   std::size_t copied = 0;
   for (const ByteRange& range : ranges) {
     const bool isBefore = action.kind == EditAction::Kind::insertBefore;

@@ -10,24 +10,33 @@ namespace {
 
 using platform::text::ByteRange;
 
+/// What stands for a character that would break a line or be mistaken for such a stand-in; null
+/// for others.
+const char* standIn(char c) {
+  switch (c) {
+    case '\\':
+      return "\\\\";
+    case '\n':
+      return "\\n";
+    case '\t':
+      return "\\t";
+    default:
+      return nullptr;
+  }
+}
+
 std::string onOneLine(std::string_view text) {
   std::string result;
   result.reserve(text.size() + text.size() / 8);
-  for (const char c : text) {
-    switch (c) {
-      case '\\':
-        result += "\\\\";
-        break;
-      case '\n':
-        result += "\\n";
-        break;
-      case '\t':
-        result += "\\t";
-        break;
-      default:
-        result += c;
-    }
+  std::size_t copied = 0;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    const char* replacement = standIn(text[i]);
+    if (replacement == nullptr) continue;
+    result.append(text, copied, i - copied);
+    result += replacement;
+    copied = i + 1;
   }
+  result.append(text, copied);
   return result;
 }
 
