@@ -14,7 +14,7 @@ enum class BlockKind {
   paragraph,
   heading,
   list,      ///< one that may begin directly below a paragraph
-  lateList,  ///< one that needs a blank line above: numbered from another number than 1, or empty
+  lateList,  ///< one that needs a blank line above: numbered from another number than 1
   quote,
   table,
   fencedCode,

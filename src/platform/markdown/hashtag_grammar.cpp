@@ -99,10 +99,11 @@ bool holdsOnlyNameCharacters(std::string_view name) {
 }
 
 /// Whether a tag may start directly behind the text that ends at `at`, which is above `begin`.
-/// Not inside a word, and not where "#" is a fragment, a colour or an operator.
+/// Not inside a word, and not where "#" is a fragment, a colour or an operator. An asterisk
+/// may stand there whether it is emphasis or not.
 bool mayStandBefore(std::string_view text, std::size_t at) {
   const auto last = byteOf(text[at - 1]);
-  if (last < 0x80) return std::string_view(" \t\v\f([{\"',;|").find(text[at - 1]) != npos;
+  if (last < 0x80) return std::string_view(" \t\v\f([{\"',;|*~").find(text[at - 1]) != npos;
   const char32_t scalar = decodeScalar(text, platform::text::previousScalar(text, at)).value;
   const bool endsEmoji = scalar == 0xFE0F || scalar == 0x20E3;
   return endsEmoji || !platform::text::isAlphanumeric(scalar);
@@ -206,14 +207,13 @@ void findHashtags(std::string_view text, SourceRange stretch, bool opens,
                   std::vector<HashtagMention>& found) {
   const Scanner scanner(text, stretch.end);
   const std::string_view upToEnd = text.substr(0, stretch.end);
-  std::size_t hash = upToEnd.find('#', stretch.begin);
-  while (hash != npos) {
+  std::size_t behindTag = npos;  // "#a🎉#b" is one tag, as "#a#b" is
+  for (std::size_t hash = upToEnd.find('#', stretch.begin); hash != npos;) {
+    const bool mayStart = hash == stretch.begin ? opens : mayStandBefore(text, hash);
     std::size_t next = hash + 1;
-    if (hash == stretch.begin ? opens : mayStandBefore(text, hash)) {
-      if (auto mention = scanner.read(hash)) {
-        next = mention->range.end;
-        found.push_back(std::move(*mention));
-      }
+    if (auto mention = mayStart && hash != behindTag ? scanner.read(hash) : std::nullopt) {
+      next = behindTag = mention->range.end;
+      found.push_back(std::move(*mention));
     }
     hash = upToEnd.find('#', next);
   }

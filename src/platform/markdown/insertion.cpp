@@ -24,12 +24,21 @@ Side lowerSideOf(std::string_view text) {
   return side;
 }
 
+/// The mark of an empty list item.
+bool isBareMark(std::string_view line) {
+  return line.find_first_not_of(" \t-+*.)0123456789") == std::string_view::npos;
+}
+
 Side upperSideOf(std::string_view text) {
   const Document document = readDocument(text);
-  Side side;
-  if (!document.blocks.empty()) side.kind = document.blocks.front().kind;
   const std::size_t begin = skipBlankLines(text, 0);
-  side.line = text.substr(begin, lineEnd(text, begin) - begin);
+  const std::size_t end = lineEnd(text, begin);
+  Side side{std::nullopt, text.substr(begin, end - begin)};
+  if (document.blocks.empty()) return side;
+  const Block& block = document.blocks.front();
+  // A paragraph that begins further down: definitions of references stand above.
+  if (block.kind != BlockKind::paragraph || block.text.begin < end) side.kind = block.kind;
+  if (block.kind == BlockKind::list && isBareMark(side.line)) side.kind = BlockKind::lateList;
   return side;
 }
 
@@ -167,9 +176,10 @@ Operations plannedAbove(std::string_view text, const Layout& layout, std::string
     piece.addLine(closing);
     return std::move(piece).at(position);
   }
-  const std::string_view line = text.substr(position, lineEnd(text, position) - position);
-  const Side below = layout.bodyGoesOn() ? paragraphSide() : Side{layout.bodyKind(), line};
-  piece.endIn(needBlankLine(lowerSideOf(inserted), below) ? 2 : 1);
+  const Side below = layout.bodyGoesOn() ? paragraphSide() : upperSideOf(text.substr(position));
+  const Side bottom = lowerSideOf(inserted);
+  const bool hasCutIn = layout.bodyCutsIn() && bottom.kind == BlockKind::paragraph;
+  piece.endIn(!hasCutIn && needBlankLine(bottom, below) ? 2 : 1);
   return std::move(piece).at(position);
 }
 
@@ -212,15 +222,9 @@ Operations plannedAppend(std::string_view text, const Layout& layout, std::strin
   if (end > first) {
     return plannedBelow(text, foot, inserted, !layout.hasBody() && layout.headEndsInTags());
   }
-  if (layout.hasFoot()) {
-    Piece piece(text, inserted);
-    piece.addText();
-    piece.endIn(2);
-    return std::move(piece).at(foot);
-  }
   Piece piece(text, inserted);
   piece.addText();
-  if (text.size() > first) piece.endIn(1);
+  if (text.size() > first) piece.endIn(layout.hasFoot() ? 2 : 1);
   return std::move(piece).at(first);
 }
 

@@ -62,9 +62,8 @@ bool Layout::bodyGoesOn() const {
          block->kind == BlockKind::paragraph;
 }
 
-std::optional<BlockKind> Layout::bodyKind() const {
-  const auto block = firstEndingBehind(document_.blocks, bodyBegin_);
-  return block == document_.blocks.end() ? std::nullopt : std::optional(block->kind);
+bool Layout::bodyCutsIn() const {
+  return headEnd_ && headEnd_ != headingEnd_ && behindLineBreak(text_, *headEnd_) == bodyBegin_;
 }
 
 void Layout::endHead(std::size_t end, bool inTags) {

@@ -39,8 +39,8 @@ class Layout {
   std::size_t bodyBegin() const { return bodyBegin_; }
   /// Whether the body's first line goes on with the paragraph that the head ends in.
   bool bodyGoesOn() const;
-  /// What the body begins with; nothing where that holds no text.
-  std::optional<BlockKind> bodyKind() const;
+  /// Whether the body's first block stands directly below a paragraph of the head.
+  bool bodyCutsIn() const;
   /// The foot's first line, or the text's end.
   std::size_t footBegin() const { return footBegin_; }
   bool hasFoot() const { return footBegin_ < text_.size(); }

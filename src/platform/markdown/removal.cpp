@@ -10,6 +10,8 @@
 namespace zephyrdown {
 namespace {
 
+constexpr std::size_t npos = std::string_view::npos;
+
 using Ranges = std::vector<SourceRange>;
 using RangeIterator = Ranges::const_iterator;
 
@@ -97,7 +99,7 @@ class Remover {
   bool wouldBecomeCode(std::size_t below, std::size_t line) const {
     const std::size_t textBegin = skipBlanks(text_, below);
     const std::string_view indentation = text_.substr(below, textBegin - below);
-    const bool isDeep = indentation.size() >= 4 || indentation.find('\t') != std::string_view::npos;
+    const bool isDeep = indentation.size() >= 4 || indentation.find('\t') != npos;
     if (!isDeep || isBlankLine(below) || below == text_.size()) return false;
     if (line <= bodyBegin_) return true;
     return isBlankLine(lineBegin(text_, previousLineEnd(text_, line)));
@@ -125,7 +127,7 @@ class Remover {
     const bool blankBefore = range.begin > line.begin && isBlank(text_[range.begin - 1]);
     const bool blankBehind = range.end < line.end && isBlank(text_[range.end]);
     if (opensLine && blankBehind) {
-      ++range.end;
+      range.end = skipBlanks(text_, range.end);
     } else if (blankBefore && (blankBehind || endsClause(range.end, line.end)) &&
                range.begin - 1 >= removedUpTo_) {
       --range.begin;
@@ -137,11 +139,11 @@ class Remover {
   /// Marks of quotes, lists and tasks.
   bool holdsOnlyMarks(std::size_t begin, std::size_t end) const {
     constexpr std::string_view kMarks = " \t>-+*0123456789.)[]xX";
-    return text_.substr(begin, end - begin).find_first_not_of(kMarks) == std::string_view::npos;
+    return text_.substr(begin, end - begin).find_first_not_of(kMarks) == npos;
   }
 
   bool endsClause(std::size_t at, std::size_t end) const {
-    return at == end || std::string_view(",.;:!?)]}").find(text_[at]) != std::string_view::npos;
+    return at == end || std::string_view(",.;:!?)]}").find(text_[at]) != npos;
   }
 
   /// The same delimiters on both sides, which would be left as an empty pair.
@@ -162,14 +164,15 @@ class Remover {
       case '*':
         return isApart && (run == 1 || run >= 3);
       case '`':
+        return run >= 3 && rest.find('`', run) == npos;
       case '~':
         return run >= 3;
       case '[':
-        return rest.size() >= 3 && rest[2] == ']';
+        return rest.size() >= 3 && rest[2] == ']' && (rest.size() == 3 || isBlank(rest[3]));
       case '<':
         return rest.size() >= 2 && (rest[1] == '!' || rest[1] == '?');
       default:
-        return !rest.empty() && (rest[0] == '>' || rest[0] == '=');
+        return !rest.empty() && (rest[0] == '>' || rest.find_first_not_of(" \t-=|:") == npos);
     }
   }
 
