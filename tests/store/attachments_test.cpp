@@ -63,8 +63,9 @@ TEST_F(Attachments, RefuseAHostileNameAndWriteNothing) {
   const std::string id = create("# T");
   const std::string before = text(id);
   for (const std::string& name :
-       {std::string(), std::string("."), std::string(".."), std::string("../x"), std::string("/etc/x"),
-        std::string("a\0b", 3), std::string(300, 'x'), std::string("\xFF.txt")}) {
+       {std::string(), std::string("."), std::string(".."), std::string("../x"),
+        std::string("/etc/x"), std::string("a\0b", 3), std::string(300, 'x'),
+        std::string("\xFF.txt")}) {
     EXPECT_THROW(fresh()->addAttachment(id, "x", name), std::runtime_error) << name;
   }
   EXPECT_EQ(text(id), before);
@@ -81,7 +82,7 @@ TEST_F(Attachments, SayWhenTheBytesAreGone) {
       "(1, 'climb.bin', '../tavi.sqlite')");
   EXPECT_EQ(refusal([&] { fresh()->readAttachment(id, "gone.bin"); }), "store_unavailable");
   EXPECT_EQ(refusal([&] { fresh()->readAttachment(id, "climb.bin"); }), "store_unavailable");
-  EXPECT_EQ(refusal([&] { fresh()->readAttachment(id, "other") ; }), "attachment_not_found");
+  EXPECT_EQ(refusal([&] { fresh()->readAttachment(id, "other"); }), "attachment_not_found");
 }
 
 TEST_F(Attachments, OfWritersThatDiedAreSweptUp) {

@@ -14,7 +14,8 @@ TEST_F(Reading, ConvertsANoteToItsMetadata) {
   otherProgram(
       "UPDATE note SET pinned = 1, creationDate = 0, modificationDate = 86400.75;"
       "INSERT INTO pinnedInTag SELECT 1, id FROM tag WHERE title IN ('zeta', 'alpha');"
-      "INSERT INTO file (note, filename, position) VALUES (1, 'b.png', 0), (1, NULL, 1), (1, 'a.png', 2)");
+      "INSERT INTO file (note, filename, position) VALUES (1, 'b.png', 0), (1, NULL, 1), (1, "
+      "'a.png', 2)");
   const NoteMetadata read = metadata(id);
   EXPECT_EQ(read.title, "Title");
   EXPECT_EQ(read.contentHash.size(), 7U);
@@ -64,7 +65,8 @@ TEST_F(Reading, FindsTitlesAmongActiveNotesOnly) {
 class Listing : public StoreTest {
  protected:
   void SetUp() override {
-    for (const char* title : {"b", "C", "a", "d", "e"}) ids.push_back(create(std::string("# ") + title));
+    for (const char* title : {"b", "C", "a", "d", "e"})
+      ids.push_back(create(std::string("# ") + title));
     otherProgram(
         "UPDATE note SET modificationDate = 100 + id, creationDate = 200 - id;"
         "UPDATE note SET pinned = 1 WHERE id = 2;"
@@ -81,7 +83,8 @@ class Listing : public StoreTest {
     std::string found;
     const auto store = fresh();
     for (const auto& note : all(store->listNotes(request))) listed += note.title;
-    for (const auto& row : all(store->searchNotes("-nowhere", request))) found += row.metadata.title;
+    for (const auto& row : all(store->searchNotes("-nowhere", request)))
+      found += row.metadata.title;
     if (sort.find("title") == std::string::npos) {
       EXPECT_EQ(listed, found) << sort;
     }

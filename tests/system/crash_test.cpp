@@ -60,12 +60,12 @@ class Crash : public testing::Test {
   void create(int round) {
     const std::string title = "made " + std::to_string(round);
     const int code = attempt({"create", title, "--content", "body"});
-    const std::string count = value("SELECT count(*) FROM note WHERE title = '" + title +
+    const std::string made = value("SELECT count(*) FROM note WHERE title = '" + title +
                                     "' AND text = '# " + title + "' || char(10, 10) || 'body'");
     if (code == 0) {
-      EXPECT_EQ(count, "1");
+      EXPECT_EQ(made, "1");
     }
-    EXPECT_EQ(count, value("SELECT count(*) FROM note WHERE title = '" + title + "'"));
+    EXPECT_EQ(made, value("SELECT count(*) FROM note WHERE title = '" + title + "'"));
   }
 
   void append(int round) {

@@ -124,7 +124,9 @@ TEST_F(RealNotes, ComeBackByteForByteWithTheirHashTitleAndTags) {
       EXPECT_NE(texts[i].find(first), std::string::npos) << first;
     }
     static const std::regex possibleTag("#[^\\s#]");
-    if (!std::regex_search(texts[i], possibleTag)) EXPECT_EQ(cells[3], "\n") << texts[i];
+    if (!std::regex_search(texts[i], possibleTag)) {
+      EXPECT_EQ(cells[3], "\n") << texts[i];
+    }
   }
   EXPECT_GT(titles, texts.size() / 10) << "the check has checked something";
 }

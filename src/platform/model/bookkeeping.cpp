@@ -27,8 +27,8 @@ void writeFacts(sqlite::Connection& connection, int milliseconds) {
     sqlite::Query update = connection.query(
         "UPDATE noteSummary SET titleKey = ?2, textDigest = ?3, textLength = ?4, "
         "todoIncomplete = ?5, todoCompleted = ?6, features = ?7 WHERE note = ?1");
-    update.bind(1, notes.integer(0)).bind(2, std::string_view(key));
-    update.bind(3, std::string_view(facts.digest)).bind(4, facts.length);
+    update.bind(1, notes.integer(0)).bind(2, key);
+    update.bind(3, facts.digest).bind(4, facts.length);
     update.bind(5, facts.todoIncomplete).bind(6, facts.todoCompleted).bind(7, facts.features).run();
     if (std::chrono::steady_clock::now() - start > std::chrono::milliseconds(milliseconds)) return;
   }

@@ -145,7 +145,7 @@ void FileStore::sweep(sqlite::Connection& connection, bool removedFiles) {
       if (file.get() < 0 || flock(file.get(), LOCK_EX | LOCK_NB) != 0) continue;  // being written
       const std::string name = entry.path().filename();
       sqlite::Query row = connection.query("SELECT 1 FROM file WHERE storedName = ?1");
-      row.bind(1, std::string_view(name));
+      row.bind(1, name);
       if (row.step()) {
         fs::rename(entry.path(), folder_ / name, error);
       } else {

@@ -116,7 +116,7 @@ class TermSearch {
     source.replace(source.find("?0"), 2, fmt::format("?{}", listParameter));
     sqlite::Query rows = select(source, order);
     plan_.bind(rows);
-    rows.bind(listParameter, std::string_view(list));
+    rows.bind(listParameter, list);
     std::vector<std::int64_t> found;
     while (rows.step()) {
       if (matchesByLookup(rows)) found.push_back(rows.integer(0));
@@ -186,7 +186,7 @@ NoteTable tableOf(sqlite::Connection& connection, const std::vector<std::int64_t
                                    "ON s.note = wanted.value",
                                    NoteTable::columns));
   const std::string list = jsonArray(ids);
-  query.bind(1, std::string_view(list));
+  query.bind(1, list);
   NoteTable table;
   table.reserve(ids.size());
   while (query.step()) table.add(query);

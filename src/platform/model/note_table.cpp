@@ -81,7 +81,7 @@ void forEachRelated(sqlite::Connection& connection, const std::vector<NoteView>&
       fmt::format("SELECT {} FROM {} {} ORDER BY {}", columns, relation,
                   many ? "" : "WHERE note IN (SELECT value FROM json_each(?1))", order));
   const std::string ids = many ? std::string() : jsonArray(idsOf(notes));
-  if (!many) query.bind(1, std::string_view(ids));
+  if (!many) query.bind(1, ids);
   while (query.step()) visit(query);
 }
 
