@@ -2,9 +2,10 @@
 
 #include "ArgumentParser/completion_script.h"
 
-// What the script rests on: a word of `complete -o filenames` is quoted by readline when it is
-// put into the line, so the candidates are plain texts, compared with the plain text of the word
-// at the cursor. Nothing that the program answers is ever evaluated.
+// What the script rests on: candidates are plain texts, compared with the plain text of the word at
+// the cursor, and quoted as that word is when they go into the line. Readline would do the latter
+// for `complete -o filenames`, but leaves "$HOME" as it is; only file names are left to it.
+// Nothing that the program answers is ever evaluated.
 
 namespace ArgumentParser {
 
@@ -15,15 +16,17 @@ constexpr std::string_view kHelpers = R"sh(#!/bin/bash
 # The part of the word at the cursor that readline does not replace, since it cuts words at
 # characters such as ":" and "=", counted in characters without quoting.
 _@PROGRAM@_cursor_index_in_current_word() {
-    local dequoted
+    local dequoted quote
     _@PROGRAM@_dequote "${1%"$2"}"
     kept_length="${#dequoted}"
 }
 
-# Takes the quoting off a word, which may end within quotes. Answers in "dequoted".
+# Takes the quoting off a word, which may end within quotes. Answers in "dequoted", and in "quote"
+# what it ends within.
 _@PROGRAM@_dequote() {
-    local word="$1" quote='' character next
+    local word="$1" character next
     local -i index
+    quote=''
     dequoted=''
     for ((index = 0; index < ${#word}; index++)); do
         character="${word:index:1}"
@@ -45,7 +48,7 @@ _@PROGRAM@_dequote() {
 # Reads the words up to the cursor into "words", those before it, and "cur", the one at it,
 # whole and without quoting. "$1": what readline takes for the word at the cursor.
 _@PROGRAM@_read_words() {
-    local rest="${COMP_LINE:0:COMP_POINT}" word='' piece dequoted
+    local rest="${COMP_LINE:0:COMP_POINT}" word='' piece dequoted quote
     local -i index
     rest="${rest#*"${COMP_WORDS[0]}"}"
     words=("${COMP_WORDS[0]/#\~\//${HOME}/}")
@@ -65,28 +68,40 @@ _@PROGRAM@_read_words() {
     done
     _@PROGRAM@_dequote "${word}"
     cur="${dequoted}"
+    open_quote="${quote}"
     whole_word="${cur}"
     _@PROGRAM@_cursor_index_in_current_word "${word}" "$1"
 }
 
 # Offers those of its arguments that continue the word at the cursor.
 _@PROGRAM@_add_completions() {
-    compopt -o filenames 2>/dev/null
-    _@PROGRAM@_add_candidates "$@"
-}
-
-# The same for names of commands, flags and options, which are never quoted, and which do not
-# become directories where one has such a name.
-_@PROGRAM@_add_names() {
+    local candidate
     compopt +o filenames 2>/dev/null
-    _@PROGRAM@_add_candidates "$@"
+    for candidate in "$@"; do
+        [[ -z "${candidate}" || "${candidate}" != "${cur}"* ]] && continue
+        candidate="${option_prefix}${candidate}"
+        candidate="${candidate:kept_length}"
+        case "${open_quote}" in
+        \')
+            candidate="${candidate//\'/"'\''"}"
+            ;;
+        \")
+            candidate="${candidate//\\/\\\\}"
+            candidate="${candidate//\"/\\\"}"
+            candidate="${candidate//\$/\\\$}"
+            candidate="${candidate//\`/\\\`}"
+            ;;
+        *) printf -v candidate '%q' "${candidate}" ;;
+        esac
+        COMPREPLY+=("${candidate}")
+    done
 }
 
 # Offers the flags and options that are left.
 _@PROGRAM@_add_left() {
     local -a names
     read -ra names <<<"${left[*]}"
-    _@PROGRAM@_add_names "${names[@]}"
+    _@PROGRAM@_add_completions "${names[@]}"
 }
 
 _@PROGRAM@_add_candidates() {
@@ -105,19 +120,19 @@ _@PROGRAM@_add_lines() {
     _@PROGRAM@_add_completions "${lines[@]}"
 }
 
-# Offers files with one of the extensions, or all if there are none, and directories on the way.
+# Offers the file names that are its input: directories, and files with one of the extensions
+# that are its arguments, or all files if there are none.
 _@PROGRAM@_add_files() {
     local -a files
     local file extension
-    mapfile -t files < <(compgen -f -- "${cur}")
+    mapfile -t files
+    compopt -o filenames 2>/dev/null
     for file in "${files[@]}"; do
-        if (($# == 0)) || [[ -d "${file/#\~\//${HOME}/}" ]]; then
-            _@PROGRAM@_add_completions "${file}"
-            continue
+        extension="${file##*.}"
+        if (($# == 0)) || [[ -d "${file/#\~\//${HOME}/}" || " $* " == *" ${extension} "* ]]; then
+            file="${option_prefix}${file}"
+            COMPREPLY+=("${file:kept_length}")
         fi
-        for extension in "$@"; do
-            [[ "${file}" == *".${extension}" ]] && _@PROGRAM@_add_completions "${file}"
-        done
     done
 }
 
@@ -197,7 +212,7 @@ constexpr std::string_view kRootStart = R"sh(
 
     local IFS=$' \t\n'
     local -a words left
-    local cur whole_word prev subcommand option_prefix=''
+    local cur whole_word open_quote prev subcommand option_prefix=''
     local -i kept_length=0 word_index=1 positional_number
     COMPREPLY=()
     _@PROGRAM@_read_words "$2"
@@ -326,7 +341,7 @@ void BashScript::writeSubcommands(const CompletionCommand& command) {
   const CompletionCommand* defaultChild = command.defaultChild();
   line(1, "'')");
   line(2, "((positional_number == 1)) || return");
-  line(2, prefix_ + "_add_names " + joined(names, " "));
+  line(2, prefix_ + "_add_completions " + joined(names, " "));
   line(2, ";;");
   if (!defaultChild) line(1, "*) return ;;");
   line(1, "esac");
@@ -341,9 +356,10 @@ std::string BashScript::action(const CompletionCommand& command,
   if (const auto* list = std::get_if<CompletionList>(&kind))
     return prefix_ + "_add_completions " + joined(each(list->values, quoted), " ");
   if (const auto* files = std::get_if<CompletionFiles>(&kind))
-    return prefix_ + "_add_files " + joined(each(files->extensions, quoted), " ");
+    return fmt::format("{}_add_files {} < <(compgen -f -- \"${{cur}}\")", prefix_,
+                       joined(each(files->extensions, quoted), " "));
   if (std::holds_alternative<CompletionDirectories>(kind))
-    return prefix_ + "_add_lines < <(compgen -d -- \"${cur}\")";
+    return prefix_ + "_add_files < <(compgen -d -- \"${cur}\")";
   if (const auto* shell = std::get_if<CompletionShellCommand>(&kind))
     return fmt::format("{}_add_lines < <(eval {} 2>/dev/null)", prefix_, quoted(shell->command));
   if (std::holds_alternative<CompletionCustom>(kind))

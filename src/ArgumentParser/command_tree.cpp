@@ -2,7 +2,6 @@
 
 #include <cstdio>
 #include <cstdlib>
-#include <ranges>
 
 #include "ArgumentParser/help_command.h"
 
@@ -63,8 +62,8 @@ std::string commandPath(const CommandStack& stack) {
 }
 
 Names helpNames(const CommandStack& stack) {
-  for (const CommandType& command : stack | std::views::reverse)
-    if (auto names = command.configuration().helpNames) return *std::move(names);
+  for (auto command = stack.rbegin(); command != stack.rend(); ++command)
+    if (auto names = command->configuration().helpNames) return *std::move(names);
   return {"-h", "--help"};
 }
 
@@ -89,8 +88,8 @@ std::vector<ArgumentDefinition> builtInFlags(const CommandStack& stack) {
 }
 
 std::string version(const CommandStack& stack) {
-  for (const CommandType& command : stack | std::views::reverse)
-    if (std::string text = command.configuration().version; !text.empty()) return text;
+  for (auto command = stack.rbegin(); command != stack.rend(); ++command)
+    if (std::string text = command->configuration().version; !text.empty()) return text;
   return {};
 }
 

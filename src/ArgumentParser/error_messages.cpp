@@ -65,7 +65,7 @@ std::string helpLine(const std::string& form, const ArgumentDefinition* definiti
 
 class ErrorDescriber {
  public:
-  explicit ErrorDescriber(const CommandStack& stack) : stack_(stack), declared_(stack.back()) {}
+  explicit ErrorDescriber(const CommandStack& stack) : declared_(stack.back()) {}
 
   ErrorText operator()(const UnknownOption& error) const {
     const std::string nearest = nearestName(error.name, declared_.arguments);
@@ -145,7 +145,6 @@ class ErrorDescriber {
     return declared_.arguments.definitions()[index];
   }
 
-  const CommandStack& stack_;
   DeclaredCommand declared_;
 };
 

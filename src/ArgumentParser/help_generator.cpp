@@ -73,7 +73,7 @@ std::string rendered(const Section& section, int screenWidth) {
 
 Section& sectionTitled(std::vector<Section>& sections, const std::string& title) {
   const auto found = std::ranges::find(sections, title, &Section::header);
-  return found != sections.end() ? *found : sections.emplace_back(title);
+  return found != sections.end() ? *found : sections.emplace_back(Section{title});
 }
 
 std::string upperCased(std::string text) {

@@ -83,8 +83,9 @@ class ZshScript {
   void writeCommand(const CompletionCommand& command);
   void writeHandOverToDefault(const CompletionCommand& command);
   void writeSubcommands(const CompletionCommand& command);
-  std::string specification(const CompletionCommand& command, const CompletionArgument& argument);
-  std::string action(const CompletionCommand& command, const CompletionArgument& argument);
+  void writeTexts(const CompletionCommand& command);
+  std::string specification(const CompletionCommand& command, std::size_t index) const;
+  std::string action(const CompletionCommand& command, std::size_t index) const;
 
   void line(int depth, std::string_view text) {
     script_.append(static_cast<std::size_t>(4 * depth), ' ').append(text).append("\n");
@@ -104,11 +105,13 @@ void ZshScript::writeCommand(const CompletionCommand& command) {
   line(1, "local context state state_descr line");
   line(1, "local -A opt_args");
   if (command.defaultIndex) writeHandOverToDefault(command);
+  writeTexts(command);
   line(1, "local -a arg_specs");
   line(1, "arg_specs=(");
-  for (const CompletionArgument& argument : command.arguments)
-    if (argument.definition.isPositional() || argument.definition.isVisible)
-      line(2, specification(command, argument));
+  for (std::size_t i = 0; i < command.arguments.size(); ++i) {
+    const ArgumentDefinition& definition = command.arguments[i].definition;
+    if (definition.isPositional() || definition.isVisible) line(2, specification(command, i));
+  }
   if (!command.children.empty()) {
     line(2, "'(-): :->command'");
     line(2, "'(-)*:: :->arg'");
@@ -158,40 +161,52 @@ void ZshScript::writeSubcommands(const CompletionCommand& command) {
   line(1, "esac");
 }
 
-std::string ZshScript::specification(const CompletionCommand& command,
-                                     const CompletionArgument& argument) {
+/// The values and shell commands of arguments stand in variables, which specifications name:
+/// within one, characters have meanings that no quoting takes off them.
+void ZshScript::writeTexts(const CompletionCommand& command) {
+  for (std::size_t i = 0; i < command.arguments.size(); ++i) {
+    const CompletionKind kind = command.arguments[i].definition.completionKind();
+    std::vector<std::string> texts;
+    if (const auto* list = std::get_if<CompletionList>(&kind)) texts = list->values;
+    if (const auto* shell = std::get_if<CompletionShellCommand>(&kind)) texts = {shell->command};
+    if (texts.empty()) continue;
+    line(1, fmt::format("local -a texts_{}", i));
+    line(1, fmt::format("texts_{}=({})", i, joined(each(texts, quoted), " ")));
+  }
+}
+
+std::string ZshScript::specification(const CompletionCommand& command, std::size_t index) const {
+  const CompletionArgument& argument = command.arguments[index];
   const ArgumentDefinition& definition = argument.definition;
-  std::string value = fmt::format(":{}:{}", escaped(definition.valueName, ":"),
-                                  escaped(action(command, argument), ":"));
+  const std::string value =
+      fmt::format(":{}:{}", escaped(definition.valueName, ":"), action(command, index));
   if (definition.isPositional()) return quoted((definition.isRepeating ? "*" : "") + value);
-  if (definition.isFlag()) value.clear();
   const std::string description = "[" + escaped(definition.abstract, "[]:") + "]";
   const std::string once = definition.isRepeating ? "*" : "(" + joined(argument.names(), " ") + ")";
   std::vector<std::string> forms;
   for (const Name& name : definition.names) {
     const bool takesEqualSign = !definition.isFlag() && name.kind == Name::Kind::longName;
-    forms.push_back(
-        quoted(once + name.written() + (takesEqualSign ? "=" : "") + description + value));
+    forms.push_back(quoted(once + name.written() + (takesEqualSign ? "=" : "") + description +
+                           (definition.isFlag() ? "" : value)));
   }
   return joined(forms, " ");
 }
 
-std::string ZshScript::action(const CompletionCommand& command,
-                              const CompletionArgument& argument) {
+std::string ZshScript::action(const CompletionCommand& command, std::size_t index) const {
+  const CompletionArgument& argument = command.arguments[index];
   const CompletionKind kind = argument.definition.completionKind();
-  if (const auto* list = std::get_if<CompletionList>(&kind))
-    return fmt::format("{{{}_complete {}}}", prefix_, joined(each(list->values, quoted), " "));
-  if (const auto* files = std::get_if<CompletionFiles>(&kind)) {
+  if (std::holds_alternative<CompletionList>(kind))
+    return fmt::format("{{{}_complete \"${{(@)texts_{}}}\"}}", prefix_, index);
+  if (const auto* files = std::get_if<CompletionFiles>(&kind))
     return files->extensions.empty()
                ? "_files"
-               : fmt::format("_files -g \"*.({})\"", joined(files->extensions, "|"));
-  }
+               : fmt::format("_files -g \"*.{}\"", joined(files->extensions, " *."));
   if (std::holds_alternative<CompletionDirectories>(kind)) return "_files -/";
-  if (const auto* shell = std::get_if<CompletionShellCommand>(&kind))
-    return fmt::format("{{{}_complete_output {}}}", prefix_, quoted(shell->command));
+  if (std::holds_alternative<CompletionShellCommand>(kind))
+    return fmt::format("{{{}_complete_output \"${{texts_{}}}\"}}", prefix_, index);
   if (std::holds_alternative<CompletionCustom>(kind))
-    return fmt::format("{{{}_custom_complete {} -- {}}}", prefix_, command.subcommandPath(),
-                       quoted(argument.identifier));
+    return fmt::format("{{{}_custom_complete {} -- \"{}\"}}", prefix_, command.subcommandPath(),
+                       argument.identifier);
   return {};
 }
 

@@ -37,7 +37,8 @@ class Completion : public testing::TestWithParam<CompletionShell> {
     std::ofstream(home_ / "script") << completionScript(kShelf, GetParam()) << "\n";
     std::ofstream(home_ / "setup") << setUpOf(GetParam());
     fs::create_directory(home_ / "folder");
-    for (const char* file : {"note one.txt", "image.png"}) std::ofstream(home_ / file);
+    for (const char* file : {"page.txt", "image.png", "folder/note one.txt"})
+      std::ofstream(home_ / file);
   }
   ~Completion() override { fs::remove_all(home_); }
 
@@ -57,7 +58,7 @@ class Completion : public testing::TestWithParam<CompletionShell> {
   Texts offered(const std::string& line) {
     std::ofstream(home_ / "offered");
     std::ofstream(home_ / "line") << line;
-    terminal_->type(GetParam() == CompletionShell::zsh ? line + "\t\x15 offer\n" : "offer\n");
+    terminal_->type(GetParam() == CompletionShell::zsh ? "\x14" : "offer\n");
     terminal_->readUntil("DONE\r\n");
     std::istringstream lines(read(home_ / "offered"));
     Texts result;
@@ -94,8 +95,8 @@ class Completion : public testing::TestWithParam<CompletionShell> {
   std::optional<Terminal> terminal_;
 };
 
-/// Makes `shelf` print its arguments, and `offer` write what is offered for the text in the file
-/// "line" (of zsh, for the line just typed) into the file "offered".
+/// Makes `shelf` print its arguments, and `offer` (in zsh, Control-T) write what is offered for the
+/// text in the file "line" into the file "offered".
 std::string Completion::setUpOf(CompletionShell shell) {
   const std::string program = R"sh(
 shelf() {
@@ -116,7 +117,7 @@ offer() {
     [[ "${line}" == *' ' ]] && COMP_WORDS+=('')
     COMP_CWORD=$((${#COMP_WORDS[@]} - 1))
     _shelf shelf "${COMP_WORDS[COMP_CWORD]}" ''
-    printf '%s\n' "${COMPREPLY[@]}" >offered
+    eval "printf '%s\n' ${COMPREPLY[*]}" >offered
     echo DONE
 }
 echo DONE
@@ -136,7 +137,16 @@ compadd() {
     fi
     builtin compadd "$@"
 }
-offer() echo DONE
+offer() {
+    BUFFER="$(<line)"
+    CURSOR=${#BUFFER}
+    zle complete-word
+    BUFFER=''
+    zle -I
+    echo DONE
+}
+zle -N offer
+bindkey '^T' offer
 echo DONE
 )sh";
     case CompletionShell::fish:
@@ -198,7 +208,7 @@ TEST_P(Completion, OffersWhatMayStandAtTheCursor) {
            {"shelf tags add --note x 1 s", {"science fiction"}},
            {"shelf tags add -- 1 --", {}},
            {"shelf scan --printer ", {"laser jet", "ink"}},
-           {"shelf scan ", {"note one.txt", "folder"}},
+           {"shelf scan ", {"page.txt", "folder"}},
            {"shelf scan x ", {"folder"}},
            {"shelf edit ", titles},
            {"shelf edit --title ", titles},
@@ -237,7 +247,7 @@ TEST_P(Completion, QuotesWhatItPutsIntoTheLine) {
            {"shelf edit --title What", "<edit><--title><What's \"$HOME\"?>"},
            {"shelf edit --title=Wh", "<edit><--title=What's \"$HOME\"?>"},
            {"shelf list --sort ye", "<list><--sort><year of print>"},
-           {"shelf scan no", "<scan><note one.txt>"},
+           {"shelf scan folder/no", "<scan><folder/note one.txt>"},
            {"shelf lis", "<list>"},
        })
     EXPECT_EQ(entered(line), arguments) << line << "[TAB]";

@@ -11,6 +11,7 @@ namespace {
 using testing::CommandLine;
 using ::testing::HasSubstr;
 using ::testing::Not;
+using ::testing::StartsWith;
 
 TEST(HelpRequests, AreReadFromTheWordsAlone) {
   for (const Arguments& arguments : {Arguments{}, {"help"}, {"-h"}, {"--help", "--format=json"}})
@@ -74,7 +75,6 @@ OPTIONS:
   -t, --title <title>     Identify note by title (case-insensitive).
   -h, --help              Show help information.
 
-
 OUTPUT:
   Nothing on success. Exit code is the success signal; errors go to
   stderr.
@@ -87,7 +87,7 @@ EXAMPLES:
   tavicli trash --title "Old Note"
 )");
   EXPECT_EQ(page({"trash", "x", "-h"}), page({"help", "trash"}));
-  EXPECT_THAT(page({"help", "tags", "nosuch"}), HasSubstr("add, remove"));
+  EXPECT_THAT(page({"help", "tags", "nosuch"}), StartsWith("OVERVIEW: Manage tags.\n"));
 }
 
 TEST_F(Help, ListsEveryCommandInTheFullReference) {

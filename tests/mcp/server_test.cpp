@@ -15,6 +15,7 @@ namespace tavi::mcp {
 namespace {
 
 using namespace std::chrono_literals;
+using tavi::testing::MemoryNoteStore;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using testing::Pipe;

@@ -11,6 +11,7 @@
 namespace tavi::mcp {
 namespace {
 
+using tavi::testing::MemoryNoteStore;
 using ::testing::ElementsAre;
 using ::testing::StartsWith;
 

@@ -12,7 +12,7 @@ namespace tavi::testing {
 /// A note store in memory: the rules of NoteStore on a vector of notes. Tags are a list beside
 /// the text, and a search knows a tag or one plain term. Every call is noted in `calls`. Copies
 /// are stores of their own on the same notes, as two runs of the program have them.
-class MemoryNoteStore final : public NoteStore {
+class MemoryNoteStore : public NoteStore {
  public:
   struct StoredNote {
     NoteMetadata metadata;

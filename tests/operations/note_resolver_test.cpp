@@ -20,7 +20,7 @@ TEST(NoteResolver, WantsExactlyOneIdentificationThatIsNotBlank) {
            {Text(" \n"), Text(), "Note ID must not be empty"},
            {Text(), Text("\t"), "Note title must not be empty"},
        }) {
-    EXPECT_EQ(refusal([&] { Resolver::validateIdentification(id, title); }),
+    EXPECT_EQ(refusal([&id = id, &title = title] { Resolver::validateIdentification(id, title); }),
               std::string("invalid input: ") + message);
   }
 }

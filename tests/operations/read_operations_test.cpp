@@ -107,7 +107,7 @@ TEST_F(ReadOperations, ListNotesChecksInOrder) {
            {ListNotesInput{.location = "All", .tag = ""}, "Invalid location: All"},
            {ListNotesInput{.limit = 0, .tag = " # "}, "tag must not be empty"},
        }) {
-    EXPECT_EQ(refusal([&] { ListNotesOp::execute(input, store); }),
+    EXPECT_EQ(refusal([&, &input = input] { ListNotesOp::execute(input, store); }),
               std::string("invalid input: ") + message);
   }
   EXPECT_TRUE(store.calls.empty());

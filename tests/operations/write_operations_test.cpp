@@ -60,7 +60,7 @@ TEST_F(WriteOperations, CreateNoteWantsATitleOrAText) {
            {CreateNoteInput{.content = "x", .ifNotExists = true}, "ifNotExists requires a title"},
            {CreateNoteInput{.title = " ", .content = "x"}, "Title must not be empty"},
        }) {
-    EXPECT_EQ(refusal([&] { CreateNoteOp::execute(input, store); }),
+    EXPECT_EQ(refusal([&, &input = input] { CreateNoteOp::execute(input, store); }),
               std::string("invalid input: ") + message);
   }
   EXPECT_TRUE(store.calls.empty());

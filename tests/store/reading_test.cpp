@@ -18,7 +18,7 @@ TEST_F(Reading, ConvertsANoteToItsMetadata) {
   const NoteMetadata read = metadata(id);
   EXPECT_EQ(read.title, "Title");
   EXPECT_EQ(read.contentHash.size(), 7U);
-  EXPECT_EQ(read.contentLength, 57);
+  EXPECT_EQ(read.contentLength, 59);
   EXPECT_EQ(read.created.seconds, 0);
   EXPECT_EQ(formatISO8601(read.modified), "1970-01-02T00:00:00Z");
   EXPECT_EQ(read.pins, (Texts{"global", "#alpha", "#zeta"}));

@@ -51,10 +51,12 @@ std::string resolved(const MD_ATTRIBUTE& attribute) {
 std::size_t behindPreviewComment(std::string_view text, std::size_t at) {
   constexpr std::string_view kOpen = "<!--";
   constexpr std::string_view kClose = "-->";
-  const std::string_view line = text.substr(at, lineEnd(text, at) - at);
-  const std::size_t close = line.starts_with(kOpen) ? line.find(kClose) : std::string_view::npos;
+  constexpr std::size_t kLongest = 200;
+  if (!text.substr(at).starts_with(kOpen)) return at;
+  const std::string_view comment = text.substr(at, kLongest);
+  const std::size_t close = comment.find(kClose);
   if (close == std::string_view::npos) return at;
-  const bool isPreview = line.substr(0, close).find("\"preview\"") != std::string_view::npos;
+  const bool isPreview = comment.substr(0, close).find("\"preview\"") != std::string_view::npos;
   return isPreview ? at + close + kClose.size() : at;
 }
 
@@ -138,10 +140,13 @@ class DocumentReader {
 
   static DocumentReader& self(void* reader) { return *static_cast<DocumentReader*>(reader); }
 
-  int goOn() { return ++callbacks_ > kCallbacksPerByte * budget_ ? 1 : 0; }
+  // Below zero: other values do not get through all of the parser's layers.
+  static constexpr int kStop = -1;
+
+  int goOn() { return ++callbacks_ > kCallbacksPerByte * budget_ ? kStop : 0; }
 
   int enterBlock(MD_BLOCKTYPE type, void* detail) {
-    glue_ = Glue::boundary;
+    endSpans();
     if (type == MD_BLOCK_DOC) return goOn();
     if (type == MD_BLOCK_CODE) document_.hasCode = true;
     if (type == MD_BLOCK_LI) readItem(*static_cast<MD_BLOCK_LI_DETAIL*>(detail));
@@ -154,11 +159,19 @@ class DocumentReader {
   }
 
   int leaveBlock(MD_BLOCKTYPE type) {
-    glue_ = Glue::boundary;
+    endSpans();
     if (type == MD_BLOCK_DOC) return goOn();
     title_.endLine();
     if (--depth_ == 0 && type == MD_BLOCK_H) title_.leaveHeading();
     return goOn();
+  }
+
+  /// No span reaches beyond its block. The parser forgets to leave some: an address directly
+  /// before "www." is entered twice and left once.
+  void endSpans() {
+    glue_ = Glue::boundary;
+    linkDepth_ = 0;
+    links_.endBlock();
   }
 
   void readItem(const MD_BLOCK_LI_DETAIL& item) {
@@ -190,8 +203,9 @@ class DocumentReader {
   int enterLink(LinkKind kind, const MD_ATTRIBUTE& target) {
     ++linkDepth_;
     targetBytes_ += target.size;
-    if (targetBytes_ > kTargetBytesPerByte * budget_) return 1;
-    links_.enter(kind, offsetOf(view(target)), view(target));
+    if (targetBytes_ > kTargetBytesPerByte * budget_) return kStop;
+    const auto offset = offsetOf(view(target));
+    links_.enter(kind, offset, offset ? std::string() : resolved(target));
     return goOn();
   }
 
@@ -217,7 +231,7 @@ class DocumentReader {
   }
 
   void leaveLink(LinkKind kind, const MD_ATTRIBUTE* target) {
-    --linkDepth_;
+    if (linkDepth_ > 0) --linkDepth_;
     glue_ = Glue::other;
     const auto located = links_.leave();
     if (!located) return;
@@ -266,6 +280,7 @@ class DocumentReader {
     } else {
       glue_ = type == MD_TEXT_NORMAL ? Glue::text : Glue::other;
     }
+    if (type == MD_TEXT_HTML) glue_ = Glue::boundary;
     return goOn();
   }
 
@@ -355,6 +370,13 @@ Document readDocument(std::string_view text) {
   const std::string plain = maskedForPlainReading(input);
   auto document = DocumentReader(text, plain).read(kDialect & ~unsigned{MD_FLAG_TABLES});
   return document ? std::move(*document) : unread;
+}
+
+const TextStretch* stretchAt(const Document& document, std::size_t position) {
+  const auto found = std::partition_point(
+      document.stretches.begin(), document.stretches.end(),
+      [&](const TextStretch& stretch) { return stretch.range.end <= position; });
+  return found != document.stretches.end() && found->range.begin <= position ? &*found : nullptr;
 }
 
 }  // namespace zephyrdown

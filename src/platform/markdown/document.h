@@ -14,7 +14,7 @@ enum class BlockKind {
   paragraph,
   heading,
   list,      ///< one that may begin directly below a paragraph
-  lateList,  ///< one that needs a blank line above: numbered from another number than 1, or empty
+  lateList,  ///< one that needs a blank line above: numbered from another number than 1
   quote,
   table,
   fencedCode,
@@ -58,5 +58,8 @@ struct Document {
 };
 
 Document readDocument(std::string_view text);
+
+/// The stretch that holds the byte at `position`; absent where that is markup or no plain text.
+const TextStretch* stretchAt(const Document& document, std::size_t position);
 
 }  // namespace zephyrdown

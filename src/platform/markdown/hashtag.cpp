@@ -52,7 +52,7 @@ std::optional<std::string> ZDKHashtag::sanitizeTagName(std::string_view text) {
 }
 
 std::optional<std::string> ZDKHashtag::hashtagStringForTagName(std::string_view name) {
-  const std::string word = "#" + std::string(name);
+  const std::string word = std::string("#").append(name);
   for (const std::string& hashtag : {word, word + "#"}) {
     if (!isReadBack(hashtag, name)) continue;
     if (isPlain(name) || isReadBackInText(hashtag, name)) return hashtag;

@@ -48,13 +48,26 @@ bool isControl(char32_t c) {
 /// Whether a name may hold the character at all. What Markdown reads as markup cannot be told
 /// from markup in a text: a lone "*" in one tag would pair with that in the next.
 bool isNameCharacter(char32_t c) {
-  if (isControl(c) || c == 0x2028 || c == 0x2029) return false;
+  if (isControl(c)) return false;
   return c >= 0x80 || std::string_view("#*~`[]<|\\").find(static_cast<char>(c)) == npos;
 }
 
 /// Whether the character makes a name out of a word: "#123" and "#-" are none.
 bool carriesWord(char32_t c) {
   return c >= 0x80 || isASCIILetter(c);
+}
+
+bool isLineBreakScalar(char32_t c) {
+  return (c >= '\n' && c <= '\r') || c == 0x85 || c == 0x2028 || c == 0x2029;
+}
+
+bool holdsLineBreak(std::string_view text) {
+  for (std::size_t at = 0; at < text.size();) {
+    const auto scalar = decodeScalar(text, at);
+    if (isLineBreakScalar(scalar.value)) return true;
+    at = scalar.next;
+  }
+  return false;
 }
 
 /// Trimmed, and each run of white space inside as one blank.
@@ -86,10 +99,11 @@ bool holdsOnlyNameCharacters(std::string_view name) {
 }
 
 /// Whether a tag may start directly behind the text that ends at `at`, which is above `begin`.
-/// Not inside a word, and not where "#" is a fragment, a colour or an operator.
+/// Not inside a word, and not where "#" is a fragment, a colour or an operator. An asterisk
+/// may stand there whether it is emphasis or not.
 bool mayStandBefore(std::string_view text, std::size_t at) {
   const auto last = byteOf(text[at - 1]);
-  if (last < 0x80) return std::string_view(" \t\v\f([{\"',;|").find(text[at - 1]) != npos;
+  if (last < 0x80) return std::string_view(" \t\v\f([{\"',;|*~").find(text[at - 1]) != npos;
   const char32_t scalar = decodeScalar(text, platform::text::previousScalar(text, at)).value;
   const bool endsEmoji = scalar == 0xFE0F || scalar == 0x20E3;
   return endsEmoji || !platform::text::isAlphanumeric(scalar);
@@ -127,8 +141,8 @@ class Scanner {
     const std::size_t before = platform::text::previousScalar(text_, close);
     if (isWhitespace(decodeScalar(text_, before).value)) return false;
     if (close + 1 >= end_) return true;
-    const char32_t next = decodeScalar(text_, close + 1).value;
-    return next != '#' && !isTagCharacter(next);
+    const auto next = decodeScalar(text_, close + 1);
+    return next.value != '#' && !(next.wellFormed && isTagCharacter(next.value));
   }
 
   std::optional<HashtagMention> readWord(std::size_t hash) const {
@@ -173,6 +187,8 @@ bool isTagCharacter(char32_t scalar) {
 
 std::optional<std::string> canonicalTagName(std::string_view text) {
   if (!platform::text::isValidUTF8(text)) return std::nullopt;
+  text = platform::text::trimmingWhitespaceAndNewlines(text);
+  if (holdsLineBreak(text)) return std::nullopt;
   const std::string composed = platform::text::canonicallyComposed(text);
   std::string name;
   for (std::size_t begin = 0; begin <= composed.size();) {
@@ -191,14 +207,13 @@ void findHashtags(std::string_view text, SourceRange stretch, bool opens,
                   std::vector<HashtagMention>& found) {
   const Scanner scanner(text, stretch.end);
   const std::string_view upToEnd = text.substr(0, stretch.end);
-  std::size_t hash = upToEnd.find('#', stretch.begin);
-  while (hash != npos) {
+  std::size_t behindTag = npos;  // "#a🎉#b" is one tag, as "#a#b" is
+  for (std::size_t hash = upToEnd.find('#', stretch.begin); hash != npos;) {
+    const bool mayStart = hash == stretch.begin ? opens : mayStandBefore(text, hash);
     std::size_t next = hash + 1;
-    if (hash == stretch.begin ? opens : mayStandBefore(text, hash)) {
-      if (auto mention = scanner.read(hash)) {
-        next = mention->range.end;
-        found.push_back(std::move(*mention));
-      }
+    if (auto mention = mayStart && hash != behindTag ? scanner.read(hash) : std::nullopt) {
+      next = behindTag = mention->range.end;
+      found.push_back(std::move(*mention));
     }
     hash = upToEnd.find('#', next);
   }

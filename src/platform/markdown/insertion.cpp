@@ -10,8 +10,12 @@ namespace {
 /// What Markdown sees at one side of a seam.
 struct Side {
   std::optional<BlockKind> kind;  // nothing where there is no block
-  std::string line;               // the first line; not needed of the side above
+  std::string_view line = {};     // the first line; not needed of the side above
 };
+
+Side paragraphSide() {
+  return {BlockKind::paragraph};
+}
 
 Side lowerSideOf(std::string_view text) {
   const Document document = readDocument(text);
@@ -20,26 +24,38 @@ Side lowerSideOf(std::string_view text) {
   return side;
 }
 
+/// The mark of an empty list item.
+bool isBareMark(std::string_view line) {
+  return line.find_first_not_of(" \t-+*.)0123456789") == std::string_view::npos;
+}
+
 Side upperSideOf(std::string_view text) {
   const Document document = readDocument(text);
-  Side side;
-  if (!document.blocks.empty()) side.kind = document.blocks.front().kind;
   const std::size_t begin = skipBlankLines(text, 0);
-  side.line = text.substr(begin, lineEnd(text, begin) - begin);
+  const std::size_t end = lineEnd(text, begin);
+  Side side{std::nullopt, text.substr(begin, end - begin)};
+  if (document.blocks.empty()) return side;
+  const Block& block = document.blocks.front();
+  // A paragraph that begins further down: definitions of references stand above.
+  if (block.kind != BlockKind::paragraph || block.text.begin < end) side.kind = block.kind;
+  if (block.kind == BlockKind::list && isBareMark(side.line)) side.kind = BlockKind::lateList;
   return side;
 }
 
 /// Whether the line would turn a paragraph directly above into a heading or a table.
 bool reachesUp(std::string_view line) {
-  return line.find_first_not_of(" \t-=|:") == std::string_view::npos;
+  return !line.empty() && line.find_first_not_of(" \t-=|:") == std::string_view::npos;
+}
+
+bool isPlainParagraph(const Side& side) {
+  return side.kind == BlockKind::paragraph && !reachesUp(side.line);
 }
 
 bool maySplitParagraph(const Side& below) {
   switch (*below.kind) {
-    case BlockKind::paragraph:
-      return !reachesUp(below.line);
     case BlockKind::heading:
       return below.line.find_first_not_of(' ') == below.line.find('#');
+    case BlockKind::paragraph:
     case BlockKind::list:
     case BlockKind::quote:
     case BlockKind::fencedCode:
@@ -73,12 +89,14 @@ bool needBlankLine(const Side& above, const Side& below) {
   }
 }
 
-/// Whether a line below `text` would be read as a part of its last block.
-bool swallowsNextLine(std::string text) {
-  constexpr std::string_view kProbe = "\nx";
-  const auto kind = lowerSideOf(text).kind;
+/// Whether what stands below `text`, a blank line apart, would be read as a part of its last block:
+/// of code or HTML that is not closed.
+bool swallowsWhatFollows(std::string_view text) {
+  constexpr std::string_view kProbe = "\n\nx";
+  // The parser does not see a "<!--" that a text ends in, without a line break.
+  const auto kind = lowerSideOf(std::string(text) + "\n").kind;
   if (kind != BlockKind::fencedCode && kind != BlockKind::html) return false;
-  return lowerSideOf(text.append(kProbe)).kind == kind;
+  return lowerSideOf(std::string(text).append(kProbe)).kind == kind;
 }
 
 std::size_t longestRun(std::string_view text, char wanted) {
@@ -90,14 +108,16 @@ std::size_t longestRun(std::string_view text, char wanted) {
   return longest;
 }
 
-/// A line that closes the code that `text` leaves open, or nothing where there is none.
-std::string closingFence(std::string_view text) {
-  const std::string open(text);
-  if (!swallowsNextLine(open)) return {};
-  for (const char mark : {'`', '~'}) {
-    const std::size_t length = longestRun(text, mark);
-    std::string fence(std::max<std::size_t>(length, 3), mark);
-    if (length >= 3 && !swallowsNextLine(open + "\n" + fence)) return fence;
+/// A line that closes the code or HTML that `text` leaves open, or nothing where there is none.
+std::string closingLine(std::string_view text) {
+  if (!swallowsWhatFollows(text)) return {};
+  const std::string open = std::string(text) + "\n";
+  for (const std::string& line :
+       {std::string(longestRun(text, '`'), '`'), std::string(longestRun(text, '~'), '~'),
+        std::string("-->"), std::string("</pre>"), std::string("</script>"),
+        std::string("</style>"), std::string("</textarea>"), std::string("?>"), std::string("]]>"),
+        std::string(">")}) {
+    if (!line.empty() && !swallowsWhatFollows(open + line)) return line;
   }
   return {};
 }
@@ -123,6 +143,7 @@ class Piece {
     result_ += line;
     breakLine();
   }
+  void addClosing(std::string_view closing) { result_ += closing; }
   void addText() { result_ += inserted_; }
   /// Ends the text in at least `count` line breaks.
   void endIn(int count) {
@@ -142,22 +163,23 @@ class Piece {
   std::string result_;
 };
 
-/// Above `position`, which begins a line that is not blank, or at the end of a text of blank lines.
-Operations plannedAbove(std::string_view text, std::size_t position, std::string_view inserted,
-                        const Side* above) {
+/// Above the body.
+Operations plannedAbove(std::string_view text, const Layout& layout, std::string_view inserted) {
+  const std::size_t position = layout.bodyBegin();
   Piece piece(text, inserted);
-  const Side top = upperSideOf(inserted);
-  if (above != nullptr && needBlankLine(*above, top)) piece.breakLine();
+  if (layout.bodyGoesOn() && needBlankLine(paragraphSide(), upperSideOf(inserted))) {
+    piece.breakLine();
+  }
   piece.addText();
-  const std::string_view rest = text.substr(position);
-  if (rest.empty()) return std::move(piece).at(position);
-  if (const std::string fence = closingFence(inserted); !fence.empty()) {
+  if (const std::string closing = closingLine(inserted); !closing.empty()) {
     piece.endIn(1);
-    piece.addLine(fence);
+    piece.addLine(closing);
     return std::move(piece).at(position);
   }
-  const bool apart = needBlankLine(lowerSideOf(inserted), upperSideOf(rest));
-  piece.endIn(apart && !isBlankText(rest.substr(0, lineEnd(rest, 0))) ? 2 : 1);
+  const Side below = layout.bodyGoesOn() ? paragraphSide() : upperSideOf(text.substr(position));
+  const Side bottom = lowerSideOf(inserted);
+  const bool hasCutIn = layout.bodyCutsIn() && bottom.kind == BlockKind::paragraph;
+  piece.endIn(!hasCutIn && needBlankLine(bottom, below) ? 2 : 1);
   return std::move(piece).at(position);
 }
 
@@ -168,25 +190,25 @@ Operations plannedBelow(std::string_view text, std::size_t limit, std::string_vi
   const std::string_view above = text.substr(0, end);
   const std::string_view tail = text.substr(end, limit - end);
   const bool isLast = limit == text.size();
+  const bool isAttached = !isLast && nextLine(tail, 0) == tail.size();
   const Side top = upperSideOf(inserted);
-  const std::string fence = closingFence(above);
+  const std::string closing = closingLine(above);
   Piece piece(text, inserted);
   piece.breakLine();
-  if (!fence.empty()) piece.addLine(fence);
+  if (!closing.empty()) piece.addLine(closing);
   const bool keepsApart = isLast && skipBlankLines(tail, nextLine(tail, 0)) > nextLine(tail, 0);
-  if (keepsApart || belowTags || (fence.empty() && needBlankLine(lowerSideOf(above), top))) {
-    piece.breakLine();
-  }
+  // A paragraph may join the block above where the foot does so too.
+  const bool mayJoin = isAttached && isPlainParagraph(top);
+  const bool mustPart = closing.empty() && !mayJoin && needBlankLine(lowerSideOf(above), top);
+  if (keepsApart || (belowTags && !isAttached) || mustPart) piece.breakLine();
   if (!tail.empty()) piece.dropLastLineBreak();
   piece.addText();
-  if (!isLast) {
-    if (const std::string ownFence = closingFence(inserted); !ownFence.empty()) {
-      piece.breakLine();
-      piece.addLine(ownFence);
-    } else if (lineBreaksAtEnd(tail) < 2 &&
-               needBlankLine(lowerSideOf(inserted), upperSideOf(text.substr(limit)))) {
-      piece.breakLine();
-    }
+  if (isLast) return std::move(piece).at(end);
+  if (const std::string ownClosing = closingLine(inserted); !ownClosing.empty()) {
+    piece.endIn(1);
+    piece.addClosing(ownClosing);
+  } else if (isAttached && needBlankLine(lowerSideOf(inserted), paragraphSide())) {
+    piece.breakLine();
   }
   return std::move(piece).at(end);
 }
@@ -200,36 +222,23 @@ Operations plannedAppend(std::string_view text, const Layout& layout, std::strin
   if (end > first) {
     return plannedBelow(text, foot, inserted, !layout.hasBody() && layout.headEndsInTags());
   }
-  if (layout.hasFoot()) {
-    Piece piece(text, inserted);
-    piece.addText();
-    piece.endIn(2);
-    return std::move(piece).at(foot);
-  }
   Piece piece(text, inserted);
   piece.addText();
-  if (text.size() > first) piece.endIn(1);
+  if (text.size() > first) piece.endIn(layout.hasFoot() ? 2 : 1);
   return std::move(piece).at(first);
 }
 
 Operations plannedPrepend(std::string_view text, const Layout& layout, std::string_view inserted) {
   if (!layout.hasBody()) return plannedAppend(text, layout, inserted);
-  const std::size_t begin = layout.bodyBegin();
-  if (!layout.headEnd() || nextLine(text, *layout.headEnd()) < begin) {
-    return plannedAbove(text, begin, inserted, nullptr);
-  }
-  Side above;
-  above.kind = BlockKind::paragraph;
-  const bool belowHeading = layout.headEnd() == layout.headingEnd();
-  return plannedAbove(text, begin, inserted, belowHeading ? nullptr : &above);
+  return plannedAbove(text, layout, inserted);
 }
 
 Operations plannedLastLine(std::string_view text, std::string_view line) {
   const std::size_t end = lineEnd(text, contentEnd(text));
-  const std::string fence = closingFence(text.substr(0, end));
+  const std::string closing = closingLine(text.substr(0, end));
   Piece piece(text, line);
   if (end > 0) piece.breakLine();
-  if (!fence.empty()) piece.addLine(fence);
+  if (!closing.empty()) piece.addLine(closing);
   if (end > 0) piece.breakLine();
   piece.addText();
   return std::move(piece).at(end);

@@ -9,18 +9,8 @@ namespace {
 
 constexpr std::size_t npos = std::string_view::npos;
 
-/// The first element of `items` whose range ends behind `position`.
-template <typename Items, typename RangeOf>
-auto firstEndingBehind(const Items& items, std::size_t position, RangeOf range) {
-  return std::partition_point(items.begin(), items.end(),
-                              [&](const auto& item) { return range(item).end <= position; });
-}
-
 SourceRange rangeOf(const HashtagMention& mention) {
   return mention.range;
-}
-SourceRange rangeOf(const TextStretch& stretch) {
-  return stretch.range;
 }
 SourceRange rangeOf(const Block& block) {
   return block.text;
@@ -29,9 +19,11 @@ SourceRange rangeOf(const SourceRange& range) {
   return range;
 }
 
+/// The first item whose range ends behind `position`.
 template <typename Items>
 auto firstEndingBehind(const Items& items, std::size_t position) {
-  return firstEndingBehind(items, position, [](const auto& item) { return rangeOf(item); });
+  return std::partition_point(items.begin(), items.end(),
+                              [&](const auto& item) { return rangeOf(item).end <= position; });
 }
 
 bool isIndented(std::string_view text, std::size_t line) {
@@ -44,7 +36,7 @@ Layout::Layout(std::string_view text, const Document& document) : text_(text), d
   findFootnotes();
   std::size_t line = passTagLines(skipBlankLines(text, document.bodyBegin));
   line = passTitle(skipBlankLines(text, line));
-  line = passTagLines(line);
+  if (headingEnd_) line = passTagLines(line);
   findFoot(line);
   if (const std::size_t next = skipBlankLines(text, line); next < footBegin_) {
     line = passTagLines(next);
@@ -62,6 +54,16 @@ bool Layout::isTagLine(std::size_t begin) const {
     at = tag->range.end;
   }
   return isBlankText(text_.substr(at, end - at));
+}
+
+bool Layout::bodyGoesOn() const {
+  const auto block = firstEndingBehind(document_.blocks, bodyBegin_);
+  return hasBody() && block != document_.blocks.end() && block->text.begin < bodyBegin_ &&
+         block->kind == BlockKind::paragraph;
+}
+
+bool Layout::bodyCutsIn() const {
+  return headEnd_ && headEnd_ != headingEnd_ && behindLineBreak(text_, *headEnd_) == bodyBegin_;
 }
 
 void Layout::endHead(std::size_t end, bool inTags) {
@@ -131,7 +133,8 @@ bool Layout::startsFootnote(std::size_t line) const {
   const std::string_view here = text_.substr(line);
   if (!here.starts_with("[^")) return false;
   const std::size_t end = here.find_first_of(" \t\r\n[]", 2);
-  return end != npos && end > 2 && here.substr(end).starts_with("]:") && isPlainText(line);
+  return end != npos && end > 2 && here.substr(end).starts_with("]:") &&
+         stretchAt(document_, line) != nullptr;
 }
 
 /// The end of the footnote that begins at `line`: its lines up to a blank or tag line, and
@@ -151,11 +154,6 @@ std::size_t Layout::footnoteEnd(std::size_t line) const {
 const SourceRange* Layout::footnoteAt(std::size_t position) const {
   const auto found = firstEndingBehind(footnotes_, position);
   return found != footnotes_.end() && found->begin <= position ? &*found : nullptr;
-}
-
-bool Layout::isPlainText(std::size_t position) const {
-  const auto found = firstEndingBehind(document_.stretches, position);
-  return found != document_.stretches.end() && found->range.begin <= position;
 }
 
 /// The end of the last hashtag before `lineEnd`.

@@ -21,8 +21,8 @@ namespace zephyrdown {
 ///   [^1]: a footnote  foot
 ///
 /// Without a heading at the top, the first line of text is the title. A tag line that could be
-/// either, as the last line of a note without a body, belongs to the head where it stands directly
-/// below the title, else to the foot.
+/// either, in a note without a body, belongs to the head where it stands first or directly below
+/// the heading, else to the foot.
 class Layout {
  public:
   Layout(std::string_view text, const Document& document);
@@ -37,6 +37,10 @@ class Layout {
 
   /// The first line of the body; the foot's begin where there is no body.
   std::size_t bodyBegin() const { return bodyBegin_; }
+  /// Whether the body's first line goes on with the paragraph that the head ends in.
+  bool bodyGoesOn() const;
+  /// Whether the body's first block stands directly below a paragraph of the head.
+  bool bodyCutsIn() const;
   /// The foot's first line, or the text's end.
   std::size_t footBegin() const { return footBegin_; }
   bool hasFoot() const { return footBegin_ < text_.size(); }
@@ -54,7 +58,6 @@ class Layout {
   std::size_t passTagLines(std::size_t line);
   std::size_t passTitle(std::size_t line);
   void endHead(std::size_t end, bool inTags);
-  bool isPlainText(std::size_t position) const;
   bool startsFootnote(std::size_t line) const;
   std::size_t footnoteEnd(std::size_t line) const;
   const SourceRange* footnoteAt(std::size_t position) const;

@@ -82,7 +82,10 @@ std::size_t contentEnd(std::string_view text) {
 
 std::string_view lineBreakStyle(std::string_view text) {
   const std::size_t end = lineEnd(text, 0);
-  return end == text.size() ? "\n" : text.substr(end, behindLineBreak(text, end) - end);
+  if (end == text.size()) return "\n";
+  const std::string_view first = text.substr(end, behindLineBreak(text, end) - end);
+  // A lone CR that is put before a LF would make one line break with it.
+  return first == "\r" && text.find('\n') != npos ? "\n" : first;
 }
 
 std::size_t bodyBegin(std::string_view text) {

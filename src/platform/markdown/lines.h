@@ -43,7 +43,8 @@ std::size_t skipBlankLines(std::string_view text, std::size_t begin);
 /// all are blank.
 std::size_t contentEnd(std::string_view text);
 
-/// The line break that the text's first line ends in; LF when there is none.
+/// The line break that the text's first line ends in; LF when there is none, and in place of a
+/// lone CR in a text that has others too.
 std::string_view lineBreakStyle(std::string_view text);
 
 /// Where Markdown begins: behind a byte order mark and behind front matter, which is a block of

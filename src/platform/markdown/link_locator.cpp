@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "platform/markdown/ascii.h"
+#include "platform/markdown/entities.h"
 #include "platform/markdown/lines.h"
 
 namespace zephyrdown {
@@ -131,11 +132,8 @@ void LinkLocator::pass(SourceRange range) {
 }
 
 void LinkLocator::enter(LinkKind kind, std::optional<std::size_t> destinationAt,
-                        std::string_view destination) {
-  constexpr std::size_t kHead = 64;
-  OpenLink link{kind, cursor_, destinationAt, {}};
-  if (!destinationAt) link.destinationHead = destination.substr(0, kHead);
-  open_.push_back(std::move(link));
+                        std::string destination) {
+  open_.push_back({kind, cursor_, destinationAt, std::move(destination)});
 }
 
 std::optional<LocatedLink> LinkLocator::leave() {
@@ -176,10 +174,13 @@ std::optional<std::size_t> LinkLocator::lastBracket(const OpenLink& link,
 bool LinkLocator::isAutolinkAt(const OpenLink& link, std::size_t position) const {
   if (link.kind != LinkKind::link) return false;
   if (link.destinationAt) return *link.destinationAt == position;
-  const std::string_view head = link.destinationHead;
-  const std::string_view there = text_.substr(position);
-  const bool hasAddedScheme = head.starts_with("mailto:") || head.starts_with("http://");
-  return there.starts_with(head) || (hasAddedScheme && there.starts_with(head.substr(7)));
+  constexpr std::size_t kEntity = 64;
+  const std::string_view destination = link.destination;
+  const std::string there = unescaped(text_.substr(position, destination.size() + kEntity));
+  const bool hasAddedScheme =
+      destination.starts_with("mailto:") || destination.starts_with("http://");
+  return there.starts_with(destination) ||
+         (hasAddedScheme && there.starts_with(destination.substr(7)));
 }
 
 std::optional<std::size_t> LinkLocator::bracketOfEmpty(const OpenLink& link) const {
@@ -190,7 +191,11 @@ std::optional<std::size_t> LinkLocator::bracketOfEmpty(const OpenLink& link) con
     if (link.kind == LinkKind::image && (at == from || text_[at - 1] != '!')) continue;
     const std::size_t end = text_.find_first_not_of(" \t\r\n>*_~", at + 1);
     if (end == npos || text_[end] != ']') continue;
-    if (readInlineTail(text_, end + 1) || behindReferenceLabel(text_, end + 1) > end + 1) return at;
+    const auto tail = readInlineTail(text_, end + 1);
+    if (tail ? isDestination(link, tail->destination)
+             : behindReferenceLabel(text_, end + 1) > end + 1) {
+      return at;
+    }
   }
   return std::nullopt;
 }
@@ -210,6 +215,12 @@ std::optional<std::size_t> LinkLocator::bracketBeforeDestination(const OpenLink&
   return bracket;
 }
 
+/// Whether the link's destination is the one that is written there.
+bool LinkLocator::isDestination(const OpenLink& link, SourceRange range) const {
+  if (link.destinationAt) return *link.destinationAt == range.begin;
+  return unescaped(text_.substr(range.begin, range.end - range.begin)) == link.destination;
+}
+
 std::optional<LocatedLink> LinkLocator::close(const OpenLink& link) {
   const std::size_t bracket = *link.bracket;
   const std::size_t close = text_.find(']', std::max(cursor_, bracket + 1));
@@ -218,8 +229,7 @@ std::optional<LocatedLink> LinkLocator::close(const OpenLink& link) {
   if (link.kind == LinkKind::wikiLink) {
     ++located.range.end;
   } else if (const auto tail = readInlineTail(text_, close + 1);
-             tail && (!link.destinationAt || tail->destination.begin == tail->destination.end ||
-                      *link.destinationAt == tail->destination.begin)) {
+             tail && isDestination(link, tail->destination)) {
     located.range.end = tail->end;
     located.destination = tail->destination;
   } else {

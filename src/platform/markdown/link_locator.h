@@ -38,8 +38,11 @@ class LinkLocator {
   void pass(SourceRange range);
 
   /// `destinationAt`: the offset of the destination's first byte, where the parser hands out the
-  /// very bytes of the text.
-  void enter(LinkKind kind, std::optional<std::size_t> destinationAt, std::string_view destination);
+  /// very bytes of the text; else `destination` is what it made of them.
+  void enter(LinkKind kind, std::optional<std::size_t> destinationAt, std::string destination);
+
+  /// Forgets links that were entered and not left.
+  void endBlock() { open_.clear(); }
 
   /// The link that was entered last. Nothing for an autolink, which has no brackets.
   std::optional<LocatedLink> leave();
@@ -49,7 +52,7 @@ class LinkLocator {
     LinkKind kind;
     std::size_t floor;  // it does not begin before
     std::optional<std::size_t> destinationAt;
-    std::string destinationHead;                        // where destinationAt is not known
+    std::string destination;                            // where destinationAt is not known
     std::optional<std::size_t> bracket = std::nullopt;  // the last one of its opening brackets
     bool isAutolink = false;
     bool isSettled() const { return bracket || isAutolink; }
@@ -61,6 +64,7 @@ class LinkLocator {
   bool isAutolinkAt(const OpenLink& link, std::size_t position) const;
   std::optional<std::size_t> bracketOfEmpty(const OpenLink& link) const;
   std::optional<std::size_t> bracketBeforeDestination(const OpenLink& link) const;
+  bool isDestination(const OpenLink& link, SourceRange range) const;
   std::optional<LocatedLink> close(const OpenLink& link);
 
   std::string_view text_;

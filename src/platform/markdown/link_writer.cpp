@@ -63,23 +63,26 @@ std::string escapedTitle(std::string_view title) {
   return result;
 }
 
-std::string link(std::string_view label, std::string_view url) {
-  return "[" + escapedLabel(label) + "](" + destinationForFileName(url);
+std::string openLink(std::string_view mark, std::string_view label, std::string_view url) {
+  return std::string(mark)
+      .append(escapedLabel(label))
+      .append("](")
+      .append(destinationForFileName(url));
 }
 
 }  // namespace
 
 std::string ZDKAST::markdownFile(std::string_view label, std::string_view url, bool preview) {
   constexpr std::string_view kPreview = "<!-- {\"preview\":\"true\"} -->";
-  std::string result = link(label, url) + ")";
+  std::string result = openLink("[", label, url) + ")";
   if (preview) result += kPreview;
   return result;
 }
 
 std::string ZDKAST::markdownImage(std::string_view label, std::string_view url,
                                   std::string_view title) {
-  std::string result = "!" + link(label, url);
-  if (!title.empty()) result += " \"" + escapedTitle(title) + "\"";
+  std::string result = openLink("![", label, url);
+  if (!title.empty()) result.append(" \"").append(escapedTitle(title)).append("\"");
   return result + ")";
 }
 

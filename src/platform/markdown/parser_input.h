@@ -10,8 +10,9 @@
 namespace zephyrdown {
 
 /// The copy, or nothing where the body can be shown as it is. Masked are
-///   the brackets of a footnote's label, "[^1]", which would be a reference to a link, and
-///   underscores inside of hashtags, which would be emphasis between "#_a" and "#b_".
+///   the brackets of a footnote's label, "[^1]", which would be a reference to a link,
+///   underscores inside of hashtags, which would be emphasis between "#_a" and "#b_", and
+///   brackets in a paragraph of tens of thousands of lines, on which it would spend minutes.
 std::optional<std::string> maskedForParser(std::string_view body);
 
 /// The copy without the definitions of references, whose uses a text can multiply.

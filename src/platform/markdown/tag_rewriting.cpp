@@ -18,6 +18,29 @@ bool hasTag(const Document& document, std::string_view name) {
                      [&](const HashtagMention& tag) { return tag.name == name; });
 }
 
+/// The name's hashtag as it is read back before `rest`, the plain text that follows. A closing mark
+/// more than the name needs keeps "#2024#.5" from growing; a backslash keeps a hash mark that
+/// follows.
+std::optional<std::string> fittingHashtag(std::string_view name, std::string_view rest) {
+  constexpr std::size_t kBehindMark = 8;
+  const auto usual = ZDKHashtag::hashtagStringForTagName(name);
+  if (!usual) return std::nullopt;
+  if (const std::size_t hash = rest.find('#', 1); hash != rest.npos) {
+    rest = rest.substr(0, hash + kBehindMark);
+  }
+  const std::string closed = std::string("#").append(name) + "#";
+  for (const std::string& hashtag : {*usual, closed, closed + "\\"}) {
+    const std::string line = hashtag + std::string(rest);
+    std::vector<HashtagMention> tags;
+    findHashtags(line, {0, line.size()}, /*opens=*/true, tags);
+    if (!tags.empty() && tags[0].name == name &&
+        tags[0].range.end == hashtag.find_last_not_of('\\') + 1) {
+      return hashtag;
+    }
+  }
+  return std::nullopt;
+}
+
 /// On a line of its own directly below the title; without a heading, as the first line.
 Operations plannedTopLine(std::string_view text, const Document& document, const Layout& layout,
                           std::string_view hashtag) {
@@ -42,7 +65,7 @@ class Renamer {
 
   Operations plan() {
     for (next_ = document_.hashtags.begin(); next_ != document_.hashtags.end(); ++next_) {
-      if (lineBegin(text_, next_->range.begin) != line_) enterLine();
+      if (next_->range.begin >= line_.end) enterLine();
       if (const auto name = renamed(next_->name)) {
         rewrite(*next_, *name, isTagLine_ && !names_.insert(*name).second);
       }
@@ -52,13 +75,13 @@ class Renamer {
 
  private:
   void enterLine() {
-    line_ = lineBegin(text_, next_->range.begin);
-    isTagLine_ = layout_.isTagLine(line_);
+    line_.end = lineEnd(text_, next_->range.end);
+    line_.begin = lineBegin(text_, next_->range.begin);
+    isTagLine_ = layout_.isTagLine(line_.begin);
     names_.clear();
     if (!isTagLine_) return;
     // Names that stay as they are come first: they are kept, and not the renamed ones.
-    const std::size_t end = lineEnd(text_, line_);
-    for (auto tag = next_; tag != document_.hashtags.end() && tag->range.end <= end; ++tag) {
+    for (auto tag = next_; tag != document_.hashtags.end() && tag->range.end <= line_.end; ++tag) {
       if (!renamed(tag->name)) names_.insert(tag->name);
     }
   }
@@ -70,13 +93,15 @@ class Renamer {
   }
 
   void rewrite(const HashtagMention& tag, const std::string& name, bool isKnown) {
-    const auto hashtag = ZDKHashtag::hashtagStringForTagName(name);
+    const std::size_t end = stretchAt(document_, tag.range.begin)->range.end;
+    const auto hashtag = fittingHashtag(name, text_.substr(tag.range.end, end - tag.range.end));
     if (!hashtag) return;
     if (isKnown) {
       SourceRange range = tag.range;
-      const std::size_t floor = results_.empty() ? line_ : std::max(line_, results_.back().range.end);
+      const std::size_t floor =
+          results_.empty() ? line_.begin : std::max(line_.begin, results_.back().range.end);
       while (range.begin > floor && isBlank(text_[range.begin - 1])) --range.begin;
-      if (range.begin == line_) range.end = skipBlanks(text_, range.end);
+      if (range.begin == line_.begin) range.end = skipBlanks(text_, range.end);
       results_.push_back({range, {}});
     } else {
       results_.push_back({tag.range, *hashtag});
@@ -88,7 +113,7 @@ class Renamer {
   Layout layout_;
   std::string_view from_, to_;
   std::vector<HashtagMention>::const_iterator next_;
-  std::size_t line_ = static_cast<std::size_t>(-1);
+  SourceRange line_;
   bool isTagLine_ = false;
   std::set<std::string, std::less<>> names_;
   Operations results_;

@@ -16,13 +16,6 @@ constexpr std::int64_t imported = 1000;  ///< so many at once come from an impor
 constexpr int batchMilliseconds = 100;
 constexpr int importMilliseconds = 1000;
 
-std::int64_t notesWithoutFacts(sqlite::Connection& connection) {
-  sqlite::Query query = connection.query(
-      "SELECT count(*) FROM (SELECT 1 FROM noteSummary WHERE textDigest IS NULL LIMIT ?1)");
-  query.bind(1, imported).step();
-  return query.integer(0);
-}
-
 void writeFacts(sqlite::Connection& connection, int milliseconds) {
   const auto start = std::chrono::steady_clock::now();
   sqlite::Query notes = connection.query(
@@ -43,21 +36,31 @@ void writeFacts(sqlite::Connection& connection, int milliseconds) {
 
 }  // namespace
 
-void catchUp(sqlite::Connection& connection) {
+OpenWork openWork(sqlite::Connection& connection) {
   try {
-    const std::int64_t withoutFacts = notesWithoutFacts(connection);
-    SearchIndex index(connection);
-    const std::int64_t notIndexed = index.unknownNotes(imported);
-    if (withoutFacts < enoughForABatch && notIndexed < enoughForABatch) return;
-    const bool import = withoutFacts >= imported || notIndexed >= imported;
-    const int milliseconds = import ? importMilliseconds : batchMilliseconds;
+    sqlite::Query query = connection.query(
+        "SELECT EXISTS (SELECT 1 FROM removedFile), "
+        "(SELECT count(*) FROM (SELECT 1 FROM noteSummary WHERE textDigest IS NULL LIMIT ?1)), "
+        "(SELECT count(*) FROM (SELECT 1 FROM noteSummary WHERE searchRow IS NULL LIMIT ?1))");
+    query.bind(1, imported).step();
+    return {query.integer(0) != 0, query.integer(1), query.integer(2)};
+  } catch (const std::exception&) {
+    return {};
+  }
+}
 
-    connection.setBusyTimeout(0);
+void catchUp(sqlite::Connection& connection, const OpenWork& work) {
+  const bool facts = work.notesWithoutFacts >= enoughForABatch;
+  const bool index = work.notesNotIndexed >= enoughForABatch;
+  if (!facts && !index) return;
+  const bool import = work.notesWithoutFacts >= imported || work.notesNotIndexed >= imported;
+  const int milliseconds = import ? importMilliseconds : batchMilliseconds;
+  try {
     // What is written here can be worked out again: it need not survive a power cut.
     connection.execute("PRAGMA synchronous = NORMAL");
     sqlite::Transaction transaction(connection, sqlite::Transaction::Kind::write);
-    if (withoutFacts >= enoughForABatch) writeFacts(connection, milliseconds);
-    if (notIndexed >= enoughForABatch) index.bringUpToDate(milliseconds);
+    if (facts) writeFacts(connection, milliseconds);
+    if (index) SearchIndex(connection).bringUpToDate(milliseconds);
     transaction.commit();
   } catch (const std::exception&) {
     // Somebody else is writing, or the disk is full: there will be another time.

@@ -84,13 +84,6 @@ std::optional<SearchIndex::Candidates> SearchIndex::candidates(std::string_view 
   return result;
 }
 
-std::int64_t SearchIndex::unknownNotes(std::int64_t most) {
-  sqlite::Query query = connection_.query(
-      "SELECT count(*) FROM (SELECT 1 FROM noteSummary WHERE searchRow IS NULL LIMIT ?1)");
-  query.bind(1, most).step();
-  return query.integer(0);
-}
-
 void SearchIndex::add(std::int64_t note, std::string_view title, std::string_view text) {
   std::string body = folded(text);
   body += '\n';

@@ -104,7 +104,8 @@ double Query::real(int column) const {
 }
 
 std::string_view Query::text(int column) const {
-  const auto* bytes = reinterpret_cast<const char*>(sqlite3_column_text(statement_, column));
+  // The bytes of a text as they are; sqlite3_column_text would copy them to put a NUL behind.
+  const auto* bytes = static_cast<const char*>(sqlite3_column_blob(statement_, column));
   if (bytes == nullptr) return {};
   return {bytes, static_cast<std::size_t>(sqlite3_column_bytes(statement_, column))};
 }
@@ -115,6 +116,9 @@ std::optional<double> Query::optionalReal(int column) const {
 }
 
 Connection::Connection(const std::string& path, Mode mode) {
+  // Nobody asks SQLite how much memory it has, and counting takes a lock at every allocation.
+  static const int configured = sqlite3_config(SQLITE_CONFIG_MEMSTATUS, 0);
+  static_cast<void>(configured);
   const int flags = (mode == Mode::readOnly ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE) |
                     SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE;
   const int code = sqlite3_open_v2(path.c_str(), &handle_, flags, nullptr);

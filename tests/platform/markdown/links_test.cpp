@@ -36,10 +36,10 @@ TEST(FileLinks, AreFoundWithTheirWholeSource) {
             {{"[a](x.pdf)", "x.pdf"}, {"![](y.png)", "y.png"}}},
            {"| [a](x.pdf) | ![](y.png) |\n|-|-|\n",
             {{"[a](x.pdf)", "x.pdf"}, {"![](y.png)", "y.png"}}},
-           {"[a\n> b](\n> x.pdf\n> \"t\")", {{"[a\n> b](\n> x.pdf\n> \"t\")", "x.pdf"}}},
+           {"> [a\n> b](\n> x.pdf\n> \"t\")", {{"[a\n> b](\n> x.pdf\n> \"t\")", "x.pdf"}}},
            {"[r]: x.pdf\n\n[a][r] [r] [r][] ![][r]",
             {{"[a][r]", "x.pdf"}, {"[r]", "x.pdf"}, {"[r][]", "x.pdf"}, {"![][r]", "x.pdf"}}},
-           {"[![](u)]: v\n\n![](a\\*b.png)", {{"![](a\\*b.png)", "a*b.png"}}},
+           {"[x]: <![](u)>\n\n![](a\\*b.png)", {{"![](a\\*b.png)", "a*b.png"}}},
            {"[n](n.pdf)<!-- {\"preview\":\"true\"} --> x",
             {{"[n](n.pdf)<!-- {\"preview\":\"true\"} -->", "n.pdf"}}},
            {"[n](n.pdf)<!-- other -->", {{"[n](n.pdf)", "n.pdf"}}},
@@ -64,7 +64,7 @@ TEST(FileLinks, AreRemovedWithTheLineThatHeldNothingElse) {
   EXPECT_EQ(removing("x.pdf", "a\n\n![](x.pdf)\n\nb"), "a\n\nb");
   EXPECT_EQ(removing("x.pdf", "a\r\n[n](x.pdf)<!-- {\"preview\":\"true\"} -->\r\nb"), "a\r\nb");
   EXPECT_EQ(removing("x.pdf", "[n](x.pdf)"), "");
-  EXPECT_EQ(removing("x.pdf", "- [n](x.pdf)\n- b"), "- \n- b");
+  EXPECT_EQ(removing("x.pdf", "a\n- [n](x.pdf)\n- b"), "a\n- b");
   EXPECT_EQ(removing("x.pdf", "[n](y.pdf) `[n](x.pdf)`"), "[n](y.pdf) `[n](x.pdf)`");
   EXPECT_EQ(removing("my x.pdf", "a [n](my%20x.pdf) [n](<my x.pdf>)"), "a");
 }
