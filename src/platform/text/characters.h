@@ -18,7 +18,8 @@ std::size_t characterCount(std::string_view text);
 /// General categories L, M and N.
 bool isAlphanumeric(char32_t scalar);
 
-/// A scalar that cannot begin a character: combining marks, joiners, variation selectors.
+/// A scalar that cannot begin a character: combining marks (general category M, which holds the
+/// variation selectors), joiners, emoji modifiers.
 bool extendsCharacter(char32_t scalar);
 
 /// White_Space of Unicode, line breaks included.

@@ -25,13 +25,26 @@ std::string replacingInvalidUTF8(std::string_view bytes);
 /// True when every byte is below 0x80.
 bool isASCII(std::string_view bytes);
 
-/// The scalar that starts at `position` and the offset behind it. `text` must be valid UTF-8 and
-/// `position` on a scalar's first byte, below `text.size()`.
+/// The number of bytes before the first one that is 0x80 or above.
+std::size_t asciiPrefixLength(std::string_view bytes);
+
+/// The scalar that starts at `position` and the offset behind it. `position` is a scalar's first
+/// byte, below `text.size()`. An ill-formed part reads as U+FFFD, with `wellFormed` false.
 struct DecodedScalar {
   char32_t value;
   std::size_t next;
+  bool wellFormed = true;
 };
-DecodedScalar decodeScalar(std::string_view text, std::size_t position);
+DecodedScalar decodeMultibyteScalar(std::string_view text, std::size_t position);
+inline DecodedScalar decodeScalar(std::string_view text, std::size_t position) {
+  const auto first = static_cast<unsigned char>(text[position]);
+  if (first < 0x80) return {first, position + 1, true};
+  return decodeMultibyteScalar(text, position);
+}
+
+/// The first byte of the scalar that ends before `position`, which is above 0 and a scalar's
+/// first byte or the text's end. `text` must be valid UTF-8; others are safe.
+std::size_t previousScalar(std::string_view text, std::size_t position);
 
 /// Appends `scalar` to `out` as UTF-8.
 void appendScalar(std::string& out, char32_t scalar);
