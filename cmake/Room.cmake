@@ -42,6 +42,7 @@ function(tavi_tests path)
   add_executable(test_${name} ${TESTS_SOURCES})
   string(REPLACE "/" "_" uses "${TESTS_USES}")
   list(TRANSFORM uses PREPEND tavi_)
+  target_include_directories(test_${name} PRIVATE "${CMAKE_SOURCE_DIR}/tests")
   target_link_libraries(test_${name} PRIVATE tavi_compiler ${uses} ${TESTS_LIBRARIES}
     GTest::gmock GTest::gtest_main)
   gtest_discover_tests(test_${name} TEST_PREFIX "${path}: " DISCOVERY_MODE PRE_TEST)

@@ -9,6 +9,8 @@ namespace tavi {
 /// lower-case hexadecimal digits of the SHA-256 (FIPS 180-4) of the text's bytes as stored.
 struct ContentHash {
   static std::string of(std::string_view text);
+  /// The same from the text's SHA-256 in lower-case hexadecimal digits, or a head of 7 or more.
+  static std::string ofDigest(std::string_view sha256);
 };
 
 }  // namespace tavi

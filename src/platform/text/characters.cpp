@@ -7,8 +7,6 @@
 namespace platform::text {
 namespace {
 
-// Below the first combining mark only CR LF joins two scalars into one character. Most text is
-// stepped over without a look at ICU's tables.
 constexpr char32_t kFirstCombiningMark = 0x300;
 
 constexpr std::size_t kUnknown = static_cast<std::size_t>(-1);
@@ -42,18 +40,59 @@ bool joinsHangul(UGraphemeClusterBreak before, UGraphemeClusterBreak after) {
   }
 }
 
-/// Decides boundaries in one text, position by position in either direction.
-class Boundaries {
- public:
-  explicit Boundaries(std::string_view text) : text_(text) {}
+/// Latin letters and the like, below the first combining mark, and Chinese characters: but for
+/// CR LF, two of these are two characters. It spares most texts the look at ICU's tables.
+bool isOrdinary(char32_t scalar) {
+  return scalar < kFirstCombiningMark || (scalar >= 0x4E00 && scalar <= 0x9FFF);
+}
 
+/// Whether two neighbouring bytes are two characters: ASCII, and not CR LF. Most of a text is
+/// stepped over by this alone.
+bool areCharacters(char left, char right) {
+  return ((left | right) & 0x80) == 0 && !(left == '\r' && right == '\n');
+}
+
+/// The characters of one text, stepped over in either direction.
+class Characters {
+ public:
+  explicit Characters(std::string_view text) : text_(text) {}
+
+  /// The end of the character at `position`, which is not the text's end.
+  std::size_t following(std::size_t position) {
+    if (position + 1 < text_.size() && areCharacters(text_[position], text_[position + 1])) {
+      return position + 1;
+    }
+    std::size_t last = position;
+    position = decodeScalar(text_, position).next;
+    while (position < text_.size() && !isBoundary(position, last)) {
+      last = position;
+      position = decodeScalar(text_, position).next;
+    }
+    return position;
+  }
+
+  /// The start of the character before `position`, which is above 0.
+  std::size_t preceding(std::size_t position) {
+    if (position > 1 && areCharacters(text_[position - 2], text_[position - 1])) {
+      return position - 1;
+    }
+    position = previousScalar(text_, position);
+    while (position > 0) {
+      const std::size_t before = previousScalar(text_, position);
+      if (isBoundary(position, before)) break;
+      position = before;
+    }
+    return position;
+  }
+
+ private:
   /// Whether a character ends and another begins at `position`, which lies between the scalar at
   /// `before` and the one behind it. The rules of UAX #29, section 3.1.1, in their order.
-  bool isAt(std::size_t position, std::size_t before) {
+  bool isBoundary(std::size_t position, std::size_t before) {
     const char32_t left = decodeScalar(text_, before).value;
     const char32_t right = decodeScalar(text_, position).value;
     if (left == '\r' && right == '\n') return false;  // GB3
-    if (left < kFirstCombiningMark && right < kFirstCombiningMark) return true;
+    if (isOrdinary(left) && isOrdinary(right)) return true;
     const UGraphemeClusterBreak l = breakClass(left);
     const UGraphemeClusterBreak r = breakClass(right);
     if (isControl(l) || isControl(r)) return true;                                     // GB4, GB5
@@ -65,7 +104,6 @@ class Boundaries {
     return true;                                                                       // GB999
   }
 
- private:
   /// Whether a pictograph and its extensions end at `position`.
   bool endsInPictograph(std::size_t position) const {
     while (position > 0) {
@@ -100,40 +138,23 @@ class Boundaries {
 
 }  // namespace
 
-std::size_t stepForwardCharacters(std::string_view text, std::size_t position, std::size_t count) {
-  Boundaries boundaries(text);
-  for (; count > 0 && position < text.size(); --count) {
-    std::size_t last = position;
-    position = decodeScalar(text, position).next;
-    while (position < text.size() && !boundaries.isAt(position, last)) {
-      last = position;
-      position = decodeScalar(text, position).next;
-    }
-  }
+std::size_t stepBackCharacters(std::string_view text, std::size_t position, std::size_t count) {
+  Characters characters(text);
+  for (; count > 0 && position > 0; --count) position = characters.preceding(position);
   return position;
 }
 
-std::size_t stepBackCharacters(std::string_view text, std::size_t position, std::size_t count) {
-  Boundaries boundaries(text);
-  for (; count > 0 && position > 0; --count) {
-    position = previousScalar(text, position);
-    while (position > 0) {
-      const std::size_t before = previousScalar(text, position);
-      if (boundaries.isAt(position, before)) break;
-      position = before;
-    }
-  }
+std::size_t stepForwardCharacters(std::string_view text, std::size_t position, std::size_t count) {
+  Characters characters(text);
+  for (; count > 0 && position < text.size(); --count) position = characters.following(position);
   return position;
 }
 
 std::size_t characterCount(std::string_view text) {
+  Characters characters(text);
   std::size_t count = 0;
-  Boundaries boundaries(text);
-  std::size_t last = 0;
-  for (std::size_t position = 0; position < text.size();) {
-    if (position == 0 || boundaries.isAt(position, last)) ++count;
-    last = position;
-    position = decodeScalar(text, position).next;
+  for (std::size_t position = 0; position < text.size(); ++count) {
+    position = characters.following(position);
   }
   return count;
 }

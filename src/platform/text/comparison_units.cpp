@@ -81,14 +81,16 @@ std::vector<char32_t> compared(std::vector<char32_t> scalars, CaseFolding foldin
   return decomposed(folded);
 }
 
+bool isInOrder(ScalarForms::Form::CombiningClasses left,
+               ScalarForms::Form::CombiningClasses right) {
+  return (right.decomposed == 0 || left.decomposed <= right.decomposed) &&
+         (right.form == 0 || left.form <= right.form);
+}
+
 /// Blocks whose scalars have no decomposition, no case and no marks. They are looked past, since
 /// a Chinese text uses more of them than the table of forms can hold.
 bool isOwnForm(char32_t scalar) {
   return (scalar >= 0x3400 && scalar <= 0x4DBF) || (scalar >= 0x4E00 && scalar <= 0x9FFF);
-}
-
-char32_t foldedASCII(char32_t scalar) {
-  return scalar >= 'A' && scalar <= 'Z' ? scalar | 0x20 : scalar;
 }
 
 }  // namespace
@@ -131,56 +133,95 @@ ScalarForms::Form ScalarForms::make(char32_t scalar) const {
   std::copy_n(whole.begin(), std::min(whole.size(), form.scalars.size()), form.scalars.begin());
   form.length = static_cast<std::uint8_t>(std::min(whole.size(), form.scalars.size()));
   form.attaches = attachesToPrevious(scalar);
-  form.decomposedLead = combiningClass(parts.front());
-  form.decomposedTrail = combiningClass(parts.back());
-  form.lead = combiningClass(whole.front());
-  form.trail = combiningClass(whole.back());
+  form.lead = {combiningClass(parts.front()), combiningClass(whole.front())};
+  form.trail = {combiningClass(parts.back()), combiningClass(whole.back())};
   return form;
 }
 
 bool UnitReader::next() {
-  scalars_.clear();
   begin_ = end_;
   if (begin_ == text_.size()) return false;
-  const DecodedScalar first = decodeScalar(text_, begin_);
-  end_ = first.next;
-  const bool marksMayFollow =
-      end_ < text_.size() && static_cast<unsigned char>(text_[end_]) >= 0x80;
-  if (first.value < 0x80 && !marksMayFollow) {
-    scalars_.push_back(forms_.folding() == CaseFolding::full ? foldedASCII(first.value)
-                                                             : first.value);
+  const bool marksMayFollow = begin_ + 1 < text_.size() && !isASCIIAt(begin_ + 1);
+  if (isASCIIAt(begin_) && !marksMayFollow) {
+    scalars_[0] = folded(text_[begin_]);
+    length_ = 1;
+    ++end_;
     return true;
   }
-  const ScalarForms::Form& form = forms_.of(first.wellFormed ? first.value : kIllFormed);
-  append(form);
-  if (marksMayFollow) readMarks(form);
+  lookAhead();
+  length_ = 0;
+  appendAhead();
+  if (end_ < text_.size() && !isASCIIAt(end_)) readMarks();
   return true;
 }
 
-void UnitReader::append(const ScalarForms::Form& form) {
-  scalars_.insert(scalars_.end(), form.scalars.begin(), form.scalars.begin() + form.length);
+void UnitReader::skipASCIIUntil(char32_t wanted) {
+  std::size_t position = end_;
+  if (position == text_.size() || !isASCIIAt(position)) return;
+  if (wanted >= 0x80) {
+    position += asciiPrefixLength(text_.substr(position));
+  } else {
+    while (position < text_.size() && isASCIIAt(position) && folded(text_[position]) != wanted) {
+      ++position;
+    }
+  }
+  // The last one may have marks behind it.
+  if (position > end_) end_ = position - 1;
 }
 
-void UnitReader::readMarks(ScalarForms::Form last) {
-  bool ordered = true;
-  while (end_ < text_.size()) {
-    const DecodedScalar scalar = decodeScalar(text_, end_);
-    if (scalar.value < 0x80 || !scalar.wellFormed) break;
-    const ScalarForms::Form& form = forms_.of(scalar.value);
-    if (!form.attaches) break;
-    ordered = ordered && last.canBeFollowedBy(form);
-    append(form);
-    last = form;
-    end_ = scalar.next;
+char32_t UnitReader::folded(char ascii) const {
+  const bool isUpper = ascii >= 'A' && ascii <= 'Z' && forms_.folding() == CaseFolding::full;
+  return static_cast<char32_t>(isUpper ? ascii | 0x20 : ascii);
+}
+
+void UnitReader::lookAhead() {
+  if (ahead_ == end_) return;
+  const DecodedScalar scalar = decodeScalar(text_, end_);
+  form_ = &forms_.of(scalar.wellFormed ? scalar.value : kIllFormed);
+  ahead_ = end_;
+  behindAhead_ = scalar.next;
+}
+
+void UnitReader::appendAhead() {
+  if (length_ + form_->scalars.size() > scalars_.size()) scalars_.resize(2 * scalars_.size());
+  for (std::size_t i = 0; i < form_->length; ++i) scalars_[length_++] = form_->scalars[i];
+  end_ = behindAhead_;
+}
+
+void UnitReader::readMarks() {
+  bool inOrder = true;
+  ScalarForms::Form::CombiningClasses last = form_->trail;
+  for (; end_ < text_.size() && !isASCIIAt(end_); last = form_->trail) {
+    lookAhead();
+    if (!form_->attaches) break;
+    inOrder = inOrder && isInOrder(last, form_->lead);
+    appendAhead();
   }
-  if (ordered) return;
+  if (!inOrder) readAgainInOrder();
+}
+
+void UnitReader::readAgainInOrder() {
   std::vector<char32_t> source;
   for (std::size_t position = begin_; position < end_;) {
     const DecodedScalar scalar = decodeScalar(text_, position);
     source.push_back(scalar.wellFormed ? scalar.value : kIllFormed);
     position = scalar.next;
   }
-  scalars_ = compared(decomposed(source), forms_.folding());
+  const std::vector<char32_t> ordered = compared(decomposed(source), forms_.folding());
+  length_ = ordered.size();  // as many as before, in another order
+  std::copy(ordered.begin(), ordered.end(), scalars_.begin());
+}
+
+std::string comparisonForm(std::string_view text, CaseFolding folding) {
+  std::string result;
+  result.reserve(text.size() + text.size() / 8);
+  UnitReader units(text, 0, ScalarForms::shared(folding));
+  while (units.next()) {
+    for (const char32_t scalar : units.scalars()) {
+      appendScalar(result, scalar == kIllFormed ? char32_t{0xFFFD} : scalar);
+    }
+  }
+  return result;
 }
 
 }  // namespace platform::text

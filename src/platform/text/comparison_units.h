@@ -3,6 +3,8 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <span>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -36,14 +38,13 @@ class ScalarForms {
     std::array<char32_t, 4> scalars{};
     std::uint8_t length = 0;
     bool attaches = false;
-    // Canonical combining classes at both ends of NFD, and of the form itself.
-    std::uint8_t decomposedLead = 0, decomposedTrail = 0, lead = 0, trail = 0;
-
-    /// Whether the form of the sequence is the one form behind the other: no mark changes places.
-    bool canBeFollowedBy(const Form& next) const {
-      return (next.decomposedLead == 0 || decomposedTrail <= next.decomposedLead) &&
-             (next.lead == 0 || trail <= next.lead);
-    }
+    // Canonical combining classes at both ends of NFD, and of the form itself. Where neither
+    // falls from one scalar's end to the next one's beginning, no mark changes places, and the
+    // form of the two is their forms in a row.
+    struct CombiningClasses {
+      std::uint8_t decomposed = 0, form = 0;
+    };
+    CombiningClasses lead, trail;
   };
 
   /// The one table of this thread, made on first use.
@@ -68,24 +69,42 @@ class UnitReader {
  public:
   /// `position` is the start of a unit.
   UnitReader(std::string_view text, std::size_t position, ScalarForms& forms)
-      : text_(text), begin_(position), end_(position), forms_(forms) {}
+      : text_(text), begin_(position), end_(position), forms_(forms), scalars_(8) {}
 
   /// Goes on to the next unit; false at the text's end.
   bool next();
 
+  /// Passes over units of plain ASCII whose scalar is not `wanted`, though perhaps not all.
+  void skipASCIIUntil(char32_t wanted);
+  void skipToEnd() { end_ = text_.size(); }
+
   std::size_t begin() const { return begin_; }  ///< of the unit, in the source
   std::size_t end() const { return end_; }
-  const std::vector<char32_t>& scalars() const { return scalars_; }
+  std::span<const char32_t> scalars() const { return {scalars_.data(), length_}; }
 
  private:
-  void append(const ScalarForms::Form& form);
-  void readMarks(ScalarForms::Form last);
+  bool isASCIIAt(std::size_t position) const {
+    return static_cast<unsigned char>(text_[position]) < 0x80;
+  }
+  char32_t folded(char ascii) const;
+  void lookAhead();
+  void appendAhead();
+  void readMarks();
+  void readAgainInOrder();
 
   std::string_view text_;
   std::size_t begin_;
   std::size_t end_;
   ScalarForms& forms_;
-  std::vector<char32_t> scalars_;
+  std::vector<char32_t> scalars_;  // the unit's, and room behind them
+  std::size_t length_ = 0;
+  // The scalar at `ahead_`, which has been looked up to see whether it attaches.
+  const ScalarForms::Form* form_ = nullptr;
+  std::size_t ahead_ = static_cast<std::size_t>(-1);
+  std::size_t behindAhead_ = 0;
 };
+
+/// The comparison form of a whole text, ill-formed parts read as U+FFFD.
+std::string comparisonForm(std::string_view text, CaseFolding folding);
 
 }  // namespace platform::text

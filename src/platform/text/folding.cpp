@@ -22,19 +22,6 @@ bool isEasilyComposed(std::string_view text) {
                       [](char c) { return static_cast<unsigned char>(c) >= 0xCC; });
 }
 
-/// The comparison forms of all units in a row.
-std::string comparisonForm(std::string_view text, CaseFolding folding) {
-  std::string result;
-  result.reserve(text.size() + text.size() / 8);
-  UnitReader units(text, 0, ScalarForms::shared(folding));
-  while (units.next()) {
-    for (const char32_t scalar : units.scalars()) {
-      appendScalar(result, scalar == kIllFormed ? char32_t{0xFFFD} : scalar);
-    }
-  }
-  return result;
-}
-
 }  // namespace
 
 std::string foldedForSearch(std::string_view text) {

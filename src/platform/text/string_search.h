@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <string_view>
@@ -12,12 +13,19 @@
 namespace platform::text {
 
 /// Finds one string in others as a reader would: canonically equivalent sequences match each
-/// other ("é" finds "e" and U+0301), and a match never begins or ends inside a composed
-/// character, so "e" is not found in either form of "é". With CaseFolding::full the comparison
-/// is by Unicode full case folding ("STRASSE" finds "straße"); accents always count. No locale.
+/// other ("é" finds "e" and U+0301), and with CaseFolding::full so do texts that differ in case
+/// ("STRASSE" finds "straße"). Accents always count, and so does every other scalar: joiners, soft
+/// hyphens, control characters. No locale.
 ///
-/// Cost: texts and needles of plain ASCII are searched as bytes. Others are normalised a piece
-/// at a time, with a map back to the source. Linear in the text for every needle.
+/// A match never begins or ends inside a composed character: not before a combining mark (general
+/// category M, which holds the variation selectors) or a conjoining vowel or final of Hangul, and
+/// not within what one scalar stands for. So "e" is not found in either form of "é", nor "s" in
+/// "ß", nor U+2764 where U+FE0F follows it. Joiners do not compose: a match may end before U+200D.
+/// A needle that begins with a mark is found at a text's start only.
+///
+/// Cost: a needle of plain ASCII is searched among the text's bytes where that cannot miss a
+/// match; others, piece by piece in comparison form. Linear in the text for every needle. An
+/// object is used by one thread at a time.
 class StringSearch {
  public:
   /// `needle` must be valid UTF-8. An empty needle finds nothing.
@@ -31,8 +39,9 @@ class StringSearch {
   /// character boundary: 0 or the end of an earlier match.
   std::optional<ByteRange> find(std::string_view text, std::size_t from = 0) const;
 
-  /// All matches, ascending, not overlapping. One pass: the text is normalised at most once.
-  std::vector<ByteRange> findAll(std::string_view text) const;
+  /// The first `limit` matches, ascending, not overlapping. One pass: the text is normalised at
+  /// most once.
+  std::vector<ByteRange> findAll(std::string_view text, std::size_t limit = SIZE_MAX) const;
 
   /// Whether there is a match. May be cheaper than `find`.
   bool isIn(std::string_view text) const;

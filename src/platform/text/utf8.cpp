@@ -20,7 +20,7 @@ bool isContinuation(unsigned char byte) {
 }
 
 /// What a lead byte asks of the bytes behind it (Unicode 15, table 3-7). Only the second byte's
-/// range varies; it is what keeps out overlong forms, surrogates and scalars above U+10FFFF.
+/// range varies, to keep out overlong forms, surrogates and scalars above U+10FFFF.
 struct LeadByte {
   std::size_t length;  // of the whole sequence; 0 for a byte that leads none
   unsigned char secondMin = 0x80;
@@ -41,27 +41,23 @@ LeadByte leadByte(unsigned char byte) {
 }
 
 /// Unicode 15, 3.9, table 3-8: the maximal subpart ends before the first byte that does not fit.
-DecodedScalar decodeMultibyte(std::string_view text, std::size_t position) {
-  const unsigned char first = byteAt(text, position);
-  const LeadByte lead = leadByte(first);
-  if (lead.length == 0) return {kReplacement, position + 1, false};
-  char32_t value = first & (0xFFu >> (lead.length + 1));
-  for (std::size_t i = 1; i < lead.length; ++i) {
-    if (position + i == text.size()) return {kReplacement, position + i, false};
-    const unsigned char byte = byteAt(text, position + i);
+std::size_t endOfIllFormedPart(std::string_view text, std::size_t position) {
+  const LeadByte lead = leadByte(byteAt(text, position));
+  const std::size_t most = std::min(text.size(), position + std::max<std::size_t>(lead.length, 1));
+  for (std::size_t i = position + 1; i < most; ++i) {
+    const unsigned char byte = byteAt(text, i);
     const bool fits =
-        i == 1 ? byte >= lead.secondMin && byte <= lead.secondMax : isContinuation(byte);
-    if (!fits) return {kReplacement, position + i, false};
-    value = value << 6 | (byte & 0x3Fu);
+        i == position + 1 ? byte >= lead.secondMin && byte <= lead.secondMax : isContinuation(byte);
+    if (!fits) return i;
   }
-  return {value, position + lead.length, true};
+  return most;
 }
 
 /// The offset of the first ill-formed part, or the size.
 std::size_t validPrefixLength(std::string_view bytes) {
   std::size_t position = asciiPrefixLength(bytes);
   while (position < bytes.size()) {
-    const DecodedScalar scalar = decodeMultibyte(bytes, position);
+    const DecodedScalar scalar = decodeMultibyteScalar(bytes, position);
     if (!scalar.wellFormed) return position;
     position = scalar.next;
     if (position < bytes.size() && byteAt(bytes, position) < 0x80) {
@@ -101,6 +97,11 @@ std::size_t asciiPrefixLength(std::string_view bytes) {
     std::memcpy(words, bytes.data() + position, sizeof words);
     if (((words[0] | words[1] | words[2] | words[3]) & kHighBits) != 0) break;
   }
+  for (; position + 8 <= bytes.size(); position += 8) {
+    std::uint64_t word;
+    std::memcpy(&word, bytes.data() + position, sizeof word);
+    if ((word & kHighBits) != 0) break;
+  }
   while (position < bytes.size() && byteAt(bytes, position) < 0x80) ++position;
   return position;
 }
@@ -126,10 +127,25 @@ std::string replacingInvalidUTF8(std::string_view bytes) {
   return result;
 }
 
-DecodedScalar decodeScalar(std::string_view text, std::size_t position) {
-  const unsigned char first = byteAt(text, position);
-  if (first < 0x80) return {first, position + 1, true};
-  return decodeMultibyte(text, position);
+DecodedScalar decodeMultibyteScalar(std::string_view text, std::size_t position) {
+  const std::size_t left = text.size() - position;
+  const auto continues = [&](std::size_t i) { return isContinuation(byteAt(text, position + i)); };
+  const auto bits = [&](std::size_t i) { return char32_t{byteAt(text, position + i)} & 0x3F; };
+  const char32_t first = byteAt(text, position);
+  if (first < 0xE0) {
+    if (first >= 0xC2 && left >= 2 && continues(1)) {
+      return {(first & 0x1F) << 6 | bits(1), position + 2};
+    }
+  } else if (first < 0xF0) {
+    if (left >= 3 && continues(1) && continues(2)) {
+      const char32_t value = (first & 0x0F) << 12 | bits(1) << 6 | bits(2);
+      if (value >= 0x800 && (value < 0xD800 || value > 0xDFFF)) return {value, position + 3};
+    }
+  } else if (left >= 4 && continues(1) && continues(2) && continues(3)) {
+    const char32_t value = (first & 0x0F) << 18 | bits(1) << 12 | bits(2) << 6 | bits(3);
+    if (value >= 0x10000 && value <= 0x10FFFF) return {value, position + 4};
+  }
+  return {kReplacement, endOfIllFormedPart(text, position), false};
 }
 
 std::size_t previousScalar(std::string_view text, std::size_t position) {
@@ -141,20 +157,19 @@ std::size_t previousScalar(std::string_view text, std::size_t position) {
 }
 
 void appendScalar(std::string& out, char32_t scalar) {
-  const auto append = [&out](char32_t byte) { out.push_back(static_cast<char>(byte)); };
-  if (scalar < 0x80) return append(scalar);
-  if (scalar < 0x800) {
-    append(0xC0 | scalar >> 6);
+  const auto byte = [](char32_t value) { return static_cast<char>(value); };
+  const auto continuation = [scalar](unsigned shift) {
+    return static_cast<char>(0x80 | (scalar >> shift & 0x3F));
+  };
+  if (scalar < 0x80) {
+    out.push_back(byte(scalar));
+  } else if (scalar < 0x800) {
+    out.append({byte(0xC0 | scalar >> 6), continuation(0)});
+  } else if (scalar < 0x10000) {
+    out.append({byte(0xE0 | scalar >> 12), continuation(6), continuation(0)});
   } else {
-    if (scalar < 0x10000) {
-      append(0xE0 | scalar >> 12);
-    } else {
-      append(0xF0 | scalar >> 18);
-      append(0x80 | (scalar >> 12 & 0x3F));
-    }
-    append(0x80 | (scalar >> 6 & 0x3F));
+    out.append({byte(0xF0 | scalar >> 18), continuation(12), continuation(6), continuation(0)});
   }
-  append(0x80 | (scalar & 0x3F));
 }
 
 std::string_view trimmingWhitespaceAndNewlines(std::string_view text) {

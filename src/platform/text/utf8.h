@@ -35,7 +35,12 @@ struct DecodedScalar {
   std::size_t next;
   bool wellFormed = true;
 };
-DecodedScalar decodeScalar(std::string_view text, std::size_t position);
+DecodedScalar decodeMultibyteScalar(std::string_view text, std::size_t position);
+inline DecodedScalar decodeScalar(std::string_view text, std::size_t position) {
+  const auto first = static_cast<unsigned char>(text[position]);
+  if (first < 0x80) return {first, position + 1, true};
+  return decodeMultibyteScalar(text, position);
+}
 
 /// The first byte of the scalar that ends before `position`, which is above 0 and a scalar's
 /// first byte or the text's end. `text` must be valid UTF-8; others are safe.

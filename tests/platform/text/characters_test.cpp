@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "random_text.h"
+#include "text_testing.h"
 
 namespace platform::text {
 namespace {

@@ -9,7 +9,7 @@
 #include <string>
 
 #include "platform/text/comparison_units.h"
-#include "random_text.h"
+#include "text_testing.h"
 
 namespace platform::text {
 namespace {
@@ -64,8 +64,8 @@ TEST(Folding, NothingReachesFromOneUnitIntoAnother) {
     ASSERT_TRUE(nfc()->hasBoundaryBefore(static_cast<UChar32>(scalar))) << scalarName(scalar);
     for (const CaseFolding folding : {CaseFolding::none, CaseFolding::full}) {
       const ScalarForms::Form& form = ScalarForms::shared(folding).of(scalar);
-      ASSERT_EQ(form.lead, 0) << scalarName(scalar);
-      ASSERT_EQ(form.decomposedLead, 0) << scalarName(scalar);
+      ASSERT_EQ(form.lead.form, 0) << scalarName(scalar);
+      ASSERT_EQ(form.lead.decomposed, 0) << scalarName(scalar);
     }
   });
 }

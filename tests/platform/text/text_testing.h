@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdio>
+#include <ostream>
 #include <random>
 #include <span>
 #include <string>
@@ -8,6 +9,10 @@
 #include "platform/text/utf8.h"
 
 namespace platform::text {
+
+inline void PrintTo(const ByteRange& range, std::ostream* out) {
+  *out << '[' << range.begin << ',' << range.end << ')';
+}
 
 inline std::string scalarName(char32_t scalar) {
   char name[16];

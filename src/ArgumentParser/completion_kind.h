@@ -1,0 +1,42 @@
+#pragma once
+
+#include <functional>
+#include <string>
+#include <variant>
+#include <vector>
+
+namespace ArgumentParser {
+
+/// What a shell asks the program while a line is being typed.
+struct CompletionRequest {
+  std::vector<std::string> words;  ///< from the program's name to the word at the cursor, which
+                                   ///< is last and may be empty
+  std::string shell;               ///< "bash", "zsh" or "fish"; empty when not told
+  std::string shellVersion;
+};
+
+/// Gives the candidates; the shell drops those that do not continue the word at the cursor. An
+/// error that it throws means that there are none.
+using CandidateFunction = std::function<std::vector<std::string>(const CompletionRequest&)>;
+
+struct NoCompletion {};
+struct CompletionList {
+  std::vector<std::string> values;
+};
+struct CompletionFiles {
+  std::vector<std::string> extensions;  ///< without dots; none means every file
+};
+struct CompletionDirectories {};
+struct CompletionShellCommand {
+  std::string command;  ///< run by the shell; one candidate a line
+};
+struct CompletionCustom {
+  CandidateFunction candidates;  ///< run by this program, called back by the shell
+};
+
+/// How a shell completes the value of an argument.
+using CompletionKind =
+    std::variant<NoCompletion, CompletionList, CompletionFiles, CompletionDirectories,
+                 CompletionShellCommand, CompletionCustom>;
+
+}  // namespace ArgumentParser

@@ -1,0 +1,68 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "cli/commands/command.h"
+#include "cli/output/output_format.h"
+
+/// `attachments` and its subcommands.
+namespace tavi {
+
+class ListAttachmentsCommand : public LeafCommand {
+ public:
+  static CommandConfiguration configuration();
+  void declare(ArgumentSet& args) override;
+  void run() override;
+  std::string_view footer() const override;
+
+ private:
+  NoteOptions note_ = NoteOptions::brief();
+  FormatOptions options_;
+};
+
+class AddAttachmentCommand : public LeafCommand {
+ public:
+  static CommandConfiguration configuration();
+  void declare(ArgumentSet& args) override;
+  void run() override;
+  std::string_view footer() const override;
+
+ private:
+  NoteOptions note_ = NoteOptions::brief();
+  std::optional<std::string> filename_;
+  ModificationDateOption date_;
+};
+
+class DeleteAttachmentCommand : public LeafCommand {
+ public:
+  static CommandConfiguration configuration();
+  void declare(ArgumentSet& args) override;
+  void run() override;
+  std::string_view footer() const override;
+
+ private:
+  NoteOptions note_ = NoteOptions::brief();
+  std::optional<std::string> filename_;
+  ModificationDateOption date_;
+};
+
+class SaveAttachmentCommand : public LeafCommand {
+ public:
+  static CommandConfiguration configuration();
+  void declare(ArgumentSet& args) override;
+  void run() override;
+  std::string_view footer() const override;
+
+ private:
+  NoteOptions note_ = NoteOptions::brief();
+  std::optional<std::string> filename_;
+  FormatOnlyOptions options_;
+};
+
+class AttachmentsCommand : public ArgumentParser::ParsableCommand {
+ public:
+  static CommandConfiguration configuration();
+};
+
+}  // namespace tavi

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "cli/commands/command.h"
+#include "operations/write_operations.h"
+
+namespace tavi {
+
+class EditCommand : public LeafCommand {
+ public:
+  static CommandConfiguration configuration();
+  void declare(ArgumentSet& args) override;
+  void run() override;
+  std::string_view footer() const override;
+
+ private:
+  /// The finds paired with the values of the one action that was given.
+  std::vector<NoteEdit> edits() const;
+
+  NoteOptions note_;
+  std::vector<std::string> find_, replace_, insertAfter_, insertBefore_;
+  bool all_ = false;
+  bool ignoreCase_ = false;
+  bool word_ = false;
+  ModificationDateOption date_;
+  bool force_ = false;
+};
+
+}  // namespace tavi

@@ -1,0 +1,20 @@
+#pragma once
+
+#include "cli/commands/command.h"
+#include "cli/output/output_format.h"
+
+namespace tavi {
+
+class ShowCommand : public LeafCommand {
+ public:
+  static CommandConfiguration configuration();
+  void declare(ArgumentSet& args) override;
+  void run() override;
+  std::string_view footer() const override;
+
+ private:
+  NoteOptions note_;
+  FormatOptions options_;
+};
+
+}  // namespace tavi

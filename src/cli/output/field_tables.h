@@ -1,0 +1,56 @@
+#pragma once
+
+#include <array>
+#include <string>
+#include <string_view>
+
+#include "cli/output/field_value.h"
+#include "domain/note_records.h"
+
+/// What can be printed of each kind of record, and what is printed by default.
+namespace tavi {
+
+/// A tag or a pin, wrapped so that it goes through the same writer as notes.
+struct TagRecord {
+  std::string tag;
+};
+struct PinRecord {
+  std::string pin;
+};
+
+template <class Record>
+FieldTable<Record> fieldTable() = delete;
+template <>
+FieldTable<NoteMetadata> fieldTable();
+template <>
+FieldTable<Note> fieldTable();
+template <>
+FieldTable<SearchResult> fieldTable();
+template <>
+FieldTable<SearchResultWithContent> fieldTable();
+template <>
+FieldTable<SearchMatch> fieldTable();
+template <>
+FieldTable<AttachmentInfo> fieldTable();
+template <>
+FieldTable<TagRecord> fieldTable();
+template <>
+FieldTable<PinRecord> fieldTable();
+
+template <class Record>
+inline constexpr std::array<std::string_view, 3> defaultFields{"id", "title", "tags"};
+template <>
+inline constexpr std::array<std::string_view, 4> defaultFields<SearchResult>{"id", "title", "tags",
+                                                                             "matches"};
+template <>
+inline constexpr auto defaultFields<SearchResultWithContent> = defaultFields<SearchResult>;
+template <>
+inline constexpr std::array<std::string_view, 2> defaultFields<SearchMatch>{"offset", "snippet"};
+template <>
+inline constexpr std::array<std::string_view, 2> defaultFields<AttachmentInfo>{"filename", "size"};
+template <>
+inline constexpr std::array<std::string_view, 1> defaultFields<TagRecord>{"tag"};
+template <>
+inline constexpr std::array<std::string_view, 1> defaultFields<PinRecord>{"pin"};
+
+}  // namespace tavi

@@ -1,0 +1,38 @@
+#include "cli/output/field_value.h"
+
+#include "operations/pin_operations.h"
+#include "platform/markdown/hashtag.h"
+
+namespace tavi {
+namespace {
+
+/// The form of `text`, made on first sight.
+template <class Forms, class Make>
+const std::optional<std::string>& form(Forms& forms, const std::string& text, const Make& make) {
+  const auto found = forms.find(text);
+  return found != forms.end() ? found->second : forms.emplace(text, make(text)).first->second;
+}
+
+}  // namespace
+
+TextList FieldContext::list(const std::vector<std::string>& texts) {
+  list_.assign(texts.begin(), texts.end());
+  return list_;
+}
+
+TextList FieldContext::writtenTags(const std::vector<std::string>& names) {
+  list_.clear();
+  for (const std::string& name : names) {
+    if (const auto& written = form(tags_, name, zephyrdown::ZDKHashtag::hashtagStringForTagName))
+      list_.push_back(*written);
+  }
+  return list_;
+}
+
+TextList FieldContext::displayedPins(const std::vector<std::string>& pins) {
+  list_.clear();
+  for (const std::string& pin : pins) list_.push_back(*form(pins_, pin, displayedPin));
+  return list_;
+}
+
+}  // namespace tavi

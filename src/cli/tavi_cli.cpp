@@ -1,0 +1,163 @@
+#include "cli/tavi_cli.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <exception>
+
+#include "ArgumentParser/command_line.h"
+#include "cli/commands/append_command.h"
+#include "cli/commands/attachments_command.h"
+#include "cli/commands/cat_command.h"
+#include "cli/commands/create_command.h"
+#include "cli/commands/edit_command.h"
+#include "cli/commands/list_command.h"
+#include "cli/commands/mcp_server_command.h"
+#include "cli/commands/move_commands.h"
+#include "cli/commands/open_command.h"
+#include "cli/commands/overwrite_command.h"
+#include "cli/commands/pin_command.h"
+#include "cli/commands/search_command.h"
+#include "cli/commands/search_in_command.h"
+#include "cli/commands/show_command.h"
+#include "cli/commands/tags_command.h"
+#include "cli/error_report.h"
+#include "cli/help.h"
+#include "cli/standard_input.h"
+#include "cli/version.h"
+#include "platform/system/workspace.h"
+#include "platform/text/utf8.h"
+#include "store/make_store.h"
+
+namespace tavi {
+namespace {
+
+using ArgumentParser::commandType;
+using ArgumentParser::CommandType;
+
+/// The version, or a page of help, where the arguments ask for one.
+std::optional<std::string> requestedText(const CommandType& root, const Arguments& arguments) {
+  if (arguments == Arguments{"-v"} || arguments == Arguments{"--version"})
+    return versionString() + "\n";
+  if (isShortHelpRequest(arguments)) return shortOverview(root);
+  if (isFullReferenceRequest(arguments)) return fullReference(root);
+  const auto path = helpTargetPath(arguments);
+  const auto stack = path ? resolveCommandPath(root, *path) : std::nullopt;
+  if (stack) return commandHelp(*stack);
+  return std::nullopt;
+}
+
+/// The position, counted from 1, of an argument that is no text.
+std::optional<std::size_t> invalidArgument(const Arguments& arguments) {
+  for (std::size_t i = 0; i < arguments.size(); ++i)
+    if (!platform::text::isValidUTF8(arguments[i])) return i + 1;
+  return std::nullopt;
+}
+
+std::optional<int> run(ArgumentParser::ParsableCommand& command, const ErrorReporter& reporter) {
+  try {
+    command.run();
+    Session::current().output.flush();
+    return std::nullopt;
+  } catch (const OutputClosed&) {
+    return std::nullopt;  // what was to be done is done, and nobody reads on
+  } catch (...) {
+    return reporter.reportCommandError(std::current_exception());
+  }
+}
+
+std::optional<int> serve(const CommandType& root, const Arguments& arguments) {
+  if (const auto text = requestedText(root, arguments)) {
+    Session::current().output.append(*text);
+    return 0;
+  }
+  const ErrorReporter reporter(root, arguments);
+  if (const auto position = invalidArgument(arguments)) {
+    return reporter.reportUsage("Argument " + std::to_string(*position) + " is not valid UTF-8");
+  }
+  std::unique_ptr<ArgumentParser::ParsableCommand> command;
+  try {
+    command = ArgumentParser::parseAsRoot(root, arguments);
+  } catch (...) {
+    return reporter.reportParseError(std::current_exception());
+  }
+  return run(*command, reporter);
+}
+
+/// The exit code once everything is written: output that is lost is a failure.
+std::optional<int> flushed(Session& session, std::optional<int> exitCode) {
+  try {
+    session.output.flush();
+  } catch (const OutputClosed&) {
+  } catch (const std::system_error& error) {
+    session.errors.append(std::string("Error: ") + error.what() + "\n");
+    exitCode = 1;
+  }
+  try {
+    session.errors.flush();
+  } catch (const std::system_error&) {  // there is no place left to tell it
+  }
+  return exitCode;
+}
+
+/// Puts something in the place of standard streams that the caller closed: else the database would
+/// be opened there, and output written into it. Writing still fails, as it should.
+void keepStandardDescriptors() {
+  for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+    // The lowest free descriptor is the one that open(2) takes.
+    if (::fcntl(descriptor, F_GETFD) == -1) (void)::open("/dev/null", O_RDONLY);
+  }
+}
+
+}  // namespace
+
+ArgumentParser::CommandConfiguration TaviCLI::configuration() {
+  return {.commandName = "tavicli",
+          .abstract = "Command line tool for reading and writing Tavi notes.",
+          .subcommands = {commandType<CatCommand>(), commandType<ShowCommand>(),
+                          commandType<ListCommand>(), commandType<SearchCommand>(),
+                          commandType<SearchInCommand>(), commandType<EditCommand>(),
+                          commandType<OverwriteCommand>(), commandType<CreateCommand>(),
+                          commandType<AppendCommand>(), commandType<TagsCommand>(),
+                          commandType<PinCommand>(), commandType<TrashCommand>(),
+                          commandType<ArchiveCommand>(), commandType<RestoreCommand>(),
+                          commandType<OpenCommand>(), commandType<AttachmentsCommand>(),
+                          commandType<MCPServerCommand>()}};
+}
+
+void TaviCLI::declare(ArgumentParser::ArgumentSet& args) {
+  args.flag(version_, {"-v", "--version"}).help("Show the version.");
+}
+
+std::optional<int> TaviCLI::main(const std::vector<std::string>& arguments) {
+  keepStandardDescriptors();
+  // A reader that stops reading, as `head` does, ends the output and not what is under way. Not
+  // SIG_IGN, which a program that we start would inherit.
+  std::signal(SIGPIPE, [](int) {});
+  // A file that would grow beyond the user's limit is a failed write, to be told like any other.
+  std::signal(SIGXFSZ, [](int) {});
+  DescriptorSink output(STDOUT_FILENO);
+  DescriptorSink errors(STDERR_FILENO);
+  Session session{.output = output,
+                  .errors = errors,
+                  .makeStore = makeStore,
+                  .readStdinData = readStdinData,
+                  .outputIsTerminal = [] { return ::isatty(STDOUT_FILENO) == 1; },
+                  .openURL = platform::system::openURL};
+  return main(arguments, session);
+}
+
+std::optional<int> TaviCLI::main(const std::vector<std::string>& arguments, Session& session) {
+  const Session::Scope scope(session);
+  std::optional<int> exitCode = 0;
+  try {
+    exitCode = serve(commandType<TaviCLI>(), arguments);
+  } catch (const OutputClosed&) {  // within a long page of help
+  }
+  exitCode = flushed(session, exitCode);
+  session.store.reset();
+  return exitCode;
+}
+
+}  // namespace tavi

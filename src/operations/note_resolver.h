@@ -1,0 +1,32 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "domain/note_store.h"
+
+namespace tavi {
+
+/// Which note is meant: exactly one of an id and a title, and not a blank one. What fails here is
+/// OperationError; what the store answers to a title passes through.
+struct OperationNoteResolver {
+  struct Identification {
+    enum class Kind { id, title };
+    Kind kind;
+    std::string text;  ///< as it was given, blanks and all
+  };
+  static Identification validateIdentification(const std::optional<std::string>& id,
+                                               const std::optional<std::string>& title);
+
+  /// The note's id. An id is returned without asking the store; a title is looked up, and refused
+  /// when the note is locked.
+  static std::string resolveNoteID(const std::optional<std::string>& id,
+                                   const std::optional<std::string>& title, NoteStore& store);
+
+  /// The same for operations that work on locked notes.
+  static std::string resolveNoteIDEvenIfLocked(const std::optional<std::string>& id,
+                                               const std::optional<std::string>& title,
+                                               NoteStore& store);
+};
+
+}  // namespace tavi

@@ -1,0 +1,126 @@
+#include "operations/read_operations.h"
+
+#include <algorithm>
+#include <string_view>
+
+#include "domain/invalid_query.h"
+#include "domain/tag_parser.h"
+#include "operations/note_resolver.h"
+#include "platform/text/utf8.h"
+
+namespace tavi {
+namespace {
+
+void refuseNegative(const std::optional<std::int64_t>& number, const char* message) {
+  if (number && *number < 0) throw OperationError::invalidInput(message);
+}
+
+SortSpecification parsedSort(const std::optional<std::string>& sort) {
+  try {
+    return parseSortCriteria(sort ? *sort : "pinned,modified");
+  } catch (const SortParseError& error) {
+    throw OperationError::invalidInput(error.what());
+  }
+}
+
+/// Nothing for all locations.
+std::optional<NoteLocation> parsedLocation(const std::optional<std::string>& text) {
+  if (!text) return NoteLocation::notes;
+  if (*text == "all") return std::nullopt;
+  if (const auto location = noteLocation(*text)) return location;
+  throw OperationError::invalidInput("Invalid location: " + *text);
+}
+
+/// What a list and a search have in common. A limit of 0 is let through: the store must not see
+/// it, but the checks that follow come first.
+template <class Input>
+ListRequest checkedRequest(const Input& input) {
+  ListRequest request;
+  request.sort = parsedSort(input.sort);
+  refuseNegative(input.limit, "Limit must be non-negative");
+  refuseNegative(input.offset, "Offset must be non-negative");
+  request.location = parsedLocation(input.location);
+  request.limit = input.limit.value_or(request.limit);
+  request.offset = input.offset.value_or(request.offset);
+  return request;
+}
+
+/// The written form of the tag, which as a query finds the tag and its children.
+std::string tagQuery(const std::string& tag) {
+  const std::string name = TagParser::canonicalName(tag);
+  if (name.empty()) throw OperationError::invalidInput("tag must not be empty");
+  return TagParser::hashtag(name);
+}
+
+SearchNotesOp::Output search(const std::string& query, const ListRequest& request,
+                             bool includeContent, NoteStore& store) try {
+  if (includeContent) {
+    if (request.limit == 0) return recordList<SearchResultWithContent>();
+    return store.searchNotesWithContent(query, request);
+  }
+  if (request.limit == 0) return recordList<SearchResult>();
+  return store.searchNotes(query, request);
+} catch (const InvalidQuery& error) {
+  throw OperationError::invalidInput(error.what());
+}
+
+// A search result without its match count.
+RecordList<Note> withoutMatches(RecordList<SearchResultWithContent> results) {
+  return mapped<Note, SearchResultWithContent>(std::move(results), &SearchResultWithContent::note);
+}
+RecordList<NoteMetadata> withoutMatches(RecordList<SearchResult> results) {
+  return mapped<NoteMetadata, SearchResult>(std::move(results), &SearchResult::metadata);
+}
+
+}  // namespace
+
+GetNoteOp::Output GetNoteOp::execute(const Input& input, NoteStore& store) {
+  using Resolver = OperationNoteResolver;
+  if (input.includeContent)
+    return store.noteWithID(Resolver::resolveNoteID(input.id, input.title, store));
+  return store.metadataWithID(Resolver::resolveNoteIDEvenIfLocked(input.id, input.title, store));
+}
+
+std::string ReadNoteContentOp::execute(const Input& input, NoteStore& store) {
+  refuseNegative(input.offset, "Offset must be non-negative");
+  refuseNegative(input.limit, "Limit must be non-negative");
+  const std::string id = OperationNoteResolver::resolveNoteID(input.id, input.title, store);
+  std::string content = store.noteWithID(id).content;
+  if (!input.offset && !input.limit) return content;
+
+  const auto start = static_cast<std::size_t>(input.offset.value_or(0));
+  if (start >= content.size()) return "";
+  const auto limit = static_cast<std::size_t>(input.limit.value_or(INT64_MAX));
+  std::string slice = content.substr(start, limit);
+  return platform::text::isValidUTF8(slice) ? slice : "";
+}
+
+ListNotesOp::Output ListNotesOp::execute(const Input& input, NoteStore& store) {
+  const ListRequest request = checkedRequest(input);
+  if (input.tag) {
+    return std::visit([](auto&& results) -> Output { return withoutMatches(std::move(results)); },
+                      search(tagQuery(*input.tag), request, input.includeContent, store));
+  }
+  if (input.includeContent) {
+    if (request.limit == 0) return recordList<Note>();
+    return store.listNotesWithContent(request);
+  }
+  if (request.limit == 0) return recordList<NoteMetadata>();
+  return store.listNotes(request);
+}
+
+SearchNotesOp::Output SearchNotesOp::execute(const Input& input, NoteStore& store) {
+  if (platform::text::trimmingWhitespaceAndNewlines(input.query).empty())
+    throw OperationError::invalidInput("Query is required");
+  return search(input.query, checkedRequest(input), input.includeContent, store);
+}
+
+std::vector<SearchMatch> SearchInNoteOp::execute(const Input& input, NoteStore& store) {
+  refuseNegative(input.limit, "Limit must be non-negative");
+  refuseNegative(input.context, "Context must be non-negative");
+  const std::string id = OperationNoteResolver::resolveNoteID(input.id, input.title, store);
+  if (input.limit == 0) return {};
+  return store.searchInNote(id, input.string, input.context.value_or(defaultContext), input.limit);
+}
+
+}  // namespace tavi

@@ -1,0 +1,58 @@
+#include "operations/tag_operations.h"
+
+#include "domain/store_errors.h"
+#include "domain/tag_parser.h"
+#include "operations/note_resolver.h"
+#include "platform/text/utf8.h"
+
+namespace tavi {
+namespace {
+
+/// The canonical name; a text that holds none is refused under `label`.
+std::string checkedName(const std::string& text, const char* label) {
+  const std::string name = TagParser::canonicalName(text);
+  if (platform::text::trimmingWhitespaceAndNewlines(name).empty())
+    throw OperationError::invalidInput(std::string(label) + " must not be empty");
+  return name;
+}
+
+std::vector<std::string> checkedNames(const std::vector<std::string>& tags) {
+  if (tags.empty()) throw OperationError::invalidInput("Provide at least one tag");
+  std::vector<std::string> names;
+  for (const std::string& tag : tags) names.push_back(checkedName(tag, "Tag name"));
+  return names;
+}
+
+}  // namespace
+
+std::vector<std::string> ListTagsOp::execute(const Input& input, NoteStore& store) {
+  if (!input.id && !input.title) return store.listTags(std::nullopt);
+  return store.listTags(
+      OperationNoteResolver::resolveNoteIDEvenIfLocked(input.id, input.title, store));
+}
+
+WriteResponse AddTagsOp::execute(const Input& input, NoteStore& store) {
+  const std::vector<std::string> names = checkedNames(input.tags);
+  return store.addTags(OperationNoteResolver::resolveNoteID(input.id, input.title, store), names);
+}
+
+WriteResponse RemoveTagsOp::execute(const Input& input, NoteStore& store) {
+  const std::vector<std::string> names = checkedNames(input.tags);
+  return store.removeTags(OperationNoteResolver::resolveNoteID(input.id, input.title, store),
+                          names);
+}
+
+std::int64_t RenameTagOp::execute(const Input& input, NoteStore& store) {
+  const std::string oldName = checkedName(input.oldName, "Old");
+  const std::string newName = checkedName(input.newName, "New");
+  const bool merges =
+      oldName != newName && !input.force && store.tagExists(oldName) && store.tagExists(newName);
+  if (merges) throw NoteStoreError::renameTargetExists(newName, store.tagNoteCount(oldName));
+  return store.renameTag(oldName, newName);
+}
+
+std::int64_t DeleteTagOp::execute(const Input& input, NoteStore& store) {
+  return store.deleteTag(checkedName(input.tag, "Tag"));
+}
+
+}  // namespace tavi

@@ -1,0 +1,123 @@
+#include "platform/model/core_data_stack.h"
+
+#include <fcntl.h>
+#include <sqlite3.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+#include <stdexcept>
+#include <system_error>
+
+#include "platform/model/bookkeeping.h"
+#include "platform/model/schema.h"
+#include "platform/system/directories.h"
+
+namespace tavimodel {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr int waitForWriters = 5000;  // milliseconds
+
+/// A log longer than this is written back at the end of a write: the next program to open the
+/// database has to read it. In pages of 4 KiB.
+constexpr int longLog = 128;
+
+void makeFolders(const fs::path& folder) {
+  if (folder.empty() || access(folder.c_str(), F_OK) == 0) return;
+  makeFolders(folder.parent_path());
+  if (mkdir(folder.c_str(), 0700) != 0 && errno != EEXIST) {
+    throw std::system_error(errno, std::generic_category(), "Could not create " + folder.string());
+  }
+}
+
+/// SQLite would create the file with the umask's mode, and its log with the file's.
+void makePrivateFile(const fs::path& path) {
+  const int file = open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
+  if (file >= 0) {
+    close(file);
+  } else if (errno != EEXIST) {
+    throw std::system_error(errno, std::generic_category(), "Could not create " + path.string());
+  }
+}
+
+void configure(sqlite::Connection& connection) {
+  connection.setBusyTimeout(waitForWriters);
+  // Writing the log back at each close would double the cost of a small write.
+  sqlite3_db_config(connection.handle(), SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 1, nullptr);
+  sqlite3_wal_autocheckpoint(connection.handle(), 0);
+}
+
+/// A database in a folder that cannot be written has no place for the log's index. Where there is
+/// no log it is read as it stands.
+std::unique_ptr<sqlite::Connection> openReadOnly(const fs::path& path) {
+  std::error_code error;
+  const auto logSize = fs::file_size(path.string() + "-wal", error);
+  if (!error && logSize > 0) return nullptr;
+  auto connection = std::make_unique<sqlite::Connection>("file:" + path.string() + "?immutable=1",
+                                                         sqlite::Connection::Mode::readOnly);
+  upgradeSchema(*connection);
+  return connection;
+}
+
+std::unique_ptr<sqlite::Connection> openDatabase(const fs::path& path) {
+  try {
+    auto connection =
+        std::make_unique<sqlite::Connection>(path, sqlite::Connection::Mode::readWrite);
+    configure(*connection);
+    upgradeSchema(*connection);
+    return connection;
+  } catch (const sqlite::Error&) {
+    if (access(path.parent_path().c_str(), W_OK) == 0) throw;
+    if (auto connection = openReadOnly(path)) return connection;
+    throw;
+  }
+}
+
+int noteLogLength(void* length, sqlite3*, const char*, int frames) {
+  *static_cast<int*>(length) = frames;
+  return SQLITE_OK;
+}
+
+}  // namespace
+
+std::unique_ptr<KVCoreDataStackForExtensions> KVCoreDataStackForExtensions::initStackOutputError(
+    std::string& error) {
+  try {
+    const std::optional<fs::path> folder = platform::system::applicationDataDirectory();
+    if (!folder) throw std::runtime_error("There is no home folder.");
+    const fs::path path = *folder / "tavi.sqlite";
+    if (access(path.c_str(), F_OK) != 0) {
+      makeFolders(*folder / "files");
+      makePrivateFile(path);
+    }
+    return std::unique_ptr<KVCoreDataStackForExtensions>(
+        new KVCoreDataStackForExtensions(openDatabase(path), *folder));
+  } catch (const std::exception& failure) {
+    error = failure.what();
+    return nullptr;
+  }
+}
+
+KVCoreDataStackForExtensions::KVCoreDataStackForExtensions(
+    std::unique_ptr<sqlite::Connection> connection, const fs::path& folder)
+    : connection_(std::move(connection)), files_(folder / "files"), context_(*connection_, files_) {
+  sqlite3_wal_hook(connection_->handle(), noteLogLength, &logFrames_);
+}
+
+KVCoreDataStackForExtensions::~KVCoreDataStackForExtensions() {
+  context_.reset();
+  if (sqlite3_db_readonly(connection_->handle(), "main") != 0) return;
+  connection_->setBusyTimeout(0);
+  const OpenWork work = openWork(*connection_);
+  files_.sweep(*connection_, work.removedFiles);
+  catchUp(*connection_, work);
+  if (logFrames_ > longLog) {
+    sqlite3_wal_checkpoint_v2(connection_->handle(), nullptr, SQLITE_CHECKPOINT_TRUNCATE, nullptr,
+                              nullptr);
+  }
+}
+
+}  // namespace tavimodel

@@ -1,0 +1,253 @@
+#include "platform/model/note_fetch.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <functional>
+#include <optional>
+#include <string>
+
+#include "platform/model/note_reader.h"
+#include "platform/model/row_order.h"
+#include "platform/model/search_index.h"
+#include "platform/model/search_plan.h"
+
+namespace tavimodel {
+namespace {
+
+/// A term with more candidates than this is common: a page of it is found sooner by walking.
+constexpr std::size_t commonFrom = 2000;
+/// Pages up to here are walked to.
+constexpr std::int64_t longestWalkedPage = 1000;
+/// A walk that has looked at so many notes and found less than a quarter of its page gives up.
+constexpr std::int64_t shortWalk = 256;
+constexpr std::int64_t longWalk = 4096;
+constexpr std::size_t unlimited = SIZE_MAX;
+
+/// Decides one query's terms, note by note.
+class TermSearch {
+ public:
+  TermSearch(sqlite::Connection& connection, const SearchPlan& plan, const Predicate& predicate)
+      : connection_(connection), plan_(plan), base_(predicate.sql()) {}
+
+  /// The ids that match, when the index can narrow the search to at most `most` candidates.
+  std::optional<std::vector<std::int64_t>> throughIndex(std::size_t most) {
+    std::optional<std::vector<std::int64_t>> fewest;
+    for (const auto& terms : plan_.requiredTerms()) {
+      auto candidates = candidatesOfAny(terms, fewest ? fewest->size() : most);
+      if (candidates && (!fewest || candidates->size() < fewest->size())) fewest = candidates;
+    }
+    if (!fewest) return std::nullopt;
+    return decided("json_each(?0) wanted CROSS JOIN noteSummary s ON s.note = wanted.value", "",
+                   jsonArray(*fewest));
+  }
+
+  /// Ids in the request's order until the page is full; nothing when it takes too long.
+  std::optional<std::vector<std::int64_t>> byWalking(const FetchRequest& request,
+                                                     std::int64_t patience) {
+    const std::string order = orderClause(request);
+    const std::int64_t wanted = request.fetchLimit <= longestWalkedPage
+                                    ? request.fetchOffset + request.fetchLimit
+                                    : INT64_MAX;
+    if (order.empty() || wanted > longestWalkedPage) return std::nullopt;
+    std::vector<std::int64_t> found;
+    std::int64_t looked = 0;
+    sqlite::Query rows = select("noteSummary s", order);
+    plan_.bind(rows);
+    while (static_cast<std::int64_t>(found.size()) < wanted && rows.step()) {
+      const bool hopeful = static_cast<std::int64_t>(found.size()) * 4 >= wanted;
+      if (++looked > patience && !hopeful) return std::nullopt;
+      if (matchesByLookup(rows)) found.push_back(rows.integer(0));
+    }
+    const auto skipped = std::min(request.fetchOffset, static_cast<std::int64_t>(found.size()));
+    found.erase(found.begin(), found.begin() + skipped);
+    return found;
+  }
+
+  /// All ids that match, ascending, by reading every text.
+  std::vector<std::int64_t> throughAll() {
+    // Two walks side by side, both in the order of ids: a join would look every row up.
+    sqlite::Query rows = select("noteSummary s NOT INDEXED", "");
+    plan_.bind(rows);
+    sqlite::Query texts = connection_.query("SELECT id, text FROM note");
+    std::vector<std::int64_t> found;
+    bool more = texts.step();
+    while (rows.step()) {
+      const std::int64_t note = rows.integer(0);
+      while (more && texts.integer(0) < note) more = texts.step();
+      const bool here = more && texts.integer(0) == note;
+      if (matches(rows, here ? texts.text(1) : std::string_view())) found.push_back(note);
+    }
+    return found;
+  }
+
+ private:
+  static constexpr int titleColumn = 1;
+  static constexpr int lockedColumn = 2;
+  static constexpr int firstPlanColumn = 3;
+
+  sqlite::Query select(std::string_view from, std::string_view order) {
+    return connection_.query(
+        fmt::format("SELECT s.note, s.title, s.encrypted{} FROM {} WHERE {} AND {}{}",
+                    plan_.columns(), from, base_, plan_.where(), order));
+  }
+
+  /// Notes that may hold one of the terms; nothing when the index cannot tell or there are too
+  /// many.
+  std::optional<std::vector<std::int64_t>> candidatesOfAny(const std::vector<std::string>& terms,
+                                                           std::size_t most) {
+    SearchIndex index(connection_);
+    std::vector<std::int64_t> all;
+    for (const std::string& term : terms) {
+      auto candidates = index.candidates(term, most);
+      if (!candidates || !candidates->complete) return std::nullopt;
+      all.insert(all.end(), candidates->notes.begin(), candidates->notes.end());
+      if (all.size() > most && most != unlimited) return std::nullopt;
+    }
+    std::sort(all.begin(), all.end());
+    all.erase(std::unique(all.begin(), all.end()), all.end());
+    return all;
+  }
+
+  std::vector<std::int64_t> decided(std::string_view from, std::string_view order,
+                                    const std::string& list) {
+    const int listParameter = plan_.parameterCount() + 1;
+    std::string source(from);
+    source.replace(source.find("?0"), 2, fmt::format("?{}", listParameter));
+    sqlite::Query rows = select(source, order);
+    plan_.bind(rows);
+    rows.bind(listParameter, list);
+    std::vector<std::int64_t> found;
+    while (rows.step()) {
+      if (matchesByLookup(rows)) found.push_back(rows.integer(0));
+    }
+    return found;
+  }
+
+  bool matchesByLookup(const sqlite::Query& row) {
+    if (plan_.ocrOnly() || plan_.titlesOnly()) return matches(row, {});
+    sqlite::Query text = connection_.query("SELECT text FROM note WHERE id = ?1");
+    text.bind(1, row.integer(0));
+    return matches(row, text.step() ? text.text(0) : std::string_view());
+  }
+
+  bool matches(const sqlite::Query& row, std::string_view text) {
+    const bool locked = row.integer(lockedColumn) != 0;
+    if (plan_.ocrOnly()) {
+      const std::string recognised = locked ? std::string() : recognisedText(row.integer(0));
+      return plan_.matches({}, recognised, row, firstPlanColumn);
+    }
+    // A locked note is found by its title only.
+    return plan_.matches(row.text(titleColumn), locked ? std::string_view() : text, row,
+                         firstPlanColumn);
+  }
+
+  std::string recognisedText(std::int64_t note) {
+    sqlite::Query query = connection_.query("SELECT ocrText FROM file WHERE note = ?1");
+    query.bind(1, note);
+    std::string text;
+    while (query.step()) {
+      text += query.text(0);
+      text += '\n';
+    }
+    return text;
+  }
+
+  sqlite::Connection& connection_;
+  const SearchPlan& plan_;
+  std::string base_;
+};
+
+/// A fetch that SQL decides by itself.
+NoteTable decidedBySQL(sqlite::Connection& connection, const FetchRequest& request,
+                       const SearchPlan* plan) {
+  const std::string order = orderClause(request);
+  const bool page = request.fetchLimit <= longestWalkedPage && !order.empty();
+  // A whole list is not fetched through an index: it would look every row up.
+  const bool walk = !page && plan == nullptr;
+  std::string sql = fmt::format("SELECT {} FROM noteSummary s{} WHERE {} AND {}",
+                                NoteTable::columns, walk ? " NOT INDEXED" : "",
+                                request.predicate.sql(), plan != nullptr ? plan->where() : "1");
+  if (page) {
+    sql += fmt::format("{} LIMIT {} OFFSET {}", order, request.fetchLimit, request.fetchOffset);
+  }
+  sqlite::Query query = connection.query(sql);
+  if (plan != nullptr) plan->bind(query);
+  NoteTable table;
+  while (query.step()) table.add(query);
+  table.loadRelations(connection);
+  if (!page) table.setOrder(sortedPage(table.rows(), request));
+  return table;
+}
+
+NoteTable tableOf(sqlite::Connection& connection, const std::vector<std::int64_t>& ids) {
+  sqlite::Query query =
+      connection.query(fmt::format("SELECT {} FROM json_each(?1) wanted CROSS JOIN noteSummary s "
+                                   "ON s.note = wanted.value",
+                                   NoteTable::columns));
+  const std::string list = jsonArray(ids);
+  query.bind(1, list);
+  NoteTable table;
+  table.reserve(ids.size());
+  while (query.step()) table.add(query);
+  table.loadRelations(connection);
+  return table;
+}
+
+}  // namespace
+
+NoteTable NoteFetch::table(const FetchRequest& request) {
+  if (!request.predicate.search()) return decidedBySQL(connection_, request, nullptr);
+  const SearchPlan plan(*request.predicate.search(), connection_);
+  if (!plan.needsText()) return decidedBySQL(connection_, request, &plan);
+
+  TermSearch search(connection_, plan, request.predicate);
+  if (auto page = search.byWalking(request, shortWalk)) return tableOf(connection_, *page);
+  auto found = search.throughIndex(commonFrom);
+  if (!found) {
+    if (auto page = search.byWalking(request, longWalk)) return tableOf(connection_, *page);
+    found = search.throughIndex(unlimited);
+  }
+  if (!found) found = search.throughAll();
+  NoteTable table = tableOf(connection_, *found);
+  table.setOrder(sortedPage(table.rows(), request));
+  return table;
+}
+
+std::int64_t NoteFetch::count(const Predicate& predicate) {
+  if (!predicate.search()) {
+    // The counters' names are "notes" and the three booleans by which notes are counted.
+    sqlite::Query query = connection_.query(fmt::format(
+        "SELECT ifnull(sum(value), 0) FROM (SELECT value, substr(name, 6, 1) + 0 AS trashed, "
+        "substr(name, 7, 1) + 0 AS archived, substr(name, 8, 1) + 0 AS permanentlyDeleted "
+        "FROM counter WHERE name >= 'notes' AND name < 'notet') WHERE {}",
+        predicate.sql()));
+    query.step();
+    return query.integer(0);
+  }
+  const SearchPlan plan(*predicate.search(), connection_);
+  if (!plan.needsText()) {
+    sqlite::Query query = connection_.query(fmt::format(
+        "SELECT count(*) FROM noteSummary s WHERE {} AND {}", predicate.sql(), plan.where()));
+    plan.bind(query);
+    query.step();
+    return query.integer(0);
+  }
+  TermSearch search(connection_, plan, predicate);
+  const auto found = search.throughIndex(unlimited);
+  return static_cast<std::int64_t>(found ? found->size() : search.throughAll().size());
+}
+
+std::vector<NoteRow> NoteFetch::rowsWithTag(std::string_view relation, std::string_view tag,
+                                            bool children) {
+  sqlite::Query query = connection_.query(fmt::format(
+      "SELECT {} FROM noteSummary s WHERE s.note IN (SELECT note FROM {} WHERE tag IN "
+      "(SELECT id FROM tag WHERE title = ?1 {}))",
+      noteRowColumns, relation, children ? "OR (title > ?1 || '/' AND title < ?1 || '0')" : ""));
+  query.bind(1, tag);
+  std::vector<NoteRow> rows;
+  while (query.step()) rows.push_back(readNoteRow(query));
+  return rows;
+}
+
+}  // namespace tavimodel

@@ -1,0 +1,125 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+struct sqlite3;
+struct sqlite3_stmt;
+
+/// SQLite as the model needs it: owners for handles, one place that turns result codes into errors.
+namespace tavimodel::sqlite {
+
+/// A failed call. `what()` is one sentence for the user that names the cause.
+class Error : public std::runtime_error {
+ public:
+  Error(int code, int systemError, const std::string& detail);
+  /// The primary result code, such as SQLITE_BUSY.
+  int code() const { return code_; }
+
+ private:
+  int code_;
+};
+
+class Connection;
+
+/// A prepared statement on loan from its connection. It is reset and given back when it goes out
+/// of scope. Parameters and columns count as in SQLite: from 1 and from 0.
+class Query {
+ public:
+  Query(Query&& other) noexcept;
+  Query(const Query&) = delete;
+  Query& operator=(const Query&) = delete;
+  ~Query();
+
+  Query& bind(int parameter, std::int64_t value);
+  Query& bind(int parameter, double value);
+  /// The text must outlive the query.
+  Query& bind(int parameter, std::string_view text);
+  Query& bind(int parameter, const std::string& text) {
+    return bind(parameter, std::string_view(text));
+  }
+  Query& bind(int parameter, std::string&& text) = delete;
+  Query& bindNull(int parameter);
+  template <class Value>
+  Query& bind(int parameter, const std::optional<Value>& value) {
+    return value ? bind(parameter, *value) : bindNull(parameter);
+  }
+  template <class Value>
+  Query& bind(int parameter, std::optional<Value>&& value) = delete;
+
+  /// True when there is a row.
+  bool step();
+  /// Runs a statement that gives no rows.
+  void run();
+
+  bool isNull(int column) const;
+  std::int64_t integer(int column) const;
+  double real(int column) const;
+  /// Valid until the next step.
+  std::string_view text(int column) const;
+  std::optional<double> optionalReal(int column) const;
+
+ private:
+  friend class Connection;
+  Query(Connection& connection, sqlite3_stmt* statement);
+
+  Connection* connection_;
+  sqlite3_stmt* statement_;
+};
+
+/// One connection. Statements are prepared on first use and kept.
+class Connection {
+ public:
+  enum class Mode { readWrite, readOnly };
+
+  /// Opens an existing file. Throws Error.
+  Connection(const std::string& path, Mode mode);
+  ~Connection();
+  Connection(const Connection&) = delete;
+  Connection& operator=(const Connection&) = delete;
+
+  Query query(std::string_view sql);
+  /// Runs a script of statements without parameters.
+  void execute(const char* script);
+  std::int64_t lastInsertedRow() const;
+  /// How long a statement waits for another writer before it fails with SQLITE_BUSY.
+  void setBusyTimeout(int milliseconds);
+  /// Statements run so far, for tests that count them.
+  std::int64_t statementsRun() const { return statementsRun_; }
+  sqlite3* handle() const { return handle_; }
+
+ private:
+  friend class Query;
+  void giveBack(sqlite3_stmt* statement);
+  [[noreturn]] void fail() const;
+
+  struct Cached {
+    sqlite3_stmt* statement;
+    bool onLoan;
+  };
+  sqlite3* handle_ = nullptr;
+  std::unordered_map<std::string_view, Cached> statements_;  // keyed by the statement's own text
+  std::int64_t statementsRun_ = 0;
+};
+
+/// A transaction that rolls back unless it is committed.
+class Transaction {
+ public:
+  enum class Kind { read, write };
+  Transaction(Connection& connection, Kind kind);
+  ~Transaction();
+  Transaction(const Transaction&) = delete;
+  Transaction& operator=(const Transaction&) = delete;
+  void commit();
+
+ private:
+  Connection& connection_;
+  bool open_ = true;
+};
+
+}  // namespace tavimodel::sqlite

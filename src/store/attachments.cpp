@@ -1,0 +1,135 @@
+#include <cerrno>
+#include <cstdio>
+#include <filesystem>
+#include <memory>
+#include <system_error>
+
+#include "domain/store_errors.h"
+#include "platform/markdown/ast.h"
+#include "platform/system/directories.h"
+#include "platform/system/file_types.h"
+#include "platform/system/hashing.h"
+#include "store/database_store.h"
+#include "store/note_conversion.h"
+
+namespace tavi {
+namespace {
+
+namespace fs = std::filesystem;
+using tavimodel::KVNote;
+using tavimodel::KVNoteFile;
+using zephyrdown::ZDKAST;
+
+struct CloseFile {
+  void operator()(std::FILE* file) const { std::fclose(file); }
+};
+using File = std::unique_ptr<std::FILE, CloseFile>;
+
+[[noreturn]] void fail(const std::string& what) {
+  throw std::system_error(errno, std::generic_category(), what);
+}
+
+std::string contents(const fs::path& path) {
+  const File file(std::fopen(path.c_str(), "rbe"));
+  if (!file) fail("Could not read the attachment");
+  std::string bytes(static_cast<std::size_t>(fs::file_size(path)), '\0');
+  bytes.resize(std::fread(bytes.data(), 1, bytes.size(), file.get()));
+  if (std::ferror(file.get()) != 0) fail("Could not read the attachment");
+  return bytes;
+}
+
+/// A folder of its own for one file under its own name, gone with the object.
+class TemporaryFile {
+ public:
+  TemporaryFile(const std::string& bytes, const std::string& filename)
+      : folder_(platform::system::temporaryDirectory() /
+                ("tavi-attach-" + platform::system::newUUID())) {
+    fs::create_directories(folder_);
+    fs::permissions(folder_, fs::perms::owner_all);
+    path_ = folder_ / filename;
+    File file(std::fopen(path_.c_str(), "wbe"));
+    const bool written =
+        file && std::fwrite(bytes.data(), 1, bytes.size(), file.get()) == bytes.size();
+    if (written && std::fclose(file.release()) == 0) return;
+    const int error = errno;
+    remove();
+    errno = error;
+    fail("Could not write the temporary file");
+  }
+  ~TemporaryFile() { remove(); }
+  TemporaryFile(const TemporaryFile&) = delete;
+  TemporaryFile& operator=(const TemporaryFile&) = delete;
+
+  const fs::path& path() const { return path_; }
+
+ private:
+  void remove() {
+    std::error_code ignored;
+    fs::remove_all(folder_, ignored);
+  }
+
+  fs::path folder_;
+  fs::path path_;
+};
+
+/// An SVG is an image to the type system, but is linked as a file; so it is asked for first.
+std::string linkTo(const std::string& filename) {
+  const platform::system::FileType type = platform::system::fileTypeOf(filename);
+  if (type.conformsToSVG) return ZDKAST::markdownFile(filename, filename, false);
+  if (type.conformsToImage) return ZDKAST::markdownImage("", filename, "");
+  return ZDKAST::markdownFile(filename, filename, type.conformsToPDF);
+}
+
+}  // namespace
+
+std::vector<AttachmentInfo> TaviDatabaseStore::listAttachments(const std::string& id) {
+  std::vector<AttachmentInfo> attachments;
+  for (const KVNoteFile& file : unlockedNoteWithID(id).orderedFiles()) {
+    attachments.push_back({file.filename.value_or(""), file.fileSizeValue});
+  }
+  return attachments;
+}
+
+WriteResponse TaviDatabaseStore::addAttachment(const std::string& id, const std::string& bytes,
+                                               const std::string& filename) {
+  KVNote& note = unlockedNoteWithID(id);
+  const NoteMetadata before = metadataOf(note);
+  KVNoteFile::checkName(filename);
+  const TemporaryFile temporary(bytes, filename);
+  const std::string stored =
+      KVNoteFile::getOrCreateFileFromURL(temporary.path(), note).filename.value_or(filename);
+  ZDKAST tree = ZDKAST::fromMarkdown(note.text());
+  tree.applyTextOperationResults(tree.appendText(linkTo(stored)));
+  updateText(note, tree.markdown());
+  save();
+  return respond(note, before);
+}
+
+WriteResponse TaviDatabaseStore::deleteAttachment(const std::string& id,
+                                                  const std::string& filename) {
+  KVNote& note = unlockedNoteWithID(id);
+  if (note.attachmentForFilename(filename) == nullptr) {
+    throw NoteStoreError::attachmentNotFound(filename);
+  }
+  const NoteMetadata before = metadataOf(note);
+  ZDKAST tree = ZDKAST::fromMarkdown(note.text());
+  tree.applyTextOperationResults(tree.removeLinkWithURL(filename));
+  updateText(note, tree.markdown());
+  // A file that no link named is still there.
+  if (const KVNoteFile* left = note.attachmentForFilename(filename)) note.removeFile(*left);
+  save();
+  return respond(note, before);
+}
+
+std::string TaviDatabaseStore::readAttachment(const std::string& id, const std::string& filename) {
+  KVNote& note = unlockedNoteWithID(id);
+  const KVNoteFile* file = note.attachmentForFilename(filename);
+  if (file == nullptr) throw NoteStoreError::attachmentNotFound(filename);
+  const auto path = note.fileURL(*file);
+  if (!path) {
+    throw NoteStoreError::storeUnavailable("Attachment file not found on disk: " + filename);
+  }
+  return contents(*path);
+}
+
+}  // namespace tavi

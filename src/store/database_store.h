@@ -1,0 +1,105 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "domain/note_store.h"
+#include "platform/model/core_data_stack.h"
+#include "platform/model/note_tag.h"
+
+namespace tavi {
+
+/// The notes in the application's database, through its model.
+///
+/// A write is one pass: look the note up, change it in memory, check, one save. The model finds at
+/// the save what another process has changed in between.
+class TaviDatabaseStore final : public NoteStore {
+ public:
+  TaviDatabaseStore(std::unique_ptr<tavimodel::KVCoreDataStackForExtensions> stack,
+                    bool preserveModificationDate);
+  ~TaviDatabaseStore() override;
+
+  // Reading: reading.cpp
+  Note noteWithID(const std::string& id) override;
+  Note noteWithTitle(const std::string& title) override;
+  NoteMetadata metadataWithID(const std::string& id) override;
+  NoteMetadata metadataWithTitle(const std::string& title) override;
+  std::vector<SearchMatch> searchInNote(const std::string& id, const std::string& string,
+                                        std::int64_t context,
+                                        std::optional<std::int64_t> limit) override;
+  std::vector<std::string> listTags(const std::optional<std::string>& id) override;
+
+  // Lists and searches: listing.cpp
+  RecordList<NoteMetadata> listNotes(const ListRequest& request) override;
+  RecordList<Note> listNotesWithContent(const ListRequest& request) override;
+  RecordList<SearchResult> searchNotes(const std::string& query,
+                                       const ListRequest& request) override;
+  RecordList<SearchResultWithContent> searchNotesWithContent(const std::string& query,
+                                                             const ListRequest& request) override;
+
+  // Writing texts: writing.cpp
+  WriteResponse editNote(const std::string& id, const EditOperation& edit,
+                         const RemovalGate& gate) override;
+  WriteResponse editNoteBatch(const std::string& id, const std::vector<EditOperation>& edits,
+                              const RemovalGate& gate) override;
+  WriteResponse overwriteNote(const std::string& id, const std::string& text,
+                              const std::optional<std::string>& baseHash,
+                              const RemovalGate& gate) override;
+  Note createNote(const std::string& title, const std::optional<std::string>& content,
+                  const std::vector<std::string>& tags) override;
+  Note createNoteFromText(const std::string& text, const std::vector<std::string>& tags) override;
+  Note createNoteIfAbsent(const std::string& title, const std::optional<std::string>& content,
+                          const std::vector<std::string>& tags) override;
+  WriteResponse insertText(const std::string& id, const std::string& text,
+                           InsertPosition position) override;
+
+  // Tags, pins, moves: tags_and_pins.cpp
+  WriteResponse addTags(const std::string& id, const std::vector<std::string>& tags) override;
+  WriteResponse removeTags(const std::string& id, const std::vector<std::string>& tags) override;
+  std::int64_t renameTag(const std::string& oldName, const std::string& newName) override;
+  std::int64_t deleteTag(const std::string& name) override;
+  std::int64_t tagNoteCount(const std::string& name) override;
+  bool tagExists(const std::string& name) override;
+  WriteResponse moveNote(const std::string& id, NoteLocation target) override;
+  std::vector<std::string> listPins(const std::optional<std::string>& id) override;
+  WriteResponse pinNote(const std::string& id) override;
+  WriteResponse unpinNote(const std::string& id) override;
+  WriteResponse pinNoteInTag(const std::string& id, const std::string& tag) override;
+  WriteResponse unpinNoteInTag(const std::string& id, const std::string& tag) override;
+
+  // Attachments: attachments.cpp
+  std::vector<AttachmentInfo> listAttachments(const std::string& id) override;
+  WriteResponse addAttachment(const std::string& id, const std::string& bytes,
+                              const std::string& filename) override;
+  WriteResponse deleteAttachment(const std::string& id, const std::string& filename) override;
+  std::string readAttachment(const std::string& id, const std::string& filename) override;
+
+  void reset() override;
+
+ private:
+  tavimodel::ManagedObjectContext& context() { return *stack_->managedObjectContext(); }
+  /// Throws `noteNotFound`.
+  tavimodel::KVNote& anyNoteWithID(const std::string& id);
+  /// Throws `noteNotFound` or `noteIsLocked`.
+  tavimodel::KVNote& unlockedNoteWithID(const std::string& id);
+  /// The active notes of a title.
+  std::vector<tavimodel::KVNote*> activeNotesWithTitle(const std::string& title);
+  /// Throws `noNoteWithTitle` or `titleMatchesMultiple`.
+  tavimodel::KVNote& noteForTitle(const std::string& title);
+  tavimodel::KVNoteTag tagForPin(const std::string& tag);
+
+  void save();
+  void updateText(tavimodel::KVNote& note, std::string text);
+  WriteResponse rewrite(tavimodel::KVNote& note, std::string text, const RemovalGate& gate);
+  void passGate(const NoteMetadata& before, const NoteMetadata& after, const RemovalGate& gate);
+  Note newNote(const std::string& text, const std::vector<std::string>& tags, bool tagsAtBottom);
+  WriteResponse respond(tavimodel::KVNote& note, const NoteMetadata& before);
+
+  std::unique_ptr<tavimodel::KVCoreDataStackForExtensions> stack_;
+  bool preserveModificationDate_;
+};
+
+}  // namespace tavi

@@ -1,0 +1,20 @@
+#include "store/make_store.h"
+
+#include <string>
+
+#include "domain/store_errors.h"
+#include "platform/model/core_data_stack.h"
+#include "store/database_store.h"
+#include "store/preferences.h"
+
+namespace tavi {
+
+std::unique_ptr<NoteStore> makeStore(const StoreOptions& options) {
+  if (TaviPreferences::isApplicationLockEnabled()) throw NoteStoreError::appLockEnabled();
+  std::string reason;  // not shown: the user can do nothing with the platform's own words
+  auto stack = tavimodel::KVCoreDataStackForExtensions::initStackOutputError(reason);
+  if (!stack) throw NoteStoreError::storeUnavailable("cannot open Tavi database");
+  return std::make_unique<TaviDatabaseStore>(std::move(stack), options.preserveModificationDate);
+}
+
+}  // namespace tavi

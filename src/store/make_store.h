@@ -1,0 +1,18 @@
+#pragma once
+
+#include <memory>
+
+#include "domain/note_store.h"
+
+namespace tavi {
+
+struct StoreOptions {
+  bool preserveModificationDate = false;  ///< writes of text leave the note's date as it is
+};
+
+/// Opens the application's notes, once per command or tool call; releasing the store closes them.
+/// Throws NoteStoreError: `appLockEnabled` when the application is locked, before anything is
+/// opened, and `storeUnavailable` when the database cannot be had.
+std::unique_ptr<NoteStore> makeStore(const StoreOptions& options = {});
+
+}  // namespace tavi

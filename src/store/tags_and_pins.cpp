@@ -1,0 +1,132 @@
+#include <algorithm>
+
+#include "domain/store_errors.h"
+#include "domain/tag_parser.h"
+#include "platform/model/fetch_request.h"
+#include "store/database_store.h"
+#include "store/note_conversion.h"
+#include "store/preferences.h"
+
+namespace tavi {
+
+using tavimodel::KVNote;
+using tavimodel::KVNoteTag;
+
+WriteResponse TaviDatabaseStore::addTags(const std::string& id,
+                                         const std::vector<std::string>& tags) {
+  KVNote& note = unlockedNoteWithID(id);
+  const NoteMetadata before = metadataOf(note);
+  const bool atBottom = TaviPreferences::tagsAtBottom();
+  const std::set<std::string> present(before.tags.begin(), before.tags.end());
+  for (const std::string& tag : tags) {
+    const std::string name = TagParser::canonicalName(tag);
+    if (present.contains(name)) continue;
+    KVNoteTag::getOrCreateTagWithName(name, context()).addTagToNotes({&note}, atBottom);
+  }
+  save();
+  return respond(note, before);
+}
+
+WriteResponse TaviDatabaseStore::removeTags(const std::string& id,
+                                            const std::vector<std::string>& tags) {
+  KVNote& note = unlockedNoteWithID(id);
+  const NoteMetadata before = metadataOf(note);
+  for (const std::string& tag : tags) {
+    const auto found = KVNoteTag::tagWithName(TagParser::canonicalName(tag), context());
+    if (found) found->deleteTagInNotes({&note});
+  }
+  save();
+  return respond(note, before);
+}
+
+std::int64_t TaviDatabaseStore::renameTag(const std::string& oldName, const std::string& newName) {
+  const auto tag = KVNoteTag::tagWithName(TagParser::canonicalName(oldName), context());
+  if (!tag) return 0;
+  const auto count = static_cast<std::int64_t>(tag->noteCount());
+  tag->renameTagWithTagNamed(TagParser::canonicalName(newName));
+  save();
+  return count;
+}
+
+std::int64_t TaviDatabaseStore::deleteTag(const std::string& name) {
+  const auto tag = KVNoteTag::tagWithName(TagParser::canonicalName(name), context());
+  if (!tag) return 0;
+  const auto count = static_cast<std::int64_t>(tag->noteCount());
+  tag->deleteTag();
+  save();
+  return count;
+}
+
+std::int64_t TaviDatabaseStore::tagNoteCount(const std::string& name) {
+  const auto tag = KVNoteTag::tagWithName(TagParser::canonicalName(name), context());
+  return tag ? static_cast<std::int64_t>(tag->noteCount()) : 0;
+}
+
+bool TaviDatabaseStore::tagExists(const std::string& name) {
+  return KVNoteTag::tagWithName(name, context()).has_value();
+}
+
+WriteResponse TaviDatabaseStore::moveNote(const std::string& id, NoteLocation target) {
+  KVNote& note = anyNoteWithID(id);
+  const NoteMetadata before = metadataOf(note);
+  if (before.location == target) return WriteResponse::difference(before, before);
+  if (before.location == NoteLocation::trash) note.restoreFromTrash();
+  if (before.location == NoteLocation::archive) note.unarchive();
+  if (target == NoteLocation::trash) note.trash();
+  if (target == NoteLocation::archive) note.archive();
+  save();
+  return respond(note, before);
+}
+
+std::vector<std::string> TaviDatabaseStore::listPins(const std::optional<std::string>& id) {
+  if (id) return metadataOf(anyNoteWithID(*id)).pins;
+  const std::vector<KVNoteTag> tags = KVNoteTag::tagsWithPins(context());
+  std::vector<std::string_view> names;
+  for (const KVNoteTag& tag : tags) names.push_back(tag.title());
+  std::vector<std::string> pins = sortedHashtags(names);
+  if (context().hasPinnedNote()) pins.insert(pins.begin(), "global");
+  return pins;
+}
+
+WriteResponse TaviDatabaseStore::pinNote(const std::string& id) {
+  KVNote& note = anyNoteWithID(id);
+  const NoteMetadata before = metadataOf(note);
+  note.pin();
+  save();
+  return respond(note, before);
+}
+
+WriteResponse TaviDatabaseStore::unpinNote(const std::string& id) {
+  KVNote& note = anyNoteWithID(id);
+  const NoteMetadata before = metadataOf(note);
+  note.unpin();
+  save();
+  return respond(note, before);
+}
+
+KVNoteTag TaviDatabaseStore::tagForPin(const std::string& tag) {
+  const std::string name = TagParser::canonicalName(tag);
+  const auto found = KVNoteTag::tagWithName(name, context());
+  if (!found) throw NoteStoreError::tagNotFound(name);
+  return *found;
+}
+
+WriteResponse TaviDatabaseStore::pinNoteInTag(const std::string& id, const std::string& tag) {
+  KVNote& note = anyNoteWithID(id);
+  const KVNoteTag found = tagForPin(tag);
+  const NoteMetadata before = metadataOf(note);
+  note.pinInTag(found.title());
+  save();
+  return respond(note, before);
+}
+
+WriteResponse TaviDatabaseStore::unpinNoteInTag(const std::string& id, const std::string& tag) {
+  KVNote& note = anyNoteWithID(id);
+  const KVNoteTag found = tagForPin(tag);
+  const NoteMetadata before = metadataOf(note);
+  note.unpinInTag(found.title());
+  save();
+  return respond(note, before);
+}
+
+}  // namespace tavi

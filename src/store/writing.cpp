@@ -1,0 +1,169 @@
+#include <algorithm>
+#include <iterator>
+#include <unordered_set>
+
+#include "domain/content_hash.h"
+#include "domain/store_errors.h"
+#include "domain/tag_parser.h"
+#include "domain/text_editor.h"
+#include "platform/markdown/ast.h"
+#include "platform/markdown/hashtag.h"
+#include "platform/model/errors.h"
+#include "store/database_store.h"
+#include "store/note_conversion.h"
+#include "store/preferences.h"
+
+namespace tavi {
+
+using tavimodel::KVNote;
+using tavimodel::KVNoteTag;
+using zephyrdown::ZDKAST;
+using zephyrdown::ZDKHashtag;
+
+namespace {
+
+/// The tag line of a new note: the tags that its content does not hold already, joined by a blank.
+std::string tagLine(const std::vector<std::string>& tags, const std::string& content) {
+  std::vector<std::string> written;
+  if (!content.empty()) written = ZDKAST::fromMarkdown(content).textSummary().tags;
+  const std::unordered_set<std::string> inContent(written.begin(), written.end());
+  std::string line;
+  for (const std::string& tag : tags) {
+    const std::string name = TagParser::canonicalName(tag);
+    if (inContent.contains(name)) continue;
+    const auto hashtag = ZDKHashtag::hashtagStringForTagName(name);
+    if (!hashtag) continue;
+    if (!line.empty()) line += ' ';
+    line += *hashtag;
+  }
+  return line;
+}
+
+std::string composeText(const std::string& title, const std::string& content,
+                        const std::vector<std::string>& tags) {
+  const std::string line = tagLine(tags, content);
+  const bool atBottom = line.empty() || TaviPreferences::tagsAtBottom();
+  std::string text = "# " + title;
+  if (!atBottom) text += "\n" + line;
+  if (!content.empty()) text += "\n\n" + content;
+  if (atBottom && !line.empty()) text += "\n\n" + line;
+  return text;
+}
+
+std::set<std::string> removedAttachments(const NoteMetadata& before, const NoteMetadata& after) {
+  const std::set<std::string> had(before.attachments.begin(), before.attachments.end());
+  const std::set<std::string> has(after.attachments.begin(), after.attachments.end());
+  std::set<std::string> removed;
+  std::set_difference(had.begin(), had.end(), has.begin(), has.end(),
+                      std::inserter(removed, removed.end()));
+  return removed;
+}
+
+}  // namespace
+
+void TaviDatabaseStore::save() {
+  if (!context().hasChanges()) return;
+  try {
+    context().save();
+  } catch (const tavimodel::DomainError& error) {
+    const bool conflict = error.domain() == tavimodel::NSCocoaErrorDomain &&
+                          (error.code() == tavimodel::persistentStoreSaveConflictsError ||
+                           error.code() == tavimodel::managedObjectMergeError);
+    if (conflict) throw NoteStoreError::concurrentModification();
+    throw;
+  }
+}
+
+void TaviDatabaseStore::updateText(KVNote& note, std::string text) {
+  note.updateNoteWithText(std::move(text), !preserveModificationDate_);
+}
+
+WriteResponse TaviDatabaseStore::respond(KVNote& note, const NoteMetadata& before) {
+  return WriteResponse::difference(before, metadataOf(note));
+}
+
+void TaviDatabaseStore::passGate(const NoteMetadata& before, const NoteMetadata& after,
+                                 const RemovalGate& gate) {
+  if (gate.force) return;
+  const std::set<std::string> removed = removedAttachments(before, after);
+  const std::set<std::string> expected = gate.expected.value_or(std::set<std::string>());
+  if (removed == expected) return;
+  context().rollback();
+  throw NoteStoreError::attachmentRemovalGateFailed(removed, expected);
+}
+
+WriteResponse TaviDatabaseStore::rewrite(KVNote& note, std::string text, const RemovalGate& gate) {
+  const NoteMetadata before = metadataOf(note);
+  updateText(note, std::move(text));
+  const NoteMetadata after = metadataOf(note);
+  passGate(before, after, gate);
+  save();
+  return WriteResponse::difference(before, after);
+}
+
+WriteResponse TaviDatabaseStore::editNote(const std::string& id, const EditOperation& edit,
+                                          const RemovalGate& gate) {
+  KVNote& note = unlockedNoteWithID(id);
+  return rewrite(note, TextEditor::applyEdit(edit, note.text(), id), gate);
+}
+
+WriteResponse TaviDatabaseStore::editNoteBatch(const std::string& id,
+                                               const std::vector<EditOperation>& edits,
+                                               const RemovalGate& gate) {
+  KVNote& note = unlockedNoteWithID(id);
+  return rewrite(note, TextEditor::applyEdits(edits, note.text(), id), gate);
+}
+
+WriteResponse TaviDatabaseStore::overwriteNote(const std::string& id, const std::string& text,
+                                               const std::optional<std::string>& baseHash,
+                                               const RemovalGate& gate) {
+  KVNote& note = unlockedNoteWithID(id);
+  if (baseHash && ContentHash::of(note.text()) != *baseHash) throw NoteStoreError::hashMismatch();
+  return rewrite(note, text, gate);
+}
+
+Note TaviDatabaseStore::createNote(const std::string& title,
+                                   const std::optional<std::string>& content,
+                                   const std::vector<std::string>& tags) {
+  KVNote& note = KVNote::noteWithText(composeText(title, content.value_or(""), tags), context());
+  save();
+  return noteOf(note);
+}
+
+Note TaviDatabaseStore::createNoteFromText(const std::string& text,
+                                           const std::vector<std::string>& tags) {
+  KVNote& note = KVNote::noteWithText(text, context());
+  const bool atBottom = TaviPreferences::tagsAtBottom();
+  for (const std::string& tag : tags) {
+    const std::string name = TagParser::canonicalName(tag);
+    if (name.empty()) continue;
+    KVNoteTag::getOrCreateTagWithName(name, context()).addTagToNotes({&note}, atBottom);
+  }
+  save();
+  return noteOf(note);
+}
+
+Note TaviDatabaseStore::createNoteIfAbsent(const std::string& title,
+                                           const std::optional<std::string>& content,
+                                           const std::vector<std::string>& tags) {
+  const std::vector<KVNote*> existing = activeNotesWithTitle(title);
+  if (existing.size() > 1) {
+    throw NoteStoreError::titleMatchesMultiple(title, static_cast<std::int64_t>(existing.size()));
+  }
+  if (existing.empty()) return createNote(title, content, tags);
+  return noteOf(*existing.front());
+}
+
+WriteResponse TaviDatabaseStore::insertText(const std::string& id, const std::string& text,
+                                            InsertPosition position) {
+  KVNote& note = unlockedNoteWithID(id);
+  const NoteMetadata before = metadataOf(note);
+  ZDKAST tree = ZDKAST::fromMarkdown(note.text());
+  tree.applyTextOperationResults(position == InsertPosition::end ? tree.appendText(text)
+                                                                 : tree.prependText(text));
+  updateText(note, tree.markdown());
+  save();
+  return respond(note, before);
+}
+
+}  // namespace tavi

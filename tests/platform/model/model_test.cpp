@@ -1,0 +1,289 @@
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <fstream>
+#include <memory>
+
+#include "platform/model/core_data_stack.h"
+#include "platform/model/errors.h"
+#include "platform/model/note_tag.h"
+#include "support/foreign_client.h"
+#include "support/throwaway_home.h"
+
+namespace tavimodel {
+namespace {
+
+using support::ForeignClient;
+
+class Model : public testing::Test {
+ protected:
+  std::unique_ptr<KVCoreDataStackForExtensions> open() {
+    std::string error;
+    auto stack = KVCoreDataStackForExtensions::initStackOutputError(error);
+    EXPECT_NE(stack, nullptr) << error;
+    return stack;
+  }
+
+  std::string create(const std::string& text) {
+    auto stack = open();
+    const std::string id =
+        KVNote::noteWithText(text, *stack->managedObjectContext()).uniqueIdentifier();
+    stack->managedObjectContext()->save();
+    return id;
+  }
+
+  KVNote& note(KVCoreDataStackForExtensions& stack, const std::string& id) {
+    KVNote* found = KVNote::noteWithUniqueIdentifier(id, *stack.managedObjectContext());
+    if (found == nullptr) throw std::runtime_error("no note " + id);
+    return *found;
+  }
+
+  support::ThrowawayHome home;
+};
+
+int conflictCode(ManagedObjectContext& context) {
+  try {
+    context.save();
+  } catch (const DomainError& error) {
+    EXPECT_EQ(error.domain(), NSCocoaErrorDomain);
+    return error.code();
+  }
+  return 0;
+}
+
+TEST_F(Model, MakesItsFolderAndFilesPrivateWhateverTheUmask) {
+  const mode_t before = umask(0);
+  create("# a");
+  umask(before);
+  const auto mode = [](const std::filesystem::path& path) {
+    return static_cast<unsigned>(std::filesystem::status(path).permissions());
+  };
+  EXPECT_EQ(mode(home.data()), 0700U);
+  EXPECT_EQ(mode(home.data() / "files"), 0700U);
+  EXPECT_EQ(mode(home.database()), 0600U);
+  EXPECT_EQ(mode(home.database().string() + "-wal"), 0600U);
+}
+
+TEST_F(Model, RefusesWhatIsNoDatabaseOfOursAndLeavesItAsItWas) {
+  std::filesystem::create_directories(home.data());
+  const auto refused = [&] {
+    std::string error;
+    const bool none = KVCoreDataStackForExtensions::initStackOutputError(error) == nullptr;
+    return none && !error.empty();
+  };
+  const auto bytes = [&] {
+    std::ifstream file(home.database(), std::ios::binary);
+    return std::string(std::istreambuf_iterator<char>(file), {});
+  };
+  std::ofstream(home.database()) << std::string(5000, 'x');
+  EXPECT_TRUE(refused());
+  EXPECT_EQ(bytes(), std::string(5000, 'x'));
+
+  std::filesystem::remove(home.database());
+  ForeignClient(home.database()).run("CREATE TABLE theirs (a)");
+  const std::string theirs = bytes();
+  EXPECT_TRUE(refused());
+  EXPECT_EQ(bytes(), theirs);
+
+  std::filesystem::remove(home.database());
+  ForeignClient(home.database()).run("CREATE TABLE note (a); PRAGMA user_version = 99");
+  const std::string newer = bytes();
+  EXPECT_TRUE(refused());
+  EXPECT_EQ(bytes(), newer);
+
+  std::filesystem::remove(home.database());
+  std::filesystem::create_directory(home.database());
+  EXPECT_TRUE(refused());
+}
+
+TEST_F(Model, RefusesATruncatedDatabase) {
+  for (int i = 0; i < 40; ++i) create("# n\n" + std::string(4000, 'x'));
+  ForeignClient(home.database()).run("PRAGMA wal_checkpoint(TRUNCATE)");
+  std::filesystem::resize_file(home.database(), std::filesystem::file_size(home.database()) / 3);
+  std::string error;
+  EXPECT_EQ(KVCoreDataStackForExtensions::initStackOutputError(error), nullptr);
+}
+
+TEST_F(Model, IsOneObjectANote) {
+  const std::string id = create("# One");
+  auto stack = open();
+  EXPECT_EQ(&note(*stack, id), &note(*stack, id));
+  EXPECT_EQ(KVNote::notesWithTitle("ONE", *stack->managedObjectContext()).at(0), &note(*stack, id));
+}
+
+TEST_F(Model, FindsTitlesWithoutCaseInEveryScript) {
+  create("# Straße zum ÉTÉ");
+  ForeignClient(home.database()).run("INSERT INTO note (title, text) VALUES ('été', 'x')");
+  auto stack = open();
+  auto count = [&](const char* title) {
+    return KVNote::notesWithTitle(title, *stack->managedObjectContext()).size();
+  };
+  EXPECT_EQ(count("STRASSE ZUM e\xCC\x81t\xC3\xA9"), 1U);
+  EXPECT_EQ(count("ÉTÉ"), 1U);
+  EXPECT_EQ(count("ete"), 0U);
+}
+
+// Each stranger's change lies between our read and our save.
+TEST_F(Model, FindsEveryForeignChangeAtTheSave) {
+  const struct {
+    const char* sql;
+    int code;
+  } changes[] = {
+      {"UPDATE note SET text = 'theirs'", persistentStoreSaveConflictsError},
+      {"UPDATE note SET trashed = 1", persistentStoreSaveConflictsError},
+      {"INSERT OR REPLACE INTO note (uniqueIdentifier, title, text) "
+       "SELECT uniqueIdentifier, title, text FROM note",
+       managedObjectMergeError},
+      {"INSERT OR REPLACE INTO note (id, uniqueIdentifier, title, text) "
+       "SELECT id, uniqueIdentifier, title, text FROM note",
+       persistentStoreSaveConflictsError},
+      {"DELETE FROM note", managedObjectMergeError},
+      {"DROP TRIGGER noteUpdated; UPDATE note SET text = 'theirs'",
+       persistentStoreSaveConflictsError},
+  };
+  for (const auto& [sql, code] : changes) {
+    support::ThrowawayHome fresh;
+    const std::string id = create("# mine");
+    auto stack = open();
+    note(*stack, id).updateNoteWithText("# mine too", true);
+    ForeignClient client(fresh.database());
+    client.run(sql);
+    const std::string theirs = client.value("SELECT text FROM note");
+    EXPECT_EQ(conflictCode(*stack->managedObjectContext()), code) << sql;
+    EXPECT_EQ(client.value("SELECT text FROM note"), theirs) << sql;
+  }
+}
+
+TEST_F(Model, SavesBesideForeignChangesOfOtherNotes) {
+  const std::string mine = create("# mine");
+  const std::string theirs = create("# theirs");
+  auto stack = open();
+  note(*stack, mine).updateNoteWithText("# mine too", true);
+  ForeignClient client(home.database());
+  client.run("UPDATE note SET text = 'x' WHERE uniqueIdentifier = '" + theirs + "'");
+  EXPECT_EQ(conflictCode(*stack->managedObjectContext()), 0);
+  EXPECT_EQ(client.value("SELECT text FROM note WHERE uniqueIdentifier = '" + mine + "'"),
+            "# mine too");
+}
+
+TEST_F(Model, SeesForeignTextsWithFreshFacts) {
+  const std::string id = create("# a\n- [ ] one");
+  ForeignClient(home.database()).run("UPDATE note SET text = '- [x] é'");
+  auto stack = open();
+  EXPECT_EQ(note(*stack, id).text(), "- [x] é");
+  EXPECT_EQ(note(*stack, id).textFacts().length, 8);
+  EXPECT_EQ(note(*stack, id).todoCompletedValue(), 1);
+  EXPECT_EQ(note(*stack, id).todoIncompleteValue(), 0);
+}
+
+TEST_F(Model, KeepsTagsPinsAndFilesOfANoteThatAStrangerReplaces) {
+  const std::string id = create("# a #work");
+  ForeignClient client(home.database());
+  client.run("INSERT INTO file (note, filename) SELECT id, 'a.png' FROM note");
+  client.run("INSERT OR REPLACE INTO note (uniqueIdentifier, text) VALUES ('" + id + "', 'new')");
+  auto stack = open();
+  EXPECT_EQ(note(*stack, id).tagsStrings(), std::vector<std::string>{"work"});
+  EXPECT_EQ(note(*stack, id).orderedFiles().size(), 1U);
+  EXPECT_EQ(client.value("SELECT count(*) FROM noteSummary"), "1");
+  EXPECT_EQ(client.value("SELECT value FROM counter WHERE name = 'notes000'"), "1");
+}
+
+TEST_F(Model, CountsNotesByTheirPlaceThroughAllChanges) {
+  for (int i = 0; i < 6; ++i) create("# n");
+  ForeignClient client(home.database());
+  client.run("UPDATE note SET trashed = 1 WHERE id <= 2; UPDATE note SET archived = 1 WHERE id = 3");
+  client.run("UPDATE note SET permanentlyDeleted = 1 WHERE id = 4; DELETE FROM note WHERE id = 5");
+  client.run("INSERT OR REPLACE INTO note (id, text) VALUES (6, 'x')");
+  auto stack = open();
+  const auto count = [&](const char* format) {
+    FetchRequest request;
+    request.predicate = Predicate::andPredicate(
+        {Predicate::withFormat(format),
+         Predicate::withFormat("permanentlyDeleted == NO OR permanentlyDeleted == nil")});
+    const std::int64_t counted = stack->managedObjectContext()->count(request);
+    EXPECT_EQ(counted,
+              static_cast<std::int64_t>(stack->managedObjectContext()->fetch(request).size()));
+    return counted;
+  };
+  EXPECT_EQ(count("trashed == YES"), 2);
+  EXPECT_EQ(count("archived == YES"), 1);
+  EXPECT_EQ(count("trashed == NO AND archived == NO"), 1);
+}
+
+TEST_F(Model, MakesAncestorsTagsAndDropsTheDead) {
+  const std::string id = create("# a #work/draft/old");
+  ForeignClient client(home.database());
+  EXPECT_EQ(client.value("SELECT group_concat(title) FROM (SELECT title FROM tag ORDER BY title)"),
+            "work,work/draft,work/draft/old");
+  auto stack = open();
+  auto& context = *stack->managedObjectContext();
+  EXPECT_TRUE(KVNoteTag::tagWithName("work", context));
+  EXPECT_EQ(KVNoteTag::tagWithName("work", context)->noteCount(), 0U);
+  note(*stack, id).pinInTag("work");
+  context.save();
+  note(*stack, id).updateNoteWithText("# a", true);
+  context.save();
+  EXPECT_EQ(client.value("SELECT group_concat(title) FROM tag"), "work");
+  note(*stack, id).unpinInTag("work");
+  context.save();
+  EXPECT_EQ(client.value("SELECT count(*) FROM tag"), "0");
+}
+
+TEST_F(Model, RollbackAndResetForgetChanges) {
+  const std::string id = create("# a\n#t");
+  auto stack = open();
+  auto& context = *stack->managedObjectContext();
+  KVNote& changed = note(*stack, id);
+  changed.updateNoteWithText("# b", true);
+  changed.pin();
+  KVNote::noteWithText("# new", context);
+  EXPECT_TRUE(context.hasChanges());
+  context.rollback();
+  EXPECT_FALSE(context.hasChanges());
+  EXPECT_EQ(changed.title(), "a");
+  EXPECT_EQ(changed.text(), "# a\n#t");
+  EXPECT_FALSE(changed.pinnedValue());
+  changed.trash();
+  context.reset();
+  context.save();
+  EXPECT_FALSE(note(*stack, id).trashedValue());
+}
+
+TEST_F(Model, ReadsWhileAnotherProcessHoldsTheWriteLock) {
+  const std::string id = create("# a");
+  ForeignClient client(home.database());
+  client.run("BEGIN IMMEDIATE; UPDATE note SET title = 'theirs'");
+  const auto start = std::chrono::steady_clock::now();
+  {
+    auto stack = open();
+    EXPECT_EQ(note(*stack, id).title(), "a");
+    EXPECT_EQ(stack->managedObjectContext()->fetch({}).size(), 1U);
+  }
+  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(4))
+      << "the five seconds that a writer waits";
+  client.run("ROLLBACK");
+}
+
+TEST_F(Model, ReadsAListInAFixedNumberOfStatements) {
+  for (int i = 0; i < 30; ++i) create("# n #a #b/c\n- [ ] x");
+  ForeignClient(home.database()).run("UPDATE note SET text = text || '!' WHERE id % 2");
+  const auto statements = [&](std::int64_t limit) {
+    auto stack = open();
+    FetchRequest request;
+    request.fetchLimit = limit;
+    const NoteTable notes = stack->managedObjectContext()->fetch(request);
+    EXPECT_EQ(static_cast<std::int64_t>(notes.size()), limit);
+    stack->managedObjectContext()->forEachText(
+        notes, [](const NoteView& read, std::string_view text) {
+          EXPECT_EQ(read.tags.size(), 2U);
+          EXPECT_EQ(read.todoIncomplete, 1);
+          EXPECT_EQ(read.length, static_cast<std::int64_t>(text.size()));
+          EXPECT_TRUE(read.filenames.empty() && read.pinnedInTags.empty());
+        });
+    return stack->connection().statementsRun();
+  };
+  EXPECT_EQ(statements(5), statements(30));
+}
+
+}  // namespace
+}  // namespace tavimodel

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <unistd.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <stdexcept>
+#include <string>
+
+namespace support {
+
+/// A home folder of a test's own: HOME points to it, and it goes with the object.
+class ThrowawayHome {
+ public:
+  ThrowawayHome() {
+    std::string name = (std::filesystem::temp_directory_path() / "tavi-home-XXXXXX").string();
+    if (mkdtemp(name.data()) == nullptr) throw std::runtime_error("no temporary folder");
+    path_ = name;
+    setenv("HOME", name.c_str(), 1);
+    unsetenv("XDG_DATA_HOME");
+  }
+  ~ThrowawayHome() {
+    std::error_code ignored;
+    std::filesystem::permissions(data(), std::filesystem::perms::owner_all, ignored);
+    std::filesystem::remove_all(path_, ignored);
+  }
+  ThrowawayHome(const ThrowawayHome&) = delete;
+  ThrowawayHome& operator=(const ThrowawayHome&) = delete;
+
+  const std::filesystem::path& path() const { return path_; }
+  std::filesystem::path data() const { return path_ / ".local/share/tavi"; }
+  std::filesystem::path database() const { return data() / "tavi.sqlite"; }
+
+ private:
+  std::filesystem::path path_;
+};
+
+}  // namespace support
