@@ -34,7 +34,7 @@ struct ArgumentDefinition {
   std::string defaultValue;                  ///< as help shows it; empty for none
   std::vector<std::string> allValueStrings;  ///< of an enumeration
   std::string sectionTitle;                  ///< of its help section; empty for the usual one
-  CompletionKind completion;
+  CompletionKind completion;                 ///< as declared; see completionKind()
   bool isOptional = true;
   bool isRepeating = false;
   bool isVisible = true;
@@ -42,6 +42,11 @@ struct ArgumentDefinition {
   bool isPositional() const { return kind == Kind::positional; }
   bool isFlag() const { return kind == Kind::flag; }
 
+  /// How a shell completes the value: as declared, else an enumeration from its values.
+  CompletionKind completionKind() const;
+
+  /// One occurrence: "--title <title>", "--force", "<tags>".
+  std::string form() const;
   /// As in a usage line: "[--title <title>]", "[<tags> ...]", "<note-id>".
   std::string synopsis() const;
   /// As in a help page: "-t, --title <title>", "<note-id>".

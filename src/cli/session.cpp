@@ -20,8 +20,10 @@ Session::Scope::~Scope() {
   inPlace = previous_;
 }
 
-std::unique_ptr<NoteStore> openStore(const StoreOptions& options) {
-  return Session::current().makeStore(options);
+NoteStore& openStore(const StoreOptions& options) {
+  Session& session = Session::current();
+  session.store = session.makeStore(options);
+  return *session.store;
 }
 
 }  // namespace tavi

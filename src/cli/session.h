@@ -21,6 +21,7 @@ struct Session {
   std::function<std::optional<std::string>()> readStdinData;
   std::function<bool()> outputIsTerminal;
   OpenNoteOp::URLOpener openURL;
+  std::unique_ptr<NoteStore> store = nullptr;  ///< the command's, from `openStore`
 
   static Session& current();
 
@@ -37,7 +38,8 @@ struct Session {
   };
 };
 
-/// The store of the session, to be held for the length of the run.
-std::unique_ptr<NoteStore> openStore(const StoreOptions& options = {});
+/// Opens the store of the command that runs. It is released when the command's output is out: a
+/// store may use the occasion to tidy up.
+NoteStore& openStore(const StoreOptions& options = {});
 
 }  // namespace tavi

@@ -1,5 +1,6 @@
 #include "cli/tavi_cli.h"
 
+#include <fcntl.h>
 #include <unistd.h>
 
 #include <csignal>
@@ -12,6 +13,7 @@
 #include "cli/commands/create_command.h"
 #include "cli/commands/edit_command.h"
 #include "cli/commands/list_command.h"
+#include "cli/commands/mcp_server_command.h"
 #include "cli/commands/move_commands.h"
 #include "cli/commands/open_command.h"
 #include "cli/commands/overwrite_command.h"
@@ -99,6 +101,15 @@ std::optional<int> flushed(Session& session, std::optional<int> exitCode) {
   return exitCode;
 }
 
+/// Puts something in the place of standard streams that the caller closed: else the database would
+/// be opened there, and output written into it. Writing still fails, as it should.
+void keepStandardDescriptors() {
+  for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+    // The lowest free descriptor is the one that open(2) takes.
+    if (::fcntl(descriptor, F_GETFD) == -1) (void)::open("/dev/null", O_RDONLY);
+  }
+}
+
 }  // namespace
 
 ArgumentParser::CommandConfiguration TaviCLI::configuration() {
@@ -111,7 +122,8 @@ ArgumentParser::CommandConfiguration TaviCLI::configuration() {
                           commandType<AppendCommand>(), commandType<TagsCommand>(),
                           commandType<PinCommand>(), commandType<TrashCommand>(),
                           commandType<ArchiveCommand>(), commandType<RestoreCommand>(),
-                          commandType<OpenCommand>(), commandType<AttachmentsCommand>()}};
+                          commandType<OpenCommand>(), commandType<AttachmentsCommand>(),
+                          commandType<MCPServerCommand>()}};
 }
 
 void TaviCLI::declare(ArgumentParser::ArgumentSet& args) {
@@ -119,8 +131,12 @@ void TaviCLI::declare(ArgumentParser::ArgumentSet& args) {
 }
 
 std::optional<int> TaviCLI::main(const std::vector<std::string>& arguments) {
-  // A reader that stops reading, as `head` does, ends the output and not a write that is under way.
-  std::signal(SIGPIPE, SIG_IGN);
+  keepStandardDescriptors();
+  // A reader that stops reading, as `head` does, ends the output and not what is under way. Not
+  // SIG_IGN, which a program that we start would inherit.
+  std::signal(SIGPIPE, [](int) {});
+  // A file that would grow beyond the user's limit is a failed write, to be told like any other.
+  std::signal(SIGXFSZ, [](int) {});
   DescriptorSink output(STDOUT_FILENO);
   DescriptorSink errors(STDERR_FILENO);
   Session session{.output = output,
@@ -139,7 +155,9 @@ std::optional<int> TaviCLI::main(const std::vector<std::string>& arguments, Sess
     exitCode = serve(commandType<TaviCLI>(), arguments);
   } catch (const OutputClosed&) {  // within a long page of help
   }
-  return flushed(session, exitCode);
+  exitCode = flushed(session, exitCode);
+  session.store.reset();
+  return exitCode;
 }
 
 }  // namespace tavi

@@ -15,6 +15,8 @@ struct Instant {
 };
 
 /// ISO 8601 in UTC, whole seconds (fractions cut off towards the past): "2026-01-31T08:05:09Z".
+/// What lies outside the years 1 to 9999 is written as the first or the last second of them, and
+/// a value that is no number as the first.
 std::string formatISO8601(Instant instant);
 
 }  // namespace tavi

@@ -20,16 +20,16 @@ std::optional<NoteLocation> noteLocation(std::string_view rawText);
 struct NoteMetadata {
   std::string id;
   std::string title;
-  bool locked = false;            ///< encrypted: the text cannot be read through this program
-  std::string contentHash;        ///< ContentHash of the text; empty when locked
-  std::int64_t contentLength = 0; ///< of the text, in UTF-8 bytes; 0 when locked
+  bool locked = false;             ///< encrypted: the text cannot be read through this program
+  std::string contentHash;         ///< ContentHash of the text; empty when locked
+  std::int64_t contentLength = 0;  ///< of the text, in UTF-8 bytes; 0 when locked
   Instant created;
   Instant modified;
   std::vector<std::string> pins;  ///< "global" first, then hashtags, ascending
   NoteLocation location = NoteLocation::notes;
-  std::int64_t todos = 0;         ///< open to-do items
-  std::int64_t done = 0;          ///< finished to-do items
-  std::vector<std::string> tags;  ///< canonical names, ascending
+  std::int64_t todos = 0;                ///< open to-do items
+  std::int64_t done = 0;                 ///< finished to-do items
+  std::vector<std::string> tags;         ///< canonical names, ascending
   std::vector<std::string> attachments;  ///< file names, in note order; empty when locked
 };
 

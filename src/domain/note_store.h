@@ -16,9 +16,9 @@ namespace tavi {
 /// What a list or a search asks for besides its query.
 struct ListRequest {
   SortSpecification sort;
-  std::int64_t limit = INT64_MAX;         ///< greater than 0
-  std::int64_t offset = 0;                ///< rows to skip, not negative
-  std::optional<NoteLocation> location;   ///< absent: every location
+  std::int64_t limit = INT64_MAX;        ///< greater than 0
+  std::int64_t offset = 0;               ///< rows to skip, not negative
+  std::optional<NoteLocation> location;  ///< absent: every location
 };
 
 /// The declaration of which attachments a write removes.
@@ -76,8 +76,7 @@ class NoteStore {
                                    InsertPosition position) = 0;
 
   virtual WriteResponse addTags(const std::string& id, const std::vector<std::string>& tags) = 0;
-  virtual WriteResponse removeTags(const std::string& id,
-                                   const std::vector<std::string>& tags) = 0;
+  virtual WriteResponse removeTags(const std::string& id, const std::vector<std::string>& tags) = 0;
   /// The number of notes that carried the old tag, 0 when there is no such tag.
   virtual std::int64_t renameTag(const std::string& oldName, const std::string& newName) = 0;
   virtual std::int64_t deleteTag(const std::string& name) = 0;

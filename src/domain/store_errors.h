@@ -62,6 +62,10 @@ class NoteStoreError : public std::exception {
   std::string_view code() const;
   /// Whether this, or the innermost error of a batch edit, is `stringNotFound`.
   bool isStringNotFound() const;
+  /// The same case with the same words.
+  bool operator==(const NoteStoreError& other) const {
+    return case_ == other.case_ && message_ == other.message_;
+  }
 
  private:
   NoteStoreError(Case kind, std::string message) : case_(kind), message_(std::move(message)) {}

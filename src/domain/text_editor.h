@@ -9,7 +9,9 @@
 namespace tavi {
 
 /// Applies edits to a text, and refuses what is not exact: a text that is not found, or one that
-/// is found more than once where not all were asked for.
+/// is found more than once where not all were asked for. Without `word`, canonically equivalent
+/// sequences match each other (platform/text/string_search.h); with it, a regular expression asks
+/// for word boundaries around the text as it is written. An empty text to find is never found.
 struct TextEditor {
   /// The new text. Throws NoteStoreError (`stringNotFound`, `stringMatchesMultiple`) with
   /// `noteID`, or the regular-expression error of a word search. All matches are those of the text

@@ -1,14 +1,14 @@
 #include "json/json_value.h"
 
 #include <algorithm>
-#include <ranges>
 
 namespace tavi {
 
 const JSONValue* JSONValue::find(std::string_view name) const {
-  const auto members = object() | std::views::reverse;
-  const auto found = std::ranges::find(members, name, &Object::value_type::first);
-  return found == members.end() ? nullptr : &found->second;
+  const Object& members = object();
+  const auto found = std::find_if(members.rbegin(), members.rend(),
+                                  [&](const auto& member) { return member.first == name; });
+  return found == members.rend() ? nullptr : &found->second;
 }
 
 bool JSONValue::operator==(const JSONValue& other) const {

@@ -5,7 +5,6 @@
 #include <charconv>
 #include <cmath>
 #include <map>
-#include <ranges>
 
 #include "json/byte_scan.h"
 #include "platform/text/utf8.h"
@@ -117,7 +116,8 @@ void JSONWriter::object(const JSONValue::Object& members) {
   if (style_ == JSONStyle::wire) {
     // The first to come stays in the map, so from the back the last of a name counts.
     std::map<std::string_view, const JSONValue&> sorted;
-    for (const auto& [name, value] : members | std::views::reverse) sorted.emplace(name, value);
+    for (auto member = members.rbegin(); member != members.rend(); ++member)
+      sorted.emplace(member->first, member->second);
     std::ranges::for_each(sorted, write);
   } else {
     std::ranges::for_each(members, write);

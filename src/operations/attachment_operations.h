@@ -11,7 +11,7 @@
 namespace tavi {
 
 struct ListAttachmentsInput {
-  std::optional<std::string> id = {}, title = {};
+  std::optional<std::string> id, title;
 };
 
 struct ListAttachmentsOp {
@@ -32,9 +32,9 @@ struct ListAttachmentsOp {
 };
 
 struct AddAttachmentInput {
-  std::optional<std::string> id = {}, title = {};
-  std::string filename = {};
-  Base64Data data = {};
+  std::optional<std::string> id, title;
+  std::string filename;
+  Base64Data data;
 };
 
 struct AddAttachmentOp {
@@ -62,8 +62,8 @@ struct AddAttachmentOp {
 };
 
 struct DeleteAttachmentInput {
-  std::optional<std::string> id = {}, title = {};
-  std::string filename = {};
+  std::optional<std::string> id, title;
+  std::string filename;
 };
 
 struct DeleteAttachmentOp {
@@ -88,8 +88,8 @@ struct DeleteAttachmentOp {
 };
 
 struct ReadAttachmentInput {
-  std::optional<std::string> id = {}, title = {};
-  std::string filename = {};
+  std::optional<std::string> id, title;
+  std::string filename;
 };
 
 struct ReadAttachmentOp {

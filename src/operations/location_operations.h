@@ -12,7 +12,7 @@
 namespace tavi {
 
 struct MoveNoteInput {
-  std::optional<std::string> id = {}, title = {};
+  std::optional<std::string> id, title;
 };
 
 /// What the three moves have in common.
@@ -66,7 +66,7 @@ struct RestoreNoteOp : MoveNoteOp {
 };
 
 struct OpenNoteInput {
-  std::optional<std::string> id = {}, title = {}, header = {};
+  std::optional<std::string> id, title, header;
   bool edit = false;
   bool newWindow = false;
   bool floating = false;

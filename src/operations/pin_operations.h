@@ -16,7 +16,7 @@ namespace tavi {
 std::string displayedPin(std::string_view pin);
 
 struct ListPinsInput {
-  std::optional<std::string> id = {}, title = {};  ///< both absent: every context in use
+  std::optional<std::string> id, title;  ///< both absent: every context in use
 };
 
 struct ListPinsOp {
@@ -47,8 +47,8 @@ struct ListPinsOp {
 };
 
 struct AddPinsInput {
-  std::optional<std::string> id = {}, title = {};
-  std::vector<std::string> targets = {};
+  std::optional<std::string> id, title;
+  std::vector<std::string> targets;
 };
 
 /// Every tag among the targets must exist before any pin is changed; then each target is a write
@@ -78,8 +78,8 @@ struct AddPinsOp {
 };
 
 struct RemovePinsInput {
-  std::optional<std::string> id = {}, title = {};
-  std::vector<std::string> targets = {};
+  std::optional<std::string> id, title;
+  std::vector<std::string> targets;
 };
 
 struct RemovePinsOp {

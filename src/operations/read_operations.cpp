@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <string_view>
 
+#include "domain/invalid_query.h"
 #include "domain/tag_parser.h"
 #include "operations/note_resolver.h"
 #include "platform/text/utf8.h"
@@ -52,13 +53,15 @@ std::string tagQuery(const std::string& tag) {
 }
 
 SearchNotesOp::Output search(const std::string& query, const ListRequest& request,
-                             bool includeContent, NoteStore& store) {
+                             bool includeContent, NoteStore& store) try {
   if (includeContent) {
     if (request.limit == 0) return recordList<SearchResultWithContent>();
     return store.searchNotesWithContent(query, request);
   }
   if (request.limit == 0) return recordList<SearchResult>();
   return store.searchNotes(query, request);
+} catch (const InvalidQuery& error) {
+  throw OperationError::invalidInput(error.what());
 }
 
 // A search result without its match count.

@@ -13,7 +13,7 @@
 namespace tavi {
 
 struct GetNoteInput {
-  std::optional<std::string> id = {}, title = {};
+  std::optional<std::string> id, title;
   bool includeContent = false;
 };
 
@@ -41,8 +41,8 @@ struct GetNoteOp {
 };
 
 struct ReadNoteContentInput {
-  std::optional<std::string> id = {}, title = {};
-  std::optional<std::int64_t> offset = {}, limit = {};
+  std::optional<std::string> id, title;
+  std::optional<std::int64_t> offset, limit;
 };
 
 struct ReadNoteContentOp {
@@ -84,11 +84,11 @@ struct ListingFields {
 };
 
 struct ListNotesInput {
-  std::optional<std::string> sort = {};
-  std::optional<std::int64_t> limit = {}, offset = {};
-  std::optional<std::string> location = {};
+  std::optional<std::string> sort;
+  std::optional<std::int64_t> limit, offset;
+  std::optional<std::string> location;
   bool includeContent = false;
-  std::optional<std::string> tag = {};
+  std::optional<std::string> tag;
 };
 
 struct ListNotesOp {
@@ -118,10 +118,10 @@ struct ListNotesOp {
 };
 
 struct SearchNotesInput {
-  std::string query = {};
-  std::optional<std::string> sort = {};
-  std::optional<std::int64_t> limit = {}, offset = {};
-  std::optional<std::string> location = {};
+  std::string query;
+  std::optional<std::string> sort;
+  std::optional<std::int64_t> limit, offset;
+  std::optional<std::string> location;
   bool includeContent = false;
 };
 
@@ -154,9 +154,9 @@ struct SearchNotesOp {
 };
 
 struct SearchInNoteInput {
-  std::optional<std::string> id = {}, title = {};
-  std::string string = {};
-  std::optional<std::int64_t> context = {}, limit = {};
+  std::optional<std::string> id, title;
+  std::string string;
+  std::optional<std::int64_t> context, limit;
 };
 
 struct SearchInNoteOp {

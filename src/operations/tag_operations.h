@@ -12,7 +12,7 @@
 namespace tavi {
 
 struct ListTagsInput {
-  std::optional<std::string> id = {}, title = {};  ///< both absent: every tag
+  std::optional<std::string> id, title;  ///< both absent: every tag
 };
 
 struct ListTagsOp {
@@ -40,8 +40,8 @@ struct ListTagsOp {
 };
 
 struct AddTagsInput {
-  std::optional<std::string> id = {}, title = {};
-  std::vector<std::string> tags = {};
+  std::optional<std::string> id, title;
+  std::vector<std::string> tags;
 };
 
 struct AddTagsOp {
@@ -69,8 +69,8 @@ struct AddTagsOp {
 };
 
 struct RemoveTagsInput {
-  std::optional<std::string> id = {}, title = {};
-  std::vector<std::string> tags = {};
+  std::optional<std::string> id, title;
+  std::vector<std::string> tags;
 };
 
 struct RemoveTagsOp {
@@ -97,7 +97,7 @@ struct RemoveTagsOp {
 };
 
 struct RenameTagInput {
-  std::string oldName = {}, newName = {};
+  std::string oldName, newName;
   bool force = false;
 };
 
@@ -135,7 +135,7 @@ struct RenameTagOp {
 };
 
 struct DeleteTagInput {
-  std::string tag = {};
+  std::string tag;
 };
 
 struct DeleteTagOp {

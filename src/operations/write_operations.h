@@ -11,8 +11,8 @@
 namespace tavi {
 
 struct CreateNoteInput {
-  std::optional<std::string> title = {}, content = {};
-  std::vector<std::string> tags = {};
+  std::optional<std::string> title, content;
+  std::vector<std::string> tags;
   bool ifNotExists = false;
 };
 
@@ -52,9 +52,9 @@ struct CreateNoteOp {
 };
 
 struct AppendToNoteInput {
-  std::optional<std::string> id = {}, title = {};
-  std::string content = {};
-  std::optional<std::string> position = {};  ///< raw text of an InsertPosition; absent is the end
+  std::optional<std::string> id, title;
+  std::string content;
+  std::optional<std::string> position;  ///< raw text of an InsertPosition; absent is the end
 };
 
 struct AppendToNoteOp {
@@ -85,8 +85,8 @@ struct AppendToNoteOp {
 
 /// One edit as a client states it: exactly one of the three actions must be there.
 struct NoteEdit {
-  std::string find = {};
-  std::optional<std::string> replace = {}, insertAfter = {}, insertBefore = {};
+  std::string find;
+  std::optional<std::string> replace, insertAfter, insertBefore;
   bool all = false;
   bool ignoreCase = false;
   bool word = false;
@@ -94,9 +94,9 @@ struct NoteEdit {
 void read(const JSONField& field, std::vector<NoteEdit>& edits);
 
 struct EditNoteInput {
-  std::optional<std::string> id = {}, title = {};
-  std::vector<NoteEdit> edits = {};
-  std::optional<std::vector<std::string>> expectedRemovedAttachments = {};
+  std::optional<std::string> id, title;
+  std::vector<NoteEdit> edits;
+  std::optional<std::vector<std::string>> expectedRemovedAttachments;
 };
 
 struct EditNoteOp {
@@ -137,10 +137,10 @@ struct EditNoteOp {
 };
 
 struct OverwriteNoteInput {
-  std::optional<std::string> id = {}, title = {};
-  std::string content = {};
-  std::optional<std::string> baseHash = {};  ///< absent: the write is unconditional
-  std::optional<std::vector<std::string>> expectedRemovedAttachments = {};
+  std::optional<std::string> id, title;
+  std::string content;
+  std::optional<std::string> baseHash;  ///< absent: the write is unconditional
+  std::optional<std::vector<std::string>> expectedRemovedAttachments;
 };
 
 struct OverwriteNoteOp {

@@ -12,9 +12,10 @@ namespace tavi {
 namespace {
 
 using tavimodel::FetchRequest;
-using tavimodel::KVNote;
 using tavimodel::KVNoteSearchManager;
 using tavimodel::ManagedObjectContext;
+using tavimodel::NoteTable;
+using tavimodel::NoteView;
 using tavimodel::Predicate;
 using tavimodel::SearchTermCounter;
 using tavimodel::SortDescriptor;
@@ -65,13 +66,13 @@ FetchRequest fetchRequest(const ListRequest& request, std::optional<Predicate> s
   return fetch;
 }
 
-/// The rows of one fetch. The notes are fetched, and their metadata loaded in bulk, when the first
-/// row is asked for; texts come one at a time, each time round.
+/// The rows of one fetch, which is made when the first row is asked for; texts come one at a time,
+/// each time round.
 template <class Record>
 class FetchedList final : public RecordSource<Record> {
  public:
   /// Makes a row of a note, and of its text where the row has or counts it.
-  using Convert = std::function<Record(KVNote&, std::string_view text)>;
+  using Convert = std::function<void(const NoteView&, std::string_view text, Record& row)>;
 
   FetchedList(ManagedObjectContext& context, FetchRequest request, bool readsText, Convert convert)
       : context_(context),
@@ -80,23 +81,27 @@ class FetchedList final : public RecordSource<Record> {
         convert_(std::move(convert)) {}
 
   std::int64_t count() override {
-    if (notes_) return static_cast<std::int64_t>(notes_->size());
+    if (table_) return static_cast<std::int64_t>(table_->size());
     const std::int64_t all = context_.count(request_);
     const std::int64_t left = std::max<std::int64_t>(0, all - request_.fetchOffset);
     return std::min(left, request_.fetchLimit);
   }
 
   void forEach(const std::function<void(const Record&)>& visit) override {
-    if (!notes_) {
-      notes_ = context_.fetch(request_);
-      context_.prefetchMetadata(*notes_);
-    }
-    if (!readsText_) {
-      for (KVNote* note : *notes_) visit(convert_(*note, {}));
+    if (!table_) table_ = context_.fetch(request_);
+    Record row;  // one for all, so that its memory is used again
+    if (readsText_) {
+      context_.forEachText(*table_, [&](const NoteView& note, std::string_view text) {
+        convert_(note, text, row);
+        visit(row);
+      });
       return;
     }
-    context_.forEachText(*notes_,
-                         [&](KVNote& note, std::string_view text) { visit(convert_(note, text)); });
+    for (std::size_t i = 0; i < table_->size(); ++i) {
+      table_->prefetch(i + 8);
+      convert_((*table_)[i], {}, row);
+      visit(row);
+    }
   }
 
  private:
@@ -104,7 +109,7 @@ class FetchedList final : public RecordSource<Record> {
   FetchRequest request_;
   bool readsText_;
   Convert convert_;
-  std::optional<std::vector<KVNote*>> notes_;
+  std::optional<NoteTable> table_;
 };
 
 template <class Record>
@@ -135,30 +140,34 @@ ParsedSearch parsed(const std::string& query) {
   }
 }
 
-Note noteOf(KVNote& note, std::string_view text) {
-  return {metadataOf(note), note.encryptedValue() ? std::string() : std::string(text)};
+void convert(const NoteView& note, std::string_view text, Note& row) {
+  convert(note, row.metadata);
+  row.content = note.encrypted ? std::string_view() : text;
 }
 
 }  // namespace
 
 RecordList<NoteMetadata> TaviDatabaseStore::listNotes(const ListRequest& request) {
-  return fetched<NoteMetadata>(context(), fetchRequest(request, std::nullopt, false), false,
-                               [](KVNote& note, std::string_view) { return metadataOf(note); });
+  return fetched<NoteMetadata>(
+      context(), fetchRequest(request, std::nullopt, false), false,
+      [](const NoteView& note, std::string_view, NoteMetadata& row) { convert(note, row); });
 }
 
 RecordList<Note> TaviDatabaseStore::listNotesWithContent(const ListRequest& request) {
-  return fetched<Note>(context(), fetchRequest(request, std::nullopt, false), true,
-                       [](KVNote& note, std::string_view text) { return noteOf(note, text); });
+  return fetched<Note>(
+      context(), fetchRequest(request, std::nullopt, false), true,
+      [](const NoteView& note, std::string_view text, Note& row) { convert(note, text, row); });
 }
 
 RecordList<SearchResult> TaviDatabaseStore::searchNotes(const std::string& query,
                                                         const ListRequest& request) {
   const ParsedSearch search = parsed(query);
-  return fetched<SearchResult>(context(), fetchRequest(request, search.predicate, true),
-                               search.counter != nullptr,
-                               [search](KVNote& note, std::string_view text) {
-                                 return SearchResult{metadataOf(note), search.matchesIn(text)};
-                               });
+  return fetched<SearchResult>(
+      context(), fetchRequest(request, search.predicate, true), search.counter != nullptr,
+      [search](const NoteView& note, std::string_view text, SearchResult& row) {
+        convert(note, row.metadata);
+        row.matchCount = search.matchesIn(text);
+      });
 }
 
 RecordList<SearchResultWithContent> TaviDatabaseStore::searchNotesWithContent(
@@ -166,8 +175,9 @@ RecordList<SearchResultWithContent> TaviDatabaseStore::searchNotesWithContent(
   const ParsedSearch search = parsed(query);
   return fetched<SearchResultWithContent>(
       context(), fetchRequest(request, search.predicate, true), true,
-      [search](KVNote& note, std::string_view text) {
-        return SearchResultWithContent{noteOf(note, text), search.matchesIn(text)};
+      [search](const NoteView& note, std::string_view text, SearchResultWithContent& row) {
+        convert(note, text, row.note);
+        row.matchCount = search.matchesIn(text);
       });
 }
 

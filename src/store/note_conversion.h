@@ -1,15 +1,22 @@
 #pragma once
 
+#include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "domain/note_records.h"
 #include "platform/model/note.h"
+#include "platform/model/note_view.h"
 
 namespace tavi {
 
 /// The one conversion of a note of the model, which every read and every write response goes
-/// through. The text of a locked note is never read: hash and counts are empty.
+/// through. Of a locked note, hash, counts and attachments are empty.
+/// What `metadata` held before goes; its memory is used again, which is what a long list lives on.
+void convert(const tavimodel::NoteView& note, NoteMetadata& metadata);
+
+/// The same of an object of the model; the text of a locked note is not read.
 NoteMetadata metadataOf(tavimodel::KVNote& note);
 
 /// The note with its text, or with an empty one when it is locked.
@@ -19,6 +26,6 @@ Note noteOf(tavimodel::KVNote& note);
 std::vector<std::string> sortedByCodePoints(std::vector<std::string> texts);
 
 /// The hashtag form of each name, ascending; names without one are left out.
-std::vector<std::string> sortedHashtags(const std::vector<std::string>& names);
+std::vector<std::string> sortedHashtags(std::span<const std::string_view> names);
 
 }  // namespace tavi

@@ -80,8 +80,9 @@ WriteResponse TaviDatabaseStore::moveNote(const std::string& id, NoteLocation ta
 
 std::vector<std::string> TaviDatabaseStore::listPins(const std::optional<std::string>& id) {
   if (id) return metadataOf(anyNoteWithID(*id)).pins;
-  std::vector<std::string> names;
-  for (const KVNoteTag& tag : KVNoteTag::tagsWithPins(context())) names.push_back(tag.title());
+  const std::vector<KVNoteTag> tags = KVNoteTag::tagsWithPins(context());
+  std::vector<std::string_view> names;
+  for (const KVNoteTag& tag : tags) names.push_back(tag.title());
   std::vector<std::string> pins = sortedHashtags(names);
   if (context().hasPinnedNote()) pins.insert(pins.begin(), "global");
   return pins;

@@ -54,7 +54,7 @@ TEST(JSONWriter, EscapesWhatMustBeEscapedAndNothingElse) {
 TEST(JSONWriter, IsReadBackAsItWas) {
   std::mt19937 random(7);
   const std::string alphabet = "aaaaaaaaaaaaaaaaaa/\\\"\n\x01\x1f ~\x7f";
-  for (std::size_t length : {1, 7, 8, 9, 16, 63, 300, 70'000, 200'000}) {
+  for (std::size_t length : {1U, 7U, 8U, 9U, 16U, 63U, 300U, 70'000U, 200'000U}) {
     for (int repetition = 0; repetition < 5; ++repetition) {
       std::string text(length, 'a');
       for (char& byte : text) byte = alphabet[random() % alphabet.size()];

@@ -21,12 +21,12 @@ void AppendCommand::declare(ArgumentSet& args) {
 }
 
 void AppendCommand::run() {
-  const auto store = openStore({.preserveModificationDate = date_.preserve});
+  NoteStore& store = openStore({.preserveModificationDate = date_.preserve});
   AppendToNoteOp::execute({.id = note_.id,
                            .title = note_.title,
                            .content = textOrStdin(content_).value_or(""),
                            .position = position_},
-                          *store);
+                          store);
 }
 
 std::string_view AppendCommand::footer() const {

@@ -43,8 +43,8 @@ void ListAttachmentsCommand::declare(ArgumentSet& args) {
 }
 
 void ListAttachmentsCommand::run() {
-  const auto store = openStore();
-  auto attachments = ListAttachmentsOp::execute({.id = note_.id, .title = note_.title}, *store);
+  NoteStore& store = openStore();
+  auto attachments = ListAttachmentsOp::execute({.id = note_.id, .title = note_.title}, store);
   const auto fields = OutputFormatter::resolveFields<AttachmentInfo>(options_);
   RecordWriter(Session::current().output, options_.format)
       .writeRows(*recordList(std::move(attachments)), fields);
@@ -75,7 +75,7 @@ void AddAttachmentCommand::declare(ArgumentSet& args) {
 }
 
 void AddAttachmentCommand::run() {
-  const auto store = openStore({.preserveModificationDate = date_.preserve});
+  NoteStore& store = openStore({.preserveModificationDate = date_.preserve});
   const std::string& filename = required(filename_);
   auto data = Session::current().readStdinData();
   if (!data || data->empty()) {
@@ -86,7 +86,7 @@ void AddAttachmentCommand::run() {
                             .title = note_.title,
                             .filename = filename,
                             .data = {.bytes = *std::move(data)}},
-                           *store);
+                           store);
 }
 
 std::string_view AddAttachmentCommand::footer() const {
@@ -110,9 +110,9 @@ void DeleteAttachmentCommand::declare(ArgumentSet& args) {
 }
 
 void DeleteAttachmentCommand::run() {
-  const auto store = openStore({.preserveModificationDate = date_.preserve});
+  NoteStore& store = openStore({.preserveModificationDate = date_.preserve});
   DeleteAttachmentOp::execute(
-      {.id = note_.id, .title = note_.title, .filename = required(filename_)}, *store);
+      {.id = note_.id, .title = note_.title, .filename = required(filename_)}, store);
 }
 
 std::string_view DeleteAttachmentCommand::footer() const {
@@ -135,7 +135,7 @@ void SaveAttachmentCommand::declare(ArgumentSet& args) {
 }
 
 void SaveAttachmentCommand::run() {
-  const auto store = openStore();
+  NoteStore& store = openStore();
   const std::string& filename = required(filename_);
   Session& session = Session::current();
   if (options_.format == OutputFormat::tsv && session.outputIsTerminal()) {
@@ -143,7 +143,7 @@ void SaveAttachmentCommand::run() {
         "Redirect stdout to a file: tavicli attachments save <id> --filename <name> > <file>");
   }
   const std::string bytes = ReadAttachmentOp::execute(
-      {.id = note_.id, .title = note_.title, .filename = filename}, *store);
+      {.id = note_.id, .title = note_.title, .filename = filename}, store);
   RecordWriter(session.output, options_.format).writeAttachment(filename, bytes);
 }
 

@@ -19,9 +19,9 @@ void CatCommand::declare(ArgumentSet& args) {
 }
 
 void CatCommand::run() {
-  const auto store = openStore();
+  NoteStore& store = openStore();
   const std::string content = ReadNoteContentOp::execute(
-      {.id = note_.id, .title = note_.title, .offset = offset_, .limit = limit_}, *store);
+      {.id = note_.id, .title = note_.title, .offset = offset_, .limit = limit_}, store);
   RecordWriter(Session::current().output, options_.format).writeContent(content);
 }
 

@@ -37,12 +37,12 @@ void CreateCommand::declare(ArgumentSet& args) {
 }
 
 void CreateCommand::run() {
-  const auto store = openStore();
+  NoteStore& store = openStore();
   const Note note = CreateNoteOp::execute({.title = title_,
                                            .content = textOrStdin(content_),
                                            .tags = tagNames(tags_),
                                            .ifNotExists = ifNotExists_},
-                                          *store);
+                                          store);
   const auto fields = OutputFormatter::resolveFields<Note>(options_);
   RecordWriter(Session::current().output, options_.format).writeRecord(note, fields);
 }

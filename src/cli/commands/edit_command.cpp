@@ -76,8 +76,8 @@ std::vector<NoteEdit> EditCommand::edits() const {
 }
 
 void EditCommand::run() try {
-  const auto store = openStore({.preserveModificationDate = date_.preserve});
-  EditNoteOp::execute({.id = note_.id, .title = note_.title, .edits = edits()}, *store, force_);
+  NoteStore& store = openStore({.preserveModificationDate = date_.preserve});
+  EditNoteOp::execute({.id = note_.id, .title = note_.title, .edits = edits()}, store, force_);
 } catch (const NoteStoreError& error) {
   if (ignoreCase_ || !error.isStringNotFound()) throw;
   throw CommandFailure("string_not_found", error.message() + " (try --ignore-case)");

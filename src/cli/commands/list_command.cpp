@@ -14,19 +14,19 @@ void ListCommand::declare(ArgumentSet& args) {
 }
 
 void ListCommand::run() {
-  const auto store = openStore();
+  NoteStore& store = openStore();
   ListNotesInput input{.sort = listing_.sort, .location = listing_.location, .tag = tag_};
   if (count_) {
     listing_.refuseWithCount();
     RecordWriter(Session::current().output, options_.format)
-        .writeCount(countOf(ListNotesOp::execute(input, *store)));
+        .writeCount(countOf(ListNotesOp::execute(input, store)));
     return;
   }
   if (listing_.limit == 0) return;
   input.limit = listing_.limit;
   input.offset = listing_.offset;
   input.includeContent = OutputFormatter::selectsContent(options_);
-  writeLists(ListNotesOp::execute(input, *store), options_);
+  writeLists(ListNotesOp::execute(input, store), options_);
 }
 
 std::string_view ListCommand::footer() const {

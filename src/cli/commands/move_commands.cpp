@@ -7,8 +7,8 @@ namespace tavi {
 
 template <class Operation>
 void MoveCommand::move() const {
-  const auto store = openStore();
-  Operation::execute({.id = note_.id, .title = note_.title}, *store);
+  NoteStore& store = openStore();
+  Operation::execute({.id = note_.id, .title = note_.title}, store);
 }
 
 CommandConfiguration TrashCommand::configuration() {

@@ -32,7 +32,7 @@ class NoteListCommand : public LeafCommand {
   /// `list`: the member of the operation's input that takes the names.
   template <class Operation>
   void execute(std::vector<std::string> Operation::Input::*list) const {
-    const auto store = openStore();
+    NoteStore& store = openStore();
     typename Operation::Input input;
     input.title = title_;
     if (title_ && id_) {
@@ -41,7 +41,7 @@ class NoteListCommand : public LeafCommand {
       input.id = id_;
     }
     (input.*list).insert((input.*list).end(), names_.begin(), names_.end());
-    Operation::execute(input, *store);
+    Operation::execute(input, store);
   }
 
  private:

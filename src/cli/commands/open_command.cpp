@@ -19,14 +19,14 @@ void OpenCommand::declare(ArgumentSet& args) {
 }
 
 void OpenCommand::run() {
-  const auto store = openStore();
+  NoteStore& store = openStore();
   OpenNoteOp::execute({.id = note_.id,
                        .title = note_.title,
                        .header = header_,
                        .edit = edit_,
                        .newWindow = newWindow_,
                        .floating = floating_},
-                      *store, Session::current().openURL);
+                      store, Session::current().openURL);
 }
 
 std::string_view OpenCommand::footer() const {

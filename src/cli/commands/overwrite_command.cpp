@@ -25,12 +25,12 @@ void OverwriteCommand::declare(ArgumentSet& args) {
 }
 
 void OverwriteCommand::run() {
-  const auto store = openStore({.preserveModificationDate = date_.preserve});
+  NoteStore& store = openStore({.preserveModificationDate = date_.preserve});
   OverwriteNoteOp::execute({.id = note_.id,
                             .title = note_.title,
                             .content = textOrStdin(content_).value_or(""),
                             .baseHash = base_},
-                           *store, force_);
+                           store, force_);
 }
 
 std::string_view OverwriteCommand::footer() const {

@@ -33,9 +33,9 @@ void ListPinsCommand::declare(ArgumentSet& args) {
 }
 
 void ListPinsCommand::run() {
-  const auto store = openStore();
+  NoteStore& store = openStore();
   std::vector<PinRecord> rows;
-  for (const auto& pin : ListPinsOp::execute({.id = note_.id, .title = note_.title}, *store))
+  for (const auto& pin : ListPinsOp::execute({.id = note_.id, .title = note_.title}, store))
     rows.push_back({pin});
   const auto fields = OutputFormatter::resolveFields<PinRecord>(options_);
   RecordWriter(Session::current().output, options_.format)

@@ -18,7 +18,7 @@ void SearchCommand::declare(ArgumentSet& args) {
 }
 
 void SearchCommand::run() {
-  const auto store = openStore();
+  NoteStore& store = openStore();
   if (query_ && queryArg_) {
     throw TaviCLIError::usage("Specify the query as a positional argument or --query, not both");
   }
@@ -28,14 +28,14 @@ void SearchCommand::run() {
   if (count_) {
     listing_.refuseWithCount();
     RecordWriter(Session::current().output, options_.format)
-        .writeCount(countOf(SearchNotesOp::execute(input, *store)));
+        .writeCount(countOf(SearchNotesOp::execute(input, store)));
     return;
   }
   if (listing_.limit == 0) return;
   input.limit = listing_.limit;
   input.offset = listing_.offset;
   input.includeContent = OutputFormatter::selectsContent(options_);
-  writeLists(SearchNotesOp::execute(input, *store), options_);
+  writeLists(SearchNotesOp::execute(input, store), options_);
 }
 
 std::string_view SearchCommand::footer() const {

@@ -24,7 +24,7 @@ void SearchInCommand::declare(ArgumentSet& args) {
 }
 
 void SearchInCommand::run() {
-  const auto store = openStore();
+  NoteStore& store = openStore();
   if (!string_) throw TaviCLIError::usage("--string is required");
   if (count_ && limit_) throw TaviCLIError::usage("--count cannot be combined with --limit");
 
@@ -33,7 +33,7 @@ void SearchInCommand::run() {
                                           .string = OutputFormatter::unescape(*string_),
                                           .context = context_,
                                           .limit = limit_},
-                                         *store);
+                                         store);
   RecordWriter writer(Session::current().output, options_.format);
   if (count_) return writer.writeCount(static_cast<std::int64_t>(matches.size()));
   const auto fields = OutputFormatter::resolveFields<SearchMatch>(options_);

@@ -17,12 +17,12 @@ void ShowCommand::declare(ArgumentSet& args) {
 }
 
 void ShowCommand::run() {
-  const auto store = openStore();
+  NoteStore& store = openStore();
   const auto output =
       GetNoteOp::execute({.id = note_.id,
                           .title = note_.title,
                           .includeContent = OutputFormatter::selectsContent(options_)},
-                         *store);
+                         store);
   const auto write = [&]<class Record>(const Record& record) {
     const auto fields = OutputFormatter::resolveFields<Record>(options_);
     RecordWriter(Session::current().output, options_.format).writeRecord(record, fields);

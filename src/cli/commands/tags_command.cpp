@@ -52,8 +52,8 @@ void ListTagsCommand::declare(ArgumentSet& args) {
 }
 
 void ListTagsCommand::run() {
-  const auto store = openStore();
-  const auto names = ListTagsOp::execute({.id = note_.id, .title = note_.title}, *store);
+  NoteStore& store = openStore();
+  const auto names = ListTagsOp::execute({.id = note_.id, .title = note_.title}, store);
   RecordWriter writer(Session::current().output, options_.format);
   if (count_) return writer.writeCount(static_cast<std::int64_t>(names.size()));
   const auto fields = OutputFormatter::resolveFields<TagRecord>(options_);
@@ -138,10 +138,10 @@ void RenameTagCommand::declare(ArgumentSet& args) {
 }
 
 void RenameTagCommand::run() {
-  const auto store = openStore();
+  NoteStore& store = openStore();
   const std::string oldName = required(old_, from_, "Old tag name is required");
   const std::string newName = required(new_, to_, "New tag name is required");
-  RenameTagOp::execute({.oldName = oldName, .newName = newName, .force = force_}, *store);
+  RenameTagOp::execute({.oldName = oldName, .newName = newName, .force = force_}, store);
 }
 
 std::string_view RenameTagCommand::footer() const {
@@ -168,8 +168,8 @@ void DeleteTagCommand::declare(ArgumentSet& args) {
 }
 
 void DeleteTagCommand::run() {
-  const auto store = openStore();
-  DeleteTagOp::execute({.tag = required(tag_, name_, "Tag name is required")}, *store);
+  NoteStore& store = openStore();
+  DeleteTagOp::execute({.tag = required(tag_, name_, "Tag name is required")}, store);
 }
 
 std::string_view DeleteTagCommand::footer() const {

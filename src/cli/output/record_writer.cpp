@@ -13,6 +13,8 @@ template <class... Cases>
 struct Overloaded : Cases... {
   using Cases::operator()...;
 };
+template <class... Cases>
+Overloaded(Cases...) -> Overloaded<Cases...>;
 
 void writeInteger(ByteSink& sink, std::int64_t number) {
   std::array<char, 24> digits;

@@ -2,7 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <optional>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -28,10 +28,10 @@ struct HashtagMention {
   std::string name;   ///< canonical
 };
 
-/// A link or image whose destination is a local file name: no scheme, no slash, no fragment.
+/// A link or image whose destination is a local file name: it has no scheme and no slash.
 struct FileLink {
   SourceRange range;     ///< the whole link, the comment with its preview flag included
-  std::string filename;  ///< percent-decoded
+  std::string filename;  ///< percent-decoded, without a fragment ("#page=2")
   bool isImage = false;
 };
 
@@ -47,9 +47,14 @@ struct ZDKTextSummary {
   bool hasCode = false;                ///< a code span or block
 };
 
+struct Document;
+
 /// A parsed Markdown text: CommonMark 0.30 with tables, task lists, strikethrough, wiki links and
 /// hashtags. Reading and writing back any text is the identity, byte for byte; an operation is
-/// planned first and changes only the bytes of its ranges.
+/// planned first and changes only the bytes of its ranges. The rules stand in docs/markdown.md.
+///
+/// The text is parsed once, when it is first asked about. A `selection` is where the user's cursor
+/// is in an editor; the empty range at 0 means the whole note, and so does every other one.
 class ZDKAST {
  public:
   /// Any bytes are a Markdown text, so this always gives a tree.
@@ -90,7 +95,10 @@ class ZDKAST {
 
  private:
   explicit ZDKAST(std::string text) : text_(std::move(text)) {}
+  const Document& document() const;
+
   std::string text_;
+  mutable std::shared_ptr<const Document> document_;  // of text_; absent until it is needed
 };
 
 }  // namespace zephyrdown

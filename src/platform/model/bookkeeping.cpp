@@ -16,13 +16,6 @@ constexpr std::int64_t imported = 1000;  ///< so many at once come from an impor
 constexpr int batchMilliseconds = 100;
 constexpr int importMilliseconds = 1000;
 
-std::int64_t notesWithoutFacts(sqlite::Connection& connection) {
-  sqlite::Query query = connection.query(
-      "SELECT count(*) FROM (SELECT 1 FROM noteSummary WHERE textDigest IS NULL LIMIT ?1)");
-  query.bind(1, imported).step();
-  return query.integer(0);
-}
-
 void writeFacts(sqlite::Connection& connection, int milliseconds) {
   const auto start = std::chrono::steady_clock::now();
   sqlite::Query notes = connection.query(
@@ -34,8 +27,8 @@ void writeFacts(sqlite::Connection& connection, int milliseconds) {
     sqlite::Query update = connection.query(
         "UPDATE noteSummary SET titleKey = ?2, textDigest = ?3, textLength = ?4, "
         "todoIncomplete = ?5, todoCompleted = ?6, features = ?7 WHERE note = ?1");
-    update.bind(1, notes.integer(0)).bind(2, std::string_view(key));
-    update.bind(3, std::string_view(facts.digest)).bind(4, facts.length);
+    update.bind(1, notes.integer(0)).bind(2, key);
+    update.bind(3, facts.digest).bind(4, facts.length);
     update.bind(5, facts.todoIncomplete).bind(6, facts.todoCompleted).bind(7, facts.features).run();
     if (std::chrono::steady_clock::now() - start > std::chrono::milliseconds(milliseconds)) return;
   }
@@ -43,21 +36,31 @@ void writeFacts(sqlite::Connection& connection, int milliseconds) {
 
 }  // namespace
 
-void catchUp(sqlite::Connection& connection) {
+OpenWork openWork(sqlite::Connection& connection) {
   try {
-    const std::int64_t withoutFacts = notesWithoutFacts(connection);
-    SearchIndex index(connection);
-    const std::int64_t notIndexed = index.unknownNotes(imported);
-    if (withoutFacts < enoughForABatch && notIndexed < enoughForABatch) return;
-    const bool import = withoutFacts >= imported || notIndexed >= imported;
-    const int milliseconds = import ? importMilliseconds : batchMilliseconds;
+    sqlite::Query query = connection.query(
+        "SELECT EXISTS (SELECT 1 FROM removedFile), "
+        "(SELECT count(*) FROM (SELECT 1 FROM noteSummary WHERE textDigest IS NULL LIMIT ?1)), "
+        "(SELECT count(*) FROM (SELECT 1 FROM noteSummary WHERE searchRow IS NULL LIMIT ?1))");
+    query.bind(1, imported).step();
+    return {query.integer(0) != 0, query.integer(1), query.integer(2)};
+  } catch (const std::exception&) {
+    return {};
+  }
+}
 
-    connection.setBusyTimeout(0);
+void catchUp(sqlite::Connection& connection, const OpenWork& work) {
+  const bool facts = work.notesWithoutFacts >= enoughForABatch;
+  const bool index = work.notesNotIndexed >= enoughForABatch;
+  if (!facts && !index) return;
+  const bool import = work.notesWithoutFacts >= imported || work.notesNotIndexed >= imported;
+  const int milliseconds = import ? importMilliseconds : batchMilliseconds;
+  try {
     // What is written here can be worked out again: it need not survive a power cut.
     connection.execute("PRAGMA synchronous = NORMAL");
     sqlite::Transaction transaction(connection, sqlite::Transaction::Kind::write);
-    if (withoutFacts >= enoughForABatch) writeFacts(connection, milliseconds);
-    if (notIndexed >= enoughForABatch) index.bringUpToDate(milliseconds);
+    if (facts) writeFacts(connection, milliseconds);
+    if (index) SearchIndex(connection).bringUpToDate(milliseconds);
     transaction.commit();
   } catch (const std::exception&) {
     // Somebody else is writing, or the disk is full: there will be another time.

@@ -8,12 +8,22 @@ namespace sqlite {
 class Connection;
 }
 
-/// Brings what is kept beside the notes up to date with what other programs, and this one's quick
-/// writes, have left to do: facts of texts, folded titles, the search index. Done when the answer
-/// is out, in bounded time, and only where the write lock is free. Never throws.
+/// What other programs, and this one's quick writes, have left to do.
+struct OpenWork {
+  bool removedFiles = false;           ///< rows of files are gone, and their bytes are not yet
+  std::int64_t notesWithoutFacts = 0;  ///< counted up to the number that tells an import
+  std::int64_t notesNotIndexed = 0;    ///< the same
+};
+
+/// One short statement; nothing to do where the database cannot be read.
+OpenWork openWork(sqlite::Connection& connection);
+
+/// Brings what is kept beside the notes up to date: facts of texts, folded titles, the search
+/// index. Done when the answer is out, in bounded time, and only where the write lock is free.
+/// Never throws.
 ///
 /// Single changes are left alone: readers work them out in memory. So a program that writes note
 /// after note pays for the index once in a while, in a batch, and not each time.
-void catchUp(sqlite::Connection& connection);
+void catchUp(sqlite::Connection& connection, const OpenWork& work);
 
 }  // namespace tavimodel

@@ -111,8 +111,9 @@ KVCoreDataStackForExtensions::~KVCoreDataStackForExtensions() {
   context_.reset();
   if (sqlite3_db_readonly(connection_->handle(), "main") != 0) return;
   connection_->setBusyTimeout(0);
-  files_.sweep(*connection_);
-  catchUp(*connection_);
+  const OpenWork work = openWork(*connection_);
+  files_.sweep(*connection_, work.removedFiles);
+  catchUp(*connection_, work);
   if (logFrames_ > longLog) {
     sqlite3_wal_checkpoint_v2(connection_->handle(), nullptr, SQLITE_CHECKPOINT_TRUNCATE, nullptr,
                               nullptr);

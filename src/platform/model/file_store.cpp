@@ -137,7 +137,7 @@ std::optional<fs::path> FileStore::locate(std::string_view storedName) const {
   return std::nullopt;
 }
 
-void FileStore::sweep(sqlite::Connection& connection) {
+void FileStore::sweep(sqlite::Connection& connection, bool removedFiles) {
   try {
     std::error_code error;
     for (const fs::directory_entry& entry : fs::directory_iterator(folder_ / "staged", error)) {
@@ -145,14 +145,14 @@ void FileStore::sweep(sqlite::Connection& connection) {
       if (file.get() < 0 || flock(file.get(), LOCK_EX | LOCK_NB) != 0) continue;  // being written
       const std::string name = entry.path().filename();
       sqlite::Query row = connection.query("SELECT 1 FROM file WHERE storedName = ?1");
-      row.bind(1, std::string_view(name));
+      row.bind(1, name);
       if (row.step()) {
         fs::rename(entry.path(), folder_ / name, error);
       } else {
         fs::remove(entry.path(), error);
       }
     }
-    if (!connection.query("SELECT 1 FROM removedFile LIMIT 1").step()) return;
+    if (!removedFiles) return;
     sqlite::Transaction transaction(connection, sqlite::Transaction::Kind::write);
     // A name that a row still has (a replaced row, a restored copy) keeps its bytes.
     sqlite::Query removed = connection.query(

@@ -45,8 +45,9 @@ class FileStore {
   std::optional<std::filesystem::path> locate(std::string_view storedName) const;
 
   /// Clears up after writers that died and rows that are gone. Takes the write lock only when there
-  /// is something to do, and gives up at once where it is not free. Never throws.
-  void sweep(sqlite::Connection& connection);
+  /// is something to do, and gives up at once where it is not free. `removedFiles`: whether there
+  /// are rows in the table of that name. Never throws.
+  void sweep(sqlite::Connection& connection, bool removedFiles);
 
  private:
   struct OpenFile {

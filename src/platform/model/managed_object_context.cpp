@@ -17,8 +17,8 @@ sqlite::Connection& ManagedObjectContext::reading() {
   return connection_;
 }
 
-std::vector<KVNote*> ManagedObjectContext::fetch(const FetchRequest& request) {
-  return notesOf(NoteFetch(reading()).rows(request));
+NoteTable ManagedObjectContext::fetch(const FetchRequest& request) {
+  return NoteFetch(reading()).table(request);
 }
 
 std::int64_t ManagedObjectContext::count(const FetchRequest& request) {
@@ -29,22 +29,10 @@ bool ManagedObjectContext::hasPinnedNote() {
   return reading().query("SELECT 1 FROM noteSummary WHERE pinned = 1 LIMIT 1").step();
 }
 
-void ManagedObjectContext::prefetchMetadata(const std::vector<KVNote*>& notes) {
-  NoteReader reader(reading());
-  reader.loadTags(notes);
-  reader.loadPins(notes);
-  reader.loadFiles(notes);
-  reader.loadFacts(notes);
-}
-
 void ManagedObjectContext::forEachText(
-    const std::vector<KVNote*>& notes,
-    const std::function<void(KVNote&, std::string_view)>& visit) {
-  std::vector<std::int64_t> ids;
-  ids.reserve(notes.size());
-  for (const KVNote* note : notes) ids.push_back(note->state_.row.id);
-  NoteReader(reading()).forEachText(
-      ids, [&](std::size_t index, std::string_view text) { visit(*notes[index], text); });
+    const NoteTable& table, const std::function<void(const NoteView&, std::string_view)>& visit) {
+  table.forEachText(reading(),
+                    [&](std::size_t index, std::string_view text) { visit(table[index], text); });
 }
 
 bool ManagedObjectContext::hasChanges() const {

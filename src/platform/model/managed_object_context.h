@@ -13,6 +13,7 @@
 #include "platform/model/fetch_request.h"
 #include "platform/model/file_store.h"
 #include "platform/model/note.h"
+#include "platform/model/note_table.h"
 #include "platform/model/sqlite.h"
 
 namespace tavimodel {
@@ -26,19 +27,17 @@ class ManagedObjectContext {
  public:
   ManagedObjectContext(sqlite::Connection& connection, FileStore& files);
 
-  /// In the request's order.
-  std::vector<KVNote*> fetch(const FetchRequest& request);
+  /// The notes of a list, in the request's order; they are not objects of the context.
+  NoteTable fetch(const FetchRequest& request);
   /// How many notes the request finds; its order, offset and limit do not count.
   std::int64_t count(const FetchRequest& request);
 
   /// Whether any note is pinned globally, wherever it is.
   bool hasPinnedNote();
 
-  /// Loads what metadata needs for all the notes, in a fixed number of statements.
-  void prefetchMetadata(const std::vector<KVNote*>& notes);
-  /// Calls `visit` with each note and its text, in order, holding one text at a time.
-  void forEachText(const std::vector<KVNote*>& notes,
-                   const std::function<void(KVNote&, std::string_view)>& visit);
+  /// Calls `visit` with each note of a list and its text, in order, holding one text at a time.
+  void forEachText(const NoteTable& table,
+                   const std::function<void(const NoteView&, std::string_view)>& visit);
 
   bool hasChanges() const;
   /// Throws DomainError for a save conflict, else sqlite::Error or std::system_error; of a save

@@ -78,9 +78,19 @@ KVNote::KVNote(ManagedObjectContext& context, NoteRow row) : context_(context) {
   state_.row = std::move(row);
 }
 
+template <class Value>
+const Value& KVNote::loaded(std::optional<Value> State::*member,
+                            Value (NoteReader::*read)(std::int64_t)) {
+  if (!(state_.*member)) {
+    state_.*member = (NoteReader(context_.reading()).*read)(state_.row.id);
+    // What is read after the first change was in the database before it.
+    if (committed_) (*committed_).*member = state_.*member;
+  }
+  return *(state_.*member);
+}
+
 const std::string& KVNote::text() {
-  if (!state_.text) state_.text = NoteReader(context_.reading()).text(state_.row.id);
-  return *state_.text;
+  return loaded(&State::text, &NoteReader::text);
 }
 
 const TextFacts& KVNote::textFacts() {
@@ -89,20 +99,15 @@ const TextFacts& KVNote::textFacts() {
 }
 
 const std::vector<std::string>& KVNote::tagsStrings() {
-  if (!state_.tags) state_.tags = NoteReader(context_.reading()).tags(state_.row.id);
-  return *state_.tags;
+  return loaded(&State::tags, &NoteReader::tags);
 }
 
 const std::vector<std::string>& KVNote::pinnedInTags() {
-  if (!state_.pinnedInTags) {
-    state_.pinnedInTags = NoteReader(context_.reading()).pinnedInTags(state_.row.id);
-  }
-  return *state_.pinnedInTags;
+  return loaded(&State::pinnedInTags, &NoteReader::pinnedInTags);
 }
 
 const std::vector<KVNoteFile>& KVNote::orderedFiles() {
-  if (!state_.files) state_.files = NoteReader(context_.reading()).files(state_.row.id);
-  return *state_.files;
+  return loaded(&State::files, &NoteReader::files);
 }
 
 const KVNoteFile* KVNote::attachmentForFilename(std::string_view filename) {

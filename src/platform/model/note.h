@@ -14,6 +14,7 @@
 namespace tavimodel {
 
 class ManagedObjectContext;
+class NoteReader;
 
 /// A note, owned by its context. What is read is loaded on first use and stays; what is changed
 /// stays in memory until the context saves, and is undone by its rollback.
@@ -74,7 +75,6 @@ class KVNote {
  private:
   friend class ManagedObjectContext;
   friend class NoteWriter;
-  friend class NoteReader;
   friend class KVNoteFile;
 
   struct State {
@@ -85,6 +85,10 @@ class KVNote {
     std::optional<std::vector<KVNoteFile>> files;
   };
 
+  /// The value, read from the database on first use.
+  template <class Value>
+  const Value& loaded(std::optional<Value> State::*member,
+                      Value (NoteReader::*read)(std::int64_t note));
   /// Keeps what the database holds, for the save and for a rollback.
   void willChange();
   void setFlag(bool NoteRow::*flag, bool value);

@@ -17,9 +17,11 @@ namespace {
 
 /// A term with more candidates than this is common: a page of it is found sooner by walking.
 constexpr std::size_t commonFrom = 2000;
-/// Pages up to here are walked to; a walk that has looked at this many notes in vain gives up.
+/// Pages up to here are walked to.
 constexpr std::int64_t longestWalkedPage = 1000;
-constexpr std::int64_t longestWalk = 2000;
+/// A walk that has looked at so many notes and found less than a quarter of its page gives up.
+constexpr std::int64_t shortWalk = 256;
+constexpr std::int64_t longWalk = 4096;
 constexpr std::size_t unlimited = SIZE_MAX;
 
 /// Decides one query's terms, note by note.
@@ -41,7 +43,8 @@ class TermSearch {
   }
 
   /// Ids in the request's order until the page is full; nothing when it takes too long.
-  std::optional<std::vector<std::int64_t>> byWalking(const FetchRequest& request) {
+  std::optional<std::vector<std::int64_t>> byWalking(const FetchRequest& request,
+                                                     std::int64_t patience) {
     const std::string order = orderClause(request);
     const std::int64_t wanted = request.fetchLimit <= longestWalkedPage
                                     ? request.fetchOffset + request.fetchLimit
@@ -52,9 +55,8 @@ class TermSearch {
     sqlite::Query rows = select("noteSummary s", order);
     plan_.bind(rows);
     while (static_cast<std::int64_t>(found.size()) < wanted && rows.step()) {
-      if (++looked > longestWalk && static_cast<std::int64_t>(found.size()) * 8 < wanted) {
-        return std::nullopt;
-      }
+      const bool hopeful = static_cast<std::int64_t>(found.size()) * 4 >= wanted;
+      if (++looked > patience && !hopeful) return std::nullopt;
       if (matchesByLookup(rows)) found.push_back(rows.integer(0));
     }
     const auto skipped = std::min(request.fetchOffset, static_cast<std::int64_t>(found.size()));
@@ -114,7 +116,7 @@ class TermSearch {
     source.replace(source.find("?0"), 2, fmt::format("?{}", listParameter));
     sqlite::Query rows = select(source, order);
     plan_.bind(rows);
-    rows.bind(listParameter, std::string_view(list));
+    rows.bind(listParameter, list);
     std::vector<std::int64_t> found;
     while (rows.step()) {
       if (matchesByLookup(rows)) found.push_back(rows.integer(0));
@@ -156,46 +158,60 @@ class TermSearch {
   std::string base_;
 };
 
-std::vector<NoteRow> readRows(sqlite::Query& query) {
-  std::vector<NoteRow> rows;
-  while (query.step()) rows.push_back(readNoteRow(query));
-  return rows;
-}
-
 /// A fetch that SQL decides by itself.
-std::vector<NoteRow> decidedBySQL(sqlite::Connection& connection, const FetchRequest& request,
-                                  const SearchPlan* plan) {
+NoteTable decidedBySQL(sqlite::Connection& connection, const FetchRequest& request,
+                       const SearchPlan* plan) {
   const std::string order = orderClause(request);
   const bool page = request.fetchLimit <= longestWalkedPage && !order.empty();
-  // The parentheses keep a page's ORDER BY from being read as a part of the condition.
-  std::string sql = fmt::format("SELECT {} FROM noteSummary s WHERE {} AND {}", noteRowColumns,
+  // A whole list is not fetched through an index: it would look every row up.
+  const bool walk = !page && plan == nullptr;
+  std::string sql = fmt::format("SELECT {} FROM noteSummary s{} WHERE {} AND {}",
+                                NoteTable::columns, walk ? " NOT INDEXED" : "",
                                 request.predicate.sql(), plan != nullptr ? plan->where() : "1");
   if (page) {
     sql += fmt::format("{} LIMIT {} OFFSET {}", order, request.fetchLimit, request.fetchOffset);
   }
-  if (!page && plan == nullptr)
-    sql.replace(sql.find("noteSummary s"), 13, "noteSummary s NOT INDEXED");
   sqlite::Query query = connection.query(sql);
   if (plan != nullptr) plan->bind(query);
-  std::vector<NoteRow> rows = readRows(query);
-  return page ? rows : sortedPage(std::move(rows), request);
+  NoteTable table;
+  while (query.step()) table.add(query);
+  table.loadRelations(connection);
+  if (!page) table.setOrder(sortedPage(table.rows(), request));
+  return table;
+}
+
+NoteTable tableOf(sqlite::Connection& connection, const std::vector<std::int64_t>& ids) {
+  sqlite::Query query =
+      connection.query(fmt::format("SELECT {} FROM json_each(?1) wanted CROSS JOIN noteSummary s "
+                                   "ON s.note = wanted.value",
+                                   NoteTable::columns));
+  const std::string list = jsonArray(ids);
+  query.bind(1, list);
+  NoteTable table;
+  table.reserve(ids.size());
+  while (query.step()) table.add(query);
+  table.loadRelations(connection);
+  return table;
 }
 
 }  // namespace
 
-std::vector<NoteRow> NoteFetch::rows(const FetchRequest& request) {
+NoteTable NoteFetch::table(const FetchRequest& request) {
   if (!request.predicate.search()) return decidedBySQL(connection_, request, nullptr);
   const SearchPlan plan(*request.predicate.search(), connection_);
   if (!plan.needsText()) return decidedBySQL(connection_, request, &plan);
 
   TermSearch search(connection_, plan, request.predicate);
+  if (auto page = search.byWalking(request, shortWalk)) return tableOf(connection_, *page);
   auto found = search.throughIndex(commonFrom);
   if (!found) {
-    if (auto page = search.byWalking(request)) return NoteReader(connection_).rowsWithIDs(*page);
+    if (auto page = search.byWalking(request, longWalk)) return tableOf(connection_, *page);
     found = search.throughIndex(unlimited);
   }
   if (!found) found = search.throughAll();
-  return sortedPage(NoteReader(connection_).rowsWithIDs(*found), request);
+  NoteTable table = tableOf(connection_, *found);
+  table.setOrder(sortedPage(table.rows(), request));
+  return table;
 }
 
 std::int64_t NoteFetch::count(const Predicate& predicate) {
@@ -229,7 +245,9 @@ std::vector<NoteRow> NoteFetch::rowsWithTag(std::string_view relation, std::stri
       "(SELECT id FROM tag WHERE title = ?1 {}))",
       noteRowColumns, relation, children ? "OR (title > ?1 || '/' AND title < ?1 || '0')" : ""));
   query.bind(1, tag);
-  return readRows(query);
+  std::vector<NoteRow> rows;
+  while (query.step()) rows.push_back(readNoteRow(query));
+  return rows;
 }
 
 }  // namespace tavimodel

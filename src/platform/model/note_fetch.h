@@ -6,6 +6,7 @@
 
 #include "platform/model/fetch_request.h"
 #include "platform/model/note_row.h"
+#include "platform/model/note_table.h"
 #include "platform/model/sqlite.h"
 
 namespace tavimodel {
@@ -22,7 +23,8 @@ class NoteFetch {
  public:
   explicit NoteFetch(sqlite::Connection& connection) : connection_(connection) {}
 
-  std::vector<NoteRow> rows(const FetchRequest& request);
+  /// In the request's order, with all that metadata needs.
+  NoteTable table(const FetchRequest& request);
   std::int64_t count(const Predicate& predicate);
   /// The notes of a tag by `relation`, "noteTag" or "pinnedInTag".
   std::vector<NoteRow> rowsWithTag(std::string_view relation, std::string_view tag, bool children);

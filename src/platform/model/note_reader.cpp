@@ -2,17 +2,10 @@
 
 #include <fmt/format.h>
 
-#include <algorithm>
-#include <iterator>
-#include <unordered_map>
-
 #include "platform/text/folding.h"
 
 namespace tavimodel {
 namespace {
-
-/// Where a walk over a whole relation is cheaper than a look-up for each note.
-constexpr std::size_t walkFrom = 400;
 
 std::vector<std::string> names(sqlite::Query query, std::int64_t note) {
   query.bind(1, note);
@@ -29,52 +22,6 @@ KVNoteFile readFile(const sqlite::Query& query, int first) {
   file.position = query.integer(first + 3);
   if (!query.isNull(first + 4)) file.storedName = query.text(first + 4);
   return file;
-}
-
-/// The notes of a bulk load by their ids, to which the rows of a relation are handed out.
-class ByID {
- public:
-  explicit ByID(const std::vector<KVNote*>& notes, std::int64_t (*idOf)(const KVNote&)) {
-    entries_.reserve(notes.size());
-    for (KVNote* note : notes) entries_.push_back({idOf(*note), note});
-    const auto less = [](const Entry& a, const Entry& b) { return a.id < b.id; };
-    if (!std::is_sorted(entries_.begin(), entries_.end(), less)) {
-      std::sort(entries_.begin(), entries_.end(), less);
-    }
-  }
-
-  bool empty() const { return entries_.empty(); }
-
-  /// Ids must come ascending; each call goes on where the last one stopped.
-  KVNote* ascending(std::int64_t id) {
-    while (next_ < entries_.size() && entries_[next_].id < id) ++next_;
-    return next_ < entries_.size() && entries_[next_].id == id ? entries_[next_].note : nullptr;
-  }
-
-  std::string ids() const {
-    std::vector<std::int64_t> list;
-    list.reserve(entries_.size());
-    for (const Entry& entry : entries_) list.push_back(entry.id);
-    return jsonArray(list);
-  }
-
-  bool many() const { return entries_.size() >= walkFrom; }
-
- private:
-  struct Entry {
-    std::int64_t id;
-    KVNote* note;
-  };
-  std::vector<Entry> entries_;
-  std::size_t next_ = 0;
-};
-
-/// Rows of `relation`, ordered by note: of all notes when there are many, else of those listed.
-sqlite::Query relationRows(sqlite::Connection& connection, std::string_view columns,
-                           std::string_view relation, std::string_view order, bool many) {
-  return connection.query(fmt::format("SELECT {0} FROM {1} {2} ORDER BY {3}", columns, relation,
-                                      many ? "" : "WHERE note IN (SELECT value FROM json_each(?1))",
-                                      order));
 }
 
 }  // namespace
@@ -163,79 +110,6 @@ std::vector<KVNoteFile> NoteReader::files(std::int64_t note) {
   std::vector<KVNoteFile> result;
   while (query.step()) result.push_back(readFile(query, 0));
   return result;
-}
-
-void NoteReader::loadTags(const std::vector<KVNote*>& notes) {
-  std::vector<KVNote*> wanted;
-  std::copy_if(notes.begin(), notes.end(), std::back_inserter(wanted),
-               [](const KVNote* note) { return !note->state_.tags; });
-  ByID byID(wanted, [](const KVNote& note) { return note.state_.row.id; });
-  if (byID.empty()) return;
-  for (KVNote* note : wanted) note->state_.tags.emplace();
-
-  // Titles apart from the relation: a tag's name is read once and not once a note.
-  std::unordered_map<std::int64_t, std::string> titles;
-  sqlite::Query tags = connection_.query("SELECT id, title FROM tag");
-  while (tags.step()) titles.emplace(tags.integer(0), tags.text(1));
-
-  sqlite::Query rows = relationRows(connection_, "note, tag", "noteTag", "note, tag", byID.many());
-  const std::string ids = byID.many() ? std::string() : byID.ids();
-  if (!byID.many()) rows.bind(1, ids);
-  while (rows.step()) {
-    KVNote* note = byID.ascending(rows.integer(0));
-    if (note == nullptr) continue;
-    const auto title = titles.find(rows.integer(1));
-    if (title != titles.end()) note->state_.tags->push_back(title->second);
-  }
-}
-
-void NoteReader::loadPins(const std::vector<KVNote*>& notes) {
-  std::vector<KVNote*> wanted;
-  std::copy_if(notes.begin(), notes.end(), std::back_inserter(wanted),
-               [](const KVNote* note) { return !note->state_.pinnedInTags; });
-  ByID byID(wanted, [](const KVNote& note) { return note.state_.row.id; });
-  if (byID.empty()) return;
-  for (KVNote* note : wanted) note->state_.pinnedInTags.emplace();
-  sqlite::Query rows = relationRows(connection_, "note, (SELECT title FROM tag WHERE id = tag)",
-                                    "pinnedInTag", "note", byID.many());
-  const std::string ids = byID.many() ? std::string() : byID.ids();
-  if (!byID.many()) rows.bind(1, ids);
-  while (rows.step()) {
-    KVNote* note = byID.ascending(rows.integer(0));
-    if (note != nullptr && !rows.isNull(1)) note->state_.pinnedInTags->emplace_back(rows.text(1));
-  }
-}
-
-void NoteReader::loadFiles(const std::vector<KVNote*>& notes) {
-  std::vector<KVNote*> wanted;
-  std::copy_if(notes.begin(), notes.end(), std::back_inserter(wanted),
-               [](const KVNote* note) { return !note->state_.files; });
-  ByID byID(wanted, [](const KVNote& note) { return note.state_.row.id; });
-  if (byID.empty()) return;
-  for (KVNote* note : wanted) note->state_.files.emplace();
-  sqlite::Query rows =
-      relationRows(connection_, "note, id, filename, fileSize, position, storedName", "file",
-                   "note, position, id", byID.many());
-  const std::string ids = byID.many() ? std::string() : byID.ids();
-  if (!byID.many()) rows.bind(1, ids);
-  while (rows.step()) {
-    KVNote* note = byID.ascending(rows.integer(0));
-    if (note != nullptr) note->state_.files->push_back(readFile(rows, 1));
-  }
-}
-
-void NoteReader::loadFacts(const std::vector<KVNote*>& notes) {
-  std::vector<KVNote*> unknown;
-  std::vector<std::int64_t> ids;
-  for (KVNote* note : notes) {
-    if (note->state_.row.facts || note->state_.row.encrypted) continue;
-    unknown.push_back(note);
-    ids.push_back(note->state_.row.id);
-  }
-  if (ids.empty()) return;
-  forEachText(ids, [&](std::size_t index, std::string_view text) {
-    unknown[index]->state_.row.facts = TextFacts::of(text);
-  });
 }
 
 void NoteReader::forEachText(const std::vector<std::int64_t>& ids,

@@ -30,13 +30,6 @@ class NoteReader {
   std::vector<std::string> pinnedInTags(std::int64_t note);
   std::vector<KVNoteFile> files(std::int64_t note);
 
-  /// The same for many notes at once; what is loaded already stays as it is.
-  void loadTags(const std::vector<KVNote*>& notes);
-  void loadPins(const std::vector<KVNote*>& notes);
-  void loadFiles(const std::vector<KVNote*>& notes);
-  /// Works out the facts that are not known, from the texts. Locked notes' texts are not read.
-  void loadFacts(const std::vector<KVNote*>& notes);
-
   /// Calls `visit` with each id and its text, in the order of `ids`.
   void forEachText(const std::vector<std::int64_t>& ids,
                    const std::function<void(std::size_t index, std::string_view text)>& visit);

@@ -71,7 +71,7 @@ std::size_t KVNoteTag::noteCount() const {
   sqlite::Query query = context_->reading().query(
       "SELECT count(*) FROM noteTag JOIN noteSummary s ON s.note = noteTag.note "
       "WHERE noteTag.tag = (SELECT id FROM tag WHERE title = ?1)");
-  query.bind(1, std::string_view(title_)).step();
+  query.bind(1, title_).step();
   return static_cast<std::size_t>(query.integer(0));
 }
 

@@ -26,7 +26,7 @@ void NoteWriter::checkVersion(const KVNote& note) {
       "SELECT s.version, note.text IS ?2 FROM noteSummary s JOIN note ON note.id = s.note "
       "WHERE s.note = ?1");
   query.bind(1, read.row.id);
-  if (read.text) query.bind(2, std::string_view(*read.text));
+  if (read.text) query.bind(2, *read.text);
   if (!query.step()) {
     throw DomainError(NSCocoaErrorDomain, managedObjectMergeError, "The note has been removed.");
   }
@@ -45,12 +45,12 @@ void NoteWriter::insert(KVNote& note) {
       "INSERT INTO note (uniqueIdentifier, title, creationDate, modificationDate, trashed, "
       "archived, "
       "pinned, text) VALUES (?1, ?2, ?3, ?4, ?5, ?6, ?7, ?8)");
-  query.bind(1, std::string_view(row.uniqueIdentifier));
-  query.bind(2, std::string_view(*row.title));
+  query.bind(1, row.uniqueIdentifier);
+  query.bind(2, *row.title);
   query.bind(3, row.creationDate).bind(4, row.modificationDate);
   query.bind(5, std::int64_t{row.trashed}).bind(6, std::int64_t{row.archived});
   query.bind(7, std::int64_t{row.pinned});
-  query.bind(8, std::string_view(*note.state_.text));
+  query.bind(8, *note.state_.text);
   query.run();
   row.id = connection_.lastInsertedRow();
   writeFacts(note);
@@ -66,8 +66,8 @@ void NoteWriter::update(KVNote& note) {
   if (now.text && before.text && *now.text != *before.text) {
     sqlite::Query query = connection_.query(
         "UPDATE note SET title = ?2, text = ?3, modificationDate = ?4 WHERE id = ?1");
-    query.bind(1, now.row.id).bind(2, std::string_view(now.row.title.value_or("")));
-    query.bind(3, std::string_view(*now.text)).bind(4, now.row.modificationDate).run();
+    query.bind(1, now.row.id).bind(2, now.row.title);
+    query.bind(3, *now.text).bind(4, now.row.modificationDate).run();
     writeFacts(note);
   } else if (now.row.modificationDate != before.row.modificationDate) {
     sqlite::Query query = connection_.query("UPDATE note SET modificationDate = ?2 WHERE id = ?1");
@@ -100,7 +100,7 @@ void NoteWriter::writeFacts(KVNote& note) {
       "UPDATE noteSummary SET titleKey = ?2, textDigest = ?3, textLength = ?4, todoIncomplete = "
       "?5, "
       "todoCompleted = ?6, features = ?7 WHERE note = ?1 RETURNING version");
-  query.bind(1, row.id).bind(2, std::string_view(key)).bind(3, std::string_view(facts.digest));
+  query.bind(1, row.id).bind(2, key).bind(3, facts.digest);
   query.bind(4, facts.length).bind(5, facts.todoIncomplete).bind(6, facts.todoCompleted);
   query.bind(7, facts.features);
   query.step();
@@ -144,9 +144,9 @@ void NoteWriter::writeFiles(KVNote& note, const std::vector<KVNoteFile>& before)
       sqlite::Query query = connection_.query(
           "INSERT INTO file (note, filename, fileSize, position, storedName) "
           "VALUES (?1, ?2, ?3, ?4, ?5)");
-      query.bind(1, note.state_.row.id).bind(2, std::string_view(*file.filename));
+      query.bind(1, note.state_.row.id).bind(2, *file.filename);
       query.bind(3, file.fileSizeValue).bind(4, file.position);
-      query.bind(5, std::string_view(*file.storedName)).run();
+      query.bind(5, *file.storedName).run();
       file.id = connection_.lastInsertedRow();
       continue;
     }
@@ -158,9 +158,9 @@ void NoteWriter::writeFiles(KVNote& note, const std::vector<KVNoteFile>& before)
 
 std::int64_t NoteWriter::tagID(const std::string& name) {
   sqlite::Query find = connection_.query("SELECT id FROM tag WHERE title = ?1");
-  find.bind(1, std::string_view(name));
+  find.bind(1, name);
   if (find.step()) return find.integer(0);
-  connection_.query("INSERT INTO tag (title) VALUES (?1)").bind(1, std::string_view(name)).run();
+  connection_.query("INSERT INTO tag (title) VALUES (?1)").bind(1, name).run();
   const std::int64_t id = connection_.lastInsertedRow();
   const std::size_t slash = name.rfind('/');
   if (slash != std::string::npos) tagID(name.substr(0, slash));
@@ -181,7 +181,7 @@ void NoteWriter::removeDeadTags() {
       "WHERE child.title > tag.title || '/' AND child.title < tag.title || '0')";
   for (std::string name : touchedTags_) {
     while (true) {
-      connection_.query(removeIfDead).bind(1, std::string_view(name)).run();
+      connection_.query(removeIfDead).bind(1, name).run();
       const std::size_t slash = name.rfind('/');
       if (slash == std::string::npos) break;
       name.resize(slash);

@@ -1,7 +1,6 @@
 #include "platform/model/row_order.h"
 
 #include <algorithm>
-#include <array>
 #include <limits>
 #include <numeric>
 #include <string>
@@ -11,22 +10,20 @@
 namespace tavimodel {
 namespace {
 
-// All keys become numbers, a title its rank, so that one sort over small values does the work.
-constexpr std::size_t mostDescriptors = 4;
-
+// All keys become numbers, a title its rank, so that one sort over small values does the work: the
+// first two keys and the row decide nearly always, the others are looked up.
 struct Entry {
-  std::array<double, mostDescriptors> keys{};
-  double tie = 0;
+  double first = 0;
+  double second = 0;
   std::size_t index = 0;
 };
 
-std::vector<double> titleRanks(const std::vector<NoteRow>& rows, bool localized) {
+std::vector<double> titleRanks(const std::vector<NoteView>& rows, bool localized) {
   std::vector<std::string> keys;
   keys.reserve(rows.size());
   const platform::text::LocalizedCaseInsensitiveCollator collator;
-  for (const NoteRow& row : rows) {
-    const std::string title = row.title.value_or("");
-    keys.push_back(localized ? collator.sortKey(title) : title);
+  for (const NoteView& row : rows) {
+    keys.push_back(localized ? collator.sortKey(row.title) : std::string(row.title));
   }
   std::vector<std::size_t> order(rows.size());
   std::iota(order.begin(), order.end(), std::size_t{0});
@@ -45,46 +42,57 @@ double dateKey(const std::optional<double>& date) {
   return date.value_or(-std::numeric_limits<double>::infinity());
 }
 
-std::vector<double> keysOf(const std::vector<NoteRow>& rows, const SortDescriptor& descriptor) {
-  if (descriptor.key == SortKey::title) return titleRanks(rows, descriptor.localized);
+/// Ascending keys of the rows for one descriptor.
+std::vector<double> keysOf(const std::vector<NoteView>& rows, const SortDescriptor& descriptor) {
   std::vector<double> keys;
-  keys.reserve(rows.size());
-  for (const NoteRow& row : rows) {
-    keys.push_back(descriptor.key == SortKey::pinned             ? (row.pinned ? 1 : 0)
-                   : descriptor.key == SortKey::modificationDate ? dateKey(row.modificationDate)
-                                                                 : dateKey(row.creationDate));
+  if (descriptor.key == SortKey::title) {
+    keys = titleRanks(rows, descriptor.localized);
+  } else {
+    keys.reserve(rows.size());
+    for (const NoteView& row : rows) {
+      keys.push_back(descriptor.key == SortKey::pinned             ? (row.pinned ? 1 : 0)
+                     : descriptor.key == SortKey::modificationDate ? dateKey(row.modificationDate)
+                                                                   : dateKey(row.creationDate));
+    }
+  }
+  if (!descriptor.ascending) {
+    for (double& key : keys) key = -key;
   }
   return keys;
 }
 
+bool tiesAscend(const FetchRequest& request) {
+  return request.sortDescriptors.empty() || request.sortDescriptors.back().ascending;
+}
+
 }  // namespace
 
-std::vector<NoteRow> sortedPage(std::vector<NoteRow> rows, const FetchRequest& request) {
+std::vector<std::size_t> sortedPage(const std::vector<NoteView>& rows,
+                                    const FetchRequest& request) {
+  std::vector<std::vector<double>> keys;
+  for (const SortDescriptor& descriptor : request.sortDescriptors) {
+    keys.push_back(keysOf(rows, descriptor));
+  }
   std::vector<Entry> entries(rows.size());
-  const std::size_t used = std::min(request.sortDescriptors.size(), mostDescriptors);
-  for (std::size_t d = 0; d < used; ++d) {
-    const SortDescriptor& descriptor = request.sortDescriptors[d];
-    const std::vector<double> keys = keysOf(rows, descriptor);
-    for (std::size_t i = 0; i < rows.size(); ++i) {
-      entries[i].keys[d] = descriptor.ascending ? keys[i] : -keys[i];
-    }
-  }
-  const bool ascending =
-      request.sortDescriptors.empty() || request.sortDescriptors.back().ascending;
   for (std::size_t i = 0; i < rows.size(); ++i) {
-    entries[i].tie = static_cast<double>(ascending ? rows[i].id : -rows[i].id);
-    entries[i].index = i;
+    entries[i] = {keys.empty() ? 0 : keys[0][i], keys.size() < 2 ? 0 : keys[1][i], i};
   }
-  std::sort(entries.begin(), entries.end(), [](const Entry& a, const Entry& b) {
-    return a.keys != b.keys ? a.keys < b.keys : a.tie < b.tie;
+  const bool ascending = tiesAscend(request);
+  std::sort(entries.begin(), entries.end(), [&](const Entry& a, const Entry& b) {
+    if (a.first != b.first) return a.first < b.first;
+    if (a.second != b.second) return a.second < b.second;
+    for (std::size_t k = 2; k < keys.size(); ++k) {
+      if (keys[k][a.index] != keys[k][b.index]) return keys[k][a.index] < keys[k][b.index];
+    }
+    return ascending ? rows[a.index].id < rows[b.index].id : rows[a.index].id > rows[b.index].id;
   });
   const auto size = static_cast<std::int64_t>(entries.size());
   const std::int64_t begin = std::min(request.fetchOffset, size);
   const std::int64_t end = begin + std::min(request.fetchLimit, size - begin);
-  std::vector<NoteRow> page;
+  std::vector<std::size_t> page;
   page.reserve(static_cast<std::size_t>(end - begin));
   for (std::int64_t i = begin; i < end; ++i) {
-    page.push_back(std::move(rows[entries[static_cast<std::size_t>(i)].index]));
+    page.push_back(entries[static_cast<std::size_t>(i)].index);
   }
   return page;
 }
@@ -102,10 +110,8 @@ std::string orderClause(const FetchRequest& request) {
     clause += column;
     clause += descriptor.ascending ? "" : " DESC";
   }
-  const bool ascending =
-      request.sortDescriptors.empty() || request.sortDescriptors.back().ascending;
   clause += clause.empty() ? " ORDER BY " : ", ";
-  return clause + (ascending ? "s.note" : "s.note DESC");
+  return clause + (tiesAscend(request) ? "s.note" : "s.note DESC");
 }
 
 }  // namespace tavimodel

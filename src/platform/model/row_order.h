@@ -1,15 +1,17 @@
 #pragma once
 
+#include <cstddef>
+#include <string>
 #include <vector>
 
 #include "platform/model/fetch_request.h"
-#include "platform/model/note_row.h"
+#include "platform/model/note_view.h"
 
 namespace tavimodel {
 
-/// Sorts rows as `orderClause` would have SQL do it, localized titles besides, and cuts out the
-/// page.
-std::vector<NoteRow> sortedPage(std::vector<NoteRow> rows, const FetchRequest& request);
+/// The rows of a request's page, in its order: as `orderClause` would have SQL do it, localized
+/// titles besides. Indices into `rows`.
+std::vector<std::size_t> sortedPage(const std::vector<NoteView>& rows, const FetchRequest& request);
 
 /// " ORDER BY ..." over `noteSummary s`, or the empty text where SQL cannot sort so.
 std::string orderClause(const FetchRequest& request);

@@ -64,7 +64,7 @@ std::optional<SearchIndex::Candidates> SearchIndex::candidates(std::string_view 
   {
     sqlite::Query query =
         connection_.query("SELECT rowid FROM searchIndex WHERE searchIndex MATCH ?1");
-    query.bind(1, std::string_view(match));
+    query.bind(1, match);
     while (query.step()) {
       if (rows.size() == most) {
         result.complete = false;
@@ -78,17 +78,10 @@ std::optional<SearchIndex::Candidates> SearchIndex::candidates(std::string_view 
       "SELECT s.note FROM json_each(?1) wanted CROSS JOIN noteSummary s "
       "ON s.searchRow = wanted.value WHERE s.searchRow IS NOT NULL "
       "UNION ALL SELECT note FROM noteSummary WHERE searchRow IS NULL");
-  notes.bind(1, std::string_view(list));
+  notes.bind(1, list);
   while (notes.step()) result.notes.push_back(notes.integer(0));
   std::sort(result.notes.begin(), result.notes.end());
   return result;
-}
-
-std::int64_t SearchIndex::unknownNotes(std::int64_t most) {
-  sqlite::Query query = connection_.query(
-      "SELECT count(*) FROM (SELECT 1 FROM noteSummary WHERE searchRow IS NULL LIMIT ?1)");
-  query.bind(1, most).step();
-  return query.integer(0);
 }
 
 void SearchIndex::add(std::int64_t note, std::string_view title, std::string_view text) {
@@ -99,7 +92,7 @@ void SearchIndex::add(std::int64_t note, std::string_view title, std::string_vie
   sqlite::Query insert = connection_.query(
       "INSERT INTO searchIndex (rowid, body) "
       "VALUES ((SELECT value FROM counter WHERE name = 'searchRow'), ?1)");
-  insert.bind(1, std::string_view(body)).run();
+  insert.bind(1, body).run();
   connection_
       .query(
           "UPDATE noteSummary SET searchRow = (SELECT value FROM counter "

@@ -33,9 +33,6 @@ class SearchIndex {
   /// write transaction. True when notes are left.
   bool bringUpToDate(int milliseconds);
 
-  /// How many notes the index does not know, counted up to `most`.
-  std::int64_t unknownNotes(std::int64_t most);
-
  private:
   void add(std::int64_t note, std::string_view title, std::string_view text);
   void dropWhenStale();

@@ -104,7 +104,8 @@ double Query::real(int column) const {
 }
 
 std::string_view Query::text(int column) const {
-  const auto* bytes = reinterpret_cast<const char*>(sqlite3_column_text(statement_, column));
+  // The bytes of a text as they are; sqlite3_column_text would copy them to put a NUL behind.
+  const auto* bytes = static_cast<const char*>(sqlite3_column_blob(statement_, column));
   if (bytes == nullptr) return {};
   return {bytes, static_cast<std::size_t>(sqlite3_column_bytes(statement_, column))};
 }
@@ -115,6 +116,9 @@ std::optional<double> Query::optionalReal(int column) const {
 }
 
 Connection::Connection(const std::string& path, Mode mode) {
+  // Nobody asks SQLite how much memory it has, and counting takes a lock at every allocation.
+  static const int configured = sqlite3_config(SQLITE_CONFIG_MEMSTATUS, 0);
+  static_cast<void>(configured);
   const int flags = (mode == Mode::readOnly ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE) |
                     SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE;
   const int code = sqlite3_open_v2(path.c_str(), &handle_, flags, nullptr);
@@ -179,15 +183,28 @@ Transaction::Transaction(Connection& connection, Kind kind) : connection_(connec
 }
 
 Transaction::~Transaction() {
-  if (!open_) return;
+  if (open_) rollBack();
+}
+
+void Transaction::rollBack() {
+  open_ = false;
   // A failed statement may have rolled back already; then there is nothing left to undo.
   if (sqlite3_get_autocommit(connection_.handle()) != 0) return;
   sqlite3_exec(connection_.handle(), "ROLLBACK", nullptr, nullptr, nullptr);
 }
 
 void Transaction::commit() {
-  connection_.query("COMMIT").run();
-  open_ = false;
+  try {
+    connection_.query("COMMIT").run();
+    open_ = false;
+  } catch (const Error&) {
+    rollBack();
+    // Where the log was written and its sync failed, the log still holds a whole transaction, which
+    // the next program to open the database would take for committed. Without a log it cannot.
+    sqlite3_wal_checkpoint_v2(connection_.handle(), nullptr, SQLITE_CHECKPOINT_TRUNCATE, nullptr,
+                              nullptr);
+    throw;
+  }
 }
 
 }  // namespace tavimodel::sqlite

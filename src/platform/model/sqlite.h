@@ -40,11 +40,17 @@ class Query {
   Query& bind(int parameter, double value);
   /// The text must outlive the query.
   Query& bind(int parameter, std::string_view text);
+  Query& bind(int parameter, const std::string& text) {
+    return bind(parameter, std::string_view(text));
+  }
+  Query& bind(int parameter, std::string&& text) = delete;
   Query& bindNull(int parameter);
   template <class Value>
   Query& bind(int parameter, const std::optional<Value>& value) {
     return value ? bind(parameter, *value) : bindNull(parameter);
   }
+  template <class Value>
+  Query& bind(int parameter, std::optional<Value>&& value) = delete;
 
   /// True when there is a row.
   bool step();
@@ -109,9 +115,12 @@ class Transaction {
   ~Transaction();
   Transaction(const Transaction&) = delete;
   Transaction& operator=(const Transaction&) = delete;
+  /// Throws Error; then nothing is committed.
   void commit();
 
  private:
+  void rollBack();
+
   Connection& connection_;
   bool open_ = true;
 };

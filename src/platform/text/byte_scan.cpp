@@ -15,28 +15,28 @@ bool isLetter(char c) {
   return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
 }
 
-/// One byte to look for, and the mask that levels its case.
-struct Probe {
-  char byte;
-  char mask;
+/// How common a byte is in texts: 0 for all but the letters and the blank.
+std::size_t commonness(char c) {
+  constexpr std::string_view kRareFirst = "\nzqjxkvbywgpfmucdlhrsnioate ";
+  const std::size_t place = kRareFirst.find(c);
+  return place == std::string_view::npos ? 0 : place + 1;
+}
 
-  bool fits(char c) const { return static_cast<char>(c | mask) == byte; }
-};
-
-/// A bit for each of the sixteen places from which both probes fit, `distance` apart.
-unsigned candidatesIn(const char* block, std::size_t distance, Probe first, Probe last) {
+/// A bit for each of the sixteen places where both probes fit.
+unsigned candidatesIn(const char* firstBlock, BytePattern::Probe first, const char* secondBlock,
+                      BytePattern::Probe second) {
 #ifdef __SSE2__
-  const auto fits = [](const char* bytes, Probe probe) {
+  const auto fits = [](const char* bytes, BytePattern::Probe probe) {
     const __m128i sixteen = _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes));
     return _mm_cmpeq_epi8(_mm_or_si128(sixteen, _mm_set1_epi8(probe.mask)),
                           _mm_set1_epi8(probe.byte));
   };
   return static_cast<unsigned>(
-      _mm_movemask_epi8(_mm_and_si128(fits(block, first), fits(block + distance, last))));
+      _mm_movemask_epi8(_mm_and_si128(fits(firstBlock, first), fits(secondBlock, second))));
 #else
   unsigned candidates = 0;
   for (std::size_t i = 0; i < kBlock; ++i) {
-    const bool both = first.fits(block[i]) && last.fits(block[i + distance]);
+    const bool both = first.fits(firstBlock[i]) && second.fits(secondBlock[i]);
     candidates |= static_cast<unsigned>(both) << i;
   }
   return candidates;
@@ -47,40 +47,49 @@ unsigned candidatesIn(const char* block, std::size_t distance, Probe first, Prob
 
 BytePattern::BytePattern(std::string_view bytes, bool ignoreCase)
     : bytes_(bytes), mask_(bytes.size(), '\0') {
-  if (!ignoreCase) return;
-  for (std::size_t i = 0; i < bytes.size(); ++i) {
+  for (std::size_t i = 0; i < bytes.size() && ignoreCase; ++i) {
     if (!isLetter(bytes[i])) continue;
     mask_[i] = 0x20;
     bytes_[i] = static_cast<char>(bytes[i] | 0x20);
+  }
+  for (std::size_t i = 1; i < bytes_.size(); ++i) {
+    if (commonness(bytes_[i]) < commonness(bytes_[rarest_])) {
+      secondRarest_ = rarest_;
+      rarest_ = i;
+    } else if (secondRarest_ == rarest_ ||
+               commonness(bytes_[i]) < commonness(bytes_[secondRarest_])) {
+      secondRarest_ = i;
+    }
   }
 }
 
 std::optional<std::size_t> ByteScan::next() {
   if (gaveUp_ || text_.size() < pattern_.size()) return std::nullopt;
-  const std::size_t distance = pattern_.size() - 1;
-  const std::size_t places = text_.size() - distance;  // where the pattern could begin
-  const Probe first{pattern_.bytes_.front(), pattern_.mask_.front()};
-  const Probe last{pattern_.bytes_.back(), pattern_.mask_.back()};
-  const char* bytes = text_.data();
-  while (position_ + kBlock <= places) {
-    const std::size_t base = position_;
-    if (const unsigned found = candidatesIn(bytes + base, distance, first, last); found != 0) {
-      if (const auto hit = nextAmong(found, base); hit || gaveUp_) return hit;
-    }
-    position_ = base + kBlock;
+  const std::size_t places = text_.size() - (pattern_.size() - 1);  // where a match could begin
+  // Copies, which the loop can keep in registers: what it reads as bytes might be anything else.
+  const BytePattern::Probe first = pattern_.probe(pattern_.rarest_);
+  const BytePattern::Probe second = pattern_.probe(pattern_.secondRarest_);
+  const char* const firstBytes = text_.data() + pattern_.rarest_;
+  const char* const secondBytes = text_.data() + pattern_.secondRarest_;
+  const auto candidatesAt = [&](std::size_t base) {
+    return candidatesIn(firstBytes + base, first, secondBytes + base, second);
+  };
+  std::size_t base = position_;
+  for (; base + kBlock <= places; base += kBlock) {
+    const unsigned found = candidatesAt(base);
+    if (found == 0) continue;
+    if (const auto hit = nextAmong(found, base); hit || gaveUp_) return hit;
   }
-  if (position_ < places && places >= kBlock) {
+  position_ = places;
+  if (base < places && places >= kBlock) {
     // The rest is less than a block: look at the last sixteen places once more, and pass over
     // those that have had their turn.
-    const std::size_t base = places - kBlock;
-    const unsigned found = candidatesIn(bytes + base, distance, first, last);
-    const unsigned rest = found >> (position_ - base) << (position_ - base);
-    if (const auto hit = nextAmong(rest, base); hit || gaveUp_) return hit;
-    position_ = places;
+    const std::size_t last = places - kBlock;
+    const std::size_t done = base - last;
+    return nextAmong(candidatesAt(last) >> done << done, last);
   }
-  for (; position_ < places; ++position_) {
-    if (!first.fits(bytes[position_]) || !last.fits(bytes[position_ + distance])) continue;
-    if (const auto hit = nextAmong(1, position_); hit || gaveUp_) return hit;
+  for (; base < places; ++base) {
+    if (const auto hit = nextAmong(1, base); hit || gaveUp_) return hit;
   }
   return std::nullopt;
 }
@@ -101,11 +110,11 @@ std::optional<std::size_t> ByteScan::nextAmong(unsigned candidates, std::size_t 
 }
 
 bool ByteScan::fitsAt(std::size_t position) {
-  const std::size_t last = pattern_.size() - 1;
-  std::size_t i = 1;
-  while (i < last && Probe{pattern_.bytes_[i], pattern_.mask_[i]}.fits(text_[position + i])) ++i;
+  const char* bytes = text_.data() + position;
+  std::size_t i = 0;
+  while (i < pattern_.size() && pattern_.probe(i).fits(bytes[i])) ++i;
   effort_ += i;
-  return i >= last;
+  return i == pattern_.size();
 }
 
 }  // namespace platform::text

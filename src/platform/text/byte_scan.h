@@ -16,17 +16,26 @@ class BytePattern {
 
   std::size_t size() const { return bytes_.size(); }
 
+  /// One byte to look for. The mask is 0x20, the bit between the cases, for a letter whose case
+  /// is left out.
+  struct Probe {
+    char byte;
+    char mask;
+    bool fits(char c) const { return static_cast<char>(c | mask) == byte; }
+  };
+  Probe probe(std::size_t place) const { return {bytes_[place], mask_[place]}; }
+
  private:
   friend class ByteScan;
 
-  // A byte b of a text fits at i when (b | mask_[i]) == bytes_[i]. The mask is 0x20, the bit
-  // between the cases, for a letter whose case is left out.
   std::string bytes_;
   std::string mask_;
+  std::size_t rarest_ = 0;  // the place of the byte that is rarest in texts, and of the next one
+  std::size_t secondRarest_ = 0;
 };
 
-/// One pass over a text. Compares the first and the last byte of the pattern with sixteen places
-/// at once, and looks at the bytes between them where both fit.
+/// One pass over a text. Compares the two rarest bytes of the pattern with sixteen places at once,
+/// and looks at all of it where both fit.
 ///
 /// A text can be made so that almost every place wants a long look (a pattern of many "a" in many
 /// more). Then the scan gives up, at a cost that is linear in what it passed over.
@@ -52,7 +61,7 @@ class ByteScan {
   std::string_view text_;
   std::size_t from_;
   std::size_t position_;
-  std::size_t effort_ = 0;  // bytes looked at between the first and the last
+  std::size_t effort_ = 0;  // bytes looked at one by one
   bool gaveUp_ = false;
 };
 

@@ -123,10 +123,14 @@ std::optional<ByteRange> StringSearch::find(std::string_view text, std::size_t f
   return Matches(impl_->needle, text, from).next();
 }
 
-std::vector<ByteRange> StringSearch::findAll(std::string_view text) const {
+std::vector<ByteRange> StringSearch::findAll(std::string_view text, std::size_t limit) const {
   std::vector<ByteRange> result;
   Matches matches(impl_->needle, text, 0);
-  while (const std::optional<ByteRange> match = matches.next()) result.push_back(*match);
+  while (result.size() < limit) {
+    const std::optional<ByteRange> match = matches.next();
+    if (!match) break;
+    result.push_back(*match);
+  }
   return result;
 }
 

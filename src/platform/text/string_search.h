@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <string_view>
@@ -38,8 +39,9 @@ class StringSearch {
   /// character boundary: 0 or the end of an earlier match.
   std::optional<ByteRange> find(std::string_view text, std::size_t from = 0) const;
 
-  /// All matches, ascending, not overlapping. One pass: the text is normalised at most once.
-  std::vector<ByteRange> findAll(std::string_view text) const;
+  /// The first `limit` matches, ascending, not overlapping. One pass: the text is normalised at
+  /// most once.
+  std::vector<ByteRange> findAll(std::string_view text, std::size_t limit = SIZE_MAX) const;
 
   /// Whether there is a match. May be cheaper than `find`.
   bool isIn(std::string_view text) const;

@@ -230,7 +230,7 @@ TEST_F(Model, MakesAncestorsTagsAndDropsTheDead) {
 }
 
 TEST_F(Model, RollbackAndResetForgetChanges) {
-  const std::string id = create("# a #t");
+  const std::string id = create("# a\n#t");
   auto stack = open();
   auto& context = *stack->managedObjectContext();
   KVNote& changed = note(*stack, id);
@@ -241,7 +241,7 @@ TEST_F(Model, RollbackAndResetForgetChanges) {
   context.rollback();
   EXPECT_FALSE(context.hasChanges());
   EXPECT_EQ(changed.title(), "a");
-  EXPECT_EQ(changed.text(), "# a #t");
+  EXPECT_EQ(changed.text(), "# a\n#t");
   EXPECT_FALSE(changed.pinnedValue());
   changed.trash();
   context.reset();
@@ -271,14 +271,15 @@ TEST_F(Model, ReadsAListInAFixedNumberOfStatements) {
     auto stack = open();
     FetchRequest request;
     request.fetchLimit = limit;
-    const std::vector<KVNote*> notes = stack->managedObjectContext()->fetch(request);
+    const NoteTable notes = stack->managedObjectContext()->fetch(request);
     EXPECT_EQ(static_cast<std::int64_t>(notes.size()), limit);
-    stack->managedObjectContext()->prefetchMetadata(notes);
-    stack->managedObjectContext()->forEachText(notes, [](KVNote& read, std::string_view) {
-      EXPECT_EQ(read.tagsStrings().size(), 2U);
-      EXPECT_EQ(read.textFacts().todoIncomplete, 1);
-      EXPECT_TRUE(read.orderedFiles().empty() && read.pinnedInTags().empty());
-    });
+    stack->managedObjectContext()->forEachText(
+        notes, [](const NoteView& read, std::string_view text) {
+          EXPECT_EQ(read.tags.size(), 2U);
+          EXPECT_EQ(read.todoIncomplete, 1);
+          EXPECT_EQ(read.length, static_cast<std::int64_t>(text.size()));
+          EXPECT_TRUE(read.filenames.empty() && read.pinnedInTags.empty());
+        });
     return stack->connection().statementsRun();
   };
   EXPECT_EQ(statements(5), statements(30));

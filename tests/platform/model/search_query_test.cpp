@@ -104,9 +104,9 @@ class SearchDates : public testing::Test {
       const auto time = static_cast<std::time_t>(*seconds);
       std::tm utc{};
       gmtime_r(&time, &utc);
-      char text[32];
-      std::strftime(text, sizeof text, "%Y-%m-%dT%H:%M", &utc);
-      return std::string(text);
+      char digits[32];
+      std::strftime(digits, sizeof digits, "%Y-%m-%dT%H:%M", &utc);
+      return std::string(digits);
     };
     return shown(condition.from) + " " + shown(condition.to);
   }

@@ -48,7 +48,8 @@ class Search : public testing::Test {
       request.predicate = *predicate;
     }
     std::multiset<std::string> titles;
-    for (const KVNote* note : context().fetch(request)) titles.insert(note->title().value_or(""));
+    const NoteTable notes = context().fetch(request);
+    for (std::size_t i = 0; i < notes.size(); ++i) titles.emplace(notes[i].title);
     EXPECT_EQ(context().count(request), static_cast<std::int64_t>(titles.size())) << query;
     return titles;
   }
@@ -62,7 +63,7 @@ class Search : public testing::Test {
 TEST_F(Search, AnswersEveryDirective) {
   create("# tasks\n- [ ] open\n- [x] finished");
   create("# finished\n- [x] all of it #work/draft");
-  create("# tagged #work");
+  create("# tagged\n#work");
   create("# pictured\n![](a.png) and `code`");
   create("# linking [[tagged]]");
   create("");
@@ -185,7 +186,8 @@ TEST_F(Search, FindsWhatAPlainScanFinds) {
       request.sortDescriptors = {{SortKey::modificationDate, false}};
       request.fetchLimit = limit;
       std::set<std::string> ids;
-      for (const KVNote* note : context().fetch(request)) ids.insert(note->uniqueIdentifier());
+      const NoteTable notes = context().fetch(request);
+      for (std::size_t i = 0; i < notes.size(); ++i) ids.emplace(notes[i].uniqueIdentifier);
       std::set<std::string> wanted;
       for (auto id = expected.rbegin(); id != expected.rend(); ++id) {
         if (static_cast<std::int64_t>(wanted.size()) == limit) break;

@@ -55,7 +55,7 @@ TEST(UTF8, ReplacesEachMaximalIllFormedPartOnce) {
 }
 
 TEST(UTF8, FindsTheFirstByteThatIsNotASCIIWhereverItStands) {
-  for (std::size_t size : {0, 1, 7, 8, 31, 32, 33, 64, 100}) {
+  for (std::size_t size = 0; size < 100; ++size) {
     std::string text(size, 'x');
     EXPECT_TRUE(isASCII(text));
     for (std::size_t at = 0; at < size; ++at) {

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <string>
+
+#include "ArgumentParser/command_line.h"
+#include "ArgumentParser/completion_shell.h"
+#include "ArgumentParser/completion_tree.h"
+
+namespace ArgumentParser {
+
+/// A script that completes the program's lines in a shell. Ends without a line break.
+std::string completionScript(const CommandType& root, CompletionShell shell);
+
+std::string bashCompletionScript(const CompletionCommand& root);
+std::string zshCompletionScript(const CompletionCommand& root);
+std::string fishCompletionScript(const CompletionCommand& root);
+
+}  // namespace ArgumentParser

@@ -1,0 +1,16 @@
+#pragma once
+
+#include <array>
+#include <optional>
+#include <string_view>
+
+namespace ArgumentParser {
+
+enum class CompletionShell { zsh, bash, fish };
+
+inline constexpr std::array<std::string_view, 3> completionShellNames{"zsh", "bash", "fish"};
+
+std::optional<CompletionShell> completionShell(std::string_view name);
+std::string_view name(CompletionShell shell);
+
+}  // namespace ArgumentParser

@@ -1,0 +1,132 @@
+#include "ArgumentParser/level_parser.h"
+
+#include <algorithm>
+
+namespace ArgumentParser {
+
+namespace {
+
+using Element = SplitArguments::Element;
+using Kind = Element::Kind;
+
+class LevelParser {
+ public:
+  LevelParser(const ArgumentSet& arguments, SplitArguments& line)
+      : definitions_(arguments.definitions()),
+        arguments_(arguments),
+        line_(line),
+        isGiven_(definitions_.size()) {}
+
+  void parseOptions();
+  void parsePositionals();
+  std::optional<std::size_t> firstMissing() const;
+
+ private:
+  void parseOption(Element& element, const ArgumentDefinition& definition);
+  std::string_view valueOf(const Element& option, const ArgumentDefinition& definition);
+  [[noreturn]] void failWithoutValue(const Element& option);
+  void store(const ArgumentDefinition& definition, const Name* name, std::string_view value);
+  std::size_t indexOf(const ArgumentDefinition& definition) const {
+    return static_cast<std::size_t>(&definition - definitions_.data());
+  }
+
+  const std::vector<ArgumentDefinition>& definitions_;
+  const ArgumentSet& arguments_;
+  SplitArguments& line_;
+  std::vector<bool> isGiven_;
+};
+
+void LevelParser::parseOptions() {
+  for (Element& element : line_.elements()) {
+    if (element.kind == Kind::terminator) return;
+    if (element.kind != Kind::option || element.isUsed) continue;
+    if (const ArgumentDefinition* definition = arguments_.find(element.name))
+      parseOption(element, *definition);
+  }
+}
+
+void LevelParser::parseOption(Element& element, const ArgumentDefinition& definition) {
+  // "-abc" has been told: either all of it is used here, or it is no name of its own.
+  const auto group = line_.elementsAt(element.position);
+  group.front().isUsed = true;
+  element.isUsed = true;
+  if (&element == &group.front()) line_.useToken(element.position);
+  if (!definition.isFlag()) {
+    store(definition, &element.name, valueOf(element, definition));
+  } else if (element.value) {
+    throw ParserError(UnexpectedValueForOption{element.name, std::string(*element.value)});
+  } else {
+    store(definition, &element.name, {});
+  }
+}
+
+/// A token is a value only of the option right in front of it: of "-ab x", the option "-b".
+std::string_view LevelParser::valueOf(const Element& option, const ArgumentDefinition& definition) {
+  if (option.value) return *option.value;
+  const std::size_t next = option.position + 1;
+  const bool isLast = &option == &line_.elementsAt(option.position).back() ||
+                      option.name.kind != Name::Kind::shortName;
+  if (!isLast || !line_.hasToken(next)) failWithoutValue(option);
+  if (definition.parsingStrategy == ParsingStrategy::standard) {
+    const Element& value = line_.elementsAt(next).front();
+    if (value.kind == Kind::malformed) throw malformation(line_.token(next));
+    if (value.kind != Kind::value || value.isUsed) failWithoutValue(option);
+  }
+  line_.useToken(next);
+  return line_.token(next);
+}
+
+void LevelParser::failWithoutValue(const Element& option) {
+  const Element& whole = line_.elementsAt(option.position).front();
+  if (&whole == &option) throw ParserError(MissingValueForOption{option.name});
+  throw ParserError(MissingValueOrUnknownCompositeOption{option.name, whole.name});
+}
+
+void LevelParser::store(const ArgumentDefinition& definition, const Name* name,
+                        std::string_view value) {
+  isGiven_[indexOf(definition)] = true;
+  UnableToParseValue error{{}, std::string(value), indexOf(definition), {}};
+  try {
+    if (definition.update(value)) return;
+  } catch (const std::exception& reason) {
+    error.reason = reason.what();
+  }
+  if (name) error.name = *name;
+  throw ParserError(std::move(error));
+}
+
+void LevelParser::parsePositionals() {
+  auto value = line_.elements().begin();
+  const auto end = line_.elements().end();
+  const auto toNextValue = [&] {
+    value = std::find_if(value, end, [](const Element& element) {
+      return element.kind == Kind::value && !element.isUsed;
+    });
+    return value != end;
+  };
+  for (const ArgumentDefinition& definition : definitions_) {
+    if (!definition.isPositional()) continue;
+    do {
+      if (!toNextValue()) return;
+      value->isUsed = true;
+      store(definition, nullptr, line_.token(value->position));
+    } while (definition.isRepeating);
+  }
+}
+
+std::optional<std::size_t> LevelParser::firstMissing() const {
+  for (std::size_t i = 0; i < definitions_.size(); ++i)
+    if (!definitions_[i].isOptional && !isGiven_[i]) return i;
+  return {};
+}
+
+}  // namespace
+
+std::optional<std::size_t> parseLevel(const ArgumentSet& arguments, SplitArguments& line) {
+  LevelParser parser(arguments, line);
+  parser.parseOptions();
+  parser.parsePositionals();
+  return parser.firstMissing();
+}
+
+}  // namespace ArgumentParser

@@ -1,0 +1,14 @@
+#pragma once
+
+#include "cli/commands/command.h"
+
+namespace tavi {
+
+class MCPServerCommand : public LeafCommand {
+ public:
+  static CommandConfiguration configuration();
+  void run() override;
+  std::string_view footer() const override;
+};
+
+}  // namespace tavi

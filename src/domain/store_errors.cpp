@@ -1,0 +1,219 @@
+#include "domain/store_errors.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+
+#include "platform/text/characters.h"
+#include "platform/text/ordering.h"
+
+namespace tavi {
+namespace {
+
+constexpr std::size_t kLongestDisplay = 40;  // characters
+
+std::string escaped(std::string_view text) {
+  std::string result;
+  for (const char c : text) {
+    switch (c) {
+      case '\\':
+        result += "\\\\";
+        break;
+      case '\n':
+        result += "\\n";
+        break;
+      case '\r':
+        result += "\\r";
+        break;
+      case '\t':
+        result += "\\t";
+        break;
+      case '"':
+        result += "\\\"";
+        break;
+      default:
+        result += c;
+    }
+  }
+  return result;
+}
+
+/// A text as it stands between double quotes on one line, cut where it is long.
+std::string displayForm(std::string_view text) {
+  using platform::text::stepForwardCharacters;
+  std::string result = escaped(text);
+  if (stepForwardCharacters(result, 0, kLongestDisplay) == result.size()) return result;
+  result.resize(stepForwardCharacters(result, 0, kLongestDisplay - 1));
+  return result + "…";
+}
+
+/// Each name between two quotes, ascending.
+std::string list(const std::set<std::string>& names, std::string_view quote) {
+  std::vector<std::string> sorted(names.begin(), names.end());
+  std::sort(sorted.begin(), sorted.end(), platform::text::CodePointLess());
+  for (std::string& name : sorted) name = fmt::format("{0}{1}{0}", quote, name);
+  return fmt::format("{}", fmt::join(sorted, ", "));
+}
+
+std::string gateMessage(const std::set<std::string>& removed,
+                        const std::set<std::string>& expected) {
+  if (removed.empty()) {
+    return fmt::format(
+        "Write does not remove any attachments but expectedRemovedAttachments was [{}]. Drop the "
+        "declaration or update it to match the actual removed set (empty).",
+        list(expected, "\""));
+  }
+  const std::string write =
+      fmt::format("Write would remove {} {}", removed.size() == 1 ? "attachment" : "attachments",
+                  list(removed, "`"));
+  if (expected.empty()) {
+    return fmt::format(
+        "{}. Declare via expectedRemovedAttachments=[{}] (MCP), re-run with --force (CLI), or call "
+        "delete_attachment separately.",
+        write, list(removed, "\""));
+  }
+  return fmt::format(
+      "{} but expectedRemovedAttachments was [{}]. Update the declaration to match, re-run with "
+      "--force (CLI), or call delete_attachment separately.",
+      write, list(expected, "\""));
+}
+
+}  // namespace
+
+NoteStoreError NoteStoreError::noteNotFound(std::string_view id) {
+  return {Case::noteNotFound, fmt::format("Note not found: {}", id)};
+}
+
+NoteStoreError NoteStoreError::noNoteWithTitle(std::string_view title) {
+  return {Case::noNoteWithTitle,
+          fmt::format("No note with title: {} (in notes — use note ID for trash/archive)", title)};
+}
+
+NoteStoreError NoteStoreError::titleMatchesMultiple(std::string_view /*title*/,
+                                                    std::int64_t count) {
+  return {Case::titleMatchesMultiple,
+          fmt::format("Title matches {} notes (excluding trash/archive) — use note ID to "
+                      "disambiguate",
+                      count)};
+}
+
+NoteStoreError NoteStoreError::stringNotFound(std::string_view noteID) {
+  return {Case::stringNotFound, fmt::format("String not found in note {}", noteID)};
+}
+
+NoteStoreError NoteStoreError::stringMatchesMultiple(std::string_view noteID, std::int64_t count) {
+  return {Case::stringMatchesMultiple,
+          fmt::format("String matches {} locations in note {} — provide more surrounding context "
+                      "in --find to disambiguate",
+                      count, noteID)};
+}
+
+NoteStoreError NoteStoreError::attachmentNotFound(std::string_view filename) {
+  return {Case::attachmentNotFound, fmt::format("Attachment not found: {}", filename)};
+}
+
+NoteStoreError NoteStoreError::noteIsLocked(std::string_view idOrTitle) {
+  return {Case::noteIsLocked, fmt::format("Note is locked: {}", idOrTitle)};
+}
+
+NoteStoreError NoteStoreError::tagNotFound(std::string_view name) {
+  return {Case::tagNotFound, fmt::format("Tag not found: {}", name)};
+}
+
+NoteStoreError NoteStoreError::tagsNotFound(const std::vector<std::string>& names) {
+  return {Case::tagsNotFound, fmt::format("Tags not found: {}", fmt::join(names, ", "))};
+}
+
+NoteStoreError NoteStoreError::fileNotFound(std::string_view path) {
+  return {Case::fileNotFound, fmt::format("File not found: {}", path)};
+}
+
+NoteStoreError NoteStoreError::storeUnavailable(std::string_view message) {
+  return {Case::storeUnavailable, std::string(message)};
+}
+
+NoteStoreError NoteStoreError::renameTargetExists(std::string_view newName,
+                                                  std::int64_t mergeCount) {
+  return {Case::renameTargetExists,
+          fmt::format("Tag \"{}\" already exists. Renaming would merge {} {} into it. Pass --force "
+                      "/ force=true to proceed.",
+                      newName, mergeCount, mergeCount == 1 ? "note" : "notes")};
+}
+
+NoteStoreError NoteStoreError::batchEditFailed(std::int64_t index, std::string_view find,
+                                               const NoteStoreError& underlying) {
+  NoteStoreError error(Case::batchEditFailed,
+                       fmt::format("Batch edit {} (find: \"{}\"): {}", index + 1, displayForm(find),
+                                   underlying.message()));
+  error.underlying_ = std::make_shared<NoteStoreError>(underlying);
+  return error;
+}
+
+NoteStoreError NoteStoreError::attachmentRemovalGateFailed(const std::set<std::string>& removed,
+                                                           const std::set<std::string>& expected) {
+  return {Case::attachmentRemovalGateFailed, gateMessage(removed, expected)};
+}
+
+NoteStoreError NoteStoreError::hashMismatch() {
+  return {Case::hashMismatch, "Note has changed since last read — read again before writing"};
+}
+
+NoteStoreError NoteStoreError::concurrentModification() {
+  return {Case::concurrentModification,
+          "Note was modified by another process during the operation — try again"};
+}
+
+NoteStoreError NoteStoreError::appLockEnabled() {
+  return {Case::appLockEnabled,
+          "Tavi’s app lock is enabled; disable it in Tavi’s settings to use the CLI."};
+}
+
+std::string_view NoteStoreError::code() const {
+  switch (innermost().case_) {
+    case Case::noteNotFound:
+    case Case::noNoteWithTitle:
+      return "note_not_found";
+    case Case::titleMatchesMultiple:
+      return "title_ambiguous";
+    case Case::stringNotFound:
+      return "string_not_found";
+    case Case::stringMatchesMultiple:
+      return "string_ambiguous";
+    case Case::attachmentNotFound:
+      return "attachment_not_found";
+    case Case::noteIsLocked:
+      return "note_locked";
+    case Case::tagNotFound:
+    case Case::tagsNotFound:
+      return "tag_not_found";
+    case Case::fileNotFound:
+      return "file_not_found";
+    case Case::storeUnavailable:
+      return "store_unavailable";
+    case Case::renameTargetExists:
+      return "conflict";
+    case Case::attachmentRemovalGateFailed:
+      return "attachment_removal_blocked";
+    case Case::hashMismatch:
+      return "hash_mismatch";
+    case Case::concurrentModification:
+      return "concurrent_modification";
+    case Case::appLockEnabled:
+      return "app_lock_enabled";
+    case Case::batchEditFailed:
+      break;  // never the innermost
+  }
+  return "";
+}
+
+bool NoteStoreError::isStringNotFound() const {
+  return innermost().case_ == Case::stringNotFound;
+}
+
+const NoteStoreError& NoteStoreError::innermost() const {
+  const NoteStoreError* error = this;
+  while (error->underlying_ != nullptr) error = error->underlying_.get();
+  return *error;
+}
+
+}  // namespace tavi

@@ -1,0 +1,111 @@
+#include "mcp/binary_fingerprint.h"
+
+#include <fcntl.h>
+#include <fmt/format.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <climits>
+#include <cstring>
+
+namespace tavi::mcp {
+namespace {
+
+/// An open file, read a window at a time: headers are walked in small steps.
+class FileImage final : public ImageBytes {
+ public:
+  /// O_NONBLOCK: should a pipe stand in its place, nobody waits for it.
+  explicit FileImage(const std::string& path)
+      : path_(path), descriptor_(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)) {
+    if (descriptor_ < 0) throw BinaryFingerprintError::readFailed(path_, std::strerror(errno));
+    if (::fstat(descriptor_, &attributes_) == 0) return;
+    ::close(descriptor_);
+    throw BinaryFingerprintError::statFailed(path_, std::strerror(errno));
+  }
+  ~FileImage() override { ::close(descriptor_); }
+  FileImage(const FileImage&) = delete;
+  FileImage& operator=(const FileImage&) = delete;
+
+  const struct stat& attributes() const { return attributes_; }
+  std::uint64_t size() const override { return static_cast<std::uint64_t>(attributes_.st_size); }
+
+  bool read(std::uint64_t offset, std::span<std::uint8_t> into) override {
+    if (offset > size() || into.size() > size() - offset) return false;
+    if (offset < begin_ || offset + into.size() > begin_ + filled_) fillFrom(offset);
+    if (offset + into.size() > begin_ + filled_) return false;  // cut short since it was measured
+    std::copy_n(window_.begin() + static_cast<std::ptrdiff_t>(offset - begin_), into.size(),
+                into.begin());
+    return true;
+  }
+
+ private:
+  void fillFrom(std::uint64_t offset) {
+    ssize_t count = 0;
+    do {
+      count = ::pread(descriptor_, window_.data(), window_.size(), static_cast<off_t>(offset));
+    } while (count < 0 && errno == EINTR);
+    if (count < 0) throw BinaryFingerprintError::readFailed(path_, std::strerror(errno));
+    begin_ = offset;
+    filled_ = static_cast<std::size_t>(count);
+  }
+
+  std::string path_;
+  int descriptor_;
+  struct stat attributes_ {};
+  std::uint64_t begin_ = 0;
+  std::size_t filled_ = 0;
+  std::array<std::uint8_t, 4096> window_;
+};
+
+std::optional<std::string> ownExecutablePath() {
+  std::array<char, PATH_MAX> path;
+  const ssize_t length = ::readlink("/proc/self/exe", path.data(), path.size());
+  if (length <= 0 || static_cast<std::size_t>(length) == path.size()) return {};
+  return std::string(path.data(), static_cast<std::size_t>(length));
+}
+
+}  // namespace
+
+BinaryFingerprintError BinaryFingerprintError::statFailed(std::string_view path,
+                                                          std::string_view underlying) {
+  return {Case::statFailed, underlying.empty()
+                                ? fmt::format("Could not stat {}", path)
+                                : fmt::format("Could not stat {}: {}", path, underlying)};
+}
+
+BinaryFingerprintError BinaryFingerprintError::readFailed(std::string_view path,
+                                                          std::string_view underlying) {
+  return {Case::readFailed, fmt::format("Could not read {}: {}", path, underlying)};
+}
+
+BinaryFingerprintError BinaryFingerprintError::malformedMachO(std::string_view path) {
+  return {
+      Case::malformedMachO,
+      fmt::format("Could not find LC_UUID in {} (not a Mach-O, or no UUID load command)", path)};
+}
+
+BinaryFingerprintError BinaryFingerprintError::executablePathUnavailable() {
+  return {Case::executablePathUnavailable, "Could not resolve own executable path"};
+}
+
+BinaryFingerprint BinaryFingerprint::ofFile(const std::string& path) {
+  if (::access(path.c_str(), F_OK) != 0)
+    throw BinaryFingerprintError::statFailed(path, std::strerror(errno));
+  FileImage image(path);
+  const auto uuid = buildIdentity(image);
+  if (!uuid) throw BinaryFingerprintError::malformedMachO(path);
+  const struct stat& attributes = image.attributes();
+  const auto mtime = std::chrono::seconds(attributes.st_mtim.tv_sec) +
+                     std::chrono::nanoseconds(attributes.st_mtim.tv_nsec);
+  return {path, std::chrono::sys_time<std::chrono::nanoseconds>(mtime), attributes.st_size, *uuid};
+}
+
+BinaryFingerprint BinaryFingerprint::current() {
+  static const std::optional<std::string> path = ownExecutablePath();
+  if (!path) throw BinaryFingerprintError::executablePathUnavailable();
+  return ofFile(*path);
+}
+
+}  // namespace tavi::mcp

@@ -1,0 +1,382 @@
+#include "platform/markdown/document.h"
+
+#include <md4c.h>
+
+#include <algorithm>
+#include <limits>
+#include <optional>
+#include <unordered_set>
+
+#include "platform/markdown/entities.h"
+#include "platform/markdown/file_names.h"
+#include "platform/markdown/hashtag_grammar.h"
+#include "platform/markdown/lines.h"
+#include "platform/markdown/link_locator.h"
+#include "platform/markdown/parser_input.h"
+#include "platform/markdown/title_builder.h"
+
+namespace zephyrdown {
+namespace {
+
+constexpr unsigned kDialect = MD_FLAG_TABLES | MD_FLAG_TASKLISTS | MD_FLAG_STRIKETHROUGH |
+                              MD_FLAG_WIKILINKS | MD_FLAG_PERMISSIVEAUTOLINKS;
+
+// The parser gives what it found as callbacks; some short texts make it give far more than they
+// hold (a row of a wide table is given all its cells, also the missing ones; a reference's target
+// is given again at each use). Past these bounds reading stops and starts again without them.
+constexpr std::size_t kCallbacksPerByte = 8;
+constexpr std::size_t kTargetBytesPerByte = 16;
+constexpr std::size_t kSmallText = 4096;
+
+std::string_view view(const MD_ATTRIBUTE& attribute) {
+  return {attribute.text, attribute.size};
+}
+
+/// The target as the reader means it: its escapes are gone already, its entities are not.
+std::string resolved(const MD_ATTRIBUTE& attribute) {
+  std::string result;
+  for (unsigned i = 0; attribute.size > 0 && attribute.substr_offsets[i] < attribute.size; ++i) {
+    const MD_OFFSET begin = attribute.substr_offsets[i];
+    const auto piece = view(attribute).substr(begin, attribute.substr_offsets[i + 1] - begin);
+    if (attribute.substr_types[i] == MD_TEXT_ENTITY) {
+      appendEntity(result, piece);
+    } else {
+      result.append(piece);
+    }
+  }
+  return result;
+}
+
+/// The comment that asks for a preview: `<!-- {"preview":"true"} -->`, directly behind a link.
+std::size_t behindPreviewComment(std::string_view text, std::size_t at) {
+  constexpr std::string_view kOpen = "<!--";
+  constexpr std::string_view kClose = "-->";
+  constexpr std::size_t kLongest = 200;
+  if (!text.substr(at).starts_with(kOpen)) return at;
+  const std::string_view comment = text.substr(at, kLongest);
+  const std::size_t close = comment.find(kClose);
+  if (close == std::string_view::npos) return at;
+  const bool isPreview = comment.substr(0, close).find("\"preview\"") != std::string_view::npos;
+  return isPreview ? at + close + kClose.size() : at;
+}
+
+/// The title that a wiki link names: what stands before a slash, behind which a heading is named.
+/// A slash of the title itself is written "\/".
+std::string wikiTitle(std::string_view target) {
+  std::size_t end = 0;
+  while (end < target.size() && target[end] != '/') end += target[end] == '\\' ? 2 : 1;
+  const std::string title = unescaped(target.substr(0, std::min(end, target.size())));
+  const std::size_t begin = title.find_first_not_of(' ');
+  return begin == std::string::npos ? ""
+                                    : title.substr(begin, title.find_last_not_of(' ') + 1 - begin);
+}
+
+BlockKind blockKind(MD_BLOCKTYPE type, const void* detail) {
+  switch (type) {
+    case MD_BLOCK_H:
+      return BlockKind::heading;
+    case MD_BLOCK_UL:
+      return BlockKind::list;
+    case MD_BLOCK_OL:
+      return static_cast<const MD_BLOCK_OL_DETAIL*>(detail)->start == 1 ? BlockKind::list
+                                                                        : BlockKind::lateList;
+    case MD_BLOCK_QUOTE:
+      return BlockKind::quote;
+    case MD_BLOCK_TABLE:
+      return BlockKind::table;
+    case MD_BLOCK_CODE:
+      return static_cast<const MD_BLOCK_CODE_DETAIL*>(detail)->fence_char != 0
+                 ? BlockKind::fencedCode
+                 : BlockKind::indentedCode;
+    case MD_BLOCK_HTML:
+      return BlockKind::html;
+    case MD_BLOCK_HR:
+      return BlockKind::rule;
+    default:
+      return BlockKind::paragraph;
+  }
+}
+
+/// Listens to the parser.
+class DocumentReader {
+ public:
+  DocumentReader(std::string_view text, std::string_view input)
+      : text_(text),
+        input_(input),
+        inputBegin_(text.size() - input.size()),
+        links_(text),
+        budget_(input.size() + kSmallText) {
+    document_.bodyBegin = inputBegin_;
+  }
+
+  /// Nothing when a bound was passed.
+  std::optional<Document> read(unsigned dialect) {
+    MD_PARSER parser{};
+    parser.flags = dialect;
+    parser.enter_block = [](MD_BLOCKTYPE type, void* detail, void* reader) {
+      return self(reader).enterBlock(type, detail);
+    };
+    parser.leave_block = [](MD_BLOCKTYPE type, void*, void* reader) {
+      return self(reader).leaveBlock(type);
+    };
+    parser.enter_span = [](MD_SPANTYPE type, void* detail, void* reader) {
+      return self(reader).enterSpan(type, detail);
+    };
+    parser.leave_span = [](MD_SPANTYPE type, void* detail, void* reader) {
+      return self(reader).leaveSpan(type, detail);
+    };
+    parser.text = [](MD_TEXTTYPE type, const MD_CHAR* text, MD_SIZE size, void* reader) {
+      return self(reader).readText(type, {text, size});
+    };
+    if (md_parse(input_.data(), static_cast<MD_SIZE>(input_.size()), &parser, this) != 0) {
+      return std::nullopt;
+    }
+    return finish();
+  }
+
+ private:
+  /// What lies between the last text and the next one.
+  enum class Glue { boundary, text, other };
+
+  static DocumentReader& self(void* reader) { return *static_cast<DocumentReader*>(reader); }
+
+  // Below zero: other values do not get through all of the parser's layers.
+  static constexpr int kStop = -1;
+
+  int goOn() { return ++callbacks_ > kCallbacksPerByte * budget_ ? kStop : 0; }
+
+  int enterBlock(MD_BLOCKTYPE type, void* detail) {
+    endSpans();
+    if (type == MD_BLOCK_DOC) return goOn();
+    if (type == MD_BLOCK_CODE) document_.hasCode = true;
+    if (type == MD_BLOCK_LI) readItem(*static_cast<MD_BLOCK_LI_DETAIL*>(detail));
+    if (depth_++ == 0) {
+      document_.blocks.push_back({blockKind(type, detail), {passed_, passed_}});
+      if (type == MD_BLOCK_H) title_.enterHeading();
+    }
+    block_ = type;
+    return goOn();
+  }
+
+  int leaveBlock(MD_BLOCKTYPE type) {
+    endSpans();
+    if (type == MD_BLOCK_DOC) return goOn();
+    title_.endLine();
+    if (--depth_ == 0 && type == MD_BLOCK_H) title_.leaveHeading();
+    return goOn();
+  }
+
+  /// No span reaches beyond its block. The parser forgets to leave some: an address directly
+  /// before "www." is entered twice and left once.
+  void endSpans() {
+    glue_ = Glue::boundary;
+    linkDepth_ = 0;
+    links_.endBlock();
+  }
+
+  void readItem(const MD_BLOCK_LI_DETAIL& item) {
+    if (item.is_task == 0) return;
+    ++(item.task_mark == ' ' ? document_.todoIncomplete : document_.todoCompleted);
+    const std::size_t mark = inputBegin_ + item.task_mark_offset;
+    links_.pass({mark - 1, mark + 2});
+  }
+
+  int enterSpan(MD_SPANTYPE type, void* detail) {
+    glue_ = Glue::boundary;
+    switch (type) {
+      case MD_SPAN_CODE:
+        document_.hasCode = true;
+        break;
+      case MD_SPAN_A:
+        return enterLink(LinkKind::link, static_cast<MD_SPAN_A_DETAIL*>(detail)->href);
+      case MD_SPAN_IMG:
+        document_.hasImages = true;
+        return enterLink(LinkKind::image, static_cast<MD_SPAN_IMG_DETAIL*>(detail)->src);
+      case MD_SPAN_WIKILINK:
+        return enterLink(LinkKind::wikiLink, static_cast<MD_SPAN_WIKILINK_DETAIL*>(detail)->target);
+      default:
+        break;
+    }
+    return goOn();
+  }
+
+  int enterLink(LinkKind kind, const MD_ATTRIBUTE& target) {
+    ++linkDepth_;
+    targetBytes_ += target.size;
+    if (targetBytes_ > kTargetBytesPerByte * budget_) return kStop;
+    const auto offset = offsetOf(view(target));
+    links_.enter(kind, offset, offset ? std::string() : resolved(target));
+    return goOn();
+  }
+
+  int leaveSpan(MD_SPANTYPE type, void* detail) {
+    glue_ = Glue::boundary;
+    switch (type) {
+      case MD_SPAN_CODE:
+        glue_ = Glue::other;
+        break;
+      case MD_SPAN_A:
+        leaveLink(LinkKind::link, &static_cast<MD_SPAN_A_DETAIL*>(detail)->href);
+        break;
+      case MD_SPAN_IMG:
+        leaveLink(LinkKind::image, &static_cast<MD_SPAN_IMG_DETAIL*>(detail)->src);
+        break;
+      case MD_SPAN_WIKILINK:
+        leaveLink(LinkKind::wikiLink, nullptr);
+        break;
+      default:
+        break;
+    }
+    return goOn();
+  }
+
+  void leaveLink(LinkKind kind, const MD_ATTRIBUTE* target) {
+    if (linkDepth_ > 0) --linkDepth_;
+    glue_ = Glue::other;
+    const auto located = links_.leave();
+    if (!located) return;
+    pass(located->range);
+    if (kind == LinkKind::wikiLink) {
+      addWikiLink(*located);
+    } else {
+      addFile(*located, *target, kind == LinkKind::image);
+    }
+  }
+
+  void addWikiLink(const LocatedLink& link) {
+    const std::string_view inside =
+        text_.substr(link.label.begin, link.label.end - link.label.begin);
+    std::string title = wikiTitle(inside.substr(0, inside.find('|')));
+    if (title.empty() || !knownWikiLinks_.insert(title).second) return;
+    document_.wikiLinks.push_back(std::move(title));
+  }
+
+  void addFile(const LocatedLink& link, const MD_ATTRIBUTE& target, bool isImage) {
+    if (view(target).find('/') != std::string_view::npos) return;
+    std::string name = fileNameOfDestination(destination(link, target));
+    if (name.empty()) return;
+    const SourceRange range{link.range.begin, behindPreviewComment(text_, link.range.end)};
+    document_.files.push_back({{range, std::move(name), isImage}, link.label});
+  }
+
+  /// As the text has it where the link is an inline one.
+  std::string destination(const LocatedLink& link, const MD_ATTRIBUTE& target) const {
+    if (!link.destination) return resolved(target);
+    const SourceRange& range = *link.destination;
+    return unescaped(text_.substr(range.begin, range.end - range.begin));
+  }
+
+  int readText(MD_TEXTTYPE type, std::string_view piece) {
+    const auto offset = offsetOf(piece);
+    if (offset) {
+      const SourceRange range{*offset, *offset + piece.size()};
+      links_.pass(range);
+      if (type == MD_TEXT_NORMAL && linkDepth_ == 0) addStretch(range);
+      pass(range);
+    }
+    if (title_.isOpen()) readTitle(type, offset ? text_.substr(*offset, piece.size()) : piece);
+    if (type == MD_TEXT_BR || type == MD_TEXT_SOFTBR) {
+      glue_ = Glue::boundary;
+    } else {
+      glue_ = type == MD_TEXT_NORMAL ? Glue::text : Glue::other;
+    }
+    if (type == MD_TEXT_HTML) glue_ = Glue::boundary;
+    return goOn();
+  }
+
+  void readTitle(MD_TEXTTYPE type, std::string_view piece) {
+    switch (type) {
+      case MD_TEXT_BR:
+      case MD_TEXT_SOFTBR:
+        return title_.endLine();
+      case MD_TEXT_ENTITY:
+        return title_.appendEntity(piece);
+      case MD_TEXT_HTML:
+        if (block_ != MD_BLOCK_HTML) return;
+        return piece == "\n" ? title_.endLine() : title_.appendHTML(piece);
+      case MD_TEXT_CODE:
+        return piece == "\n" ? title_.endLine() : title_.append(piece);
+      case MD_TEXT_NULLCHAR:
+        return title_.append("\uFFFD");
+      default:
+        return title_.append(piece);
+    }
+  }
+
+  void addStretch(SourceRange range) {
+    auto& stretches = document_.stretches;
+    if (glue_ == Glue::text && stretches.back().range.end == range.begin) {
+      stretches.back().range.end = range.end;
+      return;
+    }
+    const bool isEscaped = range.begin > passed_ && text_[range.begin - 1] == '\\';
+    stretches.push_back({range, glue_ == Glue::boundary && !isEscaped});
+  }
+
+  void pass(SourceRange range) {
+    passed_ = std::max(passed_, range.end);
+    Block& block = document_.blocks.back();
+    if (block.text.begin == block.text.end) block.text.begin = range.begin;
+    block.text.end = std::max(block.text.end, range.end);
+  }
+
+  std::optional<std::size_t> offsetOf(std::string_view piece) const {
+    const std::less<const char*> before;
+    const bool isInside = piece.data() != nullptr && !before(piece.data(), input_.data()) &&
+                          before(piece.data(), input_.data() + input_.size());
+    if (!isInside) return std::nullopt;
+    return inputBegin_ + static_cast<std::size_t>(piece.data() - input_.data());
+  }
+
+  Document finish() {
+    document_.title = title_.title();
+    std::sort(document_.files.begin(), document_.files.end(),
+              [](const FileMention& a, const FileMention& b) {
+                return a.link.range.begin < b.link.range.begin;
+              });
+    for (const TextStretch& stretch : document_.stretches) {
+      findHashtags(text_, stretch.range, stretch.opens, document_.hashtags);
+    }
+    return std::move(document_);
+  }
+
+  std::string_view text_;
+  std::string_view input_;  // what the parser reads: the body, with some marks masked
+  std::size_t inputBegin_;
+  LinkLocator links_;
+  std::size_t budget_;
+  Document document_;
+  TitleBuilder title_;
+  std::unordered_set<std::string> knownWikiLinks_;
+  Glue glue_ = Glue::boundary;
+  MD_BLOCKTYPE block_ = MD_BLOCK_DOC;
+  int depth_ = 0;
+  int linkDepth_ = 0;
+  std::size_t passed_ = 0;  // the end of the last thing with a place in the text
+  std::size_t callbacks_ = 0;
+  std::size_t targetBytes_ = 0;
+};
+
+}  // namespace
+
+Document readDocument(std::string_view text) {
+  Document unread;
+  unread.bodyBegin = bodyBegin(text);
+  const std::string_view body = text.substr(unread.bodyBegin);
+  if (body.size() > std::numeric_limits<MD_SIZE>::max() / 2) return unread;
+  const std::optional<std::string> masked = maskedForParser(body);
+  const std::string_view input = masked ? std::string_view(*masked) : body;
+  if (auto document = DocumentReader(text, input).read(kDialect)) return std::move(*document);
+  const std::string plain = maskedForPlainReading(input);
+  auto document = DocumentReader(text, plain).read(kDialect & ~unsigned{MD_FLAG_TABLES});
+  return document ? std::move(*document) : unread;
+}
+
+const TextStretch* stretchAt(const Document& document, std::size_t position) {
+  const auto found = std::partition_point(
+      document.stretches.begin(), document.stretches.end(),
+      [&](const TextStretch& stretch) { return stretch.range.end <= position; });
+  return found != document.stretches.end() && found->range.begin <= position ? &*found : nullptr;
+}
+
+}  // namespace zephyrdown

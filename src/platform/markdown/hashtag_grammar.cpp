@@ -1,0 +1,222 @@
+#include "platform/markdown/hashtag_grammar.h"
+
+#include <algorithm>
+#include <array>
+
+#include "platform/markdown/ascii.h"
+#include "platform/text/characters.h"
+#include "platform/text/folding.h"
+#include "platform/text/utf8.h"
+
+namespace zephyrdown {
+namespace {
+
+using platform::text::decodeScalar;
+using platform::text::isWhitespace;
+
+constexpr std::size_t npos = std::string_view::npos;
+
+struct ScalarRange {
+  char32_t first, last;
+};
+
+// Marks outside ASCII that end a word as a comma or a bracket does. A table and not the general
+// category, which counts "·" and "№" among them too.
+constexpr std::array kSentencePunctuation = {
+    ScalarRange{0x00A1, 0x00A1}, ScalarRange{0x00AB, 0x00AB}, ScalarRange{0x00BB, 0x00BB},
+    ScalarRange{0x00BF, 0x00BF}, ScalarRange{0x0589, 0x0589}, ScalarRange{0x060C, 0x060C},
+    ScalarRange{0x061B, 0x061B}, ScalarRange{0x061F, 0x061F}, ScalarRange{0x06D4, 0x06D4},
+    ScalarRange{0x0964, 0x0965}, ScalarRange{0x1361, 0x1368}, ScalarRange{0x2012, 0x2027},
+    ScalarRange{0x2039, 0x203A}, ScalarRange{0x203D, 0x203D}, ScalarRange{0x3001, 0x3003},
+    ScalarRange{0x3008, 0x3011}, ScalarRange{0x3014, 0x301F}, ScalarRange{0xFF01, 0xFF03},
+    ScalarRange{0xFF08, 0xFF09}, ScalarRange{0xFF0C, 0xFF0C}, ScalarRange{0xFF0E, 0xFF0E},
+    ScalarRange{0xFF1A, 0xFF1B}, ScalarRange{0xFF1F, 0xFF1F}, ScalarRange{0xFF3B, 0xFF3B},
+    ScalarRange{0xFF3D, 0xFF3D}, ScalarRange{0xFF5B, 0xFF5B}, ScalarRange{0xFF5D, 0xFF5D},
+    ScalarRange{0xFF5F, 0xFF65}};
+
+bool isSentencePunctuation(char32_t scalar) {
+  const auto* range =
+      std::lower_bound(kSentencePunctuation.begin(), kSentencePunctuation.end(), scalar,
+                       [](const ScalarRange& entry, char32_t value) { return entry.last < value; });
+  return range != kSentencePunctuation.end() && range->first <= scalar;
+}
+
+bool isControl(char32_t c) {
+  return c < 0x20 || (c >= 0x7F && c < 0xA0);
+}
+
+/// Whether a name may hold the character at all. What Markdown reads as markup cannot be told
+/// from markup in a text: a lone "*" in one tag would pair with that in the next.
+bool isNameCharacter(char32_t c) {
+  if (isControl(c)) return false;
+  return c >= 0x80 || std::string_view("#*~`[]<|\\").find(static_cast<char>(c)) == npos;
+}
+
+/// Whether the character makes a name out of a word: "#123" and "#-" are none.
+bool carriesWord(char32_t c) {
+  return c >= 0x80 || isASCIILetter(c);
+}
+
+bool isLineBreakScalar(char32_t c) {
+  return (c >= '\n' && c <= '\r') || c == 0x85 || c == 0x2028 || c == 0x2029;
+}
+
+bool holdsLineBreak(std::string_view text) {
+  for (std::size_t at = 0; at < text.size();) {
+    const auto scalar = decodeScalar(text, at);
+    if (isLineBreakScalar(scalar.value)) return true;
+    at = scalar.next;
+  }
+  return false;
+}
+
+/// Trimmed, and each run of white space inside as one blank.
+std::string withSingleBlanks(std::string_view text) {
+  std::string result;
+  bool blank = false;
+  text = platform::text::trimmingWhitespaceAndNewlines(text);
+  for (std::size_t at = 0; at < text.size();) {
+    const auto scalar = decodeScalar(text, at);
+    if (!isWhitespace(scalar.value)) {
+      if (blank) result += ' ';
+      result.append(text.substr(at, scalar.next - at));
+    }
+    blank = isWhitespace(scalar.value);
+    at = scalar.next;
+  }
+  return result;
+}
+
+bool holdsOnlyNameCharacters(std::string_view name) {
+  bool speaks = false;
+  for (std::size_t at = 0; at < name.size();) {
+    const auto scalar = decodeScalar(name, at);
+    if (!isNameCharacter(scalar.value)) return false;
+    speaks |= carriesWord(scalar.value) || isASCIIDigit(scalar.value);
+    at = scalar.next;
+  }
+  return speaks;
+}
+
+/// Whether a tag may start directly behind the text that ends at `at`, which is above `begin`.
+/// Not inside a word, and not where "#" is a fragment, a colour or an operator. An asterisk
+/// may stand there whether it is emphasis or not.
+bool mayStandBefore(std::string_view text, std::size_t at) {
+  const auto last = byteOf(text[at - 1]);
+  if (last < 0x80) return std::string_view(" \t\v\f([{\"',;|*~").find(text[at - 1]) != npos;
+  const char32_t scalar = decodeScalar(text, platform::text::previousScalar(text, at)).value;
+  const bool endsEmoji = scalar == 0xFE0F || scalar == 0x20E3;
+  return endsEmoji || !platform::text::isAlphanumeric(scalar);
+}
+
+/// Reads single hashtags of one stretch.
+class Scanner {
+ public:
+  Scanner(std::string_view text, std::size_t end) : text_(text), end_(end) {}
+
+  /// The hashtag whose "#" is at `hash`.
+  std::optional<HashtagMention> read(std::size_t hash) const {
+    if (hash + 1 >= end_ || !startsName(hash + 1)) return std::nullopt;
+    auto mention = readClosed(hash);
+    return mention ? mention : readWord(hash);
+  }
+
+ private:
+  /// "#" with a combining mark is another character: a keycap.
+  bool startsName(std::size_t at) const {
+    const char32_t scalar = decodeScalar(text_, at).value;
+    if (scalar < 0x80) return scalar != '#' && scalar != '/' && !isWhitespace(scalar);
+    return !isWhitespace(scalar) && !platform::text::extendsCharacter(scalar);
+  }
+
+  std::optional<HashtagMention> readClosed(std::size_t hash) const {
+    const std::size_t close = text_.substr(0, end_).find('#', hash + 1);
+    if (close == npos || close == hash + 1 || !closes(close)) return std::nullopt;
+    auto name = canonicalTagName(text_.substr(hash + 1, close - hash - 1));
+    if (!name) return std::nullopt;
+    return HashtagMention{{hash, close + 1}, std::move(*name)};
+  }
+
+  bool closes(std::size_t close) const {
+    const std::size_t before = platform::text::previousScalar(text_, close);
+    if (isWhitespace(decodeScalar(text_, before).value)) return false;
+    if (close + 1 >= end_) return true;
+    const auto next = decodeScalar(text_, close + 1);
+    return next.value != '#' && !(next.wellFormed && isTagCharacter(next.value));
+  }
+
+  std::optional<HashtagMention> readWord(std::size_t hash) const {
+    const std::size_t wordEnd = endOfWord(hash + 1);
+    const std::string_view word = text_.substr(hash + 1, wordEnd - hash - 1);
+    const bool speaks =
+        std::any_of(word.begin(), word.end(), [](char c) { return carriesWord(byteOf(c)); });
+    if (!speaks) return std::nullopt;
+    auto name = canonicalTagName(word);
+    if (!name) return std::nullopt;
+    return HashtagMention{{hash, wordEnd}, std::move(*name)};
+  }
+
+  std::size_t endOfWord(std::size_t at) const {
+    while (at < end_) {
+      const auto scalar = decodeScalar(text_, at);
+      const bool inside = scalar.value == '.' ? isInnerDot(at) : isTagCharacter(scalar.value);
+      if (!inside || !scalar.wellFormed) break;
+      at = scalar.next;
+    }
+    return at;
+  }
+
+  /// The dot of "#v1.2", not that of "#done."
+  bool isInnerDot(std::size_t at) const {
+    return at + 1 < end_ && platform::text::isAlphanumeric(decodeScalar(text_, at + 1).value);
+  }
+
+  std::string_view text_;
+  std::size_t end_;
+};
+
+}  // namespace
+
+bool isTagCharacter(char32_t scalar) {
+  if (scalar < 0x80) {
+    return isASCIILetter(scalar) || isASCIIDigit(scalar) ||
+           std::string_view("_-/+&").find(static_cast<char>(scalar)) != npos;
+  }
+  return !isControl(scalar) && !isWhitespace(scalar) && !isSentencePunctuation(scalar);
+}
+
+std::optional<std::string> canonicalTagName(std::string_view text) {
+  if (!platform::text::isValidUTF8(text)) return std::nullopt;
+  text = platform::text::trimmingWhitespaceAndNewlines(text);
+  if (holdsLineBreak(text)) return std::nullopt;
+  const std::string composed = platform::text::canonicallyComposed(text);
+  std::string name;
+  for (std::size_t begin = 0; begin <= composed.size();) {
+    const std::size_t end = std::min(composed.find('/', begin), composed.size());
+    const std::string level =
+        withSingleBlanks(std::string_view(composed).substr(begin, end - begin));
+    if (!name.empty() && !level.empty()) name += '/';
+    name += level;
+    begin = end + 1;
+  }
+  if (!holdsOnlyNameCharacters(name)) return std::nullopt;
+  return name;
+}
+
+void findHashtags(std::string_view text, SourceRange stretch, bool opens,
+                  std::vector<HashtagMention>& found) {
+  const Scanner scanner(text, stretch.end);
+  const std::string_view upToEnd = text.substr(0, stretch.end);
+  std::size_t behindTag = npos;  // "#a🎉#b" is one tag, as "#a#b" is
+  for (std::size_t hash = upToEnd.find('#', stretch.begin); hash != npos;) {
+    const bool mayStart = hash == stretch.begin ? opens : mayStandBefore(text, hash);
+    std::size_t next = hash + 1;
+    if (auto mention = mayStart && hash != behindTag ? scanner.read(hash) : std::nullopt) {
+      next = behindTag = mention->range.end;
+      found.push_back(std::move(*mention));
+    }
+    hash = upToEnd.find('#', next);
+  }
+}
+
+}  // namespace zephyrdown

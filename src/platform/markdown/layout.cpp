@@ -1,0 +1,164 @@
+#include "platform/markdown/layout.h"
+
+#include <algorithm>
+
+#include "platform/markdown/lines.h"
+
+namespace zephyrdown {
+namespace {
+
+constexpr std::size_t npos = std::string_view::npos;
+
+SourceRange rangeOf(const HashtagMention& mention) {
+  return mention.range;
+}
+SourceRange rangeOf(const Block& block) {
+  return block.text;
+}
+SourceRange rangeOf(const SourceRange& range) {
+  return range;
+}
+
+/// The first item whose range ends behind `position`.
+template <typename Items>
+auto firstEndingBehind(const Items& items, std::size_t position) {
+  return std::partition_point(items.begin(), items.end(),
+                              [&](const auto& item) { return rangeOf(item).end <= position; });
+}
+
+bool isIndented(std::string_view text, std::size_t line) {
+  return text.substr(line).starts_with("  ") || text.substr(line).starts_with('\t');
+}
+
+}  // namespace
+
+Layout::Layout(std::string_view text, const Document& document) : text_(text), document_(document) {
+  findFootnotes();
+  std::size_t line = passTagLines(skipBlankLines(text, document.bodyBegin));
+  line = passTitle(skipBlankLines(text, line));
+  if (headingEnd_) line = passTagLines(line);
+  findFoot(line);
+  if (const std::size_t next = skipBlankLines(text, line); next < footBegin_) {
+    line = passTagLines(next);
+  }
+  bodyBegin_ = std::min(skipBlankLines(text, line), footBegin_);
+}
+
+bool Layout::isTagLine(std::size_t begin) const {
+  if (begin >= text_.size() || text_[begin] != '#') return false;
+  const std::size_t end = lineEnd(text_, begin);
+  std::size_t at = begin;
+  for (auto tag = firstEndingBehind(document_.hashtags, begin);
+       tag != document_.hashtags.end() && tag->range.begin < end; ++tag) {
+    if (skipBlanks(text_, at) != tag->range.begin) return false;
+    at = tag->range.end;
+  }
+  return isBlankText(text_.substr(at, end - at));
+}
+
+bool Layout::bodyGoesOn() const {
+  const auto block = firstEndingBehind(document_.blocks, bodyBegin_);
+  return hasBody() && block != document_.blocks.end() && block->text.begin < bodyBegin_ &&
+         block->kind == BlockKind::paragraph;
+}
+
+bool Layout::bodyCutsIn() const {
+  return headEnd_ && headEnd_ != headingEnd_ && behindLineBreak(text_, *headEnd_) == bodyBegin_;
+}
+
+void Layout::endHead(std::size_t end, bool inTags) {
+  headEnd_ = end;
+  headEndsInTags_ = inTags;
+}
+
+/// Takes the tag lines from `line` on into the head; gives the line behind them.
+std::size_t Layout::passTagLines(std::size_t line) {
+  while (isTagLine(line)) {
+    const std::size_t end = lineEnd(text_, line);
+    topTagsEnd_ = lastTagEnd(end);
+    endHead(end, /*inTags=*/true);
+    line = behindLineBreak(text_, end);
+  }
+  return line;
+}
+
+/// Takes a heading, or the first line of a paragraph, at `line` into the head.
+std::size_t Layout::passTitle(std::size_t line) {
+  if (line >= text_.size() || startsFootnote(line)) return line;
+  std::size_t end = lineEnd(text_, line);
+  const auto block = firstEndingBehind(document_.blocks, line);
+  if (block == document_.blocks.end() || block->text.begin >= end) return line;
+  if (block->kind == BlockKind::heading) {
+    end = lineEnd(text_, block->text.end);
+    const bool isUnderlined = text_[skipBlanks(text_, line)] != '#';
+    if (isUnderlined) end = lineEnd(text_, behindLineBreak(text_, end));
+    headingEnd_ = end;
+  } else if (block->kind != BlockKind::paragraph) {
+    return line;
+  }
+  endHead(end, /*inTags=*/false);
+  return behindLineBreak(text_, end);
+}
+
+/// From the text's end upwards, over blank lines, tag lines and footnotes.
+void Layout::findFoot(std::size_t floor) {
+  footBegin_ = text_.size();
+  while (true) {
+    const std::size_t end = contentEnd(text_.substr(0, footBegin_));
+    if (end <= floor) return;
+    const std::size_t line = lineBegin(text_, end - 1);
+    if (isTagLine(line)) {
+      if (!bottomTagsEnd_) bottomTagsEnd_ = lastTagEnd(lineEnd(text_, line));
+      footBegin_ = line;
+    } else if (const SourceRange* footnote = footnoteAt(line);
+               footnote && footnote->begin >= floor) {
+      footBegin_ = footnote->begin;
+    } else {
+      return;
+    }
+  }
+}
+
+void Layout::findFootnotes() {
+  if (text_.find("[^") == npos) return;
+  for (std::size_t line = document_.bodyBegin; line < text_.size();) {
+    const std::size_t end = startsFootnote(line) ? footnoteEnd(line) : nextLine(text_, line);
+    if (startsFootnote(line)) footnotes_.push_back({line, end});
+    line = end;
+  }
+}
+
+/// "[^label]:", where it is text and not code.
+bool Layout::startsFootnote(std::size_t line) const {
+  const std::string_view here = text_.substr(line);
+  if (!here.starts_with("[^")) return false;
+  const std::size_t end = here.find_first_of(" \t\r\n[]", 2);
+  return end != npos && end > 2 && here.substr(end).starts_with("]:") &&
+         stretchAt(document_, line) != nullptr;
+}
+
+/// The end of the footnote that begins at `line`: its lines up to a blank or tag line, and
+/// indented ones behind blank lines.
+std::size_t Layout::footnoteEnd(std::size_t line) const {
+  line = nextLine(text_, line);
+  while (line < text_.size()) {
+    const std::size_t next = skipBlankLines(text_, line);
+    const bool goesOn = next == line ? !isTagLine(line) && !startsFootnote(line)
+                                     : next < text_.size() && isIndented(text_, next);
+    if (!goesOn) break;
+    line = nextLine(text_, next);
+  }
+  return line;
+}
+
+const SourceRange* Layout::footnoteAt(std::size_t position) const {
+  const auto found = firstEndingBehind(footnotes_, position);
+  return found != footnotes_.end() && found->begin <= position ? &*found : nullptr;
+}
+
+/// The end of the last hashtag before `lineEnd`.
+std::size_t Layout::lastTagEnd(std::size_t lineEnd) const {
+  return std::prev(firstEndingBehind(document_.hashtags, lineEnd))->range.end;
+}
+
+}  // namespace zephyrdown

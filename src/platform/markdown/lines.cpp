@@ -1,0 +1,96 @@
+#include "platform/markdown/lines.h"
+
+#include <algorithm>
+
+namespace zephyrdown {
+namespace {
+
+constexpr std::size_t npos = std::string_view::npos;
+constexpr std::string_view kLineBreaks = "\r\n";
+constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+
+std::string_view withoutTrailingBlanks(std::string_view text) {
+  return text.substr(0, text.find_last_not_of(" \t") + 1);
+}
+
+bool splitsCRLF(std::string_view text, std::size_t position) {
+  return position > 0 && position < text.size() && text[position - 1] == '\r' &&
+         text[position] == '\n';
+}
+
+/// Behind the front matter that begins at `begin`, or `begin` where none does.
+std::size_t behindFrontMatter(std::string_view text, std::size_t begin) {
+  const auto lineAt = [&](std::size_t at) {
+    return withoutTrailingBlanks(text.substr(at, lineEnd(text, at) - at));
+  };
+  if (lineAt(begin) != "---") return begin;
+  std::size_t line = nextLine(text, begin);
+  if (line == text.size() || isBlankText(lineAt(line))) return begin;
+  for (; line < text.size(); line = nextLine(text, line)) {
+    if (lineAt(line) == "---" || lineAt(line) == "...") return nextLine(text, line);
+  }
+  return begin;
+}
+
+}  // namespace
+
+std::size_t lineBegin(std::string_view text, std::size_t position) {
+  if (splitsCRLF(text, position)) --position;
+  const std::size_t found = position == 0 ? npos : text.find_last_of(kLineBreaks, position - 1);
+  return found == npos ? 0 : found + 1;
+}
+
+std::size_t lineEnd(std::string_view text, std::size_t position) {
+  if (splitsCRLF(text, position)) --position;
+  return std::min(text.find_first_of(kLineBreaks, position), text.size());
+}
+
+std::size_t behindLineBreak(std::string_view text, std::size_t end) {
+  if (end < text.size() && text[end] == '\r') ++end;
+  if (end < text.size() && text[end] == '\n') ++end;
+  return end;
+}
+
+std::size_t nextLine(std::string_view text, std::size_t position) {
+  return behindLineBreak(text, lineEnd(text, position));
+}
+
+std::size_t previousLineEnd(std::string_view text, std::size_t begin) {
+  return splitsCRLF(text, begin - 1) ? begin - 2 : begin - 1;
+}
+
+bool isBlankText(std::string_view text) {
+  return text.find_first_not_of(" \t") == npos;
+}
+
+std::size_t skipBlanks(std::string_view text, std::size_t position) {
+  return std::min(text.find_first_not_of(" \t", position), text.size());
+}
+
+std::size_t skipBlankLines(std::string_view text, std::size_t begin) {
+  while (begin < text.size()) {
+    const std::size_t end = lineEnd(text, begin);
+    if (!isBlankText(text.substr(begin, end - begin))) break;
+    begin = behindLineBreak(text, end);
+  }
+  return begin;
+}
+
+std::size_t contentEnd(std::string_view text) {
+  return text.find_last_not_of(" \t\r\n") + 1;
+}
+
+std::string_view lineBreakStyle(std::string_view text) {
+  const std::size_t end = lineEnd(text, 0);
+  if (end == text.size()) return "\n";
+  const std::string_view first = text.substr(end, behindLineBreak(text, end) - end);
+  // A lone CR that is put before a LF would make one line break with it.
+  return first == "\r" && text.find('\n') != npos ? "\n" : first;
+}
+
+std::size_t bodyBegin(std::string_view text) {
+  const std::size_t begin = text.starts_with(kByteOrderMark) ? kByteOrderMark.size() : 0;
+  return behindFrontMatter(text, begin);
+}
+
+}  // namespace zephyrdown

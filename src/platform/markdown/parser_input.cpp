@@ -1,0 +1,100 @@
+#include "platform/markdown/parser_input.h"
+
+#include <algorithm>
+
+#include "platform/markdown/hashtag_grammar.h"
+#include "platform/markdown/lines.h"
+
+namespace zephyrdown {
+namespace {
+
+constexpr std::size_t npos = std::string_view::npos;
+constexpr char kPunctuation = ',';  // flanks emphasis as a bracket does
+constexpr char kLetter = 'x';
+constexpr std::size_t kLargeText = 100'000;
+
+bool isEscaped(std::string_view body, std::size_t at) {
+  const std::size_t last = body.substr(0, at).find_last_not_of('\\');
+  const std::size_t backslashes = at - (last == npos ? 0 : last + 1);
+  return backslashes % 2 == 1;
+}
+
+/// The offset of the "]" of a footnote's label at `at`, or npos.
+std::size_t footnoteLabelEnd(std::string_view body, std::size_t at) {
+  if (isEscaped(body, at)) return npos;
+  const std::size_t end = body.find_first_of(" \t\r\n[]", at + 2);
+  return end != npos && body[end] == ']' && end > at + 2 ? end : npos;
+}
+
+void maskFootnotes(std::string_view body, std::optional<std::string>& copy) {
+  for (std::size_t at = body.find("[^"); at != npos; at = body.find("[^", at + 1)) {
+    const std::size_t end = footnoteLabelEnd(body, at);
+    if (end == npos) continue;
+    if (!copy) copy.emplace(body);
+    (*copy)[at] = (*copy)[end] = kPunctuation;
+  }
+}
+
+void maskLineOfHashtags(std::string_view body, SourceRange line, std::optional<std::string>& copy) {
+  std::vector<HashtagMention> tags;
+  findHashtags(body, line, /*opens=*/true, tags);
+  for (const HashtagMention& tag : tags) {
+    if (tag.name.find('_') == npos) continue;
+    if (!copy) copy.emplace(body);
+    std::replace(copy->begin() + static_cast<std::ptrdiff_t>(tag.range.begin),
+                 copy->begin() + static_cast<std::ptrdiff_t>(tag.range.end), '_', kLetter);
+  }
+}
+
+void maskHashtags(std::string_view body, std::optional<std::string>& copy) {
+  if (body.find('_') == npos) return;
+  for (std::size_t hash = body.find('#'); hash != npos; hash = body.find('#', hash)) {
+    const SourceRange line{lineBegin(body, hash), lineEnd(body, hash)};
+    maskLineOfHashtags(body, line, copy);
+    hash = line.end;
+  }
+}
+
+/// Whether a line begins a block of its own wherever it stands.
+bool beginsBlock(std::string_view line) {
+  const std::size_t mark = line.find_first_not_of(" \t");
+  return mark == npos || std::string_view("-+*#>|`~<0123456789").find(line[mark]) != npos;
+}
+
+/// The parser looks for a bracket's line from the first one of its paragraph. Links behind this
+/// many steps are read as text; at a link a line, that is a paragraph of some 40,000 lines.
+void maskEndlessParagraphs(std::string_view body, std::optional<std::string>& copy) {
+  constexpr std::size_t kMostSteps = 800'000'000;
+  std::size_t lines = 0, steps = 0;
+  for (std::size_t line = 0; line < body.size(); line = nextLine(body, line)) {
+    const std::string_view here = body.substr(line, lineEnd(body, line) - line);
+    if (beginsBlock(here)) lines = steps = 0;
+    ++lines;
+    for (std::size_t at = here.find(']'); at != npos; at = here.find(']', at + 1)) {
+      steps += lines;
+      if (steps <= kMostSteps) continue;
+      if (!copy) copy.emplace(body);
+      (*copy)[line + at] = kPunctuation;
+    }
+  }
+}
+
+}  // namespace
+
+std::optional<std::string> maskedForParser(std::string_view body) {
+  std::optional<std::string> copy;
+  maskFootnotes(body, copy);
+  maskHashtags(body, copy);
+  if (body.size() > kLargeText) maskEndlessParagraphs(body, copy);
+  return copy;
+}
+
+std::string maskedForPlainReading(std::string_view input) {
+  std::string copy(input);
+  for (std::size_t at = copy.find("]:"); at != npos; at = copy.find("]:", at + 2)) {
+    copy[at + 1] = kPunctuation;
+  }
+  return copy;
+}
+
+}  // namespace zephyrdown

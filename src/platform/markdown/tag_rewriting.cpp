@@ -1,0 +1,151 @@
+#include "platform/markdown/tag_rewriting.h"
+
+#include <algorithm>
+#include <set>
+
+#include "platform/markdown/hashtag.h"
+#include "platform/markdown/hashtag_grammar.h"
+#include "platform/markdown/insertion.h"
+#include "platform/markdown/layout.h"
+#include "platform/markdown/lines.h"
+#include "platform/markdown/removal.h"
+
+namespace zephyrdown {
+namespace {
+
+bool hasTag(const Document& document, std::string_view name) {
+  return std::any_of(document.hashtags.begin(), document.hashtags.end(),
+                     [&](const HashtagMention& tag) { return tag.name == name; });
+}
+
+/// The name's hashtag as it is read back before `rest`, the plain text that follows. A closing mark
+/// more than the name needs keeps "#2024#.5" from growing; a backslash keeps a hash mark that
+/// follows.
+std::optional<std::string> fittingHashtag(std::string_view name, std::string_view rest) {
+  constexpr std::size_t kBehindMark = 8;
+  const auto usual = ZDKHashtag::hashtagStringForTagName(name);
+  if (!usual) return std::nullopt;
+  if (const std::size_t hash = rest.find('#', 1); hash != rest.npos) {
+    rest = rest.substr(0, hash + kBehindMark);
+  }
+  const std::string closed = std::string("#").append(name) + "#";
+  for (const std::string& hashtag : {*usual, closed, closed + "\\"}) {
+    const std::string line = hashtag + std::string(rest);
+    std::vector<HashtagMention> tags;
+    findHashtags(line, {0, line.size()}, /*opens=*/true, tags);
+    if (!tags.empty() && tags[0].name == name &&
+        tags[0].range.end == hashtag.find_last_not_of('\\') + 1) {
+      return hashtag;
+    }
+  }
+  return std::nullopt;
+}
+
+/// On a line of its own directly below the title; without a heading, as the first line.
+Operations plannedTopLine(std::string_view text, const Document& document, const Layout& layout,
+                          std::string_view hashtag) {
+  const std::string_view lineBreak = lineBreakStyle(text);
+  const auto heading = layout.headingEnd();
+  const std::size_t at = heading ? *heading : document.bodyBegin;
+  const std::size_t next = heading ? nextLine(text, at) : at;
+  std::string line(hashtag);
+  if (heading) line.insert(0, lineBreak);
+  const std::size_t nextEnd = lineEnd(text, next);
+  if (!isBlankText(text.substr(next, nextEnd - next))) line.append(lineBreak);
+  if (!heading && next < text.size()) line.append(lineBreak);
+  return {{{at, at}, std::move(line)}};
+}
+
+/// Rewrites the mentions of one text.
+class Renamer {
+ public:
+  Renamer(std::string_view text, const Document& document, std::string_view from,
+          std::string_view to)
+      : text_(text), document_(document), layout_(text, document), from_(from), to_(to) {}
+
+  Operations plan() {
+    for (next_ = document_.hashtags.begin(); next_ != document_.hashtags.end(); ++next_) {
+      if (next_->range.begin >= line_.end) enterLine();
+      if (const auto name = renamed(next_->name)) {
+        rewrite(*next_, *name, isTagLine_ && !names_.insert(*name).second);
+      }
+    }
+    return std::move(results_);
+  }
+
+ private:
+  void enterLine() {
+    line_.end = lineEnd(text_, next_->range.end);
+    line_.begin = lineBegin(text_, next_->range.begin);
+    isTagLine_ = layout_.isTagLine(line_.begin);
+    names_.clear();
+    if (!isTagLine_) return;
+    // Names that stay as they are come first: they are kept, and not the renamed ones.
+    for (auto tag = next_; tag != document_.hashtags.end() && tag->range.end <= line_.end; ++tag) {
+      if (!renamed(tag->name)) names_.insert(tag->name);
+    }
+  }
+
+  std::optional<std::string> renamed(std::string_view name) const {
+    if (name == from_) return std::string(to_);
+    if (!name.starts_with(from_) || name[from_.size()] != '/') return std::nullopt;
+    return std::string(to_).append(name.substr(from_.size()));
+  }
+
+  void rewrite(const HashtagMention& tag, const std::string& name, bool isKnown) {
+    const std::size_t end = stretchAt(document_, tag.range.begin)->range.end;
+    const auto hashtag = fittingHashtag(name, text_.substr(tag.range.end, end - tag.range.end));
+    if (!hashtag) return;
+    if (isKnown) {
+      SourceRange range = tag.range;
+      const std::size_t floor =
+          results_.empty() ? line_.begin : std::max(line_.begin, results_.back().range.end);
+      while (range.begin > floor && isBlank(text_[range.begin - 1])) --range.begin;
+      if (range.begin == line_.begin) range.end = skipBlanks(text_, range.end);
+      results_.push_back({range, {}});
+    } else {
+      results_.push_back({tag.range, *hashtag});
+    }
+  }
+
+  std::string_view text_;
+  const Document& document_;
+  Layout layout_;
+  std::string_view from_, to_;
+  std::vector<HashtagMention>::const_iterator next_;
+  SourceRange line_;
+  bool isTagLine_ = false;
+  std::set<std::string, std::less<>> names_;
+  Operations results_;
+};
+
+}  // namespace
+
+Operations plannedTag(std::string_view text, const Document& document, std::string_view name,
+                      bool bottom) {
+  const auto hashtag = ZDKHashtag::hashtagStringForTagName(name);
+  if (!hashtag || hasTag(document, name)) return {};
+  const Layout layout(text, document);
+  auto line = bottom ? layout.bottomTagsEnd() : layout.topTagsEnd();
+  if (!line && !layout.hasBody()) line = bottom ? layout.topTagsEnd() : layout.bottomTagsEnd();
+  if (line) return {{{*line, *line}, " " + *hashtag}};
+  if (bottom) return plannedLastLine(text, *hashtag);
+  return plannedTopLine(text, document, layout, *hashtag);
+}
+
+Operations plannedTagRemoval(std::string_view text, const Document& document,
+                             std::string_view name) {
+  std::vector<SourceRange> ranges;
+  for (const HashtagMention& tag : document.hashtags) {
+    if (tag.name == name) ranges.push_back(tag.range);
+  }
+  return plannedRemoval(text, document.bodyBegin, ranges);
+}
+
+Operations plannedTagRename(std::string_view text, const Document& document, std::string_view from,
+                            std::string_view to) {
+  if (from.empty() || from == to) return {};
+  return Renamer(text, document, from, to).plan();
+}
+
+}  // namespace zephyrdown

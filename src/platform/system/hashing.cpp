@@ -1,0 +1,38 @@
+#include "platform/system/hashing.h"
+
+#include <nettle/sha2.h>
+#include <uuid/uuid.h>
+
+namespace platform::system {
+
+SHA256Digest sha256(std::string_view bytes) {
+  static_assert(SHA256Digest{}.size() == SHA256_DIGEST_SIZE);
+  sha256_ctx context;
+  sha256_init(&context);
+  sha256_update(&context, bytes.size(), reinterpret_cast<const std::uint8_t*>(bytes.data()));
+  SHA256Digest digest;
+  sha256_digest(&context, digest.size(), digest.data());
+  return digest;
+}
+
+std::string hexadecimal(std::string_view bytes) {
+  constexpr std::string_view kDigits = "0123456789abcdef";
+  std::string text;
+  text.reserve(2 * bytes.size());
+  for (const char c : bytes) {
+    const auto byte = static_cast<unsigned char>(c);
+    text.push_back(kDigits[byte >> 4]);
+    text.push_back(kDigits[byte & 0xF]);
+  }
+  return text;
+}
+
+std::string newUUID() {
+  uuid_t uuid;
+  uuid_generate_random(uuid);
+  char text[UUID_STR_LEN];
+  uuid_unparse_upper(uuid, text);
+  return text;
+}
+
+}  // namespace platform::system

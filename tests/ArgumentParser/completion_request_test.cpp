@@ -1,0 +1,52 @@
+#include <gtest/gtest.h>
+
+#include "shelf.h"
+
+namespace ArgumentParser {
+namespace {
+
+using Line = std::vector<std::string>;
+
+struct Answer {
+  std::string text;
+  int exitCode;
+  bool operator==(const Answer&) const = default;
+};
+
+Answer answer(const Line& line) {
+  const CommandType root = commandType<shelf::Shelf>();
+  try {
+    parseAsRoot(root, line);
+  } catch (...) {
+    const auto error = std::current_exception();
+    const int code = exitCode(root, error);
+    return {code == 0 ? message(root, error) : "", code};
+  }
+  return {"a command", 0};
+}
+
+TEST(CompletionRequest, IsAnsweredByTheArgumentsOwnFunction) {
+  setenv("SAP_SHELL", "zsh", 1);
+  unsetenv("SAP_SHELL_VERSION");
+  EXPECT_EQ(
+      answer({"---completion", "edit", "--", "--find", "shelf", "edit", "--help", "--find", ""}),
+      (Answer{"words|shelf|edit|--help|--find|\nshell zsh\nno version", 0}));
+  EXPECT_EQ(answer({"---completion", "edit", "--", "positional@0", "shelf", "edit", "nothing"}),
+            (Answer{"", 0}));
+  EXPECT_EQ(answer({"---completion", "edit", "--", "positional@0"}).text.substr(0, 13),
+            "War and Peace");
+}
+
+TEST(CompletionRequest, ForWhatTheTreeDoesNotHoldFails) {
+  for (const Line& line : {Line{"---completion"},
+                           {"---completion", "edit"},
+                           {"---completion", "edit", "--"},
+                           {"---completion", "nosuch", "--", "--find"},
+                           {"---completion", "edit", "--", "--nosuch"},
+                           {"---completion", "edit", "--", "--all"},
+                           {"---completion", "edit", "--", "positional@1"}})
+    EXPECT_EQ(answer(line), (Answer{"", 64})) << line.size();
+}
+
+}  // namespace
+}  // namespace ArgumentParser

@@ -1,0 +1,280 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <sstream>
+
+#include "ArgumentParser/command_tree.h"
+#include "ArgumentParser/help_generator.h"
+#include "shelf.h"
+
+namespace ArgumentParser {
+namespace {
+
+const CommandType kShelf = commandType<shelf::Shelf>();
+
+/// A command whose arguments and configuration come from the test.
+struct Tool : ParsableCommand {
+  static inline std::function<void(Tool&, ArgumentSet&)> declaration;
+  static inline CommandConfiguration told;
+
+  static CommandConfiguration configuration() { return told; }
+  void declare(ArgumentSet& args) override { declaration(*this, args); }
+
+  std::optional<std::string> text;
+  std::string textWithDefault = "a value";
+  std::vector<std::string> texts;
+  bool flag = false;
+};
+
+std::string toolPage(std::function<void(Tool&, ArgumentSet&)> declaration,
+                     CommandConfiguration configuration = {}, int columns = 80) {
+  Tool::declaration = std::move(declaration);
+  Tool::told = std::move(configuration);
+  return helpMessage({commandType<Tool>()}, columns);
+}
+
+/// The usage line of a command with so many arguments.
+std::string usageWith(int flags, bool withPositional, bool withRequired) {
+  const std::string page = toolPage([&](Tool& tool, ArgumentSet& args) {
+    if (withPositional) args.argument(tool.text, "place");
+    if (withRequired) args.option(tool.text, {"-r", "--required"}).required();
+    for (int i = 0; i < flags; ++i) args.flag(tool.flag, ("--f" + std::to_string(i)).c_str());
+    args.flag(tool.flag, "--unseen").hidden();
+  });
+  return page.substr(7, page.find('\n') - 7);
+}
+
+TEST(Help, LaysOutAWholePage) {
+  EXPECT_EQ(helpMessage({kShelf, commandType<shelf::Scan>()}, 80),
+            R"(OVERVIEW: Scan pages.
+
+Pages come out in the order given.
+
+One sheet at a time.
+
+USAGE: shelf scan <page> [<more-pages> ...] [--color <color>] [--size <size>] --printer <printer> [--copies <copies>]
+
+ARGUMENTS:
+  <page>                  First page.
+  <more-pages>
+
+OPTIONS:
+  --color <color>         Ink. (values: red, blue)
+  --size <size>           Paper. (values: a1, a2, a3, a4, a5, a6)
+  --printer <printer>     Where to print.
+  --copies <copies>       How many. (default: 1)
+        Each copy is a job of its own.
+  --version               Show the version.
+  -h, --help              Show help information.
+)");
+  EXPECT_EQ(helpMessage({kShelf, commandType<shelf::Tags>()}, 80), R"(OVERVIEW: Manage tags.
+
+USAGE: shelf tags <subcommand>
+
+OPTIONS:
+  -h, --help              Show help information.
+
+SUBCOMMANDS:
+  list (default)          List tags.
+  add                     Add tags to a book.
+
+  See 'shelf help tags <subcommand>' for detailed help.)");
+}
+
+TEST(Help, WrapsToTheWidth) {
+  EXPECT_EQ(helpMessage({kShelf, commandType<shelf::List>()}, 40),
+            R"(OVERVIEW: List books.
+
+USAGE: shelf list [--sort <sort>] [--limit <limit>] [--offset <offset>] [--shelf <shelf>] [--count] [--format <format>] [--fields <fields>]
+
+OPTIONS:
+  -s, --sort <sort>       Sort field.
+                          (default:
+                          title)
+  -n, --limit <limit>     Maximum
+                          number of
+                          books.
+  -o, --offset <offset>   Number of
+                          books to
+                          skip.
+                          (default: 0)
+  --shelf <shelf>         Shelf to look
+                          at.
+  --count                 Print only
+                          the number of
+                          books.
+  --format <format>       Output
+                          format: tsv,
+                          csv, json.
+                          (values: tsv,
+                          csv, json;
+                          default: tsv)
+  --fields <fields>       Comma-separated
+                          field names,
+                          or "all".
+  -h, --help              Show help
+                          information.
+)");
+}
+
+TEST(Help, TakesTheWidthFromEnvironmentOrTerminal) {
+  const auto width = [](const char* columns, const char* lines) {
+    columns ? setenv("COLUMNS", columns, 1) : unsetenv("COLUMNS");
+    lines ? setenv("LINES", lines, 1) : unsetenv("LINES");
+    const std::string page = helpMessage({kShelf, commandType<shelf::List>()});
+    for (int candidate : {40, 60, 80})
+      if (page == helpMessage({kShelf, commandType<shelf::List>()}, candidate)) return candidate;
+    return 0;
+  };
+  EXPECT_EQ(width("40", "20"), 40);
+  EXPECT_EQ(width("60", nullptr), 60);
+  unsetenv("COLUMNS");
+  testing::internal::CaptureStdout();  // a file, which has no width
+  for (const char* columns : {"", "wide", "0", "-40", "40x"}) EXPECT_EQ(width(columns, "20"), 80);
+  EXPECT_EQ(width(nullptr, nullptr), 80);
+  testing::internal::GetCapturedStdout();
+}
+
+TEST(Help, StartsTheAbstractBesideALabelThatLeavesRoom) {
+  const std::string page = toolPage([](Tool& tool, ArgumentSet& args) {
+    args.option(tool.text, "--a").valueName("seventeen-letters").help("Beside.");  // 23 wide
+    args.option(tool.text, "--b").valueName("eighteen-letters-x").help("Below.");  // 24 wide
+    args.option(tool.text, "--c").valueName("ä—————————letters").help("Beside.");
+    args.flag(tool.flag, "--d").help("\nBelow.");
+    args.flag(tool.flag, "--e").discussion("Only a discussion.\n\nOf two lines.");
+  });
+  EXPECT_THAT(page, testing::HasSubstr("  --a <seventeen-letters> Beside.\n"));
+  EXPECT_THAT(page, testing::HasSubstr("  --b <eighteen-letters-x>\n"
+                                       "                          Below.\n"));
+  EXPECT_THAT(page, testing::HasSubstr("  --c <ä—————————letters> Beside.\n"));
+  EXPECT_THAT(page, testing::HasSubstr("  --d\n\n                          Below.\n"));
+  EXPECT_THAT(page,
+              testing::HasSubstr("  --e\n        Only a discussion.\n\n        Of two lines.\n"));
+}
+
+TEST(Help, ShowsDefaultsThatSaySomething) {
+  const std::string page = toolPage([](Tool& tool, ArgumentSet& args) {
+    args.option(tool.textWithDefault, "--a").help("A.");
+    tool.textWithDefault = "";
+    args.option(tool.textWithDefault, "--b").help("B.");
+    tool.textWithDefault = "x";
+    args.option(tool.textWithDefault, "--c");
+    args.option(tool.textWithDefault, "--d").help("D.").required();
+  });
+  EXPECT_THAT(page, testing::HasSubstr("  --a <a>                 A. (default: a value)\n"
+                                       "  --b <b>                 B.\n"
+                                       "  --c <c>                 (default: x)\n"
+                                       "  --d <d>                 D.\n"));
+}
+
+TEST(Help, ShortensAUsageLineOfMoreThanTwelveArguments) {
+  EXPECT_EQ(usageWith(0, false, false), "tool");
+  EXPECT_EQ(usageWith(2, true, true), "tool [<place>] --required <required> [--f0] [--f1]");
+  EXPECT_EQ(usageWith(12, false, false),
+            "tool [--f0] [--f1] [--f2] [--f3] [--f4] [--f5] [--f6] [--f7] [--f8] [--f9] [--f10] "
+            "[--f11]");
+  EXPECT_EQ(usageWith(13, false, false), "tool <options>");
+  EXPECT_EQ(usageWith(12, true, false), "tool [<options>] [<place>]");
+  EXPECT_EQ(usageWith(12, true, true), "tool [<options>] [<place>] --required <required>");
+}
+
+TEST(Help, FollowsTheConfiguration) {
+  const auto nothing = [](Tool&, ArgumentSet&) {};
+  EXPECT_EQ(toolPage(nothing, {.helpNames = Names{}}), "USAGE: tool\n\n");
+  EXPECT_EQ(toolPage(nothing, {.usage = "", .helpNames = Names{}}), "");
+  EXPECT_EQ(toolPage(nothing, {.usage = "tool one\ntool two", .discussion = "Talk."}),
+            "OVERVIEW: Talk.\n\nUSAGE: tool one\n       tool two\n\n"
+            "OPTIONS:\n  -h, --help              Show help information.\n");
+  EXPECT_EQ(toolPage(nothing, {.commandName = "t", .helpNames = Names{"--aid", "-?"}}),
+            "USAGE: t\n\nOPTIONS:\n  -?, --aid               Show help information.\n");
+}
+
+TEST(Help, PutsATitledGroupIntoASectionOfItsOwn) {
+  struct Group : ParsableArguments {
+    std::optional<std::string> place;
+    bool deep = false;
+    void declare(ArgumentSet& args) override {
+      args.argument(place, "place");
+      args.flag(deep, "--deep");
+    }
+  };
+  Group group;
+  const std::string page = toolPage([&](Tool& tool, ArgumentSet& args) {
+    args.flag(tool.flag, "--first");
+    args.group(group, "Depth");
+    args.argument(tool.texts, "rest");
+  });
+  EXPECT_EQ(page,
+            "USAGE: tool [--first] [<place>] [--deep] [<rest> ...]\n\nARGUMENTS:\n  <rest>\n\n"
+            "DEPTH:\n  <place>\n  --deep\n\nOPTIONS:\n  --first\n"
+            "  -h, --help              Show help information.\n");
+}
+
+void forEachCommand(const CommandStack& stack,
+                    const std::function<void(const CommandStack&)>& body) {
+  body(stack);
+  for (const CommandType& child : stack.back().configuration().subcommands) {
+    CommandStack below = stack;
+    below.push_back(child);
+    forEachCommand(below, body);
+  }
+}
+
+/// The names on a page, from its label column.
+std::vector<std::string> namesOn(const std::string& page) {
+  std::vector<std::string> names;
+  std::istringstream lines(page);
+  for (std::string line; std::getline(lines, line);) {
+    if (!line.starts_with("  -")) continue;
+    std::istringstream words(line);
+    for (std::string word; words >> word && word.starts_with('-');) {
+      if (word.ends_with(',')) word.pop_back();
+      names.push_back(word);
+    }
+  }
+  return names;
+}
+
+TEST(Help, NamesExactlyWhatParses) {
+  forEachCommand({kShelf}, [](const CommandStack& stack) {
+    const DeclaredCommand declared(stack.back());
+    std::vector<std::string> expected;
+    for (const ArgumentDefinition& definition : declared.arguments.definitions())
+      for (const Name& name : definition.names) expected.push_back(name.written());
+    for (const ArgumentDefinition& flag : builtInFlags(stack))
+      for (const Name& name : flag.names) expected.push_back(name.written());
+    const auto names = namesOn(helpMessage(stack, 80));
+    EXPECT_THAT(names, testing::UnorderedElementsAreArray(expected));
+
+    std::vector<std::string> path;
+    for (std::size_t i = 1; i < stack.size(); ++i)
+      path.push_back(stack[i].configuration().commandName);
+    for (const std::string& name : names) {
+      auto line = path;
+      line.push_back(name);
+      try {
+        parseAsRoot(kShelf, line);
+      } catch (...) {
+        const std::string text = message(kShelf, std::current_exception());
+        EXPECT_THAT(text, testing::Not(testing::HasSubstr("Unknown option"))) << name;
+      }
+    }
+  });
+}
+
+TEST(Help, OverrunsAWidthOnlyForOneWord) {
+  for (const int columns : {30, 40, 60, 80, 120})
+    forEachCommand({kShelf}, [columns](const CommandStack& stack) {
+      std::istringstream lines(helpMessage(stack, columns));
+      for (std::string line; std::getline(lines, line);) {
+        if (line.size() <= static_cast<std::size_t>(columns) || line.starts_with("USAGE:"))
+          continue;
+        if (line.starts_with("  See '")) continue;
+        EXPECT_EQ(line.find(' ', 26), line.npos) << line;
+      }
+    });
+}
+
+}  // namespace
+}  // namespace ArgumentParser

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <map>
+#include <string>
+#include <string_view>
+#include <vector>
+
+/// A program in a terminal of its own, typed at and read from.
+class Terminal {
+ public:
+  using Environment = std::map<std::string, std::string>;
+
+  Terminal(const std::vector<std::string>& command, const std::string& folder,
+           const Environment& environment);
+  ~Terminal();
+  Terminal(const Terminal&) = delete;
+  Terminal& operator=(const Terminal&) = delete;
+
+  void type(std::string_view keys);
+
+  /// What is printed from now on, up to and with `mark`; throws if it does not come in time.
+  std::string readUntil(std::string_view mark);
+
+ private:
+  int terminal_ = -1;
+  int process_ = -1;
+  std::string unread_;
+};

@@ -1,0 +1,85 @@
+#include "command_line.h"
+
+namespace tavi {
+namespace {
+
+using testing::CommandLine;
+
+class ReadingCommands : public CommandLine {
+ protected:
+  void SetUp() override {
+    store.add("Mars", "red planet\nred").metadata.tags = {"planet"};
+    store.add("Venus", "hot").metadata.locked = true;
+    store.add("Pluto", "cold").metadata.location = NoteLocation::trash;
+  }
+};
+
+TEST_F(ReadingCommands, ShowPrintsMetadataOrTheWholeNote) {
+  EXPECT_EQ(run({"show", "ID-1"}), printed("ID-1\tMars\t#planet\n"));
+  EXPECT_EQ(run({"show", "-t", "VENUS", "--fields", "title,hash", "--format=json"}),
+            printed("{\"title\":\"Venus\",\"hash\":null}\n"));
+  EXPECT_EQ(run({"show", "ID-1", "--fields", "content", "--format", "csv"}),
+            printed("content\n\"red planet\nred\"\n"));
+  EXPECT_EQ(run({"show", "ID-2", "--fields", "content"}), refused(1, "Note is locked: ID-2"));
+  EXPECT_EQ(run({"show", "ID-9", "--fields", "nosuch"}), refused(1, "Note not found: ID-9"));
+  EXPECT_EQ(run({"show", "--fields", "nosuch"}), refused(64, "Note ID or title is required"));
+  EXPECT_EQ(run({"show", "ID-1", "--fields", "nosuch"}).exitCode, 64);
+}
+
+TEST_F(ReadingCommands, CatPrintsTheTextAsItStands) {
+  EXPECT_EQ(run({"cat", "ID-1"}), printed("red planet\nred"));
+  EXPECT_EQ(run({"cat", "--title", "mars", "-o", "4", "-n=6"}), printed("planet"));
+  EXPECT_EQ(run({"cat", "ID-1", "--format", "json"}),
+            printed("{\"content\":\"red planet\\nred\"}\n"));
+  EXPECT_EQ(run({"cat", "ID-1", "--limit=-1"}), refused(64, "Limit must be non-negative"));
+}
+
+TEST_F(ReadingCommands, ListPrintsRowsOrTheirNumber) {
+  EXPECT_EQ(run({"list"}), printed("ID-1\tMars\t#planet\nID-2\tVenus\t\n"));
+  EXPECT_EQ(run({"list", "-l", "all", "-s", "title", "-n", "2", "--fields", "title"}),
+            printed("Venus\nPluto\n"));
+  EXPECT_EQ(run({"list", "--tag", "planet", "--fields", "id,content"}),
+            printed("ID-1\tred planet\\nred\n"));
+  EXPECT_EQ(run({"list", "--count", "--fields", "nosuch"}), printed("2\n"));
+  EXPECT_EQ(run({"list", "--count", "--offset", "0", "--format", "json"}),
+            printed("{\"count\":2}\n"));
+  EXPECT_EQ(run({"list", "--count", "--offset", "5"}),
+            refused(64, "--count cannot be combined with --limit or --offset"));
+}
+
+TEST_F(ReadingCommands, ListAndSearchSayWhenTheyFoundNothing) {
+  for (const std::vector<std::string>& search :
+       {std::vector<std::string>{"list", "--location", "archive"}, {"search", "none"}}) {
+    auto arguments = search;
+    const Result quiet = run(arguments);
+    EXPECT_EQ(quiet, (Result{0, "", "No notes found.\n"}));
+    arguments.insert(arguments.end(), {"--format", "json"});
+    EXPECT_EQ(run(arguments), printed("[]\n"));
+  }
+  EXPECT_EQ(run({"list", "-n", "0", "--format", "json"}), printed(""));
+  EXPECT_EQ(run({"search", "red", "-n", "0"}), printed(""));
+}
+
+TEST_F(ReadingCommands, SearchTakesItsQueryInEitherForm) {
+  EXPECT_EQ(run({"search", "red"}), printed("ID-1\tMars\t#planet\t2\n"));
+  EXPECT_EQ(run({"search", "--query", "red", "--fields", "content,matches"}),
+            printed("red planet\\nred\t2\n"));
+  EXPECT_EQ(run({"search", "red", "--count"}), printed("1\n"));
+  EXPECT_EQ(run({"search", "-q", "-x"}), (Result{0, "", "No notes found.\n"}));
+  EXPECT_EQ(run({"search"}), refused(64, "Query is required"));
+  EXPECT_EQ(run({"search", "red", "--query", "red"}),
+            refused(64, "Specify the query as a positional argument or --query, not both"));
+}
+
+TEST_F(ReadingCommands, SearchInFindsWithinOneNote) {
+  EXPECT_EQ(run({"search-in", "ID-1", "--string", "RED", "--context", "0"}),
+            printed("0\tred\n11\tred\n"));
+  EXPECT_EQ(run({"search-in", "ID-1", "-s", "\\nred", "--count"}), printed("1\n"));
+  EXPECT_EQ(run({"search-in", "ID-1", "-s", "--string"}), printed(""));
+  EXPECT_EQ(run({"search-in", "ID-1"}), refused(64, "--string is required"));
+  EXPECT_EQ(run({"search-in", "ID-1", "-s", "x", "--count", "-n", "1"}),
+            refused(64, "--count cannot be combined with --limit"));
+}
+
+}  // namespace
+}  // namespace tavi

@@ -1,0 +1,41 @@
+#include <gtest/gtest.h>
+
+#include "domain/content_hash.h"
+#include "domain/note_records.h"
+#include "domain/tag_parser.h"
+
+namespace tavi {
+namespace {
+
+TEST(ContentHash, IsTheHeadOfTheDigestOfTheBytes) {
+  EXPECT_EQ(ContentHash::of(""), "e3b0c44");
+  EXPECT_EQ(ContentHash::of("abc"), "ba7816b");
+  EXPECT_NE(ContentHash::of("a\n"), ContentHash::of("a\r\n"));
+  EXPECT_NE(ContentHash::of("\u00E9"), ContentHash::of("e\u0301"));
+}
+
+TEST(TagParser, GivesTheTwoFormsOfATag) {
+  EXPECT_EQ(TagParser::canonicalName(" #work/draft "), "work/draft");
+  EXPECT_EQ(TagParser::canonicalName("#multi word#"), "multi word");
+  EXPECT_EQ(TagParser::canonicalName(" ## "), "");
+  EXPECT_EQ(TagParser::hashtag("nested/child"), "#nested/child");
+  EXPECT_EQ(TagParser::hashtag("multi word"), "#multi word#");
+  EXPECT_EQ(TagParser::hashtag("line\nbreak"), "#line\nbreak");  // it cannot be written
+}
+
+TEST(RawTexts, AreMatchedExactly) {
+  for (const NoteLocation location :
+       {NoteLocation::notes, NoteLocation::trash, NoteLocation::archive}) {
+    EXPECT_EQ(noteLocation(rawText(location)), location);
+  }
+  EXPECT_EQ(rawText(NoteLocation::archive), "archive");
+  EXPECT_EQ(insertPosition("end"), InsertPosition::end);
+  EXPECT_EQ(rawText(InsertPosition::beginning), "beginning");
+  for (const char* text : {"", "all", "Trash", " trash"}) {
+    EXPECT_EQ(noteLocation(text), std::nullopt) << text;
+  }
+  EXPECT_EQ(insertPosition("End"), std::nullopt);
+}
+
+}  // namespace
+}  // namespace tavi

@@ -1,0 +1,207 @@
+// A working day of a client, with the program as it is built: the wires from the pipe to the
+// database and back are connected. TAVICLI_PROGRAM is its path.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <unistd.h>
+#include <boost/json.hpp>
+
+#include <filesystem>
+#include <fstream>
+
+#include "server_process.h"
+
+namespace tavi::mcp {
+namespace {
+
+namespace fs = std::filesystem;
+namespace json = boost::json;
+using ::testing::HasSubstr;
+using testing::ServerProcess;
+using ::testing::StartsWith;
+
+class WorkingDay : public ::testing::Test {
+ protected:
+  WorkingDay() {
+    fs::remove_all(home);
+    fs::create_directories(home / "bin");
+    std::ofstream(home / "bin/xdg-open") << "#!/bin/sh\necho \"$1\" > \"$HOME/opened\"\n";
+    fs::permissions(home / "bin/xdg-open", fs::perms::owner_all);
+  }
+  ~WorkingDay() override { fs::remove_all(home); }
+
+  std::string path() const { return (home / "bin").string() + ":/usr/bin:/bin"; }
+  std::string commandLine(std::vector<std::string> arguments, std::string_view input = "") {
+    arguments.insert(arguments.begin(), program);
+    return testing::outputOf(arguments, home, input);
+  }
+
+  /// The result of a tool. `$` in the arguments stands for the id of the day's note.
+  json::value result(const std::string& tool, std::string arguments) {
+    for (std::size_t at; (at = arguments.find('$')) != std::string::npos;)
+      arguments.replace(at, 1, id);
+    const json::value answer =
+        json::parse(server->ask(R"({"jsonrpc":"2.0","id":)" + std::to_string(++lastID) +
+                                R"(,"method":"tools/call","params":{"name":")" + tool +
+                                R"(","arguments":)" + arguments + "}}"));
+    EXPECT_TRUE(answer.at("id") == lastID);
+    return answer.at("result");
+  }
+  /// What a tool answers, which stands in its result twice.
+  std::string call(const std::string& tool, const std::string& arguments = R"({"id":"$"})") {
+    const json::value all = result(tool, arguments);
+    const std::string text(all.at("content").at(0).at("text").as_string());
+    EXPECT_FALSE(all.as_object().contains("isError")) << tool << ": " << text;
+    const json::value* structure = all.as_object().if_contains("structuredContent");
+    EXPECT_TRUE(structure && json::parse(text) == *structure) << tool << ": " << all;
+    return text;
+  }
+  std::string refusal(const std::string& tool, const std::string& arguments) {
+    const json::value all = result(tool, arguments);
+    EXPECT_TRUE(all.as_object().contains("isError")) << tool << ": " << all;
+    return std::string(all.at("content").at(0).at("text").as_string());
+  }
+  /// A member of an answer that is a text, found by its JSON pointer.
+  static std::string member(const std::string& answer, std::string_view pointer) {
+    return std::string(json::parse(answer).at_pointer(pointer).as_string());
+  }
+  std::string text() { return member(call("read_note_content"), "/content"); }
+  std::string hash() { return member(call("get_note"), "/metadata/contentHash"); }
+  void create(const std::string& arguments) { id = member(call("create_note", arguments), "/id"); }
+
+  const std::string program = TAVICLI_PROGRAM;
+  const fs::path home =
+      fs::path(::testing::TempDir()) / ("working-day." + std::to_string(::getpid()));
+  const fs::path signal = home / ".local/share/tavi/net.kelvaro.tavi.cli.didRequestRefresh";
+  std::unique_ptr<ServerProcess> server = std::make_unique<ServerProcess>(program, home, path());
+  int lastID = 0;
+  std::string id;
+};
+
+TEST_F(WorkingDay, BeginsWithAHandshakeHoweverTheClientGoesAboutIt) {
+  EXPECT_THAT(server->ask(R"({"jsonrpc":"2.0","id":0,"method":"server/probe","params":{}})"),
+              HasSubstr("-32601"));
+  server->send("");
+  const auto hello = json::parse(server->ask(
+      R"({"jsonrpc":"2.0","id":"i","method":"initialize","params":{"protocolVersion":"2031-01-01",)"
+      R"("capabilities":{"roots":{"listChanged":true}},"clientInfo":{"name":"c","version":"1"},)"
+      R"("_meta":{"progressToken":1}}})"));
+  EXPECT_TRUE(hello.at("result").at("protocolVersion") == "2025-06-18");
+  server->send(R"({"jsonrpc":"2.0","method":"notifications/initialized"})");
+  server->send(R"({"jsonrpc":"2.0","method":"notifications/cancelled","params":{"requestId":7}})");
+  server->send(R"({"jsonrpc":"2.0","id":9,"result":{"roots":[]}})");  // an answer nobody asked for
+  EXPECT_THAT(server->receive(), HasSubstr("-32600"));
+  EXPECT_THAT(server->ask("{\"id\":1,"), HasSubstr("-32700"));
+  const auto list = json::parse(server->ask(R"({"jsonrpc":"2.0","id":2,"method":"tools/list"})"));
+  EXPECT_EQ(list.at("result").at("tools").as_array().size(), 24u);
+  EXPECT_FALSE(fs::exists(home / ".local")) << "no store before the first call";
+  EXPECT_EQ(server->finish(), 0);
+}
+
+TEST_F(WorkingDay, TakesEveryToolThroughItsWork) {
+  create(R"({"title":"Mars","content":"dust / storms\n- [ ] pack","tags":["planet","trip plan"]})");
+  EXPECT_EQ(member(call("create_note", R"({"title":"MARS","ifNotExists":true})"), "/id"), id);
+  const std::string note = call("get_note", R"({"title":"mars","includeContent":true})");
+  EXPECT_THAT(note, HasSubstr(R"("tags":["planet","trip plan"],"title":"Mars","todos":1})"));
+  EXPECT_EQ(call("list_notes", R"({"tag":"planet","includeContent":true})"),
+            R"({"notes":[)" + note + "]}");
+  EXPECT_EQ(call("search_notes", R"({"query":"storm","includeContent":true})"),
+            R"({"resultsWithContent":[{"matchCount":1,"note":)" + note + "}]}");
+  EXPECT_THAT(call("list_notes", "{}"), StartsWith(R"({"metadata":[{)"));
+  EXPECT_THAT(call("search_notes", R"({"query":"#planet"})"), StartsWith(R"({"results":[{)"));
+  EXPECT_THAT(call("search_in_note", R"({"id":"$","string":"STORMS"})"),
+              StartsWith(R"({"matches":[{"byteOffset":)" + std::to_string(text().find("storms"))));
+
+  EXPECT_THAT(call("append_to_note", R"({"id":"$","content":"Phobos"})"),
+              StartsWith(R"({"contentHash":)"));
+  call("edit_note", R"({"id":"$","edits":[{"find":"Phobos","insertAfter":" and Deimos"},)"
+                    R"({"find":"- [ ]","replace":"- [x]"}]})");
+  EXPECT_THAT(text(), HasSubstr("- [x] pack"));
+  EXPECT_THAT(text(), HasSubstr("Phobos and Deimos"));
+  call("overwrite_note",
+       R"({"id":"$","content":"# Mars\nred\n\n#planet","baseHash":")" + hash() + "\"}");
+  EXPECT_EQ(text(), "# Mars\nred\n\n#planet");
+
+  EXPECT_THAT(call("add_tags", R"({"id":"$","tags":"work/space, red"})"),
+              HasSubstr(R"("tags":["planet","red","work\/space"])"));
+  EXPECT_EQ(call("add_pins", R"({"id":"$","targets":["global","red"]})"),
+            R"({"pins":["global","#red"]})");
+  EXPECT_EQ(call("rename_tag", R"({"old":"red","new":"rust"})"), R"({"notesUpdated":1})");
+  EXPECT_EQ(call("list_pins"), R"({"pins":["global","#rust"]})");
+  EXPECT_EQ(call("remove_pins", R"({"id":"$","targets":"global,rust"})"), R"({"pins":[]})");
+  EXPECT_EQ(call("delete_tag", R"({"tag":"rust"})"), R"({"notesUpdated":1})");
+  EXPECT_THAT(call("remove_tags", R"({"id":"$","tags":["work/space"]})"),
+              HasSubstr(R"("tags":["planet"])"));
+  EXPECT_EQ(call("list_tags"), R"({"tags":["planet"]})");
+
+  commandLine({"attachments", "add", id, "--filename", "map.txt"}, "here be dragons");
+  EXPECT_EQ(call("list_attachments"), R"({"attachments":[{"filename":"map.txt","size":15}]})");
+  EXPECT_EQ(call("read_attachment", R"({"id":"$","filename":"map.txt"})"),
+            R"({"data":"aGVyZSBiZSBkcmFnb25z"})");
+  EXPECT_THAT(call("delete_attachment", R"({"id":"$","filename":"map.txt"})"),
+              HasSubstr(R"("attachments":[])"));
+
+  EXPECT_THAT(call("archive_note"), HasSubstr(R"("location":"archive")"));
+  EXPECT_THAT(call("trash_note"), HasSubstr(R"("location":"trash")"));
+  EXPECT_THAT(call("restore_note"), HasSubstr(R"("location":"notes")"));
+  EXPECT_EQ(call("open_note", R"({"id":"$","header":"a&b"})"), "{}");
+  std::string url;
+  std::ifstream opened(home / "opened");
+  std::getline(opened, url);
+  EXPECT_EQ(url, "tavi://x-callback-url/open-note?id=" + id + "&header=a%26b");
+  EXPECT_EQ(server->finish(), 0);
+}
+
+TEST_F(WorkingDay, ForgivesACarelessClientNothing) {
+  create(R"({"content":"# List\nmilk\nmilk"})");
+  const std::string read = hash();
+  EXPECT_THAT(refusal("overwrite_note", R"({"id":"$","content":""})"), StartsWith("baseHash is"));
+  EXPECT_THAT(refusal("edit_note", R"({"id":"$","edits":[{"find":"milk","replace":""}]})"),
+              StartsWith("String matches 2 locations in note "));
+  commandLine({"append", id, "--content", "eggs"});  // another program, in between
+  EXPECT_THAT(refusal("overwrite_note", R"({"id":"$","content":"tea","baseHash":")" + read + "\"}"),
+              StartsWith("Note has changed since last read"));
+  EXPECT_EQ(text(), "# List\nmilk\nmilk\neggs");
+
+  commandLine({"attachments", "add", id, "--filename", "a.txt"}, "bytes");
+  EXPECT_THAT(
+      refusal("overwrite_note", R"({"id":"$","content":"tea","baseHash":")" + hash() + "\"}"),
+      StartsWith("Write would remove attachment `a.txt`."));
+  EXPECT_EQ(call("list_attachments"), R"({"attachments":[{"filename":"a.txt","size":5}]})");
+}
+
+TEST_F(WorkingDay, SignalsTheApplicationAfterSuccessfulWritesOnly) {
+  create(R"({"content":"tea"})");
+  ASSERT_TRUE(fs::exists(signal));
+  const auto before = fs::last_write_time(signal) - std::chrono::hours(1);
+  fs::last_write_time(signal, before);
+  call("get_note");
+  refusal("add_tags", R"({"id":"$"})");
+  EXPECT_EQ(fs::last_write_time(signal), before);
+  call("append_to_note", R"({"id":"$","content":"milk"})");
+  EXPECT_NE(fs::last_write_time(signal), before);
+}
+
+TEST_F(WorkingDay, TellsOfAReplacedExecutable) {
+  fs::copy_file(program, home / "tavicli");
+  server = std::make_unique<ServerProcess>(home / "tavicli", home, path());
+  server->ask(R"({"id":1,"method":"ping"})");
+  fs::copy_file("/bin/sh", home / "new");
+  fs::rename(home / "new", home / "tavicli");
+  const std::string request =
+      R"({"id":2,"method":"tools/call","params":{"name":"list_tags","arguments":{}}})";
+  EXPECT_THAT(server->ask(request), HasSubstr("notifications\\/message"));
+  EXPECT_THAT(server->receive(), HasSubstr("On-disk tavicli is newer"));
+  EXPECT_THAT(server->ask(request), HasSubstr("On-disk tavicli is newer"));
+}
+
+TEST_F(WorkingDay, SaysNothingOfACopyOfTheSameBuild) {
+  fs::copy_file(program, home / "tavicli");
+  server = std::make_unique<ServerProcess>(home / "tavicli", home, path());
+  server->ask(R"({"id":1,"method":"ping"})");
+  fs::copy_file(program, home / "new");
+  fs::rename(home / "new", home / "tavicli");
+  EXPECT_EQ(call("list_tags", "{}"), R"({"tags":[]})");
+}
+
+}  // namespace
+}  // namespace tavi::mcp

@@ -1,0 +1,59 @@
+#include "operations/location_operations.h"
+
+#include <gtest/gtest.h>
+
+#include "memory_note_store.h"
+#include "refusal.h"
+
+namespace tavi {
+namespace {
+
+using testing::MemoryNoteStore;
+using testing::refusal;
+
+TEST(MoveOperations, MoveALockedNoteByTitleAndBackById) {
+  MemoryNoteStore store;
+  store.add("Mars").metadata.locked = true;
+  EXPECT_EQ(ArchiveNoteOp::execute({.title = "mars"}, store).location, NoteLocation::archive);
+  EXPECT_EQ(TrashNoteOp::execute({.id = "ID-1"}, store).location, NoteLocation::trash);
+  EXPECT_EQ(TrashNoteOp::execute({.id = "ID-1"}, store).location, std::nullopt);
+  EXPECT_EQ(refusal([&] { RestoreNoteOp::execute({.title = "Mars"}, store); }),
+            "note_not_found: No note with title: Mars "
+            "(in notes — use note ID for trash/archive)");
+  EXPECT_EQ(RestoreNoteOp::execute({.id = "ID-1"}, store).location, NoteLocation::notes);
+}
+
+std::string openedURL(const OpenNoteInput& input) {
+  MemoryNoteStore store;
+  store.add("Mars").metadata.locked = true;
+  std::string opened;
+  OpenNoteOp::execute(input, store, [&](const std::string& url) {
+    opened = url;
+    return true;
+  });
+  return opened;
+}
+
+TEST(OpenNote, NamesTheNoteAndWhatToDo) {
+  const std::string base = "tavi://x-callback-url/open-note?id=";
+  EXPECT_EQ(openedURL({.title = "mars"}), base + "ID-1");
+  EXPECT_EQ(openedURL({.id = "no such/note?"}), base + "no%20such/note?");
+  EXPECT_EQ(openedURL({.id = "A", .header = ""}), base + "A");
+  EXPECT_EQ(openedURL({.id = "A", .header = "Q&A = 100% é#+;"}),
+            base + "A&header=Q%26A%20%3D%20100%25%20%C3%A9%23%2B%3B");
+  EXPECT_EQ(
+      openedURL({.id = "A", .header = "x", .edit = true, .newWindow = true, .floating = true}),
+      base + "A&header=x&edit=yes&new_window=yes&float=yes");
+}
+
+TEST(OpenNote, TellsWhenNobodyTookTheURL) {
+  MemoryNoteStore store;
+  const auto refuse = [](const std::string&) { return false; };
+  EXPECT_EQ(refusal([&] { OpenNoteOp::execute({.id = "A"}, store, refuse); }),
+            "store_unavailable: Could not open Tavi. Is the app installed?");
+  EXPECT_EQ(refusal([&] { OpenNoteOp::execute({.id = "A", .header = "\xff"}, store, refuse); }),
+            "invalid input: Could not construct open-note URL");
+}
+
+}  // namespace
+}  // namespace tavi

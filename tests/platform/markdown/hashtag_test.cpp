@@ -1,0 +1,115 @@
+#include "platform/markdown/hashtag.h"
+
+#include <gmock/gmock.h>
+
+#include "platform/markdown/ast.h"
+
+namespace zephyrdown {
+namespace {
+
+std::vector<std::string> tagsIn(std::string_view text) {
+  return ZDKAST::fromMarkdown(std::string(text)).textSummary().tags;
+}
+
+TEST(Hashtag, StripsNamesToTheirCanonicalForm) {
+  for (const auto& [text, name] : std::initializer_list<std::pair<const char*, const char*>>{
+           {"work", "work"},
+           {"#work", "work"},
+           {" ##work## ", "work"},
+           {"\u00A0# work #\u2003", "work"},
+           {"#multi word#", "multi word"},
+           {"multi \t word", "multi word"},
+           {"Work", "Work"},
+           {"/a//b /  c d/ ", "a/b/c d"},
+           {"C++", "C++"},
+           {"2024", "2024"},
+           {"e\u0301te\u0301", "\u00E9t\u00E9"},
+           {"🎉", "🎉"},
+       }) {
+    EXPECT_EQ(ZDKHashtag::sanitizeTagName(text), name) << text;
+  }
+}
+
+TEST(Hashtag, RefusesNamesThatNoHashtagCanHold) {
+  for (const char* text : {"", "#", " # ", "/", "a#b", "a\nb", "a\x01", "a*b", "-", "[x]", "\xFF",
+                           "a\u2028b", "\u0301x", "&amp;", "me@x.yz"}) {
+    EXPECT_EQ(ZDKHashtag::sanitizeTagName(text), std::nullopt) << text;
+  }
+}
+
+TEST(Hashtag, WritesAClosingMarkWhereTheNameNeedsOne) {
+  for (const auto& [name, text] : std::initializer_list<std::pair<const char*, const char*>>{
+           {"work", "#work"},
+           {"nested/child", "#nested/child"},
+           {"multi word", "#multi word#"},
+           {"2024", "#2024#"},
+           {"v1.2", "#v1.2"},
+           {"end.", "#end.#"},
+           {"R&D", "#R&D"},
+           {"a, b", "#a, b#"},
+           {"日本語", "#日本語"},
+       }) {
+    EXPECT_EQ(ZDKHashtag::hashtagStringForTagName(name), text) << name;
+  }
+}
+
+TEST(Hashtag, StartsAtTheBeginOfAWord) {
+  for (const char* text : {"#a", " #a", "x #a", "(#a)", "\"#a\"", "「#a」", "x,#a", "🎉#a",
+                           "❤️#a", "> #a", "-\t#a", "x\n#a", "。#a"}) {
+    EXPECT_THAT(tagsIn(text), testing::ElementsAre("a")) << text;
+  }
+  for (const char* text : {"x#a", "1#a", "##a", "é#a", "天#a", "/#a", "x:#a", "&#a", "=#a", "# a",
+                           "#", "#\ta", "#️⃣ a", "#/a"}) {
+    EXPECT_THAT(tagsIn(text), testing::IsEmpty()) << text;
+  }
+}
+
+TEST(Hashtag, EndsWithTheWord) {
+  for (const auto& [text, name] : std::initializer_list<std::pair<const char*, const char*>>{
+           {"#a.", "a"},
+           {"#a, b", "a"},
+           {"#a: b", "a"},
+           {"#a!", "a"},
+           {"#a?", "a"},
+           {"(#a)", "a"},
+           {"#a… b", "a"},
+           {"#天気、", "天気"},
+           {"#a/b.", "a/b"},
+           {"#a/ b", "a"},
+           {"#v1.2.", "v1.2"},
+           {"#a-b", "a-b"},
+           {"#a's", "a"},
+           {"#a\u00A0b", "a"},
+           {"#a#b", "a"},
+           {"#1a", "1a"},
+           {"#a🎉", "a🎉"},
+       }) {
+    EXPECT_THAT(tagsIn(text), testing::ElementsAre(name)) << text;
+  }
+  for (const char* text : {"#123", "#1.5", "#-", "#_", "#1/2", "#2024-01-01"}) {
+    EXPECT_THAT(tagsIn(text), testing::IsEmpty()) << text;
+  }
+}
+
+TEST(Hashtag, HoldsBlanksUpToAClosingMark) {
+  using Names = std::vector<std::string>;
+  for (const auto& [text, names] : std::initializer_list<std::pair<const char*, Names>>{
+           {"#a b#", {"a b"}},
+           {"#a b# c", {"a b"}},
+           {"#a b#.", {"a b"}},
+           {"#one and #two", {"one", "two"}},
+           {"#a b #", {"a"}},
+           {"#a b#c", {"a"}},
+           {"#a b##", {"a"}},
+           {"#a\nb#", {"a"}},
+           {"#a `b` c#", {"a"}},
+           {"#a# #b c# #d", {"a", "b c", "d"}},
+           {"#a b/c d#", {"a b/c d"}},
+           {"#12#", {"12"}},
+       }) {
+    EXPECT_EQ(tagsIn(text), names) << text;
+  }
+}
+
+}  // namespace
+}  // namespace zephyrdown

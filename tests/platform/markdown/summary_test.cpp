@@ -1,0 +1,88 @@
+#include <gmock/gmock.h>
+
+#include "platform/markdown/ast.h"
+
+namespace zephyrdown {
+namespace {
+
+using testing::ElementsAre;
+
+ZDKTextSummary summaryOf(std::string_view text) {
+  return ZDKAST::fromMarkdown(std::string(text)).textSummary();
+}
+
+TEST(TextSummary, TakesTheTitleFromTheFirstHeadingElseTheFirstLine) {
+  for (const auto& [text, title] : std::initializer_list<std::pair<const char*, const char*>>{
+           {"", ""},
+           {" \n\t\n", ""},
+           {"# Title", "Title"},
+           {"# Title #\r\n", "Title"},
+           {"\xEF\xBB\xBF# Title", "Title"},
+           {"Intro\n\n## Later", "Later"},
+           {"Title\nover two\n===\n", "Title over two"},
+           {"# *a* **b** `c` [d](e.pdf) ![f](g.png) &amp; \\# <i>h</i>", "a b c d f & # h"},
+           {"#\n\nBody", "Body"},
+           {"> # Quoted\n\nBody", "Quoted"},
+           {"First line\nsecond line", "First line"},
+           {"First\rsecond", "First"},
+           {"- [ ] buy *milk*\n- eggs", "buy milk"},
+           {"1. > quoted", "quoted"},
+           {"#work\n\nBody", "Body"},
+           {"#work #multi word#", "#work #multi word#"},
+           {"# Plan #work", "Plan #work"},
+           {"---\ntitle: x\n---\nBody", "Body"},
+           {"---\n\nBody\n\n---", "Body"},
+           {"```\n\n  code\n```", "code"},
+           {"<!-- a\nb -->\n\n<div>Hello</div>", "Hello"},
+           {"| a | b |\n|---|---|\n| c | d |", "a"},
+           {"[[Other note|alias]] and more", "alias and more"},
+       }) {
+    EXPECT_EQ(summaryOf(text).title, title) << text;
+  }
+}
+
+TEST(TextSummary, ListsTagsInOrderEachOnce) {
+  for (const auto& [text, tags] :
+       std::initializer_list<std::pair<const char*, std::vector<std::string>>>{
+           {"#b #a #b", {"b", "a"}},
+           {"# Title\n#a\n", {"a"}},
+           {"**#a** and *#b c#*", {"a", "b c"}},
+           {"- [ ] #a\n> #b\n\n| #c | #d |\n|--|--|\n| #e | #f |", {"a", "b", "c", "d", "e", "f"}},
+           {"`#a` ``#b`` \\#c &#35;d `x`#e", {}},
+           {"    #a\n\n```#b\n#c\n```\n\n~~~\n#d", {}},
+           {"http://x.y/#a www.x.y/#b <http://x.y/#c> <m#d@x.y>", {}},
+           {"[x](#a) [y](<u #b>) [z #c](d) ![#e](f) [#g][h]\n\n[h]: #i \"#j\"", {}},
+           {"<b title=\"#a\">#b</b>\n\n<div>\n#c\n</div>\n\n<!-- #d -->", {"b"}},
+           {"[^#a]\n\n[^1]: #b", {"b"}},
+           {"[[#a]] [[x|#b]] [[#c/d]]", {}},
+           {"---\ntags: #a\n---\n#b", {"b"}},
+           {"#a_ and #_b_ and _#c_", {"a_", "_b_", "c"}},
+       }) {
+    EXPECT_EQ(summaryOf(text).tags, tags) << text;
+  }
+}
+
+TEST(TextSummary, CountsTaskListItems) {
+  const auto summary = summaryOf(
+      "- [ ] a\n  * [x] b\n+ [X] c\n1. [ ] d\n2) [x] e\n> - [ ] f\n\n"
+      "- [y] no\n-[ ] no\n[ ] no\n\n```\n- [ ] no\n```\n\n    - [ ] no\n");
+  EXPECT_EQ(summary.todoIncomplete, 3);
+  EXPECT_EQ(summary.todoCompleted, 3);
+}
+
+TEST(TextSummary, ListsTitlesOfWikiLinks) {
+  EXPECT_THAT(summaryOf("[[A]] [[B/Heading]] [[C|alias]] [[A]] [[D\\/E/F]] `[[no]]` [[ G ]] [[/h]]")
+                  .wikiLinks,
+              ElementsAre("A", "B", "C", "D/E", "G"));
+}
+
+TEST(TextSummary, TellsOfImagesAndCode) {
+  EXPECT_TRUE(summaryOf("![](https://x.y/z.png)").hasImages);
+  EXPECT_FALSE(summaryOf("[a](b.png) `![](c.png)`").hasImages);
+  for (const char* text : {"`a`", "    a", "```\n```"})
+    EXPECT_TRUE(summaryOf(text).hasCode) << text;
+  EXPECT_FALSE(summaryOf("\\`a`").hasCode);
+}
+
+}  // namespace
+}  // namespace zephyrdown

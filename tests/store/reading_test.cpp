@@ -1,0 +1,157 @@
+#include <filesystem>
+#include <fstream>
+
+#include "domain/invalid_query.h"
+#include "store_fixture.h"
+
+namespace tavi {
+namespace {
+
+using Reading = StoreTest;
+
+TEST_F(Reading, ConvertsANoteToItsMetadata) {
+  const std::string id = create("# Title\n- [ ] a\n- [x] b\n- [x] c\n\nText é #zeta #alpha #Beta");
+  otherProgram(
+      "UPDATE note SET pinned = 1, creationDate = 0, modificationDate = 86400.75;"
+      "INSERT INTO pinnedInTag SELECT 1, id FROM tag WHERE title IN ('zeta', 'alpha');"
+      "INSERT INTO file (note, filename, position) VALUES (1, 'b.png', 0), (1, NULL, 1), (1, "
+      "'a.png', 2)");
+  const NoteMetadata read = metadata(id);
+  EXPECT_EQ(read.title, "Title");
+  EXPECT_EQ(read.contentHash.size(), 7U);
+  EXPECT_EQ(read.contentLength, 59);
+  EXPECT_EQ(read.created.seconds, 0);
+  EXPECT_EQ(formatISO8601(read.modified), "1970-01-02T00:00:00Z");
+  EXPECT_EQ(read.pins, (Texts{"global", "#alpha", "#zeta"}));
+  EXPECT_EQ(read.todos, 1);
+  EXPECT_EQ(read.done, 2);
+  EXPECT_EQ(read.tags, (Texts{"Beta", "alpha", "zeta"}));
+  EXPECT_EQ(read.attachments, (Texts{"b.png", "a.png"}));
+  EXPECT_EQ(fresh()->noteWithTitle("TITLE").metadata.contentHash, read.contentHash);
+}
+
+TEST_F(Reading, HidesWhatALockedNoteHolds) {
+  const std::string id = create("# Secret\n- [ ] x #tag");
+  lock(id);
+  const NoteMetadata read = metadata(id);
+  EXPECT_TRUE(read.locked);
+  EXPECT_EQ(read.contentHash, "");
+  EXPECT_EQ(read.contentLength + read.todos + read.done, 0);
+  EXPECT_EQ(read.tags, Texts{"tag"});
+  EXPECT_EQ(refusal([&] { fresh()->noteWithID(id); }), "note_locked");
+  EXPECT_EQ(refusal([&] { fresh()->noteWithTitle("secret"); }), "note_locked");
+  EXPECT_EQ(refusal([&] { fresh()->searchInNote(id, "x", 0, {}); }), "note_locked");
+  EXPECT_EQ(fresh()->metadataWithTitle("secret").id, id);
+  EXPECT_EQ(fresh()->listTags(id), Texts{"tag"});
+  const auto store = fresh();
+  EXPECT_EQ(all(store->listNotesWithContent({})).at(0).content, "");
+  EXPECT_EQ(all(store->searchNotesWithContent("secret", {})).at(0).note.content, "");
+  EXPECT_TRUE(all(store->searchNotes("tag", {})).empty());
+}
+
+TEST_F(Reading, FindsTitlesAmongActiveNotesOnly) {
+  const std::string first = create("# Same");
+  const std::string second = create("# same");
+  const std::string third = create("# SAME");
+  fresh()->moveNote(third, NoteLocation::trash);
+  EXPECT_EQ(refusal([&] { fresh()->metadataWithTitle("same"); }), "title_ambiguous");
+  fresh()->moveNote(second, NoteLocation::archive);
+  EXPECT_EQ(fresh()->metadataWithTitle("same").id, first);
+  fresh()->moveNote(first, NoteLocation::archive);
+  EXPECT_EQ(refusal([&] { fresh()->metadataWithTitle("same"); }), "note_not_found");
+  EXPECT_EQ(refusal([&] { fresh()->metadataWithID("nowhere"); }), "note_not_found");
+}
+
+class Listing : public StoreTest {
+ protected:
+  void SetUp() override {
+    for (const char* title : {"b", "C", "a", "d", "e"})
+      ids.push_back(create(std::string("# ") + title));
+    otherProgram(
+        "UPDATE note SET modificationDate = 100 + id, creationDate = 200 - id;"
+        "UPDATE note SET pinned = 1 WHERE id = 2;"
+        "UPDATE note SET modificationDate = NULL WHERE id = 3;"
+        "UPDATE note SET trashed = 1, archived = 1 WHERE id = 4;"
+        "UPDATE note SET permanentlyDeleted = 1 WHERE id = 5");
+  }
+
+  std::string titles(const std::string& sort, std::int64_t limit = INT64_MAX,
+                     std::int64_t offset = 0,
+                     std::optional<NoteLocation> location = NoteLocation::notes) {
+    const ListRequest request{parseSortCriteria(sort), limit, offset, location};
+    std::string listed;
+    std::string found;
+    const auto store = fresh();
+    for (const auto& note : all(store->listNotes(request))) listed += note.title;
+    for (const auto& row : all(store->searchNotes("-nowhere", request)))
+      found += row.metadata.title;
+    if (sort.find("title") == std::string::npos) {
+      EXPECT_EQ(listed, found) << sort;
+    }
+    EXPECT_EQ(store->listNotes(request)->count(), static_cast<std::int64_t>(listed.size()));
+    EXPECT_EQ(store->searchNotes("-nowhere", request)->count(),
+              static_cast<std::int64_t>(listed.size()));
+    return listed;
+  }
+
+  std::vector<std::string> ids;
+};
+
+TEST_F(Listing, SortsAndPages) {
+  EXPECT_EQ(titles("pinned,modified"), "Cba");
+  EXPECT_EQ(titles("modified"), "Cba");
+  EXPECT_EQ(titles("modified:asc"), "abC");
+  EXPECT_EQ(titles("created"), "bCa");
+  EXPECT_EQ(titles("title:asc"), "Cab");
+  EXPECT_EQ(titles("title"), "baC");
+  EXPECT_EQ(titles("pinned:asc,title:asc"), "abC");
+  EXPECT_EQ(titles("modified:asc", 1, 1), "b");
+  EXPECT_EQ(titles("modified:asc", 5, 2), "C");
+  EXPECT_EQ(titles("modified:asc", 5, 9), "");
+  EXPECT_EQ(titles("modified", INT64_MAX, 1), "ba");
+}
+
+TEST_F(Listing, KeepsLocationsApart) {
+  EXPECT_EQ(titles("modified", INT64_MAX, 0, NoteLocation::trash), "d");
+  EXPECT_EQ(titles("modified", INT64_MAX, 0, NoteLocation::archive), "d");
+  EXPECT_EQ(titles("modified", INT64_MAX, 0, std::nullopt), "dCba");
+  EXPECT_EQ(metadata(ids[3]).location, NoteLocation::trash);
+  EXPECT_EQ(metadata(ids[4]).title, "e");
+}
+
+TEST_F(Listing, SearchSortsTitlesAsTheUserReadsThem) {
+  std::string found;
+  const auto store = fresh();
+  const ListRequest request{parseSortCriteria("title:asc"), INT64_MAX, 0, NoteLocation::notes};
+  for (const auto& row : all(store->searchNotes("-nowhere", request))) found += row.metadata.title;
+  EXPECT_EQ(found, "abC");
+}
+
+TEST_F(Listing, CountsMatchesInTheRawText) {
+  const std::string id = create("# Cats\ncat concat #cat");
+  const auto store = fresh();
+  const auto rows = all(store->searchNotes("cat", {}));
+  ASSERT_EQ(rows.size(), 1U);
+  EXPECT_EQ(rows[0].matchCount, 4);
+  EXPECT_EQ(all(store->searchNotes("#cat", {})).at(0).matchCount, 0);
+  EXPECT_THROW(store->searchNotes("@nosuch", {}), InvalidQuery);
+}
+
+TEST_F(Reading, RefusesEverythingWhileTheApplicationIsLocked) {
+  const auto folder = home.path() / "Library/Preferences";
+  std::filesystem::create_directories(folder);
+  std::ofstream(folder / "X7Q2M5R8K1.net.kelvaro.tavi.plist")
+      << "<?xml version=\"1.0\"?><plist version=\"1.0\"><dict>"
+         "<key>applicationLockingEnabled</key><true/></dict></plist>";
+  EXPECT_EQ(refusal([&] { fresh(); }), "app_lock_enabled");
+  EXPECT_FALSE(std::filesystem::exists(home.data())) << "nothing was opened";
+}
+
+TEST_F(Reading, SaysThatAnUnreadableDatabaseCannotBeOpened) {
+  std::filesystem::create_directories(home.data());
+  std::ofstream(home.database()) << "not a database, but long enough to have a header, were it one";
+  EXPECT_EQ(refusal([&] { fresh(); }), "store_unavailable");
+}
+
+}  // namespace
+}  // namespace tavi

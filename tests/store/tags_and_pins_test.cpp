@@ -1,0 +1,82 @@
+#include "store_fixture.h"
+
+namespace tavi {
+namespace {
+
+class TagsAndPins : public StoreTest {
+ protected:
+  Texts tags(const std::string& id) { return metadata(id).tags; }
+};
+
+TEST_F(TagsAndPins, AddsAndRemovesWithoutTouchingTheDate) {
+  const std::string id = create("# T\n#old");
+  otherProgram("UPDATE note SET modificationDate = 1000");
+  fresh()->addTags(id, {"#new", "old", "two words"});
+  EXPECT_EQ(tags(id), (Texts{"new", "old", "two words"}));
+  EXPECT_EQ(text(id), "# T\n#old #new #two words#");
+  fresh()->removeTags(id, {"old", "nosuch", "#two words#"});
+  EXPECT_EQ(tags(id), Texts{"new"});
+  EXPECT_EQ(metadata(id).modified.seconds, 1000);
+}
+
+TEST_F(TagsAndPins, RenamesWithChildrenAndPinsEverywhereButInCode) {
+  const std::string a = create("# A\n#work and `#work`");
+  const std::string b = create("# B\n#work/draft #other");
+  const std::string c = create("# C\n#workshop");
+  fresh()->pinNoteInTag(a, "work");
+  otherProgram("UPDATE note SET modificationDate = 1000");
+  EXPECT_EQ(fresh()->renameTag("#work", "job"), 1);
+  EXPECT_EQ(text(a), "# A\n#job and `#work`");
+  EXPECT_EQ(tags(b), (Texts{"job/draft", "other"}));
+  EXPECT_EQ(tags(c), Texts{"workshop"});
+  EXPECT_EQ(metadata(a).pins, Texts{"#job"});
+  EXPECT_EQ(metadata(a).modified.seconds, 1000);
+  EXPECT_FALSE(fresh()->tagExists("work"));
+  EXPECT_EQ(fresh()->renameTag("nosuch", "x"), 0);
+  EXPECT_FALSE(fresh()->tagExists("x"));
+}
+
+TEST_F(TagsAndPins, MergesWithoutADoubledMention) {
+  const std::string id = create("# T\n\n#old #new");
+  EXPECT_EQ(fresh()->renameTag("old", "new"), 1);
+  EXPECT_EQ(text(id), "# T\n\n#new");
+  EXPECT_EQ(fresh()->listTags({}), Texts{"new"});
+}
+
+TEST_F(TagsAndPins, DeletesATagAndLeavesItsChildren) {
+  const std::string a = create("# A\ntext #work more");
+  const std::string b = create("# B\n#work/draft");
+  EXPECT_EQ(fresh()->tagNoteCount("work"), 1);
+  EXPECT_EQ(fresh()->deleteTag("work"), 1);
+  EXPECT_EQ(tags(a), Texts{});
+  EXPECT_EQ(tags(b), Texts{"work/draft"});
+  EXPECT_EQ(fresh()->deleteTag("nosuch"), 0);
+}
+
+TEST_F(TagsAndPins, PinsLockedNotesToo) {
+  const std::string id = create("# T\n#work/draft");
+  lock(id);
+  EXPECT_EQ(fresh()->pinNote(id).pins, Texts{"global"});
+  EXPECT_EQ(fresh()->pinNoteInTag(id, "#work").pins, (Texts{"global", "#work"}));
+  EXPECT_EQ(fresh()->listPins({}), (Texts{"global", "#work"}));
+  EXPECT_EQ(refusal([&] { fresh()->pinNoteInTag(id, "nosuch"); }), "tag_not_found");
+  EXPECT_FALSE(fresh()->unpinNoteInTag(id, "work/draft").pins);
+  fresh()->unpinNoteInTag(id, "work");
+  EXPECT_EQ(fresh()->unpinNote(id).pins, Texts{});
+  EXPECT_EQ(fresh()->listPins({}), Texts{});
+}
+
+TEST_F(TagsAndPins, MovesThroughTheNotesInOneSave) {
+  const std::string id = create("# T");
+  fresh()->moveNote(id, NoteLocation::trash);
+  const WriteResponse moved = fresh()->moveNote(id, NoteLocation::archive);
+  EXPECT_EQ(moved.location, NoteLocation::archive);
+  EXPECT_EQ(value("SELECT trashed || archived FROM note"), "01");
+  const std::string version = value("SELECT version FROM noteSummary");
+  EXPECT_FALSE(fresh()->moveNote(id, NoteLocation::archive).location);
+  EXPECT_EQ(value("SELECT version FROM noteSummary"), version) << "nothing was written";
+  EXPECT_EQ(fresh()->moveNote(id, NoteLocation::notes).location, NoteLocation::notes);
+}
+
+}  // namespace
+}  // namespace tavi

@@ -1,0 +1,230 @@
+#include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <filesystem>
+#include <fstream>
+#include <mutex>
+#include <thread>
+
+#include "domain/content_hash.h"
+#include "store_fixture.h"
+
+namespace tavi {
+namespace {
+
+class Writing : public StoreTest {
+ protected:
+  void tagsAtTop() {
+    const auto folder =
+        home.path() / "Library/Containers/net.kelvaro.tavi/Data/Library/Preferences";
+    std::filesystem::create_directories(folder);
+    std::ofstream(folder / "net.kelvaro.tavi.plist")
+        << "<?xml version=\"1.0\"?><plist version=\"1.0\"><dict>"
+           "<key>KVTagPosition</key><string>KVTagPositionTop</string></dict></plist>";
+  }
+  static EditOperation replaceEdit(const std::string& find, const std::string& by) {
+    return {find, {EditAction::Kind::replace, by}, false, false, false};
+  }
+  /// A note with two attachments that its text links.
+  std::string noteWithFiles() {
+    const std::string id = create("# Files\n![](a.png)\n[b.zip](b.zip)");
+    otherProgram("INSERT INTO file (note, filename) VALUES (1, 'a.png'), (1, 'b.zip')");
+    return id;
+  }
+};
+
+TEST_F(Writing, ComposesANewNoteWithItsTagsWhereTheSettingPutsThem) {
+  const Texts tags{"#work/draft#", "two words", "inline", ""};
+  EXPECT_EQ(fresh()->createNote("T", "Body #inline", tags).content,
+            "# T\n\nBody #inline\n\n#work/draft #two words#");
+  EXPECT_EQ(fresh()->createNote("T", {}, {}).content, "# T");
+  tagsAtTop();
+  const Note top = fresh()->createNote("T", "Body", tags);
+  EXPECT_EQ(top.content, "# T\n#work/draft #two words# #inline\n\nBody");
+  EXPECT_EQ(top.metadata.tags, (Texts{"inline", "two words", "work/draft"}));
+  EXPECT_EQ(metadata(top.metadata.id).contentHash, ContentHash::of(top.content));
+}
+
+TEST_F(Writing, CreatesFromTextAsItStands) {
+  const std::string raw =
+      "\xEF\xBB\xBF"
+      "first line\r\n\ttabs  \r\n";
+  const Note note = fresh()->createNoteFromText(raw, {});
+  EXPECT_EQ(note.content, raw);
+  EXPECT_EQ(text(note.metadata.id), raw);
+  EXPECT_EQ(note.metadata.title, "first line");
+  EXPECT_EQ(fresh()->createNoteFromText("text", {"a", "b c"}).metadata.tags, (Texts{"a", "b c"}));
+}
+
+TEST_F(Writing, CreatesIfAbsentOnlyWhenNoActiveNoteHasTheTitle) {
+  const std::string id = create("# Here\nold");
+  const Note existing = fresh()->createNoteIfAbsent("HERE", "new", {"t"});
+  EXPECT_EQ(existing.metadata.id, id);
+  EXPECT_EQ(existing.content, "# Here\nold");
+  fresh()->moveNote(id, NoteLocation::trash);
+  EXPECT_NE(fresh()->createNoteIfAbsent("Here", "new", {}).metadata.id, id);
+  create("# here");
+  EXPECT_EQ(refusal([&] { fresh()->createNoteIfAbsent("Here", {}, {}); }), "title_ambiguous");
+}
+
+TEST_F(Writing, AnswersWithWhatChanged) {
+  const std::string id = create("# T\nbody #tag");
+  const WriteResponse response = fresh()->editNote(id, replaceEdit("#tag", "- [ ] x"), {});
+  EXPECT_FALSE(response.id || response.title || response.locked || response.created ||
+               response.location || response.pins || response.attachments || response.content);
+  EXPECT_EQ(response.tags, Texts{});
+  EXPECT_EQ(response.contentHash, metadata(id).contentHash);
+  EXPECT_TRUE(response.modified && response.contentLength);
+  const WriteResponse nothing = fresh()->editNote(id, replaceEdit("body", "body"), {});
+  EXPECT_FALSE(nothing.contentHash || nothing.modified);
+}
+
+TEST_F(Writing, KeepsTheModificationDateWhenAsked) {
+  const std::string id = create("# T\nbody");
+  otherProgram("UPDATE note SET modificationDate = 1000");
+  fresh(true)->insertText(id, "more", InsertPosition::end);
+  EXPECT_EQ(metadata(id).modified.seconds, 1000);
+  fresh()->insertText(id, "more", InsertPosition::end);
+  EXPECT_GT(metadata(id).modified.seconds, 1000);
+}
+
+TEST_F(Writing, RefusesATextThatChangedSinceItWasRead) {
+  const std::string id = create("milk");
+  const std::string hash = metadata(id).contentHash;
+  otherProgram("UPDATE note SET text = 'milk, eggs'");
+  EXPECT_EQ(refusal([&] { fresh()->overwriteNote(id, "tea", hash, {}); }), "hash_mismatch");
+  EXPECT_EQ(text(id), "milk, eggs");
+  fresh()->overwriteNote(id, "tea", metadata(id).contentHash, {});
+  EXPECT_EQ(text(id), "tea");
+  EXPECT_EQ(refusal([&] { fresh()->overwriteNote(id, "x", "E3B0C44", {}); }), "hash_mismatch");
+}
+
+TEST_F(Writing, RefusesToLoseAnAttachmentThatNobodyNamed) {
+  const std::string id = noteWithFiles();
+  const std::string before = text(id);
+  const auto overwrite = [&](const std::string& next, const RemovalGate& gate) {
+    return refusal([&] { fresh()->overwriteNote(id, next, {}, gate); });
+  };
+  const std::string withoutImage = "# Files\n[b.zip](b.zip)";
+  EXPECT_EQ(overwrite(withoutImage, {}), "attachment_removal_blocked");
+  EXPECT_EQ(overwrite(withoutImage, {.expected = {{"a.png", "b.zip"}}}),
+            "attachment_removal_blocked");
+  EXPECT_EQ(overwrite(before + " more", {.expected = {{"a.png"}}}), "attachment_removal_blocked");
+  EXPECT_EQ(text(id), before);
+  EXPECT_EQ(metadata(id).attachments, (Texts{"a.png", "b.zip"}));
+
+  EXPECT_EQ(overwrite(withoutImage, {.expected = {{"a.png"}}}), "not refused");
+  EXPECT_EQ(metadata(id).attachments, Texts{"b.zip"});
+  EXPECT_EQ(overwrite("# Gone", {.expected = {{"wrong"}}, .force = true}), "not refused");
+  EXPECT_EQ(value("SELECT count(*) FROM file"), "0");
+}
+
+TEST_F(Writing, TheGateUndoesTheUpdateInAStoreThatIsUsedOn) {
+  const std::string id = noteWithFiles();
+  const auto store = fresh();
+  EXPECT_EQ(refusal([&] { store->overwriteNote(id, "# Other", {}, {}); }),
+            "attachment_removal_blocked");
+  EXPECT_EQ(store->noteWithID(id).metadata.title, "Files");
+  store->pinNote(id);
+  EXPECT_EQ(text(id), "# Files\n![](a.png)\n[b.zip](b.zip)");
+}
+
+TEST_F(Writing, DoesNotBlameAnEditForAFileThatWasNeverLinked) {
+  const std::string id = create("# T\nbody");
+  otherProgram("INSERT INTO file (note, filename) VALUES (1, 'loose.bin')");
+  fresh()->editNote(id, replaceEdit("body", "text"), {});
+  EXPECT_EQ(metadata(id).attachments, Texts{"loose.bin"});
+}
+
+TEST_F(Writing, ABatchIsAllOrNothing) {
+  const std::string id = create("one two");
+  EXPECT_EQ(refusal([&] {
+              fresh()->editNoteBatch(id, {replaceEdit("one", "1"), replaceEdit("nine", "9")}, {});
+            }),
+            "string_not_found");
+  EXPECT_EQ(text(id), "one two");
+  fresh()->editNoteBatch(id, {replaceEdit("one", "1"), replaceEdit("1 two", "12")}, {});
+  EXPECT_EQ(text(id), "12");
+}
+
+TEST_F(Writing, RefusesLockedNotes) {
+  const std::string id = create("# T\ntext");
+  lock(id);
+  const auto refused = [&](auto action) { return refusal([&] { action(*fresh()); }); };
+  EXPECT_EQ(refused([&](NoteStore& s) { s.editNote(id, replaceEdit("t", "x"), {}); }),
+            "note_locked");
+  EXPECT_EQ(refused([&](NoteStore& s) { s.overwriteNote(id, "x", {}, {.force = true}); }),
+            "note_locked");
+  EXPECT_EQ(refused([&](NoteStore& s) { s.insertText(id, "x", InsertPosition::end); }),
+            "note_locked");
+  EXPECT_EQ(refused([&](NoteStore& s) { s.addTags(id, {"x"}); }), "note_locked");
+  EXPECT_EQ(refused([&](NoteStore& s) { s.removeTags(id, {"x"}); }), "note_locked");
+  EXPECT_EQ(refused([&](NoteStore& s) { s.addAttachment(id, "x", "x"); }), "note_locked");
+  EXPECT_EQ(value("SELECT text FROM note"), "# T\ntext");
+}
+
+// The stranger's write lies in the middle of ours: the text editor has read the note, and the save
+// is still to come. A gate that is passed in lets the test step in there.
+TEST_F(Writing, FindsAChangeBetweenItsReadAndItsSave) {
+  const std::string id = create("counter 1");
+  const auto ours = fresh();
+  EXPECT_EQ(ours->noteWithID(id).content, "counter 1");  // our read
+  otherProgram("UPDATE note SET text = 'counter 2'");
+  EXPECT_EQ(refusal([&] { ours->editNote(id, replaceEdit("1", "100"), {}); }),
+            "concurrent_modification");
+  EXPECT_EQ(text(id), "counter 2");
+}
+
+TEST_F(Writing, LosesNoIncrementUnderLoad) {
+  const std::string id = create("count: 0");
+  constexpr int writers = 3;
+  std::vector<std::thread> threads;
+  std::vector<std::atomic<int>> successes(writers + 1);
+  std::vector<std::string> strange;
+  std::mutex guard;
+  const auto start = std::chrono::steady_clock::now();
+  const auto enough = [&] {  // each has come through, or the machine is too slow to wait any longer
+    const auto spent = std::chrono::steady_clock::now() - start;
+    return spent > std::chrono::seconds(20) ||
+           (spent > std::chrono::seconds(1) &&
+            std::all_of(successes.begin(), successes.end(), [](const auto& n) { return n > 0; }));
+  };
+  for (int w = 0; w < writers; ++w) {
+    threads.emplace_back([&, w] {
+      while (!enough()) {
+        try {
+          const auto store = fresh();
+          const std::string now = store->noteWithID(id).content;
+          const int count = std::stoi(now.substr(7));
+          store->overwriteNote(id, "count: " + std::to_string(count + 1), ContentHash::of(now), {});
+          ++successes[static_cast<std::size_t>(w)];
+        } catch (const NoteStoreError& error) {
+          if (error.code() == "concurrent_modification" || error.code() == "hash_mismatch")
+            continue;
+          const std::lock_guard lock(guard);
+          strange.emplace_back(error.message());
+        }
+      }
+    });
+  }
+  threads.emplace_back([&] {
+    support::ForeignClient client(home.database());
+    while (!enough()) {
+      try {
+        client.run("UPDATE note SET text = 'count: ' || (substr(text, 8) + 1)");
+        ++successes[writers];
+      } catch (const std::runtime_error&) {  // others were quicker for five seconds
+      }
+      std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    }
+  });
+  for (std::thread& thread : threads) thread.join();
+  int expected = 0;
+  for (const auto& count : successes) expected += count;
+  EXPECT_EQ(strange, Texts{});
+  EXPECT_EQ(text(id), "count: " + std::to_string(expected));
+  for (const auto& count : successes) EXPECT_GT(count, 0);
+}
+
+}  // namespace
+}  // namespace tavi

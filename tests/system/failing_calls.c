@@ -1,0 +1,57 @@
+/* Loaded ahead of the C library (LD_PRELOAD): the call number FAIL_AT, among those that change files,
+   fails with the error FAIL_WITH, and the file FAIL_MARK comes into being. */
+#define _GNU_SOURCE
+#include <dlfcn.h>
+#include <errno.h>
+#include <fcntl.h>
+#include <stdlib.h>
+#include <sys/types.h>
+#include <unistd.h>
+
+static int fails(void) {
+  static int calls = 0;
+  const char* at = getenv("FAIL_AT");
+  if (at == NULL || ++calls != atoi(at)) return 0;
+  close(open(getenv("FAIL_MARK"), O_WRONLY | O_CREAT, 0600));
+  errno = atoi(getenv("FAIL_WITH"));
+  return 1;
+}
+
+static int concernsFile(int fd) { return fd > 2; }
+
+#define FORWARD(name, type) ((type)dlsym(RTLD_NEXT, #name))
+
+ssize_t pwrite64(int fd, const void* bytes, size_t count, off64_t at) {
+  if (fails()) return -1;
+  return FORWARD(pwrite64, ssize_t(*)(int, const void*, size_t, off64_t))(fd, bytes, count, at);
+}
+
+ssize_t pwrite(int fd, const void* bytes, size_t count, off_t at) {
+  if (fails()) return -1;
+  return FORWARD(pwrite, ssize_t(*)(int, const void*, size_t, off_t))(fd, bytes, count, at);
+}
+
+ssize_t write(int fd, const void* bytes, size_t count) {
+  if (concernsFile(fd) && fails()) return -1;
+  return FORWARD(write, ssize_t(*)(int, const void*, size_t))(fd, bytes, count);
+}
+
+int fsync(int fd) {
+  if (fails()) return -1;
+  return FORWARD(fsync, int (*)(int))(fd);
+}
+
+int fdatasync(int fd) {
+  if (fails()) return -1;
+  return FORWARD(fdatasync, int (*)(int))(fd);
+}
+
+int ftruncate64(int fd, off64_t length) {
+  if (fails()) return -1;
+  return FORWARD(ftruncate64, int (*)(int, off64_t))(fd, length);
+}
+
+int rename(const char* from, const char* to) {
+  if (fails()) return -1;
+  return FORWARD(rename, int (*)(const char*, const char*))(from, to);
+}

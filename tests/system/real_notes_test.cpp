@@ -1,0 +1,159 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cctype>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <map>
+#include <regex>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "platform/text/utf8.h"
+#include "support/program.h"
+#include "support/throwaway_home.h"
+
+// Markdown that nobody here wrote, kept and found by the program as a user would run it, and held
+// against reckonings that share no code with it.
+
+namespace {
+
+namespace fs = std::filesystem;
+using support::runProgram;
+
+std::string contents(const fs::path& path) {
+  std::ifstream file(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(file), {}};
+}
+
+/// Every Markdown file that came with the machine's other programs, as valid UTF-8 and not blank.
+std::vector<std::string> foundTexts() {
+  constexpr std::size_t enough = 300;
+  std::set<std::string> texts;
+  for (const char* root :
+       {"/usr/lib/node_modules", "/usr/local/lib/node_modules", "/usr/share/nodejs",
+        "/usr/share/doc", "/usr/share/cmake-3.25", "/usr/lib/python3", "/usr/share/perl"}) {
+    std::error_code error;
+    const auto options = fs::directory_options::skip_permission_denied;
+    for (fs::recursive_directory_iterator entry(root, options, error), end;
+         !error && entry != end && texts.size() < enough; entry.increment(error)) {
+      if (entry->path().extension() != ".md" || !entry->is_regular_file(error)) continue;
+      std::string text = contents(entry->path());
+      const bool blank = text.find_first_not_of(" \t\r\n") == std::string::npos;
+      if (!blank && platform::text::isValidUTF8(text)) texts.insert(std::move(text));
+    }
+  }
+  return {texts.begin(), texts.end()};
+}
+
+std::string lowered(std::string text) {
+  std::transform(text.begin(), text.end(), text.begin(),
+                 [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+  return text;
+}
+
+/// The title, where any reader would agree: the text begins with a plain heading.
+std::string plainTitle(const std::string& text) {
+  std::smatch match;
+  static const std::regex heading("# ([A-Za-z0-9][A-Za-z0-9 .,-]{0,80}[A-Za-z0-9])\r?");
+  const std::string line = text.substr(0, text.find('\n'));
+  return std::regex_match(line, match, heading) ? match[1].str() : std::string();
+}
+
+std::string sha256sum(const fs::path& file) {
+  const std::string command = "sha256sum '" + file.string() + "'";
+  std::FILE* pipe = popen(command.c_str(), "r");
+  std::string digits(7, '\0');
+  const std::size_t count = std::fread(digits.data(), 1, digits.size(), pipe);
+  pclose(pipe);
+  return count == digits.size() ? digits : std::string();
+}
+
+std::vector<std::string> lines(const std::string& text) {
+  std::vector<std::string> result;
+  for (std::size_t begin = 0; begin < text.size();) {
+    const std::size_t end = text.find('\n', begin);
+    result.push_back(text.substr(begin, end - begin));
+    begin = end + 1;
+  }
+  return result;
+}
+
+class RealNotes : public testing::Test {
+ protected:
+  static void SetUpTestSuite() {
+    home = new support::ThrowawayHome;
+    texts = foundTexts();
+    for (const std::string& text : texts) {
+      const auto made = runProgram({"create", "--fields", "id"}, text);
+      ASSERT_EQ(made.exitCode, 0) << made.errors;
+      ids.push_back(made.output.substr(0, made.output.size() - 1));
+    }
+  }
+  static void TearDownTestSuite() { delete home; }
+  void SetUp() override {
+    if (texts.size() < 20) GTEST_SKIP() << "this machine has only " << texts.size() << " texts";
+  }
+
+  static inline support::ThrowawayHome* home = nullptr;
+  static inline std::vector<std::string> texts;
+  static inline std::vector<std::string> ids;
+};
+
+TEST_F(RealNotes, ComeBackByteForByteWithTheirHashTitleAndTags) {
+  std::size_t titles = 0;
+  for (std::size_t i = 0; i < texts.size(); ++i) {
+    EXPECT_EQ(runProgram({"cat", ids[i]}).output, texts[i]);
+    const auto shown = runProgram({"show", ids[i], "--fields", "hash,length,title,tags"}).output;
+    std::vector<std::string> cells;
+    for (std::size_t begin = 0, tab = 0; tab != std::string::npos; begin = tab + 1) {
+      tab = shown.find('\t', begin);
+      cells.push_back(shown.substr(begin, tab - begin));
+    }
+    ASSERT_EQ(cells.size(), 4U) << shown;
+    const fs::path copy = home->path() / "copy";
+    std::ofstream(copy, std::ios::binary) << texts[i];
+    EXPECT_EQ(cells[0], sha256sum(copy));
+    EXPECT_EQ(cells[1], std::to_string(texts[i].size()));
+    const std::string title = plainTitle(texts[i]);
+    if (!title.empty()) {
+      EXPECT_EQ(cells[2], title);
+      ++titles;
+    }
+    // A tag stands in the text as it is written; where there is no "#" before a letter there is
+    // none.
+    if (cells[3] != "\n") {
+      const std::string first = cells[3].substr(0, cells[3].find_first_of(",\n"));
+      EXPECT_NE(texts[i].find(first), std::string::npos) << first;
+    }
+    if (texts[i].find('#') == std::string::npos) {
+      EXPECT_EQ(cells[3], "\n") << texts[i];
+    }
+  }
+  EXPECT_GT(titles, texts.size() / 10) << "the check has checked something";
+}
+
+TEST_F(RealNotes, AreFoundWhereAPlainScanFindsThem) {
+  for (const char* word : {"install", "license", "the", "npm", "ab", "README", "xyzzy", "(c)",
+                           "https://", "node.js", "é", "config"}) {
+    const std::string needle = lowered(word);
+    std::set<std::string> expected;
+    for (std::size_t i = 0; i < texts.size(); ++i) {
+      if (lowered(texts[i]).find(needle) != std::string::npos) expected.insert(ids[i]);
+    }
+    const auto found = lines(runProgram({"search", word, "--fields", "id"}).output);
+    EXPECT_EQ(std::set<std::string>(found.begin(), found.end()), expected) << word;
+    const auto count = runProgram({"search", word, "--count"}).output;
+    EXPECT_EQ(count, std::to_string(expected.size()) + "\n") << word;
+    const auto page = lines(runProgram({"search", word, "-n", "5", "--fields", "id"}).output);
+    EXPECT_EQ(page,
+              (std::vector<std::string>(
+                  found.begin(), found.begin() + static_cast<std::ptrdiff_t>(
+                                                     std::min<std::size_t>(5, found.size())))))
+        << word;
+  }
+}
+
+}  // namespace
