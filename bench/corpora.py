@@ -105,9 +105,25 @@ def _make(size, folder, generator, program):
 
 
 def unindexed(database):
-    connection = sqlite3.connect(database)
+    return _ask(
+        database,
+        "SELECT count(*) FROM noteSummary WHERE searchRow IS NULL OR textDigest IS NULL",
+    )
+
+
+def note_count(database):
+    return _ask(database, "SELECT count(*) FROM note")
+
+
+def changes(database):
+    """Grows with every note written."""
+    return _ask(database, "SELECT value FROM counter WHERE name = 'version'")
+
+
+def _ask(database, question):
+    # Read-only: otherwise closing it would write the log back and remove it.
+    connection = sqlite3.connect(f"file:{database}?mode=ro", uri=True)
     try:
-        query = "SELECT count(*) FROM noteSummary WHERE searchRow IS NULL OR textDigest IS NULL"
-        return connection.execute(query).fetchone()[0]
+        return connection.execute(question).fetchone()[0]
     finally:
         connection.close()

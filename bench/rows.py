@@ -15,24 +15,30 @@ class Row:
     floor: Callable  # (corpus) -> arguments; the first is a floor's name
     program: Callable  # (corpus) -> arguments
     others: dict = field(default_factory=dict)  # name: (corpus) -> arguments
-    check: str = "equal"  # what the answers must be: "equal", "any", or see Writes
-
-    @property
-    def sizes(self):
-        return tuple(self.aim)
+    check: str = "equal"  # what the answers must be; "any": there is nothing to compare
 
 
 @dataclass
 class WriteRow(Row):
-    """A write. Done on a copy; the number of syncs is counted."""
+    """A write. Done on a copy of the corpus; the number of syncs is counted."""
 
 
 @dataclass
 class ServerRow(Row):
-    """A request to a running server: `floor` and `program` give the request's tool and arguments."""
+    """A request to a running server."""
 
     tool: str = ""
-    arguments: Callable = dict
+    arguments: Callable = dict  # (corpus) -> the tool's
+
+
+@dataclass
+class LoadRow(Row):
+    """Many notes, one durable commit each, through one server. The aim is a rate."""
+
+
+@dataclass
+class SpaceRow(Row):
+    """How large the database is."""
 
 
 def by_size(*factors):
@@ -87,7 +93,15 @@ def program_command(*arguments):
 def call(tool, arguments):
     """A JSON-RPC request, on one line."""
     params = {"name": tool, "arguments": arguments}
-    return json.dumps({"jsonrpc": "2.0", "id": 1, "method": "tools/call", "params": params})
+    request = {"jsonrpc": "2.0", "id": 1, "method": "tools/call", "params": params}
+    return json.dumps(request, separators=(",", ":"))
+
+
+LOADED_NOTES = 2_000
+
+
+def small_note(number):
+    return {"title": f"Note {number}", "content": f"Its text, number {number}.", "tags": ["work"]}
 
 
 ROWS = [
@@ -212,6 +226,13 @@ ROWS = [
         tool="list_notes",
         arguments=lambda corpus: {"includeContent": True},
     ),
+    LoadRow(
+        "load, a durable commit a note",
+        {"10k": 0.8},
+        floor_command("commit"),
+        program_command("mcp-server"),
+    ),
+    SpaceRow("database to text", {"10k": 2.1, "100k": 2.0}, None, None),
 ]
 
 

@@ -1,0 +1,96 @@
+"""Runs the stop-watches (bench/measure) and counts syncs."""
+
+import os
+import re
+import shutil
+import statistics
+import subprocess
+import tempfile
+from dataclasses import dataclass
+
+
+@dataclass
+class Timing:
+    times: list  # milliseconds, in the order they were taken
+    memory: int  # KiB, the largest of all runs
+
+    @property
+    def median(self):
+        return statistics.median(self.times)
+
+    @property
+    def mean(self):
+        return statistics.fmean(self.times)
+
+
+class Stopwatch:
+    def __init__(self, build, budget):
+        self.build = build
+        self.budget = budget  # seconds a row
+
+    def processes(self, commands, environment, most=400):
+        """Times the commands in turn, as often as the budget allows."""
+        watch = self.build / "bench" / "bench_pairs"
+        return self._timed(lambda rounds: [watch, rounds], commands, environment, 7, most)
+
+    def once(self, command, environment):
+        return self._run([self.build / "bench" / "bench_pairs", 1], [command], environment)[0]
+
+    def requests(self, request, servers, environment, most=1000):
+        """Times one request to each of the servers in turn."""
+        with tempfile.NamedTemporaryFile("w", suffix=".jsonl") as file:
+            file.write(request + "\n")
+            file.flush()
+            watch = self.build / "bench" / "bench_round_trips"
+            return self._timed(
+                lambda rounds: [watch, file.name, rounds], servers, environment, 7, most
+            )
+
+    def conversation(self, requests, server, environment):
+        """Times each of many requests to one server, once."""
+        with tempfile.NamedTemporaryFile("w", suffix=".jsonl") as file:
+            file.writelines(request + "\n" for request in requests)
+            file.flush()
+            watch = self.build / "bench" / "bench_round_trips"
+            return self._run([watch, file.name, 1], [server], environment)[0]
+
+    def _timed(self, watch, commands, environment, least, most):
+        # The first rounds warm the page cache and tell how long a round takes.
+        trial = self._run(watch(2), commands, environment)
+        round_ms = sum(min(timing.times) for timing in trial)
+        rounds = int(max(least, min(most, self.budget * 1000 / round_ms)))
+        return self._run(watch(rounds), commands, environment)
+
+    def _run(self, watch, commands, environment):
+        arguments = [str(part) for part in watch]
+        for command in commands:
+            arguments += ["--", *(str(part) for part in command)]
+        lines = subprocess.run(
+            arguments, env=environment, check=True, capture_output=True, text=True
+        ).stdout.splitlines()
+        timings = []
+        for line in lines:
+            memory, *times = map(int, line.split())
+            timings.append(Timing([time / 1e6 for time in times], memory))
+        return timings
+
+
+def can_raise_priority():
+    """Whether the stop-watches may go before other processes."""
+    child = "import os; os.setpriority(os.PRIO_PROCESS, 0, -20)"
+    python = shutil.which("python3")
+    return subprocess.run([python, "-c", child], capture_output=True).returncode == 0
+
+
+def syncs(command, environment):
+    """How often the command has the disk brought up to date; None when that cannot be counted."""
+    if shutil.which("strace") is None:
+        return None
+    with tempfile.NamedTemporaryFile("r", suffix=".strace") as file:
+        calls = "trace=fsync,fdatasync,sync_file_range,syncfs,sync,msync"
+        trace = ["strace", "-f", "-e", calls, "-o", file.name]
+        subprocess.run(
+            [*trace, *map(str, command)],
+            env=environment, check=True, stdout=subprocess.DEVNULL, stdin=subprocess.DEVNULL,
+        )
+        return len(re.findall(r"(?:sync|sync_file_range|syncfs)\(.*= 0$", file.read(), re.M))
