@@ -23,27 +23,30 @@ std::string_view valueBehind(std::string_view line, std::string_view before) {
 enum class Inside { string, stringOfString };
 
 /// JSON's escapes, once for the answer itself, twice for the answer as a text.
-void escape(Output& output, std::string_view text, Inside inside) {
-  const auto escaped = [&](char c) -> std::string_view {
-    const bool once = inside == Inside::string;
-    switch (c) {
-      case '"':
-        return once ? R"(\")" : R"(\\\")";
-      case '\\':
-        return once ? R"(\\)" : R"(\\\\)";
-      case '/':
-        return once ? R"(\/)" : R"(\\\/)";
-      case '\n':
-        return once ? R"(\n)" : R"(\\n)";
-      default:
-        return {};
-    }
-  };
+struct Escapes {
+  std::string_view of[256];
+  bool special[256] = {};
+  constexpr Escapes(std::string_view quote, std::string_view backslash, std::string_view slash,
+                    std::string_view newline) {
+    set('"', quote);
+    set('\\', backslash);
+    set('/', slash);
+    set('\n', newline);
+  }
+  constexpr void set(unsigned char c, std::string_view escape) {
+    of[c] = escape;
+    special[c] = true;
+  }
+};
+constexpr Escapes once(R"(\")", R"(\\)", R"(\/)", R"(\n)");
+constexpr Escapes twice(R"(\\\")", R"(\\\\)", R"(\\\/)", R"(\\n)");
+
+void escape(Output& output, std::string_view text, const Escapes& escapes) {
   std::size_t plain = 0;
   for (std::size_t i = 0; i < text.size(); ++i) {
-    const std::string_view replacement = escaped(text[i]);
-    if (replacement.empty()) continue;
-    output << text.substr(plain, i - plain) << replacement;
+    const auto c = static_cast<unsigned char>(text[i]);
+    if (!escapes.special[c]) continue;
+    output << text.substr(plain, i - plain) << escapes.of[c];
     plain = i + 1;
   }
   output << text.substr(plain);
@@ -62,7 +65,7 @@ void respond(Output& output, Write write) {
 
 void writeJSON(Output& output, std::string_view json, bool inText) {
   if (inText) {
-    escape(output, json, Inside::string);
+    escape(output, json, once);
   } else {
     output << json;
   }
@@ -93,9 +96,10 @@ void searchNotes(Output& output, bench::Database& database, std::string_view wor
              std::to_string(matches) + "]";
   }
   found += found.empty() ? "[]" : "]";
-  Statement notes(database,
-                  "SELECT told.json, value ->> 1 FROM json_each(?1) JOIN note ON note.id = value ->> 0 "
-                  "JOIN told ON told.id = note.id WHERE location = 0 ORDER BY pinned DESC, modified DESC");
+  Statement notes(
+      database,
+      "SELECT told.json, value ->> 1 FROM json_each(?1) CROSS JOIN note ON note.id = value ->> 0 "
+      "JOIN told ON told.id = note.id WHERE location = 0 ORDER BY pinned DESC, modified DESC");
   notes.bind(1, std::string_view(found));
   respond(output, [&](bool inText) {
     writeJSON(output, R"({"results":[)", inText);
@@ -119,7 +123,7 @@ void listNotesWithContent(Output& output, bench::Database& database) {
     writeJSON(output, R"({"notes":[)", inText);
     for (bool first = true; notes.step(); first = false) {
       writeJSON(output, first ? R"({"content":")" : R"(,{"content":")", inText);
-      escape(output, notes.text(1), inText ? Inside::stringOfString : Inside::string);
+      escape(output, notes.text(1), inText ? twice : once);
       writeJSON(output, R"(","metadata":)", inText);
       writeJSON(output, notes.text(0), inText);
       output << "}";
