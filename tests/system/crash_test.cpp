@@ -61,7 +61,7 @@ class Crash : public testing::Test {
     const std::string title = "made " + std::to_string(round);
     const int code = attempt({"create", title, "--content", "body"});
     const std::string made = value("SELECT count(*) FROM note WHERE title = '" + title +
-                                    "' AND text = '# " + title + "' || char(10, 10) || 'body'");
+                                   "' AND text = '# " + title + "' || char(10, 10) || 'body'");
     if (code == 0) {
       EXPECT_EQ(made, "1");
     }
