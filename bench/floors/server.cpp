@@ -93,9 +93,10 @@ void searchNotes(Output& output, bench::Database& database, std::string_view wor
              std::to_string(matches) + "]";
   }
   found += found.empty() ? "[]" : "]";
-  Statement notes(database,
-                  "SELECT told.json, value ->> 1 FROM json_each(?1) JOIN note ON note.id = value ->> 0 "
-                  "JOIN told USING (id) WHERE location = 0 ORDER BY pinned DESC, modified DESC");
+  Statement notes(
+      database,
+      "SELECT told.json, value ->> 1 FROM json_each(?1) JOIN note ON note.id = value ->> 0 "
+      "JOIN told USING (id) WHERE location = 0 ORDER BY pinned DESC, modified DESC");
   notes.bind(1, std::string_view(found));
   respond(output, [&](bool inText) {
     writeJSON(output, R"({"results":[)", inText);
