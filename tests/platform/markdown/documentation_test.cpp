@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <fstream>
 #include <iterator>
 #include <map>
@@ -42,10 +43,12 @@ std::vector<Example> examplesOf(const std::vector<std::string>& lines) {
   std::vector<Example> examples;
   for (auto line = lines.begin(); line != lines.end(); ++line) {
     if (!line->starts_with("~~~~ ")) continue;
-    const std::string name = line->substr(5);
+    const auto end = std::find(line, lines.end(), kFence);
+    if (end == lines.end()) break;
     std::string text;
-    while (*++line != kFence) text += (text.empty() ? "" : "\n") + *line;
-    examples.push_back({name, text});
+    for (auto inside = std::next(line); inside != end; ++inside) text += *inside + "\n";
+    examples.push_back({line->substr(5), text.substr(0, text.size() - 1)});
+    line = end;
   }
   return examples;
 }
