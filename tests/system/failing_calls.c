@@ -1,5 +1,5 @@
-/* Loaded ahead of the C library (LD_PRELOAD): the call number FAIL_AT, among those that change files,
-   fails with the error FAIL_WITH, and the file FAIL_MARK comes into being. */
+/* Loaded ahead of the C library (LD_PRELOAD): the call number FAIL_AT, among those that change
+   files, fails with the error FAIL_WITH, and the file FAIL_MARK comes into being. */
 #define _GNU_SOURCE
 #include <dlfcn.h>
 #include <errno.h>
@@ -17,7 +17,9 @@ static int fails(void) {
   return 1;
 }
 
-static int concernsFile(int fd) { return fd > 2; }
+static int concernsFile(int fd) {
+  return fd > 2;
+}
 
 #define FORWARD(name, type) ((type)dlsym(RTLD_NEXT, #name))
 

@@ -1,62 +1,15 @@
 #include "platform/markdown/ast.h"
 
-#include <algorithm>
 #include <unordered_set>
 
 #include "platform/markdown/document.h"
 #include "platform/markdown/insertion.h"
 #include "platform/markdown/layout.h"
-#include "platform/markdown/removal.h"
+#include "platform/markdown/link_removal.h"
+#include "platform/markdown/operations.h"
 #include "platform/markdown/tag_rewriting.h"
 
 namespace zephyrdown {
-
-namespace {
-
-using Files = std::vector<FileMention>;
-
-/// Whether the label of `file` holds an image of a file of another name.
-bool holdsOtherFile(const Files& files, Files::const_iterator file) {
-  for (auto inner = std::next(file);
-       inner != files.end() && inner->link.range.begin < file->label.end; ++inner) {
-    if (inner->link.filename != file->link.filename) return true;
-  }
-  return false;
-}
-
-Operations plannedLinkRemoval(std::string_view text, const Document& document,
-                              std::string_view name) {
-  std::vector<SourceRange> whole;
-  Operations unwrapped;
-  const Files& files = document.files;
-  for (auto file = files.begin(); file != files.end(); ++file) {
-    const auto& [link, label] = *file;
-    if (link.filename != name || (!whole.empty() && link.range.begin < whole.back().end)) continue;
-    if (holdsOtherFile(files, file)) {
-      unwrapped.push_back({{link.range.begin, label.begin}, {}});
-      unwrapped.push_back({{label.end, link.range.end}, {}});
-    } else {
-      whole.push_back(link.range);
-    }
-  }
-  Operations results = plannedRemoval(text, document.bodyBegin, whole);
-  results.insert(results.end(), unwrapped.begin(), unwrapped.end());
-  return results;
-}
-
-/// The one change that makes `after` out of `before`.
-ZDKASTOperationResult difference(std::string_view before, std::string_view after) {
-  const auto begin = std::mismatch(before.begin(), before.end(), after.begin(), after.end());
-  const auto prefix = static_cast<std::size_t>(begin.first - before.begin());
-  before.remove_prefix(prefix);
-  after.remove_prefix(prefix);
-  const auto end = std::mismatch(before.rbegin(), before.rend(), after.rbegin(), after.rend());
-  const auto suffix = static_cast<std::size_t>(end.first - before.rbegin());
-  return {{prefix, prefix + before.size() - suffix},
-          std::string(after.substr(0, after.size() - suffix))};
-}
-
-}  // namespace
 
 ZDKAST ZDKAST::fromMarkdown(std::string text) {
   return ZDKAST(std::move(text));
@@ -78,20 +31,7 @@ Operations ZDKAST::prependText(std::string_view text, SourceRange) const {
 }
 
 Operations ZDKAST::removeLinkWithURL(std::string_view url, SourceRange) const {
-  // Brackets around a link are text, and may be a link once it is gone. Few notes nest like that;
-  // the bound is for those made to.
-  constexpr int kMostRounds = 50;
-  Operations results = plannedLinkRemoval(text_, document(), url);
-  if (results.empty()) return results;
-  ZDKAST changed = *this;
-  changed.applyTextOperationResults(results);
-  Operations more = plannedLinkRemoval(changed.text_, changed.document(), url);
-  if (more.empty()) return results;
-  for (int round = 0; !more.empty() && round < kMostRounds; ++round) {
-    changed.applyTextOperationResults(more);
-    more = plannedLinkRemoval(changed.text_, changed.document(), url);
-  }
-  return {difference(text_, changed.text_)};
+  return plannedLinkRemoval(text_, document(), url);
 }
 
 Operations ZDKAST::addHashtag(std::string_view name, bool bottom) const {
@@ -108,17 +48,7 @@ Operations ZDKAST::renameHashtag(std::string_view from, std::string_view to) con
 
 void ZDKAST::applyTextOperationResults(const Operations& results) {
   if (results.empty()) return;
-  Operations inOrder = results;
-  std::stable_sort(inOrder.begin(), inOrder.end(),
-                   [](const auto& a, const auto& b) { return a.range.begin < b.range.begin; });
-  std::string text;
-  std::size_t done = 0;
-  for (const ZDKASTOperationResult& result : inOrder) {
-    text.append(text_, done, result.range.begin - done).append(result.replacement);
-    done = result.range.end;
-  }
-  text.append(text_, done);
-  text_ = std::move(text);
+  text_ = withOperations(text_, results);
   document_.reset();
 }
 

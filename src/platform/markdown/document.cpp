@@ -14,6 +14,7 @@
 #include "platform/markdown/link_locator.h"
 #include "platform/markdown/parser_input.h"
 #include "platform/markdown/title_builder.h"
+#include "platform/markdown/wiki_links.h"
 
 namespace zephyrdown {
 namespace {
@@ -58,17 +59,6 @@ std::size_t behindPreviewComment(std::string_view text, std::size_t at) {
   if (close == std::string_view::npos) return at;
   const bool isPreview = comment.substr(0, close).find("\"preview\"") != std::string_view::npos;
   return isPreview ? at + close + kClose.size() : at;
-}
-
-/// The title that a wiki link names: what stands before a slash, behind which a heading is named.
-/// A slash of the title itself is written "\/".
-std::string wikiTitle(std::string_view target) {
-  std::size_t end = 0;
-  while (end < target.size() && target[end] != '/') end += target[end] == '\\' ? 2 : 1;
-  const std::string title = unescaped(target.substr(0, std::min(end, target.size())));
-  const std::size_t begin = title.find_first_not_of(' ');
-  return begin == std::string::npos ? ""
-                                    : title.substr(begin, title.find_last_not_of(' ') + 1 - begin);
 }
 
 BlockKind blockKind(MD_BLOCKTYPE type, const void* detail) {
@@ -244,11 +234,8 @@ class DocumentReader {
   }
 
   void addWikiLink(const LocatedLink& link) {
-    const std::string_view inside =
-        text_.substr(link.label.begin, link.label.end - link.label.begin);
-    std::string title = wikiTitle(inside.substr(0, inside.find('|')));
-    if (title.empty() || !knownWikiLinks_.insert(title).second) return;
-    document_.wikiLinks.push_back(std::move(title));
+    const std::size_t length = link.label.end - link.label.begin;
+    wikiLinks_.push_back(wikiMention(link.range, text_.substr(link.label.begin, length)));
   }
 
   void addFile(const LocatedLink& link, const MD_ATTRIBUTE& target, bool isImage) {
@@ -309,8 +296,8 @@ class DocumentReader {
       stretches.back().range.end = range.end;
       return;
     }
-    const bool isEscaped = range.begin > passed_ && text_[range.begin - 1] == '\\';
-    stretches.push_back({range, glue_ == Glue::boundary && !isEscaped});
+    const bool isEscape = range.begin > passed_ && isEscaped(range.begin);
+    stretches.push_back({range, glue_ == Glue::boundary && !isEscape});
   }
 
   void pass(SourceRange range) {
@@ -334,10 +321,37 @@ class DocumentReader {
               [](const FileMention& a, const FileMention& b) {
                 return a.link.range.begin < b.link.range.begin;
               });
-    for (const TextStretch& stretch : document_.stretches) {
-      findHashtags(text_, stretch.range, stretch.opens, document_.hashtags);
-    }
+    for (const TextStretch& stretch : document_.stretches) readStretch(stretch);
+    listWikiLinks();
     return std::move(document_);
+  }
+
+  void readStretch(const TextStretch& stretch) {
+    std::size_t begin = stretch.range.begin;
+    for (WikiMention& link : longWikiLinks(text_, stretch.range)) {
+      if (isEscaped(link.range.begin)) continue;
+      readHashtags({begin, link.range.begin}, stretch);
+      begin = link.range.end;
+      wikiLinks_.push_back(std::move(link));
+    }
+    readHashtags({begin, stretch.range.end}, stretch);
+  }
+
+  void readHashtags(SourceRange range, const TextStretch& stretch) {
+    const bool opens = range.begin == stretch.range.begin && stretch.opens;
+    findHashtags(text_, range, opens, document_.hashtags);
+  }
+
+  bool isEscaped(std::size_t position) const { return position > 0 && text_[position - 1] == '\\'; }
+
+  void listWikiLinks() {
+    std::sort(wikiLinks_.begin(), wikiLinks_.end(),
+              [](const auto& a, const auto& b) { return a.range.begin < b.range.begin; });
+    std::unordered_set<std::string_view> known;
+    for (const WikiMention& link : wikiLinks_) {
+      if (link.title.empty() || !known.insert(link.title).second) continue;
+      document_.wikiLinks.push_back(link.title);
+    }
   }
 
   std::string_view text_;
@@ -347,7 +361,7 @@ class DocumentReader {
   std::size_t budget_;
   Document document_;
   TitleBuilder title_;
-  std::unordered_set<std::string> knownWikiLinks_;
+  std::vector<WikiMention> wikiLinks_;
   Glue glue_ = Glue::boundary;
   MD_BLOCKTYPE block_ = MD_BLOCK_DOC;
   int depth_ = 0;

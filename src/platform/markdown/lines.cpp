@@ -6,7 +6,6 @@ namespace zephyrdown {
 namespace {
 
 constexpr std::size_t npos = std::string_view::npos;
-constexpr std::string_view kLineBreaks = "\r\n";
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 
 std::string_view withoutTrailingBlanks(std::string_view text) {
@@ -36,13 +35,14 @@ std::size_t behindFrontMatter(std::string_view text, std::size_t begin) {
 
 std::size_t lineBegin(std::string_view text, std::size_t position) {
   if (splitsCRLF(text, position)) --position;
-  const std::size_t found = position == 0 ? npos : text.find_last_of(kLineBreaks, position - 1);
-  return found == npos ? 0 : found + 1;
+  while (position > 0 && !isLineBreak(text[position - 1])) --position;
+  return position;
 }
 
 std::size_t lineEnd(std::string_view text, std::size_t position) {
   if (splitsCRLF(text, position)) --position;
-  return std::min(text.find_first_of(kLineBreaks, position), text.size());
+  while (position < text.size() && !isLineBreak(text[position])) ++position;
+  return position;
 }
 
 std::size_t behindLineBreak(std::string_view text, std::size_t end) {

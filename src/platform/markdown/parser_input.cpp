@@ -11,7 +11,6 @@ namespace {
 constexpr std::size_t npos = std::string_view::npos;
 constexpr char kPunctuation = ',';  // flanks emphasis as a bracket does
 constexpr char kLetter = 'x';
-constexpr std::size_t kLargeText = 100'000;
 
 bool isEscaped(std::string_view body, std::size_t at) {
   const std::size_t last = body.substr(0, at).find_last_not_of('\\');
@@ -55,6 +54,12 @@ void maskHashtags(std::string_view body, std::optional<std::string>& copy) {
   }
 }
 
+std::size_t countOf(char c, std::string_view text) {
+  std::size_t count = 0;
+  for (std::size_t at = text.find(c); at != npos; at = text.find(c, at + 1)) ++count;
+  return count;
+}
+
 /// Whether a line begins a block of its own wherever it stands.
 bool beginsBlock(std::string_view line) {
   const std::size_t mark = line.find_first_not_of(" \t");
@@ -65,6 +70,9 @@ bool beginsBlock(std::string_view line) {
 /// many steps are read as text; at a link a line, that is a paragraph of some 40,000 lines.
 void maskEndlessParagraphs(std::string_view body, std::optional<std::string>& copy) {
   constexpr std::size_t kMostSteps = 800'000'000;
+  const std::size_t brackets = countOf(']', body);
+  if (brackets * body.size() <= kMostSteps) return;
+  if (brackets * (countOf('\n', body) + countOf('\r', body)) <= kMostSteps) return;
   std::size_t lines = 0, steps = 0;
   for (std::size_t line = 0; line < body.size(); line = nextLine(body, line)) {
     const std::string_view here = body.substr(line, lineEnd(body, line) - line);
@@ -85,7 +93,7 @@ std::optional<std::string> maskedForParser(std::string_view body) {
   std::optional<std::string> copy;
   maskFootnotes(body, copy);
   maskHashtags(body, copy);
-  if (body.size() > kLargeText) maskEndlessParagraphs(body, copy);
+  maskEndlessParagraphs(body, copy);
   return copy;
 }
 

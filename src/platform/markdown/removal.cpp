@@ -20,7 +20,7 @@ class Remover {
  public:
   Remover(std::string_view text, std::size_t bodyBegin) : text_(text), bodyBegin_(bodyBegin) {}
 
-  std::vector<ZDKASTOperationResult> plan(const Ranges& ranges) {
+  Operations plan(const Ranges& ranges) {
     std::optional<SourceRange> whole;  // lines that go, and blank lines between them
     for (auto first = ranges.begin(); first != ranges.end();) {
       const auto [line, last] = lineOf(first, ranges.end());
@@ -186,13 +186,13 @@ class Remover {
   std::string_view text_;
   std::size_t bodyBegin_;
   std::size_t removedUpTo_ = 0;
-  std::vector<ZDKASTOperationResult> results_;
+  Operations results_;
 };
 
 }  // namespace
 
-std::vector<ZDKASTOperationResult> plannedRemoval(std::string_view text, std::size_t bodyBegin,
-                                                  const std::vector<SourceRange>& ranges) {
+Operations plannedRemoval(std::string_view text, std::size_t bodyBegin,
+                          const std::vector<SourceRange>& ranges) {
   return Remover(text, bodyBegin).plan(ranges);
 }
 

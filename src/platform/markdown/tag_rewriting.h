@@ -1,18 +1,17 @@
 #pragma once
 
 #include <string_view>
-#include <vector>
 
 #include "platform/markdown/document.h"
+#include "platform/markdown/operations.h"
 
 namespace zephyrdown {
 
-std::vector<ZDKASTOperationResult> plannedTag(std::string_view text, const Document& document,
-                                              std::string_view name, bool bottom);
-std::vector<ZDKASTOperationResult> plannedTagRemoval(std::string_view text,
-                                                     const Document& document,
-                                                     std::string_view name);
-std::vector<ZDKASTOperationResult> plannedTagRename(std::string_view text, const Document& document,
-                                                    std::string_view from, std::string_view to);
+Operations plannedTag(std::string_view text, const Document& document, std::string_view name,
+                      bool bottom);
+Operations plannedTagRemoval(std::string_view text, const Document& document,
+                             std::string_view name);
+Operations plannedTagRename(std::string_view text, const Document& document, std::string_view from,
+                            std::string_view to);
 
 }  // namespace zephyrdown

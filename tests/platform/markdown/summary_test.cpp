@@ -76,6 +76,13 @@ TEST(TextSummary, ListsTitlesOfWikiLinks) {
               ElementsAre("A", "B", "C", "D/E", "G"));
 }
 
+TEST(TextSummary, ListsWikiLinksOfAnyLength) {
+  const std::string title(150, 't');
+  EXPECT_THAT(summaryOf("[[A]] [[" + title + "/H|#x]] [[B]] \\[[" + title + "2]]").wikiLinks,
+              ElementsAre("A", title, "B"));
+  EXPECT_THAT(summaryOf("#a [[" + title + " #b]] #c").tags, ElementsAre("a", "c"));
+}
+
 TEST(TextSummary, TellsOfImagesAndCode) {
   EXPECT_TRUE(summaryOf("![](https://x.y/z.png)").hasImages);
   EXPECT_FALSE(summaryOf("[a](b.png) `![](c.png)`").hasImages);

@@ -1,0 +1,57 @@
+#include "platform/markdown/link_removal.h"
+
+#include "platform/markdown/removal.h"
+
+namespace zephyrdown {
+namespace {
+
+using Files = std::vector<FileMention>;
+
+/// Whether the label of `file` holds an image of a file of another name.
+bool holdsOtherFile(const Files& files, Files::const_iterator file) {
+  for (auto inner = std::next(file);
+       inner != files.end() && inner->link.range.begin < file->label.end; ++inner) {
+    if (inner->link.filename != file->link.filename) return true;
+  }
+  return false;
+}
+
+Operations plannedRound(std::string_view text, const Document& document, std::string_view name) {
+  std::vector<SourceRange> whole;
+  Operations unwrapped;
+  const Files& files = document.files;
+  for (auto file = files.begin(); file != files.end(); ++file) {
+    const auto& [link, label] = *file;
+    if (link.filename != name || (!whole.empty() && link.range.begin < whole.back().end)) continue;
+    if (holdsOtherFile(files, file)) {
+      unwrapped.push_back({{link.range.begin, label.begin}, {}});
+      unwrapped.push_back({{label.end, link.range.end}, {}});
+    } else {
+      whole.push_back(link.range);
+    }
+  }
+  Operations results = plannedRemoval(text, document.bodyBegin, whole);
+  results.insert(results.end(), unwrapped.begin(), unwrapped.end());
+  return results;
+}
+
+}  // namespace
+
+Operations plannedLinkRemoval(std::string_view text, const Document& document,
+                              std::string_view name) {
+  // Brackets around a link are text, and may be a link once it is gone. Few notes nest like that;
+  // the bound is for those made to.
+  constexpr int kMostRounds = 50;
+  Operations results = plannedRound(text, document, name);
+  if (results.empty()) return results;
+  std::string changed = withOperations(text, results);
+  Operations more = plannedRound(changed, readDocument(changed), name);
+  if (more.empty()) return results;
+  for (int round = 0; !more.empty() && round < kMostRounds; ++round) {
+    changed = withOperations(changed, more);
+    more = plannedRound(changed, readDocument(changed), name);
+  }
+  return {difference(text, changed)};
+}
+
+}  // namespace zephyrdown
