@@ -8,6 +8,8 @@ endif()
 
 # O3 makes the program larger and no command faster.
 set(CMAKE_CXX_FLAGS_RELEASE "-O2 -DNDEBUG")
+# For the sanitizers: enough to run at a fair speed, and to name lines, at half the time to build.
+set(CMAKE_CXX_FLAGS_RELWITHDEBINFO "-O1 -g1")
 
 add_library(tavi_compiler INTERFACE)
 target_compile_options(tavi_compiler INTERFACE

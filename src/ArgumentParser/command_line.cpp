@@ -39,7 +39,7 @@ void exitWithError(const CommandType& root, const std::exception_ptr& error) {
 }
 
 std::string helpMessage(const CommandStack& stack, std::optional<int> columns) {
-  return HelpGenerator(stack).rendered(columns.value_or(0) > 0 ? *columns : screenWidth());
+  return HelpGenerator(stack).rendered(columns ? *columns : screenWidth());
 }
 
 }  // namespace ArgumentParser

@@ -63,7 +63,8 @@ std::string commandPath(const CommandStack& stack) {
 
 Names helpNames(const CommandStack& stack) {
   for (auto command = stack.rbegin(); command != stack.rend(); ++command)
-    if (auto names = command->configuration().helpNames) return *std::move(names);
+    if (const CommandConfiguration told = command->configuration(); told.helpNames)
+      return *told.helpNames;
   return {"-h", "--help"};
 }
 

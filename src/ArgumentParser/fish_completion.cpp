@@ -23,17 +23,18 @@ end
 # are, until the line tells which), the flags and options given, and the number of the positional
 # at the cursor, counted from 1, or 0 where an option's value stands.
 function _@PROGRAM@_parse_subcommand
-    set -l tokens (_@PROGRAM@_tokens -pc)
-    if set -q _@PROGRAM@_line; and test "$tokens" = "$_@PROGRAM@_line"
+    set -l line (commandline -pc)
+    if set -q _@PROGRAM@_line; and test "$line" = "$_@PROGRAM@_line"
         return
     end
-    set -g _@PROGRAM@_line $tokens
+    set -g _@PROGRAM@_line $line
     set -g _@PROGRAM@_reached @ROOT_PATHS@
     set -g _@PROGRAM@_given
     set -g _@PROGRAM@_positional_number 1
     set -g _@PROGRAM@_is_terminated no
     set -l command @ROOT_PATH@
     set -l valued @ROOT_VALUED@
+    set -l tokens (_@PROGRAM@_tokens -pc)
     set -e tokens[1]
     while set -q tokens[1]
         set -l word $tokens[1]

@@ -11,7 +11,7 @@ namespace ArgumentParser {
 
 namespace {
 
-constexpr int kSerializationVersion = 0;
+constexpr int kToolInfoV0 = 0;  // serializationVersion; to be raised when fields change
 
 /// A JSON value. Objects keep their keys sorted.
 struct Json {
@@ -90,6 +90,10 @@ void Writer::writeItems(const char* open, const Items& items, const char* close,
   text_ += close;
 }
 
+Json::List texts(const std::vector<std::string>& values) {
+  return Json::List(values.begin(), values.end());
+}
+
 /// An object whose absent and empty fields are left out.
 class Fields {
  public:
@@ -100,9 +104,7 @@ class Fields {
   void add(const std::string& key, Json::List list) {
     if (!list.empty()) object_.emplace(key, std::move(list));
   }
-  void add(const std::string& key, const std::vector<std::string>& texts) {
-    add(key, Json::List(texts.begin(), texts.end()));
-  }
+  void add(const std::string& key, const std::vector<std::string>& list) { add(key, texts(list)); }
   void add(const std::string& key, Json::Object object) { object_.emplace(key, std::move(object)); }
 
   Json::Object take() { return std::move(object_); }
@@ -111,16 +113,12 @@ class Fields {
   Json::Object object_;
 };
 
-Json::List texts(const std::vector<std::string>& values) {
-  return Json::List(values.begin(), values.end());
-}
-
-Json::Object nameInfo(const Name& name) {
+Json::Object nameInfoV0(const Name& name) {
   constexpr const char* kinds[] = {"long", "short", "longWithSingleDash"};
   return {{"kind", kinds[static_cast<int>(name.kind)]}, {"name", name.text}};
 }
 
-struct CompletionInfo {
+struct CompletionKindV0 {
   using Object = Json::Object;
   Object operator()(const NoCompletion&) const { return {}; }
   Object operator()(const CompletionList& kind) const {
@@ -136,11 +134,11 @@ struct CompletionInfo {
   Object operator()(const CompletionCustom&) const { return {{"custom", Object{}}}; }
 };
 
-Json::Object argumentInfo(const ArgumentDefinition& definition) {
+Json::Object argumentInfoV0(const ArgumentDefinition& definition) {
   constexpr const char* kinds[] = {"positional", "option", "flag"};
   constexpr const char* strategies[] = {"default", "unconditional"};
   Json::List names;
-  for (const Name& name : definition.names) names.push_back(nameInfo(name));
+  for (const Name& name : definition.names) names.push_back(nameInfoV0(name));
   Fields info;
   info.add("kind", std::string(kinds[static_cast<int>(definition.kind)]));
   info.add("shouldDisplay", definition.isVisible);
@@ -150,18 +148,18 @@ Json::Object argumentInfo(const ArgumentDefinition& definition) {
   info.add("parsingStrategy",
            std::string(strategies[static_cast<int>(definition.parsingStrategy)]));
   info.add("names", std::move(names));
-  if (const Name* name = definition.names.preferred()) info.add("preferredName", nameInfo(*name));
+  if (const Name* name = definition.names.preferred()) info.add("preferredName", nameInfoV0(*name));
   info.add("valueName", definition.valueName);
   info.add("defaultValue", definition.defaultValue);
   info.add("allValues", definition.allValueStrings);
-  if (auto kind = std::visit(CompletionInfo{}, definition.completionKind()); !kind.empty())
+  if (auto kind = std::visit(CompletionKindV0{}, definition.completionKind()); !kind.empty())
     info.add("completionKind", std::move(kind));
   info.add("abstract", definition.abstract);
   info.add("discussion", definition.discussion);
   return info.take();
 }
 
-Json::Object commandInfo(const CommandStack& stack) {
+Json::Object commandInfoV0(const CommandStack& stack) {
   const CommandConfiguration configuration = stack.back().configuration();
   std::vector<std::string> superCommands;
   for (std::size_t i = 0; i + 1 < stack.size(); ++i)
@@ -169,14 +167,14 @@ Json::Object commandInfo(const CommandStack& stack) {
   const DeclaredCommand declared(stack.back());
   Json::List arguments;
   for (const ArgumentDefinition& definition : declared.arguments.definitions())
-    arguments.push_back(argumentInfo(definition));
+    arguments.push_back(argumentInfoV0(definition));
   for (const ArgumentDefinition& flag : builtInFlags(stack))
-    arguments.push_back(argumentInfo(flag));
+    arguments.push_back(argumentInfoV0(flag));
   Json::List subcommands;
   for (const CommandType& child : children(stack)) {
     CommandStack below = stack;
     below.push_back(child);
-    subcommands.push_back(commandInfo(below));
+    subcommands.push_back(commandInfoV0(below));
   }
 
   Fields info;
@@ -196,8 +194,8 @@ Json::Object commandInfo(const CommandStack& stack) {
 }  // namespace
 
 std::string dumpHelp(const CommandStack& stack) {
-  return Writer().write(Json::Object{{"serializationVersion", kSerializationVersion},
-                                     {"command", commandInfo(stack)}});
+  return Writer().write(
+      Json::Object{{"serializationVersion", kToolInfoV0}, {"command", commandInfoV0(stack)}});
 }
 
 }  // namespace ArgumentParser

@@ -16,6 +16,9 @@ using platform::text::CaseFolding;
 using platform::text::RegularExpression;
 using platform::text::StringSearch;
 
+/// A longer one could be compared in full at every place of a text made for it.
+constexpr std::size_t kLongestPlainWord = 64;
+
 std::vector<ByteRange> literalMatches(const EditOperation& edit, std::string_view text) {
   const CaseFolding folding = edit.ignoreCase ? CaseFolding::full : CaseFolding::none;
   return StringSearch(edit.find, folding).findAll(text);
@@ -25,11 +28,33 @@ bool isWordScalar(char32_t scalar) {
   return scalar == '_' || platform::text::isAlphanumeric(scalar);
 }
 
+/// The word search where text and word are ASCII: there every form of boundary comes to saying
+/// that no word character stands next to the match. Saves opening the regular expressions, which
+/// takes a millisecond, and nearly all the time of the search.
+std::vector<ByteRange> plainWordMatches(const EditOperation& edit, std::string_view text) {
+  const auto isWordAt = [text](std::size_t position) {
+    return position < text.size() && isWordScalar(static_cast<unsigned char>(text[position]));
+  };
+  const CaseFolding folding = edit.ignoreCase ? CaseFolding::full : CaseFolding::none;
+  const StringSearch search(edit.find, folding);
+  std::vector<ByteRange> result;
+  for (auto match = search.find(text); match.has_value();) {
+    const bool isPart = (match->begin > 0 && isWordAt(match->begin - 1)) || isWordAt(match->end);
+    if (!isPart) result.push_back(*match);
+    match = search.find(text, isPart ? match->begin + 1 : match->end);
+  }
+  return result;
+}
+
 /// `edit.find` as a whole word. A side that is no word character itself, as in "#tag" or "x++",
 /// cannot ask for "\b", which would want a word character on its far side.
 std::vector<ByteRange> wordMatches(const EditOperation& edit, std::string_view text) {
   const std::string_view find = edit.find;
   if (find.empty()) return {};  // between any two words there is one
+  if (find.size() <= kLongestPlainWord && platform::text::isASCII(find) &&
+      platform::text::isASCII(text)) {
+    return plainWordMatches(edit, text);
+  }
   const std::size_t last = platform::text::previousScalar(find, find.size());
   const bool beginsAsWord = isWordScalar(platform::text::decodeScalar(find, 0).value);
   const bool endsAsWord = isWordScalar(platform::text::decodeScalar(find, last).value);

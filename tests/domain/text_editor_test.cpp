@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <random>
 #include <string>
 
 #include "domain/store_errors.h"
@@ -100,6 +101,29 @@ TEST(TextEditor, FindsWholeWords) {
       edited({.find = "cat", .action = {Kind::replace, "<>"}, .ignoreCase = true, .word = true},
              "Cat cats CAT"),
       ambiguous(2));
+}
+
+// A separator outside ASCII sends the same text to the regular expression.
+TEST(TextEditor, FindsTheSameWordsInPlainTextsAsTheRegularExpression) {
+  constexpr std::string_view kAlphabet = "aaAb_1 .#\n\r";
+  std::mt19937 random(8);
+  const auto randomText = [&](std::size_t size) {
+    std::string text;
+    while (text.size() < size) text += kAlphabet[random() % kAlphabet.size()];
+    return text;
+  };
+  for (int round = 0; round < 3000; ++round) {
+    const EditOperation edit = {.find = randomText(1 + random() % 3),
+                                .action = {Kind::replace, "<>"},
+                                .all = true,
+                                .ignoreCase = random() % 2 == 0,
+                                .word = true};
+    const std::string text = randomText(random() % 24);
+    const std::string plain = edited(edit, text);
+    const std::string expected = edited(edit, text + "\u2028");
+    ASSERT_EQ(plain == kNotFound ? plain : plain + "\u2028", expected)
+        << edit.find << " in " << text;
+  }
 }
 
 TEST(TextEditor, ABatchWorksOnTheTextOfTheEditBefore) {

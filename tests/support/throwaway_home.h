@@ -9,15 +9,18 @@
 
 namespace support {
 
-/// A home folder of a test's own: HOME points to it, and it goes with the object.
+/// A home folder of a test's own: HOME points to it, and it goes with the object. Temporary files
+/// of the program go into it too.
 class ThrowawayHome {
  public:
   ThrowawayHome() {
-    std::string name = (std::filesystem::temp_directory_path() / "tavi-home-XXXXXX").string();
+    std::string name = "/tmp/tavi-home-XXXXXX";
     if (mkdtemp(name.data()) == nullptr) throw std::runtime_error("no temporary folder");
     path_ = name;
     setenv("HOME", name.c_str(), 1);
     unsetenv("XDG_DATA_HOME");
+    std::filesystem::create_directory(path_ / "tmp");
+    setenv("TMPDIR", (path_ / "tmp").c_str(), 1);
   }
   ~ThrowawayHome() {
     std::error_code ignored;
@@ -29,6 +32,7 @@ class ThrowawayHome {
 
   const std::filesystem::path& path() const { return path_; }
   std::filesystem::path data() const { return path_ / ".local/share/tavi"; }
+  std::filesystem::path temporary() const { return path_ / "tmp"; }
   std::filesystem::path database() const { return data() / "tavi.sqlite"; }
 
  private:

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <chrono>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -28,7 +29,12 @@ constexpr int taggedNotes = 40;
 class Crash : public testing::Test {
  protected:
   void SetUp() override {
+    const auto start = std::chrono::steady_clock::now();
     note = created("# Log\n\nentries\n");
+    created("# Timed");
+    const auto spent = std::chrono::steady_clock::now() - start;
+    usual =
+        static_cast<int>(std::chrono::duration_cast<std::chrono::microseconds>(spent).count() / 2);
     counter = created("count: 0");
     for (int i = 0; i < taggedNotes; ++i) created("# Tagged\ntext #left and more");
     std::string bytes(200'000, 'x');
@@ -44,8 +50,7 @@ class Crash : public testing::Test {
 
   /// The exit code, or -1 when the program was killed before its end.
   int attempt(const std::vector<std::string>& arguments) {
-    // A command of this kind takes two to six milliseconds, a sanitized one ten times that.
-    const int longest = random() % 4 == 0 ? 40'000 : 6'000;
+    const int longest = random() % 4 == 0 ? 8 * usual : usual + usual / 2;
     const int code = runAndKill(arguments, home.path() / "input",
                                 static_cast<int>(random() % static_cast<unsigned>(longest)));
     ++(code == 0 ? acknowledged : killed);
@@ -61,7 +66,7 @@ class Crash : public testing::Test {
     const std::string title = "made " + std::to_string(round);
     const int code = attempt({"create", title, "--content", "body"});
     const std::string made = value("SELECT count(*) FROM note WHERE title = '" + title +
-                                    "' AND text = '# " + title + "' || char(10, 10) || 'body'");
+                                   "' AND text = '# " + title + "' || char(10, 10) || 'body'");
     if (code == 0) {
       EXPECT_EQ(made, "1");
     }
@@ -155,6 +160,7 @@ class Crash : public testing::Test {
   }
 
   std::mt19937 random{77};
+  int usual = 0;  ///< how long a command takes here, in microseconds
   support::ThrowawayHome home;
   std::string note;
   std::string counter;

@@ -1,11 +1,9 @@
-/* Loaded ahead of the C library (LD_PRELOAD): the call number FAIL_AT, among those that change files,
-   fails with the error FAIL_WITH. With FAIL_AT unset nothing does. */
+/* Loaded ahead of the C library (LD_PRELOAD): the call number FAIL_AT, among those that change
+   files, fails with the error FAIL_WITH, and the file FAIL_MARK comes into being. */
 #define _GNU_SOURCE
 #include <dlfcn.h>
 #include <errno.h>
 #include <fcntl.h>
-#include <stdarg.h>
-#include <stdio.h>
 #include <stdlib.h>
 #include <sys/types.h>
 #include <unistd.h>
@@ -14,11 +12,14 @@ static int fails(void) {
   static int calls = 0;
   const char* at = getenv("FAIL_AT");
   if (at == NULL || ++calls != atoi(at)) return 0;
+  close(open(getenv("FAIL_MARK"), O_WRONLY | O_CREAT, 0600));
   errno = atoi(getenv("FAIL_WITH"));
   return 1;
 }
 
-static int concernsFile(int fd) { return fd > 2; }
+static int concernsFile(int fd) {
+  return fd > 2;
+}
 
 #define FORWARD(name, type) ((type)dlsym(RTLD_NEXT, #name))
 

@@ -30,7 +30,7 @@ std::string contents(const fs::path& path) {
 
 /// Every Markdown file that came with the machine's other programs, as valid UTF-8 and not blank.
 std::vector<std::string> foundTexts() {
-  constexpr std::size_t enough = 400;
+  constexpr std::size_t enough = 300;
   std::set<std::string> texts;
   for (const char* root :
        {"/usr/lib/node_modules", "/usr/local/lib/node_modules", "/usr/share/nodejs",
@@ -57,8 +57,9 @@ std::string lowered(std::string text) {
 /// The title, where any reader would agree: the text begins with a plain heading.
 std::string plainTitle(const std::string& text) {
   std::smatch match;
-  static const std::regex heading("^# ([A-Za-z0-9][A-Za-z0-9 .,-]*[A-Za-z0-9])\r?\n[^]*");
-  return std::regex_match(text, match, heading) ? match[1].str() : std::string();
+  static const std::regex heading("# ([A-Za-z0-9][A-Za-z0-9 .,-]{0,80}[A-Za-z0-9])\r?");
+  const std::string line = text.substr(0, text.find('\n'));
+  return std::regex_match(line, match, heading) ? match[1].str() : std::string();
 }
 
 std::string sha256sum(const fs::path& file) {
@@ -82,19 +83,23 @@ std::vector<std::string> lines(const std::string& text) {
 
 class RealNotes : public testing::Test {
  protected:
-  void SetUp() override {
+  static void SetUpTestSuite() {
+    home = new support::ThrowawayHome;
     texts = foundTexts();
-    if (texts.size() < 20) GTEST_SKIP() << "this machine has only " << texts.size() << " texts";
     for (const std::string& text : texts) {
       const auto made = runProgram({"create", "--fields", "id"}, text);
       ASSERT_EQ(made.exitCode, 0) << made.errors;
       ids.push_back(made.output.substr(0, made.output.size() - 1));
     }
   }
+  static void TearDownTestSuite() { delete home; }
+  void SetUp() override {
+    if (texts.size() < 20) GTEST_SKIP() << "this machine has only " << texts.size() << " texts";
+  }
 
-  std::vector<std::string> texts;
-  std::vector<std::string> ids;
-  support::ThrowawayHome home;
+  static inline support::ThrowawayHome* home = nullptr;
+  static inline std::vector<std::string> texts;
+  static inline std::vector<std::string> ids;
 };
 
 TEST_F(RealNotes, ComeBackByteForByteWithTheirHashTitleAndTags) {
@@ -108,7 +113,7 @@ TEST_F(RealNotes, ComeBackByteForByteWithTheirHashTitleAndTags) {
       cells.push_back(shown.substr(begin, tab - begin));
     }
     ASSERT_EQ(cells.size(), 4U) << shown;
-    const fs::path copy = home.path() / "copy";
+    const fs::path copy = home->path() / "copy";
     std::ofstream(copy, std::ios::binary) << texts[i];
     EXPECT_EQ(cells[0], sha256sum(copy));
     EXPECT_EQ(cells[1], std::to_string(texts[i].size()));
@@ -123,8 +128,7 @@ TEST_F(RealNotes, ComeBackByteForByteWithTheirHashTitleAndTags) {
       const std::string first = cells[3].substr(0, cells[3].find_first_of(",\n"));
       EXPECT_NE(texts[i].find(first), std::string::npos) << first;
     }
-    static const std::regex possibleTag("#[^\\s#]");
-    if (!std::regex_search(texts[i], possibleTag)) {
+    if (texts[i].find('#') == std::string::npos) {
       EXPECT_EQ(cells[3], "\n") << texts[i];
     }
   }

@@ -183,15 +183,28 @@ Transaction::Transaction(Connection& connection, Kind kind) : connection_(connec
 }
 
 Transaction::~Transaction() {
-  if (!open_) return;
+  if (open_) rollBack();
+}
+
+void Transaction::rollBack() {
+  open_ = false;
   // A failed statement may have rolled back already; then there is nothing left to undo.
   if (sqlite3_get_autocommit(connection_.handle()) != 0) return;
   sqlite3_exec(connection_.handle(), "ROLLBACK", nullptr, nullptr, nullptr);
 }
 
 void Transaction::commit() {
-  connection_.query("COMMIT").run();
-  open_ = false;
+  try {
+    connection_.query("COMMIT").run();
+    open_ = false;
+  } catch (const Error&) {
+    rollBack();
+    // Where the log was written and its sync failed, the log still holds a whole transaction, which
+    // the next program to open the database would take for committed. Without a log it cannot.
+    sqlite3_wal_checkpoint_v2(connection_.handle(), nullptr, SQLITE_CHECKPOINT_TRUNCATE, nullptr,
+                              nullptr);
+    throw;
+  }
 }
 
 }  // namespace tavimodel::sqlite

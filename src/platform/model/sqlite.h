@@ -115,9 +115,12 @@ class Transaction {
   ~Transaction();
   Transaction(const Transaction&) = delete;
   Transaction& operator=(const Transaction&) = delete;
+  /// Throws Error; then nothing is committed.
   void commit();
 
  private:
+  void rollBack();
+
   Connection& connection_;
   bool open_ = true;
 };

@@ -191,7 +191,8 @@ TEST_F(Model, KeepsTagsPinsAndFilesOfANoteThatAStrangerReplaces) {
 TEST_F(Model, CountsNotesByTheirPlaceThroughAllChanges) {
   for (int i = 0; i < 6; ++i) create("# n");
   ForeignClient client(home.database());
-  client.run("UPDATE note SET trashed = 1 WHERE id <= 2; UPDATE note SET archived = 1 WHERE id = 3");
+  client.run(
+      "UPDATE note SET trashed = 1 WHERE id <= 2; UPDATE note SET archived = 1 WHERE id = 3");
   client.run("UPDATE note SET permanentlyDeleted = 1 WHERE id = 4; DELETE FROM note WHERE id = 5");
   client.run("INSERT OR REPLACE INTO note (id, text) VALUES (6, 'x')");
   auto stack = open();

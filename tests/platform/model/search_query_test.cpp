@@ -41,7 +41,9 @@ std::string shape(const SearchQuery& query) {
   return result;
 }
 
-std::string parsed(const std::string& text) { return shape(parseSearchQuery(text, 0)); }
+std::string parsed(const std::string& text) {
+  return shape(parseSearchQuery(text, 0));
+}
 
 TEST(SearchQuery, ReadsEveryFormOfAWord) {
   const struct {

@@ -69,10 +69,12 @@ TEST_F(Search, AnswersEveryDirective) {
   create("");
   support::ForeignClient client(home.database());
   client.run("UPDATE note SET pinned = 1, readOnly = 1 WHERE title = 'tagged'");
-  client.run("INSERT INTO file (note, filename, ocrText) SELECT id, 'a.png', 'Invoice' FROM note "
-             "WHERE title = 'pictured'");
-  client.run("INSERT INTO file (note, filename) SELECT id, 'a.zip' FROM note "
-             "WHERE title = 'linking tagged' OR title LIKE 'linking%'");
+  client.run(
+      "INSERT INTO file (note, filename, ocrText) SELECT id, 'a.png', 'Invoice' FROM note "
+      "WHERE title = 'pictured'");
+  client.run(
+      "INSERT INTO file (note, filename) SELECT id, 'a.zip' FROM note "
+      "WHERE title = 'linking tagged' OR title LIKE 'linking%'");
   client.run("INSERT INTO note (title, text, encrypted) VALUES ('secret', 'hidden - [ ] x', 1)");
   const std::string linking = client.value("SELECT title FROM note WHERE title LIKE 'linking%'");
   const struct {
@@ -115,7 +117,8 @@ TEST_F(Search, AnswersEveryDirective) {
 TEST_F(Search, SeesAStrangersTextAtOnce) {
   create("# a\nnothing here");
   index();
-  support::ForeignClient(home.database()).run("UPDATE note SET text = '# a' || char(10) || 'Zebra'");
+  support::ForeignClient(home.database())
+      .run("UPDATE note SET text = '# a' || char(10) || 'Zebra'");
   EXPECT_EQ(found("zebra"), Titles{"a"});
   EXPECT_EQ(found("nothing"), Titles{});
   index();
@@ -126,8 +129,8 @@ TEST_F(Search, SeesAStrangersTextAtOnce) {
 TEST_F(Search, TreatsOddQueriesAsText) {
   create("# odd\n\"quoted\" AND NEAR(a) * ^ % _ ' ; -- \\ {x} col:val (parens)");
   index();
-  for (const char* query :
-       {"\"\\\"quoted\\\"\"", "NEAR(a)", "col:val", "(parens)", "\"' ; --\"", "AND", "{x}", "%", "^"}) {
+  for (const char* query : {"\"\\\"quoted\\\"\"", "NEAR(a)", "col:val", "(parens)", "\"' ; --\"",
+                            "AND", "{x}", "%", "^"}) {
     EXPECT_EQ(found(query), Titles{"odd"}) << query;
   }
   EXPECT_EQ(found(std::string(200000, 'a')), Titles{});
@@ -139,9 +142,9 @@ TEST_F(Search, TreatsOddQueriesAsText) {
 // The index, the walk and the full scan are shortcuts to one answer: what the texts say.
 TEST_F(Search, FindsWhatAPlainScanFinds) {
   std::mt19937 random(20240131);
-  const std::vector<std::string> words = {"ab",   "abc",  "Abcd",   "ÉTÉ",          "été",
-                                          "e\xCC\x81t\xC3\xA9", "straße", "STRASSE", "日本語", "a",
-                                          "\"",   "ﬁn",   "fin",    "x-y",          "ΑΒΓς"};
+  const std::vector<std::string> words = {
+      "ab", "abc", "Abcd", "ÉTÉ", "été", "e\xCC\x81t\xC3\xA9", "straße", "STRASSE", "日本語", "a",
+      "\"", "ﬁn",  "fin",  "x-y", "ΑΒΓς"};
   const auto word = [&] { return words[random() % words.size()]; };
   const auto text = [&] {
     std::string result = "# " + word();
@@ -191,8 +194,8 @@ TEST_F(Search, FindsWhatAPlainScanFinds) {
       std::set<std::string> wanted;
       for (auto id = expected.rbegin(); id != expected.rend(); ++id) {
         if (static_cast<std::int64_t>(wanted.size()) == limit) break;
-        wanted.insert(client.value("SELECT uniqueIdentifier FROM note WHERE id = " +
-                                   std::to_string(*id)));
+        wanted.insert(
+            client.value("SELECT uniqueIdentifier FROM note WHERE id = " + std::to_string(*id)));
       }
       if (limit == INT64_MAX) {
         EXPECT_EQ(ids, wanted) << query;

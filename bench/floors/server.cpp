@@ -1,0 +1,147 @@
+// server FILE: a bare JSON-RPC loop on the standard streams, for the requests that the benchmark
+// sends. Opens the file for each call, as a server does that shares it with other programs.
+#include <cstdio>
+#include <string>
+
+#include "common/database.h"
+#include "output.h"
+#include "word_search.h"
+
+namespace {
+
+using bench::Statement;
+using floors::Output;
+
+/// What lies between the first `before` and the double quote behind it.
+std::string_view valueBehind(std::string_view line, std::string_view before) {
+  const std::size_t found = line.find(before);
+  if (found == line.npos) return {};
+  const std::size_t begin = found + before.size();
+  return line.substr(begin, line.find('"', begin) - begin);
+}
+
+enum class Inside { string, stringOfString };
+
+/// JSON's escapes, once for the answer itself, twice for the answer as a text.
+void escape(Output& output, std::string_view text, Inside inside) {
+  const auto escaped = [&](char c) -> std::string_view {
+    const bool once = inside == Inside::string;
+    switch (c) {
+      case '"':
+        return once ? R"(\")" : R"(\\\")";
+      case '\\':
+        return once ? R"(\\)" : R"(\\\\)";
+      case '/':
+        return once ? R"(\/)" : R"(\\\/)";
+      case '\n':
+        return once ? R"(\n)" : R"(\\n)";
+      default:
+        return {};
+    }
+  };
+  std::size_t plain = 0;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    const std::string_view replacement = escaped(text[i]);
+    if (replacement.empty()) continue;
+    output << text.substr(plain, i - plain) << replacement;
+    plain = i + 1;
+  }
+  output << text.substr(plain);
+}
+
+/// The answer is sent as a text and as an object. `write(inText)` writes it once.
+template <class Write>
+void respond(Output& output, Write write) {
+  output << R"({"id":1,"jsonrpc":"2.0","result":{"content":[{"text":")";
+  write(true);
+  output << R"(","type":"text"}],"structuredContent":)";
+  write(false);
+  output << "}}\n";
+  output.flush();
+}
+
+void writeJSON(Output& output, std::string_view json, bool inText) {
+  if (inText) {
+    escape(output, json, Inside::string);
+  } else {
+    output << json;
+  }
+}
+
+void getNote(Output& output, bench::Database& database, std::string_view identifier) {
+  Statement note(database, "SELECT json FROM note JOIN told USING (id) WHERE identifier = ?1");
+  note.bind(1, identifier).step();
+  respond(output, [&](bool inText) {
+    writeJSON(output, R"({"metadata":)", inText);
+    writeJSON(output, note.text(0), inText);
+    output << "}";
+  });
+}
+
+void searchNotes(Output& output, bench::Database& database, std::string_view word) {
+  Statement candidates(database, "SELECT rowid FROM trigrams WHERE trigrams MATCH ?1");
+  Statement body(database, "SELECT text FROM body WHERE id = ?1");
+  const std::string trigrams = floors::trigramQuery(word);
+  candidates.bind(1, std::string_view(trigrams));
+  std::string found;  // [id, matches] of each, for SQLite to sort
+  while (candidates.step()) {
+    body.bind(1, candidates.integer(0)).step();
+    const std::size_t matches = floors::countWord(body.text(0), word);
+    body.reset();
+    if (matches == 0) continue;
+    found += (found.empty() ? "[[" : ",[") + std::to_string(candidates.integer(0)) + "," +
+             std::to_string(matches) + "]";
+  }
+  found += found.empty() ? "[]" : "]";
+  Statement notes(
+      database,
+      "SELECT told.json, value ->> 1 FROM json_each(?1) JOIN note ON note.id = value ->> 0 "
+      "JOIN told USING (id) WHERE location = 0 ORDER BY pinned DESC, modified DESC");
+  notes.bind(1, std::string_view(found));
+  respond(output, [&](bool inText) {
+    writeJSON(output, R"({"results":[)", inText);
+    for (bool first = true; notes.step(); first = false) {
+      writeJSON(output, first ? R"({"matchCount":)" : R"(,{"matchCount":)", inText);
+      output << notes.integer(1);
+      writeJSON(output, R"(,"metadata":)", inText);
+      writeJSON(output, notes.text(0), inText);
+      output << "}";
+    }
+    notes.reset();
+    output << "]}";
+  });
+}
+
+void listNotesWithContent(Output& output, bench::Database& database) {
+  Statement notes(database,
+                  "SELECT json, text FROM note JOIN told USING (id) JOIN body USING (id) "
+                  "WHERE location = 0 ORDER BY pinned DESC, modified DESC");
+  respond(output, [&](bool inText) {
+    writeJSON(output, R"({"notes":[)", inText);
+    for (bool first = true; notes.step(); first = false) {
+      writeJSON(output, first ? R"({"content":")" : R"(,{"content":")", inText);
+      escape(output, notes.text(1), inText ? Inside::stringOfString : Inside::string);
+      writeJSON(output, R"(","metadata":)", inText);
+      writeJSON(output, notes.text(0), inText);
+      output << "}";
+    }
+    notes.reset();
+    output << "]}";
+  });
+}
+
+}  // namespace
+
+int main(int, char** argv) {
+  Output output;
+  char* line = nullptr;
+  std::size_t capacity = 0;
+  for (ssize_t size; (size = getline(&line, &capacity, stdin)) > 0;) {
+    const std::string_view request(line, static_cast<std::size_t>(size));
+    const std::string_view tool = valueBehind(request, R"("name":")");
+    bench::Database database(argv[1]);
+    if (tool == "get_note") getNote(output, database, valueBehind(request, R"("id":")"));
+    if (tool == "search_notes") searchNotes(output, database, valueBehind(request, R"("query":")"));
+    if (tool == "list_notes") listNotesWithContent(output, database);
+  }
+}

@@ -1,0 +1,2 @@
+// A process that does nothing.
+int main() {}

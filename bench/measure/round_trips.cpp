@@ -1,0 +1,40 @@
+// round_trips REQUESTS ROUNDS -- COMMAND... [-- COMMAND...]...: starts each command once, a server
+// that answers each line with a line, and times the lines of the file REQUESTS, all of them ROUNDS
+// times, from before the request to after its answer. The servers take turns. One line a command:
+// its largest memory in KiB, then each time in nanoseconds.
+
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <memory>
+
+#include "child.h"
+
+int main(int, char** arguments) {
+  std::ifstream file(arguments[1]);
+  std::vector<std::string> requests;
+  for (std::string line; std::getline(file, line);) requests.push_back(line + '\n');
+  const long rounds = std::strtol(arguments[2], nullptr, 10);
+  auto commands = measure::commands(arguments + 3);
+  measure::raisePriority();
+
+  std::vector<std::unique_ptr<measure::Child>> servers;
+  for (auto& command : commands) servers.push_back(std::make_unique<measure::Child>(command, true));
+  std::vector<std::vector<std::int64_t>> times(commands.size());
+  for (long round = 0; round < rounds; ++round) {
+    for (const std::string& request : requests) {
+      for (std::size_t i = 0; i < servers.size(); ++i) {
+        const std::int64_t start = measure::nanoseconds();
+        servers[i]->send(request);
+        servers[i]->readLine();
+        times[i].push_back(measure::nanoseconds() - start);
+      }
+    }
+  }
+  for (std::size_t i = 0; i < servers.size(); ++i) {
+    std::printf("%ld", servers[i]->finish());
+    for (const std::int64_t time : times[i]) std::printf(" %lld", static_cast<long long>(time));
+    std::printf("\n");
+  }
+}

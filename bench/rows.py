@@ -1,0 +1,220 @@
+"""What is measured: a row's commands, how it is checked, and how near the floor it should come."""
+
+import json
+import shlex
+from dataclasses import dataclass, field
+from typing import Callable
+
+NOTE_SIZES = ("1k", "10k", "100k")
+
+
+@dataclass
+class Row:
+    name: str
+    aim: dict  # size: times the floor
+    floor: Callable  # (corpus) -> arguments; the first is a floor's name
+    program: Callable  # (corpus) -> arguments
+    others: dict = field(default_factory=dict)  # name: (corpus) -> arguments
+    check: str = "equal"  # what the answers must be: "equal", "any", or see Writes
+
+    @property
+    def sizes(self):
+        return tuple(self.aim)
+
+
+@dataclass
+class WriteRow(Row):
+    """A write. Done on a copy; the number of syncs is counted."""
+
+
+@dataclass
+class ServerRow(Row):
+    """A request to a running server: `floor` and `program` give the request's tool and arguments."""
+
+    tool: str = ""
+    arguments: Callable = dict
+
+
+def by_size(*factors):
+    return dict(zip(NOTE_SIZES, factors))
+
+
+def at(column):
+    return lambda corpus: corpus.facts[column]
+
+
+def sqlite_shell(sql):
+    """The program's database in the sqlite3 shell, with plain SQL over the tables open to all."""
+    def command(corpus):
+        return ["sqlite3", "-batch", str(corpus.database), sql.format(**corpus.facts)]
+    return command
+
+
+LISTED = "trashed = 0 AND archived = 0"
+ORDER = "ORDER BY pinned DESC, modificationDate DESC"
+TAGS = (
+    "(SELECT group_concat('#' || tag.title) FROM noteTag JOIN tag ON tag.id = noteTag.tag "
+    "WHERE noteTag.note = note.id)"
+)
+COLUMNS = f"uniqueIdentifier, title, {TAGS}"
+
+
+def holding(word, end=""):
+    return sqlite_shell(
+        f"SELECT {COLUMNS} FROM note WHERE text LIKE '%{{{word}}}%' AND {LISTED} {ORDER} {end}"
+    )
+
+
+def ripgrep(word):
+    return lambda corpus: ["rg", "-il", corpus.facts[word], str(corpus.markdown)]
+
+
+def grep(word):
+    return lambda corpus: ["grep", "-ril", corpus.facts[word], str(corpus.markdown)]
+
+
+def floor_command(name, *facts):
+    def command(corpus):
+        return [name, str(corpus.floor), *(corpus.facts[fact] for fact in facts)]
+    return command
+
+
+def program_command(*arguments):
+    """Each argument may name facts in braces."""
+    return lambda corpus: [argument.format(**corpus.facts) for argument in arguments]
+
+
+def call(tool, arguments):
+    """A JSON-RPC request, on one line."""
+    params = {"name": tool, "arguments": arguments}
+    return json.dumps({"jsonrpc": "2.0", "id": 1, "method": "tools/call", "params": params})
+
+
+ROWS = [
+    Row(
+        "start",
+        {"-": 1.25},
+        lambda corpus: ["start"],
+        program_command("--version"),
+        {"sqlite3": lambda corpus: ["sqlite3", "--version"]},
+        check="any",
+    ),
+    Row(
+        "show by id",
+        by_size(1.6, 1.6, 1.6),
+        floor_command("show", "sample"),
+        program_command("show", "{sample}"),
+        {"sqlite3": sqlite_shell(
+            f"SELECT {COLUMNS} FROM note WHERE uniqueIdentifier = '{{sample}}'")},
+    ),
+    Row(
+        "list 20 newest",
+        by_size(1.6, 1.6, 1.6),
+        floor_command("list_page"),
+        program_command("list", "-n", "20"),
+        {"sqlite3": sqlite_shell(f"SELECT {COLUMNS} FROM note WHERE {LISTED} {ORDER} LIMIT 20")},
+    ),
+    Row(
+        "list all",
+        by_size(1.6, 1.8, 2.0),
+        floor_command("list_all"),
+        program_command("list"),
+        {"sqlite3": sqlite_shell(f"SELECT {COLUMNS} FROM note WHERE {LISTED} {ORDER}")},
+    ),
+    Row(
+        "count",
+        by_size(1.5, 1.4, 0.5),
+        floor_command("count"),
+        program_command("list", "--count"),
+        {"sqlite3": sqlite_shell(f"SELECT count(*) FROM note WHERE {LISTED}")},
+    ),
+    Row(
+        "rare word",
+        by_size(1.6, 1.8, 1.8),
+        floor_command("rare_word", "rareWord"),
+        program_command("search", "{rareWord}"),
+        {"sqlite3": holding("rareWord"), "rg": ripgrep("rareWord"), "grep": grep("rareWord")},
+    ),
+    Row(
+        "common word, first 20",
+        by_size(1.6, 1.8, 2.0),
+        floor_command("common_word", "commonWord"),
+        program_command("search", "{commonWord}", "-n", "20"),
+        {"sqlite3": holding("commonWord", "LIMIT 20"), "rg": ripgrep("commonWord")},
+    ),
+    Row(
+        "two-letter word",
+        by_size(1.5, 1.3, 1.2),
+        floor_command("short_word", "twoLetterWord"),
+        program_command("search", "{twoLetterWord}"),
+        {"sqlite3": holding("twoLetterWord"), "rg": ripgrep("twoLetterWord")},
+    ),
+    Row(
+        "tag filter",
+        by_size(1.6, 1.8, 1.8),
+        floor_command("tag", "listedTag"),
+        program_command("list", "--tag", "{listedTag}"),
+        {"rg": lambda corpus: ["rg", "-l", f"#{corpus.facts['listedTag']}\\b",
+                               str(corpus.markdown)]},
+    ),
+    Row(
+        "search-in, one note of 10 MB",
+        {"huge": 1.3},
+        floor_command("search_in", "sample", "rareWord"),
+        program_command("search-in", "{sample}", "--string", "{rareWord}", "--fields", "offset"),
+        {"rg": lambda corpus: ["rg", "-bio", corpus.facts["rareWord"],
+                               str(corpus.markdown / "0" / "0.md")],
+         "grep": lambda corpus: ["grep", "-bio", corpus.facts["rareWord"],
+                                 str(corpus.markdown / "0" / "0.md")]},
+    ),
+    WriteRow(
+        "create, durable",
+        by_size(1.5, 1.5, 1.5),
+        floor_command("commit"),
+        program_command("create", "A small note", "--content", "Its text, number 1.", "--tags",
+                        "work"),
+        {"sqlite3": sqlite_shell(
+            "INSERT INTO note (title, text) VALUES ('A small note', '# A small note');")},
+    ),
+    WriteRow(
+        "append, durable",
+        by_size(1.5, 1.5, 1.5),
+        floor_command("commit"),
+        program_command("append", "{scratchNote}", "--content", "One more line."),
+    ),
+    WriteRow(
+        "edit, durable",
+        by_size(1.5, 1.5, 1.5),
+        floor_command("commit"),
+        program_command("edit", "{scratchNote}", "--find", "the tail", "--insert-before", "."),
+    ),
+    ServerRow(
+        "server: get_note",
+        by_size(1.5, 1.5, 1.5),
+        floor_command("server"),
+        program_command("mcp-server"),
+        tool="get_note",
+        arguments=lambda corpus: {"id": corpus.facts["sample"]},
+    ),
+    ServerRow(
+        "server: rare word",
+        by_size(2, 2, 2),
+        floor_command("server"),
+        program_command("mcp-server"),
+        tool="search_notes",
+        arguments=lambda corpus: {"query": corpus.facts["rareWord"]},
+    ),
+    ServerRow(
+        "server: 20 MB of notes with text",
+        {"10k": 1.6},
+        floor_command("server"),
+        program_command("mcp-server"),
+        tool="list_notes",
+        arguments=lambda corpus: {"includeContent": True},
+    ),
+]
+
+
+def shown(command):
+    """A command as a person would type it, for messages."""
+    return shlex.join(str(argument) for argument in command)
