@@ -87,7 +87,8 @@ def program_command(*arguments):
 def call(tool, arguments):
     """A JSON-RPC request, on one line."""
     params = {"name": tool, "arguments": arguments}
-    return json.dumps({"jsonrpc": "2.0", "id": 1, "method": "tools/call", "params": params})
+    request = {"jsonrpc": "2.0", "id": 1, "method": "tools/call", "params": params}
+    return json.dumps(request, separators=(",", ":"))  # as the floor's reader expects it
 
 
 ROWS = [
