@@ -94,7 +94,7 @@ def call(tool, arguments):
     """A JSON-RPC request, on one line."""
     params = {"name": tool, "arguments": arguments}
     request = {"jsonrpc": "2.0", "id": 1, "method": "tools/call", "params": params}
-    return json.dumps(request, separators=(",", ":"))
+    return json.dumps(request, separators=(",", ":"))  # as the floor expects it
 
 
 LOADED_NOTES = 2_000

@@ -104,7 +104,7 @@ Operations plannedBelow(std::string_view text, std::size_t limit, std::string_vi
 Operations plannedAppend(std::string_view text, const Layout& layout, std::string_view inserted) {
   const std::size_t foot = layout.footBegin();
   const std::size_t end = contentEnd(text.substr(0, foot));
-  const std::size_t first = text.starts_with("\xEF\xBB\xBF") ? 3 : 0;
+  const std::size_t first = textBegin(text);
   if (end > first) {
     return plannedBelow(text, foot, inserted, !layout.hasBody() && layout.headEndsInTags());
   }

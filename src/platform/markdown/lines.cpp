@@ -88,9 +88,12 @@ std::string_view lineBreakStyle(std::string_view text) {
   return first == "\r" && text.find('\n') != npos ? "\n" : first;
 }
 
+std::size_t textBegin(std::string_view text) {
+  return text.starts_with(kByteOrderMark) ? kByteOrderMark.size() : 0;
+}
+
 std::size_t bodyBegin(std::string_view text) {
-  const std::size_t begin = text.starts_with(kByteOrderMark) ? kByteOrderMark.size() : 0;
-  return behindFrontMatter(text, begin);
+  return behindFrontMatter(text, textBegin(text));
 }
 
 }  // namespace zephyrdown

@@ -47,6 +47,9 @@ std::size_t contentEnd(std::string_view text);
 /// lone CR in a text that has others too.
 std::string_view lineBreakStyle(std::string_view text);
 
+/// Behind a byte order mark.
+std::size_t textBegin(std::string_view text);
+
 /// Where Markdown begins: behind a byte order mark and behind front matter, which is a block of
 /// lines between "---" on the very first line and the next "---" or "...". A blank line directly
 /// below the first makes it a thematic break instead.

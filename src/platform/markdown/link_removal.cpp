@@ -30,7 +30,7 @@ Operations plannedRound(std::string_view text, const Document& document, std::st
       whole.push_back(link.range);
     }
   }
-  Operations results = plannedRemoval(text, document.bodyBegin, whole);
+  Operations results = plannedRemoval(text, whole);
   results.insert(results.end(), unwrapped.begin(), unwrapped.end());
   return results;
 }

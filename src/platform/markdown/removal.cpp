@@ -18,7 +18,7 @@ using RangeIterator = Ranges::const_iterator;
 /// Plans removals line by line.
 class Remover {
  public:
-  Remover(std::string_view text, std::size_t bodyBegin) : text_(text), bodyBegin_(bodyBegin) {}
+  explicit Remover(std::string_view text) : text_(text), begin_(textBegin(text)) {}
 
   Operations plan(const Ranges& ranges) {
     std::optional<SourceRange> whole;  // lines that go, and blank lines between them
@@ -42,7 +42,7 @@ class Remover {
  private:
   /// The line that `first` is on, or the lines that its ranges join, and the first range behind.
   std::pair<SourceRange, RangeIterator> lineOf(RangeIterator first, RangeIterator end) const {
-    SourceRange line{lineBegin(text_, first->begin), lineEnd(text_, first->end)};
+    SourceRange line{std::max(lineBegin(text_, first->begin), begin_), lineEnd(text_, first->end)};
     auto last = std::next(first);
     for (; last != end && last->begin <= line.end; ++last) {
       if (last->end > line.end) line.end = lineEnd(text_, last->end);
@@ -84,13 +84,13 @@ class Remover {
   SourceRange wholeLines(SourceRange line) const {
     const std::size_t below = behindLineBreak(text_, line.end);
     if (wouldBecomeCode(below, line.begin)) return {line.begin, skipBlanks(text_, below)};
-    if (line.begin <= bodyBegin_) {
+    if (line.begin <= begin_) {
       const bool goesOn = isBlankLine(below) && skipBlankLines(text_, below) < text_.size();
       return {line.begin, goesOn ? nextLine(text_, below) : below};
     }
     const std::size_t aboveEnd = previousLineEnd(text_, line.begin);
     const std::size_t above = lineBegin(text_, aboveEnd);
-    const bool isBlankAbove = above > bodyBegin_ && isBlankLine(above);
+    const bool isBlankAbove = above > begin_ && isBlankLine(above);
     const bool isBlankBelow = below == text_.size() || isBlankLine(below);
     return {isBlankAbove && isBlankBelow ? previousLineEnd(text_, above) : aboveEnd, line.end};
   }
@@ -101,7 +101,7 @@ class Remover {
     const std::string_view indentation = text_.substr(below, textBegin - below);
     const bool isDeep = indentation.size() >= 4 || indentation.find('\t') != npos;
     if (!isDeep || isBlankLine(below) || below == text_.size()) return false;
-    if (line <= bodyBegin_) return true;
+    if (line <= begin_) return true;
     return isBlankLine(lineBegin(text_, previousLineEnd(text_, line)));
   }
 
@@ -184,16 +184,15 @@ class Remover {
   }
 
   std::string_view text_;
-  std::size_t bodyBegin_;
+  std::size_t begin_;
   std::size_t removedUpTo_ = 0;
   Operations results_;
 };
 
 }  // namespace
 
-Operations plannedRemoval(std::string_view text, std::size_t bodyBegin,
-                          const std::vector<SourceRange>& ranges) {
-  return Remover(text, bodyBegin).plan(ranges);
+Operations plannedRemoval(std::string_view text, const std::vector<SourceRange>& ranges) {
+  return Remover(text).plan(ranges);
 }
 
 }  // namespace zephyrdown

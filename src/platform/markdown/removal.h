@@ -9,8 +9,7 @@ namespace zephyrdown {
 
 /// Plans the removal of the ranges, which are ascending and lie apart. A line that holds nothing
 /// else goes as a whole, and with it one of the blank lines that it stood between; of two blanks
-/// around a range inside a line one goes. `bodyBegin`: where the note's text begins.
-Operations plannedRemoval(std::string_view text, std::size_t bodyBegin,
-                          const std::vector<SourceRange>& ranges);
+/// around a range inside a line one goes.
+Operations plannedRemoval(std::string_view text, const std::vector<SourceRange>& ranges);
 
 }  // namespace zephyrdown

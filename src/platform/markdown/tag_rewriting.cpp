@@ -76,7 +76,7 @@ class Renamer {
  private:
   void enterLine() {
     line_.end = lineEnd(text_, next_->range.end);
-    line_.begin = lineBegin(text_, next_->range.begin);
+    line_.begin = std::max(lineBegin(text_, next_->range.begin), document_.bodyBegin);
     isTagLine_ = layout_.isTagLine(line_.begin);
     names_.clear();
     if (!isTagLine_) return;
@@ -139,7 +139,7 @@ Operations plannedTagRemoval(std::string_view text, const Document& document,
   for (const HashtagMention& tag : document.hashtags) {
     if (tag.name == name) ranges.push_back(tag.range);
   }
-  return plannedRemoval(text, document.bodyBegin, ranges);
+  return plannedRemoval(text, ranges);
 }
 
 Operations plannedTagRename(std::string_view text, const Document& document, std::string_view from,

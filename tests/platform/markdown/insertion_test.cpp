@@ -36,6 +36,7 @@ TEST(AppendedText, GoesAboveTheFoot) {
            {"# T\n#a\n\nBody", "New", "# T\n#a\n\nBody\nNew"},
            {"# T\n#a", "New", "# T\n#a\n\nNew"},
            {"#a", "New", "#a\n\nNew"},
+           {"---\nx: y\n---", "New", "---\nx: y\n---\nNew"},
            {"# T\n\nBody\n\n#a #b c#", "New", "# T\n\nBody\nNew\n\n#a #b c#"},
            {"# T\n\n#a", "New", "# T\n\nNew\n\n#a"},
            {"Body\n#a\n", "New", "Body\nNew\n#a\n"},

@@ -211,6 +211,35 @@ TEST(Markdown, ReadsAnyBytes) {
   }
 }
 
+std::string repeated(const std::string& piece, std::size_t count) {
+  std::string text;
+  for (std::size_t i = 0; i < count; ++i) text += piece;
+  return text;
+}
+
+TEST(Markdown, ReadsOnBehindTextsMadeToBeSlow) {
+  constexpr std::size_t kMany = 20'000;
+  const std::string target(80'000, 'b');
+  for (const std::string& text : {
+           "[a]: <" + target + ">\n\n" + repeated("[a] ", kMany),
+           "[a]: <" + target + "\\*>\n\n" + repeated("[a] ", kMany),
+           repeated("|a", kMany) + "|\n" + repeated("|---", kMany) + "|" + repeated("\n|", kMany),
+           repeated("[", kMany) + "a" + repeated("](b.pdf)", kMany),
+           repeated("![", kMany) + "a" + repeated("](b.png)", kMany),
+           repeated("> ", kMany) + "a",
+           repeated("- ", kMany) + "a",
+           repeated("*a **b ", kMany),
+           repeated("[a](b.pdf)<!-- ", kMany),
+           repeated("m@n.opwww.q.r ", kMany),
+       }) {
+    ZDKAST tree = parsed("#first " + text + "\n\n#last");
+    EXPECT_EQ(tree.textSummary().tags.back(), "last") << text.substr(0, 30);
+    tree.applyTextOperationResults(tree.renameHashtag("last", "x y"));
+    tree.applyTextOperationResults(tree.appendText("end"));
+    EXPECT_TRUE(tree.markdown().ends_with("\nend\n\n#x y#")) << text.substr(0, 30);
+  }
+}
+
 TEST(Markdown, HoldsItsPropertiesForTheFilesOfThisMachine) {
   std::size_t checked = 0;
   for (const char* folder :
