@@ -33,7 +33,7 @@ class TermSearch {
   /// The ids that match, when the index can narrow the search to at most `most` candidates.
   std::optional<std::vector<std::int64_t>> throughIndex(std::size_t most) {
     std::optional<std::vector<std::int64_t>> fewest;
-    for (const auto& terms : plan_.requiredTerms()) {
+    for (const auto& terms : mostTelling(plan_.requiredTerms())) {
       auto candidates = candidatesOfAny(terms, fewest ? fewest->size() : most);
       if (candidates && (!fewest || candidates->size() < fewest->size())) fewest = candidates;
     }
@@ -90,6 +90,22 @@ class TermSearch {
     return connection_.query(
         fmt::format("SELECT s.note, s.title, s.encrypted{} FROM {} WHERE {} AND {}{}",
                     plan_.columns(), from, base_, plan_.where(), order));
+  }
+
+  using Terms = std::vector<std::string>;
+
+  /// The few groups that narrow the search most: those whose shortest term is long.
+  static std::vector<Terms> mostTelling(std::vector<Terms> groups) {
+    constexpr std::size_t enough = 3;
+    const auto shortest = [](const Terms& terms) {
+      std::size_t length = SIZE_MAX;
+      for (const std::string& term : terms) length = std::min(length, term.size());
+      return length;
+    };
+    std::stable_sort(groups.begin(), groups.end(),
+                     [&](const Terms& a, const Terms& b) { return shortest(a) > shortest(b); });
+    if (groups.size() > enough) groups.resize(enough);
+    return groups;
   }
 
   /// Notes that may hold one of the terms; nothing when the index cannot tell or there are too

@@ -58,6 +58,10 @@ bool isASCIILetter(char c) {
   return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
 }
 
+/// No reader needs more, and no form of query may keep the database busy for long.
+constexpr int mostTerms = 2000;
+constexpr int mostOtherConditions = 200;
+
 std::string lowered(std::string_view text) {
   std::string result(text);
   for (char& c : result) {
@@ -75,6 +79,13 @@ class Parser {
       if (readOr()) continue;
       std::optional<SearchCondition> condition = readCondition();
       if (!condition) continue;
+      int& count = condition->kind == Kind::term ? terms_ : otherConditions_;
+      if (++count > (condition->kind == Kind::term ? mostTerms : mostOtherConditions)) {
+        throw SearchSyntaxError(
+            fmt::format("The search query asks for too much at once: at most {} terms, and {} tags "
+                        "and directives",
+                        mostTerms, mostOtherConditions));
+      }
       if (joinNext_) {
         query_.groups.back().push_back(std::move(*condition));
       } else {
@@ -259,6 +270,8 @@ class Parser {
   double now_;
   std::size_t position_ = 0;
   bool joinNext_ = false;
+  int terms_ = 0;
+  int otherConditions_ = 0;
   SearchQuery query_;
 };
 

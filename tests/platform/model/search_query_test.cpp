@@ -86,6 +86,16 @@ TEST(SearchQuery, NeverTakesAnUnknownDirectiveForAWord) {
   EXPECT_EQ(parsed("\"@nosuch\""), "'@nosuch'");
 }
 
+TEST(SearchQuery, RefusesWhatNoReaderAsks) {
+  std::string many;
+  for (int i = 0; i < 3000; ++i) many += "word ";
+  EXPECT_THROW(parseSearchQuery(many, 0), SearchSyntaxError);
+  many.clear();
+  for (int i = 0; i < 300; ++i) many += "#a ";
+  EXPECT_THROW(parseSearchQuery(many, 0), SearchSyntaxError);
+  EXPECT_EQ(parseSearchQuery(std::string(1'000'000, 'a'), 0).groups.size(), 1U);
+}
+
 class SearchDates : public testing::Test {
  protected:
   void SetUp() override {
