@@ -1,6 +1,7 @@
 #include "child.h"
 
 #include <fcntl.h>
+#include <sched.h>
 #include <spawn.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
@@ -39,7 +40,11 @@ std::vector<std::vector<char*>> commands(char** arguments) {
 }
 
 void raisePriority() {
-  setpriority(PRIO_PROCESS, 0, -20);
+  // A process of the real-time class runs as soon as it can; a mere nice value lets others end
+  // their turn first, which takes longer than most of what is measured here.
+  sched_param parameter{};
+  parameter.sched_priority = 1;
+  if (sched_setscheduler(0, SCHED_FIFO, &parameter) != 0) setpriority(PRIO_PROCESS, 0, -20);
 }
 
 std::int64_t nanoseconds() {
