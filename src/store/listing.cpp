@@ -18,7 +18,6 @@ using tavimodel::NoteTable;
 using tavimodel::NoteView;
 using tavimodel::Predicate;
 using tavimodel::SearchTermCounter;
-using tavimodel::SortDescriptor;
 using tavimodel::SortKey;
 
 std::optional<Predicate> locationPredicate(std::optional<NoteLocation> location) {

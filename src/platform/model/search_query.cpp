@@ -121,9 +121,11 @@ class Parser {
 
   /// An `or` with something on its left; what follows joins that.
   bool readOr() {
-    const std::size_t end = endOfWord(position_);
     if (query_.groups.empty() || joinNext_) return false;
-    if (lowered(text_.substr(position_, end - position_)) != "or") return false;
+    // Not by the word's end: a query may be one word of a megabyte, looked at again and again.
+    const std::size_t end = position_ + 2;
+    if (lowered(text_.substr(position_, 2)) != "or") return false;
+    if (end < text_.size() && !atBlank(end)) return false;
     position_ = end;
     joinNext_ = true;
     return true;
