@@ -57,7 +57,6 @@ class ManagedObjectContext {
   sqlite::Connection& reading();
   /// The object of a row: the one that is there already, or a new one.
   KVNote& noteOf(NoteRow row);
-  KVNote* noteWithID(std::int64_t id);
   KVNote& insert(NoteRow row);
   std::vector<KVNote*> notesOf(std::vector<NoteRow> rows);
   /// The notes that carry the tag named, or one of its children too.

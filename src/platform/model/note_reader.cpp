@@ -46,14 +46,6 @@ std::optional<NoteRow> NoteReader::rowWithIdentifier(std::string_view identifier
   return readNoteRow(query);
 }
 
-std::optional<NoteRow> NoteReader::rowWithID(std::int64_t id) {
-  sqlite::Query query = connection_.query(
-      fmt::format("SELECT {} FROM noteSummary s WHERE s.note = ?1", noteRowColumns));
-  query.bind(1, id);
-  if (!query.step()) return std::nullopt;
-  return readNoteRow(query);
-}
-
 std::vector<NoteRow> NoteReader::rowsWithTitle(std::string_view title) {
   // A key that is not known is one whose title SQL could not fold.
   sqlite::Query query = connection_.query(fmt::format(
@@ -67,19 +59,6 @@ std::vector<NoteRow> NoteReader::rowsWithTitle(std::string_view title) {
     if (platform::text::foldedForSearch(row.title.value_or("")) == key)
       rows.push_back(std::move(row));
   }
-  return rows;
-}
-
-std::vector<NoteRow> NoteReader::rowsWithIDs(const std::vector<std::int64_t>& ids) {
-  sqlite::Query query =
-      connection_.query(fmt::format("SELECT {} FROM json_each(?1) wanted CROSS JOIN noteSummary s "
-                                    "ON s.note = wanted.value",
-                                    noteRowColumns));
-  const std::string list = jsonArray(ids);
-  query.bind(1, list);
-  std::vector<NoteRow> rows;
-  rows.reserve(ids.size());
-  while (query.step()) rows.push_back(readNoteRow(query));
   return rows;
 }
 

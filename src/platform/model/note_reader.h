@@ -21,9 +21,7 @@ class NoteReader {
   explicit NoteReader(sqlite::Connection& connection) : connection_(connection) {}
 
   std::optional<NoteRow> rowWithIdentifier(std::string_view identifier);
-  std::optional<NoteRow> rowWithID(std::int64_t id);
   std::vector<NoteRow> rowsWithTitle(std::string_view title);
-  std::vector<NoteRow> rowsWithIDs(const std::vector<std::int64_t>& ids);
 
   std::string text(std::int64_t note);
   std::vector<std::string> tags(std::int64_t note);

@@ -19,8 +19,6 @@ constexpr std::array attributes{
     Attribute{"archived", "archived"},
     Attribute{"permanentlyDeleted", "permanentlyDeleted"},
     Attribute{"pinned", "pinned"},
-    Attribute{"encrypted", "encrypted"},
-    Attribute{"notes.@count", "(SELECT count(*) FROM noteTag WHERE noteTag.tag = tag.id)"},
     Attribute{"pinnedNotes.@count",
               "(SELECT count(*) FROM pinnedInTag WHERE pinnedInTag.tag = tag.id)"},
 };
