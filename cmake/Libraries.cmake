@@ -1,5 +1,5 @@
-# Outside libraries, each under one name `ext::...`. What Debian ships as an archive is linked
-# statically: a process that runs for a millisecond pays for every shared library it loads.
+# Outside libraries, each under one name `ext::...`, as archives: a process that runs for a
+# millisecond pays for every shared library it loads.
 
 find_package(Threads REQUIRED)
 find_package(Boost 1.81 REQUIRED)
@@ -22,12 +22,26 @@ tavi_static_library(ext::nettle nettle/sha2.h nettle)
 tavi_static_library(ext::expat expat.h expat)
 tavi_static_library(ext::uuid uuid/uuid.h uuid)
 
-# md4c comes as a shared library only.
+# Debian ships md4c as a shared library only; scripts/setup fetches the source of that package. Where
+# it could not, the shared library does, and the program is linked against shared libraries.
 add_library(ext::md4c INTERFACE IMPORTED GLOBAL)
-find_path(md4c_include md4c.h REQUIRED)
-find_library(md4c_library md4c REQUIRED)
-target_include_directories(ext::md4c SYSTEM INTERFACE ${md4c_include})
-target_link_libraries(ext::md4c INTERFACE ${md4c_library})
+set(md4c_source "${CMAKE_SOURCE_DIR}/build/third-party/md4c-0.4.8/src")
+if(EXISTS "${md4c_source}/md4c.c")
+  set(TAVI_STATIC_LIBRARIES ON)
+  add_library(md4c STATIC "${md4c_source}/md4c.c")
+  target_compile_options(md4c PRIVATE -w)
+  if(TAVI_SANITIZE)
+    target_compile_options(md4c PRIVATE -fsanitize=address -fno-omit-frame-pointer)
+  endif()
+  target_include_directories(ext::md4c SYSTEM INTERFACE "${md4c_source}")
+  target_link_libraries(ext::md4c INTERFACE md4c)
+else()
+  set(TAVI_STATIC_LIBRARIES OFF)
+  find_path(md4c_include md4c.h REQUIRED)
+  find_library(md4c_library md4c REQUIRED)
+  target_include_directories(ext::md4c SYSTEM INTERFACE ${md4c_include})
+  target_link_libraries(ext::md4c INTERFACE ${md4c_library})
+endif()
 
 # Headers only.
 add_library(ext::fmt INTERFACE IMPORTED GLOBAL)

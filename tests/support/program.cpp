@@ -41,26 +41,28 @@ void drain(Pipe& from, std::string& into) {
   }
 }
 
-[[noreturn]] void become(const std::vector<std::string>& arguments, int in, int out, int err) {
+[[noreturn]] void become(const char* program, const std::vector<std::string>& arguments, int in,
+                         int out, int err) {
   dup2(in, STDIN_FILENO);
   dup2(out, STDOUT_FILENO);
   dup2(err, STDERR_FILENO);
-  std::vector<char*> argv{const_cast<char*>(TAVICLI_PROGRAM)};
+  std::vector<char*> argv{const_cast<char*>(program)};
   for (const std::string& argument : arguments) argv.push_back(const_cast<char*>(argument.c_str()));
   argv.push_back(nullptr);
-  execv(TAVICLI_PROGRAM, argv.data());
+  execv(program, argv.data());
   _exit(127);
 }
 
 }  // namespace
 
-ProgramResult runProgram(const std::vector<std::string>& arguments, const std::string& input) {
+ProgramResult runProgram(const std::vector<std::string>& arguments, const std::string& input,
+                         const char* program) {
   std::signal(SIGPIPE, SIG_IGN);  // the program need not read all of its input
   Pipe in;
   Pipe out;
   Pipe err;
   const pid_t child = fork();
-  if (child == 0) become(arguments, in.ends[0], out.ends[1], err.ends[1]);
+  if (child == 0) become(program, arguments, in.ends[0], out.ends[1], err.ends[1]);
   in.closeEnd(0);
   out.closeEnd(1);
   err.closeEnd(1);
@@ -93,7 +95,7 @@ int runAndKill(const std::vector<std::string>& arguments, const std::filesystem:
   if (child == 0) {
     const int in = open(input.c_str(), O_RDONLY);
     const int nowhere = open("/dev/null", O_WRONLY);
-    become(arguments, in, nowhere, nowhere);
+    become(TAVICLI_PROGRAM, arguments, in, nowhere, nowhere);
   }
   usleep(static_cast<useconds_t>(microseconds));
   kill(child, SIGKILL);

@@ -108,7 +108,7 @@ class FailingCalls : public Trouble {
     setenv("FAIL_AT", std::to_string(call).c_str(), 1);
     setenv("FAIL_WITH", std::to_string(error).c_str(), 1);
     setenv("FAIL_MARK", mark().c_str(), 1);
-    const ProgramResult result = runProgram(command, "bytes");
+    const ProgramResult result = runProgram(command, "bytes", SHARED_PROGRAM);
     unsetenv("LD_PRELOAD");
     return result;
   }

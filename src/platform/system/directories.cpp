@@ -3,7 +3,9 @@
 #include <pwd.h>
 #include <unistd.h>
 
+#include <cstdio>
 #include <cstdlib>
+#include <memory>
 
 namespace platform::system {
 namespace {
@@ -17,13 +19,24 @@ std::optional<path> absolutePathIn(const char* variable) {
   return path(value);
 }
 
+/// From the file itself: getpwuid(3) loads shared libraries to ask, which a static program cannot.
+std::optional<path> homeOfUser(uid_t id) {
+  const std::unique_ptr<std::FILE, int (*)(std::FILE*)> users(std::fopen("/etc/passwd", "re"),
+                                                              std::fclose);
+  if (!users) return std::nullopt;
+  while (const passwd* user = fgetpwent(users.get())) {
+    if (user->pw_uid != id) continue;
+    if (*user->pw_dir != '/') return std::nullopt;
+    return path(user->pw_dir);
+  }
+  return std::nullopt;
+}
+
 }  // namespace
 
 std::optional<path> homeDirectory() {
   if (const auto home = absolutePathIn("HOME")) return home;
-  const passwd* user = getpwuid(getuid());
-  if (user == nullptr || user->pw_dir == nullptr || *user->pw_dir != '/') return std::nullopt;
-  return path(user->pw_dir);
+  return homeOfUser(getuid());
 }
 
 path temporaryDirectory() {
