@@ -203,6 +203,10 @@ TEST_F(Writing, LosesNoIncrementUnderLoad) {
             continue;
           const std::lock_guard lock(guard);
           strange.emplace_back(error.message());
+        } catch (const std::runtime_error& error) {
+          if (std::string_view(error.what()).starts_with("The Tavi database is in use")) continue;
+          const std::lock_guard lock(guard);
+          strange.emplace_back(error.what());
         }
       }
     });

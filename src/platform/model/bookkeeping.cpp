@@ -37,30 +37,28 @@ void writeFacts(sqlite::Connection& connection, int milliseconds) {
 }  // namespace
 
 OpenWork openWork(sqlite::Connection& connection) {
+  OpenWork work;
   try {
-    sqlite::Query query = connection.query(
-        "SELECT EXISTS (SELECT 1 FROM removedFile), "
-        "(SELECT count(*) FROM (SELECT 1 FROM noteSummary WHERE textDigest IS NULL LIMIT ?1)), "
-        "(SELECT count(*) FROM (SELECT 1 FROM noteSummary WHERE searchRow IS NULL LIMIT ?1))");
-    query.bind(1, imported).step();
-    return {query.integer(0) != 0, query.integer(1), query.integer(2)};
+    work.removedFiles = connection.query("SELECT 1 FROM removedFile").step();
+    // Notes whose facts are not known are among those that are not indexed.
+    sqlite::Query notes = connection.query("SELECT note FROM noteSummary WHERE searchRow IS NULL");
+    while (work.notesNotIndexed < imported && notes.step()) ++work.notesNotIndexed;
   } catch (const std::exception&) {
     return {};
   }
+  return work;
 }
 
 void catchUp(sqlite::Connection& connection, const OpenWork& work) {
-  const bool facts = work.notesWithoutFacts >= enoughForABatch;
-  const bool index = work.notesNotIndexed >= enoughForABatch;
-  if (!facts && !index) return;
-  const bool import = work.notesWithoutFacts >= imported || work.notesNotIndexed >= imported;
+  if (work.notesNotIndexed < enoughForABatch) return;
+  const bool import = work.notesNotIndexed >= imported;
   const int milliseconds = import ? importMilliseconds : batchMilliseconds;
   try {
     // What is written here can be worked out again: it need not survive a power cut.
     connection.execute("PRAGMA synchronous = NORMAL");
     sqlite::Transaction transaction(connection, sqlite::Transaction::Kind::write);
-    if (facts) writeFacts(connection, milliseconds);
-    if (index) SearchIndex(connection).bringUpToDate(milliseconds);
+    writeFacts(connection, milliseconds);
+    SearchIndex(connection).bringUpToDate(milliseconds);
     transaction.commit();
   } catch (const std::exception&) {
     // Somebody else is writing, or the disk is full: there will be another time.

@@ -10,12 +10,11 @@ class Connection;
 
 /// What other programs, and this one's quick writes, have left to do.
 struct OpenWork {
-  bool removedFiles = false;           ///< rows of files are gone, and their bytes are not yet
-  std::int64_t notesWithoutFacts = 0;  ///< counted up to the number that tells an import
-  std::int64_t notesNotIndexed = 0;    ///< the same
+  bool removedFiles = false;         ///< rows of files are gone, and their bytes are not yet
+  std::int64_t notesNotIndexed = 0;  ///< counted up to the number that tells an import
 };
 
-/// One short statement; nothing to do where the database cannot be read.
+/// Two short statements; nothing to do where the database cannot be read.
 OpenWork openWork(sqlite::Connection& connection);
 
 /// Brings what is kept beside the notes up to date: facts of texts, folded titles, the search

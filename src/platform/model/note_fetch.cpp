@@ -232,11 +232,11 @@ NoteTable NoteFetch::table(const FetchRequest& request) {
 
 std::int64_t NoteFetch::count(const Predicate& predicate) {
   if (!predicate.search()) {
-    // The counters' names are "notes" and the three booleans by which notes are counted.
     sqlite::Query query = connection_.query(fmt::format(
-        "SELECT ifnull(sum(value), 0) FROM (SELECT value, substr(name, 6, 1) + 0 AS trashed, "
-        "substr(name, 7, 1) + 0 AS archived, substr(name, 8, 1) + 0 AS permanentlyDeleted "
-        "FROM counter WHERE name >= 'notes' AND name < 'notet') WHERE {}",
+        "SELECT ifnull(sum(value), 0) FROM (SELECT value, place >> 2 AS trashed, "
+        "place >> 1 & 1 AS archived, place & 1 AS permanentlyDeleted FROM "
+        "(SELECT value, substr(name, 6) + 0 AS place FROM counter WHERE name GLOB 'notes[0-7]')) "
+        "WHERE {}",
         predicate.sql()));
     query.step();
     return query.integer(0);

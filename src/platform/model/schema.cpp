@@ -18,10 +18,9 @@ namespace {
 constexpr const char* createTables = R"sql(
 CREATE TABLE note (
   id INTEGER PRIMARY KEY,
-  uniqueIdentifier TEXT NOT NULL UNIQUE DEFAULT (
-    hex(randomblob(4)) || '-' || hex(randomblob(2)) || '-4' || substr(hex(randomblob(2)), 2) || '-' ||
-    substr('89AB', 1 + (random() & 3), 1) || substr(hex(randomblob(2)), 2) || '-' ||
-    hex(randomblob(6))),
+  uniqueIdentifier TEXT NOT NULL UNIQUE DEFAULT (  -- a random UUID
+    printf('%s-%s-4%.3s-A%.3s-%s', hex(randomblob(4)), hex(randomblob(2)), hex(randomblob(2)),
+      hex(randomblob(2)), hex(randomblob(6)))),
   title TEXT,
   creationDate REAL,
   modificationDate REAL,
@@ -77,12 +76,14 @@ CREATE TABLE noteSummary (
   trashed INTEGER NOT NULL,
   archived INTEGER NOT NULL,
   permanentlyDeleted INTEGER,
+  place INTEGER NOT NULL,            -- 4 for trashed, 2 for archived, 1 for permanentlyDeleted
   pinned INTEGER NOT NULL,
   encrypted INTEGER NOT NULL,
   readOnly INTEGER NOT NULL,
-  titleKey TEXT,                     -- title folded for look-up; NULL: not known
-  textDigest TEXT,                   -- head of the text's SHA-256, 16 hexadecimal digits; NULL: not
-  textLength INTEGER,                -- known, and neither are the next four. In UTF-8 bytes
+  -- NULL: not known; the next six are known together.
+  titleKey TEXT,                     -- title folded for look-up
+  textDigest TEXT,                   -- head of the text's SHA-256, 16 hexadecimal digits
+  textLength INTEGER,                -- in UTF-8 bytes
   todoIncomplete INTEGER,
   todoCompleted INTEGER,
   features INTEGER,                  -- bits, see text_facts.h
@@ -99,14 +100,14 @@ CREATE INDEX summaryNotIndexed ON noteSummary (note) WHERE searchRow IS NULL;
 CREATE INDEX summaryBySearchRow ON noteSummary (searchRow) WHERE searchRow IS NOT NULL;
 
 -- 'version': the last version given out. 'searchRow': the last row of searchIndex.
--- 'notes' and three digits: the number of notes by trashed, archived and permanentlyDeleted.
+-- 'notes' and a place: the number of notes there.
 CREATE TABLE counter (
   name TEXT PRIMARY KEY,
   value INTEGER NOT NULL
 ) WITHOUT ROWID;
 INSERT INTO counter VALUES ('version', 0), ('searchRow', 0),
-  ('notes000', 0), ('notes001', 0), ('notes010', 0), ('notes011', 0),
-  ('notes100', 0), ('notes101', 0), ('notes110', 0), ('notes111', 0);
+  ('notes0', 0), ('notes1', 0), ('notes2', 0), ('notes3', 0),
+  ('notes4', 0), ('notes5', 0), ('notes6', 0), ('notes7', 0);
 
 -- Files under files/ whose row is gone: to be removed from the disk.
 CREATE TABLE removedFile (storedName TEXT PRIMARY KEY) WITHOUT ROWID;
@@ -117,24 +118,22 @@ CREATE VIRTUAL TABLE searchIndex USING fts5 (
   body, content='', detail=none, columnsize=0, tokenize='trigram case_sensitive 1');
 )sql";
 
+// Every program that opens the database parses these, so they are short: a word costs a thousand
+// instructions.
+//
 // An INSERT OR REPLACE runs no delete trigger, so the insert trigger clears up after the row that
 // was replaced, and hands its tags, pins and files on to the row that has its identifier now.
 constexpr const char* createTriggers = R"sql(
 CREATE TRIGGER noteInserted AFTER INSERT ON note BEGIN
   UPDATE counter SET value = value + 1 WHERE name = 'version';
-  UPDATE OR IGNORE noteTag SET note = NEW.id WHERE note = (
-    SELECT note FROM noteSummary WHERE uniqueIdentifier = NEW.uniqueIdentifier AND note <> NEW.id);
-  UPDATE OR IGNORE pinnedInTag SET note = NEW.id WHERE note = (
-    SELECT note FROM noteSummary WHERE uniqueIdentifier = NEW.uniqueIdentifier AND note <> NEW.id);
-  UPDATE file SET note = NEW.id WHERE note = (
-    SELECT note FROM noteSummary WHERE uniqueIdentifier = NEW.uniqueIdentifier AND note <> NEW.id);
-  DELETE FROM noteSummary WHERE uniqueIdentifier = NEW.uniqueIdentifier OR note = NEW.id;
-  INSERT INTO noteSummary (note, version, uniqueIdentifier, title, creationDate, modificationDate,
-      trashed, archived, permanentlyDeleted, pinned, encrypted, readOnly, titleKey)
-    VALUES (NEW.id, (SELECT value FROM counter WHERE name = 'version'), NEW.uniqueIdentifier,
-      NEW.title, NEW.creationDate, NEW.modificationDate, NEW.trashed, NEW.archived,
-      NEW.permanentlyDeleted, NEW.pinned, NEW.encrypted, NEW.readOnly,
-      CASE WHEN NEW.title GLOB '*[^ -~]*' THEN NULL ELSE lower(ifnull(NEW.title, '')) END);
+  DELETE FROM noteSummary WHERE note = NEW.id;
+  UPDATE noteSummary SET note = NEW.id WHERE uniqueIdentifier = NEW.uniqueIdentifier;
+  DELETE FROM noteSummary WHERE note = NEW.id;
+  INSERT INTO noteSummary SELECT NEW.id, value, NEW.uniqueIdentifier, NEW.title, NEW.creationDate,
+      NEW.modificationDate, NEW.trashed, NEW.archived, NEW.permanentlyDeleted,
+      NEW.trashed * 4 + NEW.archived * 2 + ifnull(NEW.permanentlyDeleted, 0),
+      NEW.pinned, NEW.encrypted, NEW.readOnly, NULL, NULL, NULL, NULL, NULL, NULL, NULL
+    FROM counter WHERE name = 'version';
 END;
 
 CREATE TRIGGER noteUpdated AFTER UPDATE ON note BEGIN
@@ -144,19 +143,15 @@ CREATE TRIGGER noteUpdated AFTER UPDATE ON note BEGIN
       uniqueIdentifier = NEW.uniqueIdentifier, title = NEW.title,
       creationDate = NEW.creationDate, modificationDate = NEW.modificationDate,
       trashed = NEW.trashed, archived = NEW.archived, permanentlyDeleted = NEW.permanentlyDeleted,
+      place = NEW.trashed * 4 + NEW.archived * 2 + ifnull(NEW.permanentlyDeleted, 0),
       pinned = NEW.pinned, encrypted = NEW.encrypted, readOnly = NEW.readOnly
     WHERE note = OLD.id;
 END;
 
-CREATE TRIGGER noteTitleUpdated AFTER UPDATE OF title ON note WHEN NEW.title IS NOT OLD.title BEGIN
-  UPDATE noteSummary SET searchRow = NULL,
-      titleKey = CASE WHEN NEW.title GLOB '*[^ -~]*' THEN NULL ELSE lower(ifnull(NEW.title, '')) END
-    WHERE note IN (OLD.id, NEW.id);
-END;
-
-CREATE TRIGGER noteTextUpdated AFTER UPDATE OF text ON note WHEN NEW.text IS NOT OLD.text BEGIN
-  UPDATE noteSummary SET textDigest = NULL, textLength = NULL, todoIncomplete = NULL,
-      todoCompleted = NULL, features = NULL, searchRow = NULL
+CREATE TRIGGER noteRewritten AFTER UPDATE OF title, text ON note
+    WHEN NEW.text IS NOT OLD.text OR NEW.title IS NOT OLD.title BEGIN
+  UPDATE noteSummary SET titleKey = NULL, textDigest = NULL, textLength = NULL,
+      todoIncomplete = NULL, todoCompleted = NULL, features = NULL, searchRow = NULL
     WHERE note IN (OLD.id, NEW.id);
 END;
 
@@ -169,22 +164,22 @@ CREATE TRIGGER noteDeleted AFTER DELETE ON note BEGIN
 END;
 
 CREATE TRIGGER summaryInserted AFTER INSERT ON noteSummary BEGIN
-  UPDATE counter SET value = value + 1 WHERE name =
-    'notes' || NEW.trashed || NEW.archived || ifnull(NEW.permanentlyDeleted, 0);
+  UPDATE counter SET value = value + 1 WHERE name = 'notes' || NEW.place;
 END;
 
 CREATE TRIGGER summaryDeleted AFTER DELETE ON noteSummary BEGIN
-  UPDATE counter SET value = value - 1 WHERE name =
-    'notes' || OLD.trashed || OLD.archived || ifnull(OLD.permanentlyDeleted, 0);
+  UPDATE counter SET value = value - 1 WHERE name = 'notes' || OLD.place;
 END;
 
-CREATE TRIGGER summaryMoved AFTER UPDATE OF trashed, archived, permanentlyDeleted ON noteSummary
-  WHEN NEW.trashed <> OLD.trashed OR NEW.archived <> OLD.archived
-    OR ifnull(NEW.permanentlyDeleted, 0) <> ifnull(OLD.permanentlyDeleted, 0) BEGIN
-  UPDATE counter SET value = value - 1 WHERE name =
-    'notes' || OLD.trashed || OLD.archived || ifnull(OLD.permanentlyDeleted, 0);
-  UPDATE counter SET value = value + 1 WHERE name =
-    'notes' || NEW.trashed || NEW.archived || ifnull(NEW.permanentlyDeleted, 0);
+CREATE TRIGGER summaryMoved AFTER UPDATE OF place ON noteSummary WHEN NEW.place <> OLD.place BEGIN
+  UPDATE counter SET value = value - 1 WHERE name = 'notes' || OLD.place;
+  UPDATE counter SET value = value + 1 WHERE name = 'notes' || NEW.place;
+END;
+
+CREATE TRIGGER summaryRenumbered AFTER UPDATE OF note ON noteSummary WHEN NEW.note <> OLD.note BEGIN
+  UPDATE OR IGNORE noteTag SET note = NEW.note WHERE note = OLD.note;
+  UPDATE OR IGNORE pinnedInTag SET note = NEW.note WHERE note = OLD.note;
+  UPDATE file SET note = NEW.note WHERE note = OLD.note;
 END;
 
 CREATE TRIGGER fileDeleted AFTER DELETE ON file WHEN OLD.storedName IS NOT NULL BEGIN

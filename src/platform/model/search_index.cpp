@@ -119,7 +119,8 @@ bool SearchIndex::bringUpToDate(int milliseconds) {
   dropWhenStale();
   std::vector<std::int64_t> unknown;
   {
-    sqlite::Query query = connection_.query("SELECT note FROM noteSummary WHERE searchRow IS NULL");
+    sqlite::Query query = connection_.query(
+        "SELECT note FROM noteSummary WHERE searchRow IS NULL AND textDigest IS NOT NULL");
     while (query.step()) unknown.push_back(query.integer(0));
   }
   for (const std::int64_t note : unknown) {

@@ -29,8 +29,8 @@ class SearchIndex {
   /// is too short for the index.
   std::optional<Candidates> candidates(std::string_view term, std::size_t most);
 
-  /// Brings notes into the index until it knows all, or `milliseconds` have passed. Needs an open
-  /// write transaction. True when notes are left.
+  /// Brings notes whose facts are known into the index until it knows all, or `milliseconds` have
+  /// passed. Needs an open write transaction. True when notes are left.
   bool bringUpToDate(int milliseconds);
 
  private:

@@ -185,7 +185,7 @@ TEST_F(Model, KeepsTagsPinsAndFilesOfANoteThatAStrangerReplaces) {
   EXPECT_EQ(note(*stack, id).tagsStrings(), std::vector<std::string>{"work"});
   EXPECT_EQ(note(*stack, id).orderedFiles().size(), 1U);
   EXPECT_EQ(client.value("SELECT count(*) FROM noteSummary"), "1");
-  EXPECT_EQ(client.value("SELECT value FROM counter WHERE name = 'notes000'"), "1");
+  EXPECT_EQ(client.value("SELECT value FROM counter WHERE name = 'notes0'"), "1");
 }
 
 TEST_F(Model, CountsNotesByTheirPlaceThroughAllChanges) {
