@@ -19,6 +19,8 @@ struct ListRequest {
   std::int64_t limit = INT64_MAX;        ///< greater than 0
   std::int64_t offset = 0;               ///< rows to skip, not negative
   std::optional<NoteLocation> location;  ///< absent: every location
+  /// Whether the caller looks at hash, length, to-dos, pins and attachments: they cost reading.
+  bool detailed = true;
 };
 
 /// The declaration of which attachments a write removes.

@@ -42,6 +42,7 @@ ListRequest checkedRequest(const Input& input) {
   request.location = parsedLocation(input.location);
   request.limit = input.limit.value_or(request.limit);
   request.offset = input.offset.value_or(request.offset);
+  request.detailed = input.detailed;
   return request;
 }
 

@@ -89,6 +89,7 @@ struct ListNotesInput {
   std::optional<std::string> location;
   bool includeContent = false;
   std::optional<std::string> tag;
+  bool detailed = true;  ///< see ListRequest
 };
 
 struct ListNotesOp {
@@ -123,6 +124,7 @@ struct SearchNotesInput {
   std::optional<std::int64_t> limit, offset;
   std::optional<std::string> location;
   bool includeContent = false;
+  bool detailed = true;  ///< see ListRequest
 };
 
 struct SearchNotesOp {

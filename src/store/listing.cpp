@@ -62,6 +62,7 @@ FetchRequest fetchRequest(const ListRequest& request, std::optional<Predicate> s
   }
   fetch.fetchOffset = request.offset;
   fetch.fetchLimit = request.limit;
+  fetch.detailed = request.detailed;
   return fetch;
 }
 

@@ -67,9 +67,9 @@ void convert(const NoteView& note, NoteMetadata& metadata) {
   metadata.pins = pinsOf(note);
   metadata.location = locationOf(note);
   assign(metadata.tags, note.tags);
-  sortByCodePoints(metadata.tags);
   const bool readable = !note.encrypted;
-  metadata.contentHash = readable ? ContentHash::ofDigest(note.digest) : std::string();
+  const bool hashed = readable && !note.digest.empty();
+  metadata.contentHash = hashed ? ContentHash::ofDigest(note.digest) : std::string();
   metadata.contentLength = readable ? note.length : 0;
   metadata.todos = readable ? note.todoIncomplete : 0;
   metadata.done = readable ? note.todoCompleted : 0;
@@ -86,7 +86,8 @@ NoteMetadata metadataOf(KVNote& note) {
   view.archived = note.archivedValue();
   view.pinned = note.pinnedValue();
   view.encrypted = note.encryptedValue();
-  const std::vector<std::string_view> tags = views(note.tagsStrings());
+  const std::vector<std::string> sortedTags = sortedByCodePoints(note.tagsStrings());
+  const std::vector<std::string_view> tags = views(sortedTags);
   const std::vector<std::string_view> pins = views(note.pinnedInTags());
   view.tags = tags;
   view.pinnedInTags = pins;

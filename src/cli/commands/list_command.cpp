@@ -26,6 +26,7 @@ void ListCommand::run() {
   input.limit = listing_.limit;
   input.offset = listing_.offset;
   input.includeContent = OutputFormatter::selectsContent(options_);
+  input.detailed = OutputFormatter::selectsDetails(options_);
   writeLists(ListNotesOp::execute(input, store), options_);
 }
 

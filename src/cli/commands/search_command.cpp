@@ -35,6 +35,7 @@ void SearchCommand::run() {
   input.limit = listing_.limit;
   input.offset = listing_.offset;
   input.includeContent = OutputFormatter::selectsContent(options_);
+  input.detailed = OutputFormatter::selectsDetails(options_);
   writeLists(SearchNotesOp::execute(input, store), options_);
 }
 

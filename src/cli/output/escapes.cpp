@@ -5,15 +5,24 @@
 namespace tavi {
 
 void writeEscapedTSV(ByteSink& sink, std::string_view text) {
-  using Escapes = ByteSet<0, '\\', '\n', '\r', '\t'>;
+  // All controls are looked at, though three are escaped: one comparison finds them together.
+  using Suspects = ByteSet<0x20, '\\'>;
+  std::size_t looked = 0;
   while (true) {
-    const std::size_t plain = Escapes::lengthBefore(text);
-    sink.append(text.substr(0, plain));
-    if (plain == text.size()) return;
-    const char byte = text[plain];
+    looked += Suspects::lengthBefore(text.substr(looked));
+    if (looked == text.size()) return sink.append(text);
+    const char byte = text[looked++];
+    const char letter = byte == '\n'   ? 'n'
+                        : byte == '\r' ? 'r'
+                        : byte == '\t' ? 't'
+                        : byte == '\\' ? '\\'
+                                       : '\0';
+    if (letter == '\0') continue;
+    sink.append(text.substr(0, looked - 1));
     sink.put('\\');
-    sink.put(byte == '\n' ? 'n' : byte == '\r' ? 'r' : byte == '\t' ? 't' : '\\');
-    text.remove_prefix(plain + 1);
+    sink.put(letter);
+    text.remove_prefix(looked);
+    looked = 0;
   }
 }
 

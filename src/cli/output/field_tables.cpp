@@ -79,21 +79,23 @@ FieldValue attachments(Metadata note, Context context) {
   return unlessLocked(note, context.list(note.attachments));
 }
 
+constexpr bool detail = true;
+
 template <class Record>
 constexpr std::array<FieldDescriptor<Record>, 13> metadataFields{{
     {"id", ofMetadata<Record, id>},
     {"title", ofMetadata<Record, title>},
     {"locked", ofMetadata<Record, locked>},
     {"tags", ofMetadata<Record, tags>},
-    {"hash", ofMetadata<Record, hash>},
-    {"length", ofMetadata<Record, length>},
+    {"hash", ofMetadata<Record, hash>, detail},
+    {"length", ofMetadata<Record, length>, detail},
     {"created", ofMetadata<Record, created>},
     {"modified", ofMetadata<Record, modified>},
-    {"pins", ofMetadata<Record, pins>},
+    {"pins", ofMetadata<Record, pins>, detail},
     {"location", ofMetadata<Record, location>},
-    {"todos", ofMetadata<Record, todos>},
-    {"done", ofMetadata<Record, done>},
-    {"attachments", ofMetadata<Record, attachments>},
+    {"todos", ofMetadata<Record, todos>, detail},
+    {"done", ofMetadata<Record, done>, detail},
+    {"attachments", ofMetadata<Record, attachments>, detail},
 }};
 
 template <class Record>

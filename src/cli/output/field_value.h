@@ -41,6 +41,7 @@ template <class Record>
 struct FieldDescriptor {
   std::string_view name;
   FieldValue (*extract)(const Record& record, FieldContext& context);
+  bool isDetail = false;  ///< of the metadata; no default field is one, see ListRequest::detailed
 };
 
 template <class Record>

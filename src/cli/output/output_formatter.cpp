@@ -54,6 +54,15 @@ bool OutputFormatter::selectsContent(const FormatOptions& options) {
   return options.fields && std::ranges::count(trimmedPieces(*options.fields), content) > 0;
 }
 
+bool OutputFormatter::selectsDetails(const FormatOptions& options) {
+  if (!options.fields) return false;
+  const std::vector<std::string> names = trimmedPieces(*options.fields);
+  if (std::ranges::count(names, "all") > 0) return true;
+  return std::ranges::any_of(fieldTable<NoteMetadata>(), [&](const auto& field) {
+    return field.isDetail && std::ranges::count(names, field.name) > 0;
+  });
+}
+
 std::string OutputFormatter::escapeTSV(std::string_view text) {
   StringSink sink;
   writeEscapedTSV(sink, text);

@@ -33,6 +33,8 @@ struct OutputFormatter {
 
   /// Whether the text of notes was selected, which only its own name does.
   static bool selectsContent(const FormatOptions& options);
+  /// Whether a detail of the notes was selected, see FieldDescriptor.
+  static bool selectsDetails(const FormatOptions& options);
 
   /// Backslash, line feed, carriage return and tab as \\, \n, \r and \t.
   static std::string escapeTSV(std::string_view text);

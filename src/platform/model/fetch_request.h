@@ -24,6 +24,8 @@ struct FetchRequest {
   std::vector<SortDescriptor> sortDescriptors;
   std::int64_t fetchOffset = 0;
   std::int64_t fetchLimit = INT64_MAX;
+  /// Whether the notes' facts of text, pins and files are looked at.
+  bool detailed = true;
 };
 
 }  // namespace tavimodel

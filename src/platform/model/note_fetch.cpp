@@ -181,29 +181,31 @@ NoteTable decidedBySQL(sqlite::Connection& connection, const FetchRequest& reque
   const bool page = request.fetchLimit <= longestWalkedPage && !order.empty();
   // A whole list is not fetched through an index: it would look every row up.
   const bool walk = !page && plan == nullptr;
-  std::string sql = fmt::format("SELECT {} FROM noteSummary s{} WHERE {} AND {}",
-                                NoteTable::columns, walk ? " NOT INDEXED" : "",
-                                request.predicate.sql(), plan != nullptr ? plan->where() : "1");
+  NoteTable table(request.detailed);
+  std::string sql = fmt::format("SELECT {} FROM noteSummary s{} WHERE {} AND {}", table.columns(),
+                                walk ? " NOT INDEXED" : "", request.predicate.sql(),
+                                plan != nullptr ? plan->where() : "1");
   if (page) {
     sql += fmt::format("{} LIMIT {} OFFSET {}", order, request.fetchLimit, request.fetchOffset);
   }
   sqlite::Query query = connection.query(sql);
   if (plan != nullptr) plan->bind(query);
-  NoteTable table;
+  if (walk) table.reserve(static_cast<std::size_t>(NoteFetch(connection).count(request.predicate)));
   while (query.step()) table.add(query);
   table.loadRelations(connection);
   if (!page) table.setOrder(sortedPage(table.rows(), request));
   return table;
 }
 
-NoteTable tableOf(sqlite::Connection& connection, const std::vector<std::int64_t>& ids) {
+NoteTable tableOf(sqlite::Connection& connection, const std::vector<std::int64_t>& ids,
+                  bool detailed) {
+  NoteTable table(detailed);
   sqlite::Query query =
       connection.query(fmt::format("SELECT {} FROM json_each(?1) wanted CROSS JOIN noteSummary s "
                                    "ON s.note = wanted.value",
-                                   NoteTable::columns));
+                                   table.columns()));
   const std::string list = jsonArray(ids);
   query.bind(1, list);
-  NoteTable table;
   table.reserve(ids.size());
   while (query.step()) table.add(query);
   table.loadRelations(connection);
@@ -218,14 +220,16 @@ NoteTable NoteFetch::table(const FetchRequest& request) {
   if (!plan.needsText()) return decidedBySQL(connection_, request, &plan);
 
   TermSearch search(connection_, plan, request.predicate);
-  if (auto page = search.byWalking(request, shortWalk)) return tableOf(connection_, *page);
+  if (auto page = search.byWalking(request, shortWalk))
+    return tableOf(connection_, *page, request.detailed);
   auto found = search.throughIndex(commonFrom);
   if (!found) {
-    if (auto page = search.byWalking(request, longWalk)) return tableOf(connection_, *page);
+    if (auto page = search.byWalking(request, longWalk))
+      return tableOf(connection_, *page, request.detailed);
     found = search.throughIndex(unlimited);
   }
   if (!found) found = search.throughAll();
-  NoteTable table = tableOf(connection_, *found);
+  NoteTable table = tableOf(connection_, *found, request.detailed);
   table.setOrder(sortedPage(table.rows(), request));
   return table;
 }

@@ -11,19 +11,13 @@
 
 #include "platform/model/note_reader.h"
 #include "platform/model/text_facts.h"
+#include "platform/text/ordering.h"
 
 namespace tavimodel {
 namespace {
 
 /// Where a walk over a whole relation is cheaper than a look-up for each note.
 constexpr std::size_t walkFrom = 400;
-
-std::vector<std::int64_t> idsOf(const std::vector<NoteView>& rows) {
-  std::vector<std::int64_t> ids;
-  ids.reserve(rows.size());
-  for (const NoteView& row : rows) ids.push_back(row.id);
-  return ids;
-}
 
 /// Hands the rows of one relation, which come by ascending note, out to the notes: each note gets
 /// a span of one flat list of names.
@@ -39,6 +33,14 @@ class Distribution {
       std::sort(byID_.begin(), byID_.end(), less);
     }
     counts_.resize(rows.size());
+  }
+
+  /// Our notes, ascending.
+  std::vector<std::int64_t> ids() const {
+    std::vector<std::int64_t> ids;
+    ids.reserve(byID_.size());
+    for (const std::size_t row : byID_) ids.push_back(rows_[row].id);
+    return ids;
   }
 
   /// Whether the note is one of ours.
@@ -71,26 +73,81 @@ class Distribution {
   std::size_t next_ = 0;
 };
 
-/// Runs over the rows of `relation` that belong to the notes, by ascending note.
+/// Runs over the rows of `relation` that belong to the notes, given ascending, by ascending note.
+/// `note` is the query's first column. Rows of other notes may be among them.
 template <class Visit>
-void forEachRelated(sqlite::Connection& connection, const std::vector<NoteView>& notes,
+void forEachRelated(sqlite::Connection& connection, const std::vector<std::int64_t>& notes,
                     std::string_view columns, std::string_view relation, std::string_view order,
                     Visit visit) {
-  const bool many = notes.size() >= walkFrom;
-  sqlite::Query query = connection.query(
-      fmt::format("SELECT {} FROM {} {} ORDER BY {}", columns, relation,
-                  many ? "" : "WHERE note IN (SELECT value FROM json_each(?1))", order));
-  const std::string ids = many ? std::string() : jsonArray(idsOf(notes));
-  if (!many) query.bind(1, ids);
-  while (query.step()) visit(query);
+  const bool walk = notes.size() >= walkFrom;
+  const std::string sql = fmt::format("SELECT note, {} FROM {}{} ORDER BY {}", columns, relation,
+                                      walk ? "" : " WHERE note = ?1", order);
+  if (walk) {
+    sqlite::Query query = connection.query(sql);
+    while (query.step()) visit(query);
+    return;
+  }
+  for (const std::int64_t note : notes) {
+    sqlite::Query query = connection.query(sql);
+    query.bind(1, note);
+    while (query.step()) visit(query);
+  }
 }
+
+/// Names of tags, each read once however many notes carry it, and put in order once.
+class TagNames {
+ public:
+  /// All there are, or those asked for one by one later.
+  void readAll(sqlite::Connection& connection, StringArena& arena) {
+    sqlite::Query query = connection.query("SELECT id, title FROM tag");
+    while (query.step()) add(query.integer(0), arena.keep(query.text(1)));
+  }
+
+  void read(std::int64_t tag, sqlite::Connection& connection, StringArena& arena) {
+    if (byID_.contains(tag)) return;
+    sqlite::Query query = connection.query("SELECT title FROM tag WHERE id = ?1");
+    query.bind(1, tag);
+    if (query.step()) add(tag, arena.keep(query.text(0)));
+  }
+
+  void putInOrder() {
+    std::sort(names_.begin(), names_.end(), [](const Name& a, const Name& b) {
+      return platform::text::CodePointLess()(a.text, b.text);
+    });
+    for (std::uint32_t rank = 0; rank < names_.size(); ++rank) byID_[names_[rank].tag] = rank;
+  }
+
+  /// By code points; nothing for a tag that is gone.
+  std::optional<std::uint32_t> rank(std::int64_t tag) const {
+    const auto found = byID_.find(tag);
+    if (found == byID_.end()) return std::nullopt;
+    return found->second;
+  }
+  std::string_view operator[](std::uint32_t rank) const { return names_[rank].text; }
+
+ private:
+  struct Name {
+    std::int64_t tag;
+    std::string_view text;
+  };
+  void add(std::int64_t tag, std::string_view text) {
+    byID_.emplace(tag, 0);
+    names_.push_back({tag, text});
+  }
+
+  std::vector<Name> names_;
+  std::unordered_map<std::int64_t, std::uint32_t> byID_;
+};
 
 }  // namespace
 
-const std::string_view NoteTable::columns =
-    "s.note, s.uniqueIdentifier, s.title, s.creationDate, s.modificationDate, s.trashed, "
-    "s.archived, s.pinned, s.encrypted, s.textDigest, s.textLength, s.todoIncomplete, "
-    "s.todoCompleted";
+std::string_view NoteTable::columns() const {
+  constexpr std::string_view all =
+      "s.note, s.uniqueIdentifier, s.title, s.creationDate, s.modificationDate, s.trashed, "
+      "s.archived, s.pinned, s.encrypted, s.textDigest, s.textLength, s.todoIncomplete, "
+      "s.todoCompleted";
+  return detailed_ ? all : all.substr(0, all.find(", s.textDigest"));
+}
 
 void NoteTable::add(const sqlite::Query& query) {
   NoteView& row = rows_.emplace_back();
@@ -103,6 +160,7 @@ void NoteTable::add(const sqlite::Query& query) {
   row.archived = query.integer(6) != 0;
   row.pinned = query.integer(7) != 0;
   row.encrypted = query.integer(8) != 0;
+  if (!detailed_) return;
   row.digest = arena_.keep(query.text(9));
   row.length = query.integer(10);
   row.todoIncomplete = query.integer(11);
@@ -112,30 +170,49 @@ void NoteTable::add(const sqlite::Query& query) {
 void NoteTable::loadRelations(sqlite::Connection& connection) {
   if (rows_.empty()) return;
   loadTags(connection);
+  if (!detailed_) return;
   loadPins(connection);
   loadFiles(connection);
   loadFacts(connection);
 }
 
 void NoteTable::loadTags(sqlite::Connection& connection) {
-  // Titles apart from the relation: a tag's name is read once, and not once a note.
-  std::unordered_map<std::int64_t, std::string_view> titles;
-  sqlite::Query query = connection.query("SELECT id, title FROM tag");
-  while (query.step()) titles.emplace(query.integer(0), arena_.keep(query.text(1)));
-  if (titles.empty()) return;
+  struct Use {
+    std::int64_t note, tag;
+  };
+  std::vector<Use> uses;
+  uses.reserve(2 * rows_.size());
   Distribution tags(rows_, tags_, &NoteView::tags);
-  forEachRelated(connection, rows_, "note, tag", "noteTag", "note, tag",
+  const std::vector<std::int64_t> notes = tags.ids();
+  forEachRelated(connection, notes, "tag", "noteTag", "note, tag",
                  [&](const sqlite::Query& related) {
-                   if (!tags.isWanted(related.integer(0))) return;
-                   const auto title = titles.find(related.integer(1));
-                   if (title != titles.end()) tags.give(title->second);
+                   uses.push_back({related.integer(0), related.integer(1)});
                  });
+  TagNames names;
+  if (uses.size() >= walkFrom) {
+    names.readAll(connection, arena_);
+  } else {
+    for (const Use& use : uses) names.read(use.tag, connection, arena_);
+  }
+  names.putInOrder();
+
+  std::vector<std::uint32_t> ranks;
+  for (auto use = uses.begin(); use != uses.end();) {
+    const std::int64_t note = use->note;
+    ranks.clear();
+    for (; use != uses.end() && use->note == note; ++use) {
+      if (const auto rank = names.rank(use->tag)) ranks.push_back(*rank);
+    }
+    if (!tags.isWanted(note)) continue;
+    std::sort(ranks.begin(), ranks.end());
+    for (const std::uint32_t rank : ranks) tags.give(names[rank]);
+  }
   tags.finish();
 }
 
 void NoteTable::loadPins(sqlite::Connection& connection) {
   Distribution pins(rows_, pins_, &NoteView::pinnedInTags);
-  forEachRelated(connection, rows_, "note, (SELECT title FROM tag WHERE id = tag)", "pinnedInTag",
+  forEachRelated(connection, pins.ids(), "(SELECT title FROM tag WHERE id = tag)", "pinnedInTag",
                  "note", [&](const sqlite::Query& related) {
                    if (related.isNull(1) || !pins.isWanted(related.integer(0))) return;
                    pins.give(arena_.keep(related.text(1)));
@@ -145,7 +222,7 @@ void NoteTable::loadPins(sqlite::Connection& connection) {
 
 void NoteTable::loadFiles(sqlite::Connection& connection) {
   Distribution files(rows_, filenames_, &NoteView::filenames);
-  forEachRelated(connection, rows_, "note, filename", "file", "note, position, id",
+  forEachRelated(connection, files.ids(), "filename", "file", "note, position, id",
                  [&](const sqlite::Query& related) {
                    if (related.isNull(1) || !files.isWanted(related.integer(0))) return;
                    files.give(arena_.keep(related.text(1)));

@@ -16,19 +16,20 @@ namespace tavimodel {
 /// same few statements and the same few blocks of memory as one of ten.
 class NoteTable {
  public:
-  NoteTable() = default;
+  /// `detailed`: whether the notes have digest, length, to-dos, pins and files.
+  explicit NoteTable(bool detailed) : detailed_(detailed) {}
   NoteTable(NoteTable&&) = default;
   NoteTable& operator=(NoteTable&&) = default;
 
   /// The columns of `noteSummary s` that `add` reads, for a SELECT list.
-  static const std::string_view columns;
+  std::string_view columns() const;
 
   /// Adds the note under the query's cursor; its columns begin at 0.
   void add(const sqlite::Query& query);
   void reserve(std::size_t notes) { rows_.reserve(notes); }
 
-  /// Loads the tags, pins, files and missing facts of all notes: once, when all are added, and
-  /// before they are put in order.
+  /// Loads the tags, and in detail the pins, files and missing facts of all notes: once, when all
+  /// are added, and before they are put in order.
   void loadRelations(sqlite::Connection& connection);
 
   /// The rows in the order in which they were added.
@@ -67,6 +68,7 @@ class NoteTable {
   void loadFiles(sqlite::Connection& connection);
   void loadFacts(sqlite::Connection& connection);
 
+  bool detailed_;
   StringArena arena_;
   std::vector<NoteView> rows_;
   std::vector<std::size_t> order_;

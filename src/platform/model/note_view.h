@@ -22,8 +22,8 @@ struct NoteView {
   std::int64_t length = 0;  ///< of the text, UTF-8 bytes
   std::int64_t todoIncomplete = 0;
   std::int64_t todoCompleted = 0;
-  std::span<const std::string_view> tags;          ///< canonical names, without order
-  std::span<const std::string_view> pinnedInTags;  ///< the same
+  std::span<const std::string_view> tags;          ///< canonical names, by code points
+  std::span<const std::string_view> pinnedInTags;  ///< the same, without order
   std::span<const std::string_view> filenames;     ///< of the attachments, in note order
 };
 

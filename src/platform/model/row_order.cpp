@@ -1,6 +1,8 @@
 #include "platform/model/row_order.h"
 
 #include <algorithm>
+#include <bit>
+#include <cstdint>
 #include <limits>
 #include <numeric>
 #include <string>
@@ -10,13 +12,19 @@
 namespace tavimodel {
 namespace {
 
-// All keys become numbers, a title its rank, so that one sort over small values does the work: the
-// first two keys and the row decide nearly always, the others are looked up.
+// All keys become numbers, a title its rank. What tells most of the first two stands in the entry,
+// so that one sort over small values does nearly all the work; where it is equal, all keys decide.
 struct Entry {
-  double first = 0;
-  double second = 0;
+  std::uint64_t prefix = 0;
   std::size_t index = 0;
 };
+
+/// Numbers in the order of the doubles.
+std::uint64_t ordered(double key) {
+  constexpr std::uint64_t sign = std::uint64_t{1} << 63;
+  const auto bits = std::bit_cast<std::uint64_t>(key + 0.0);  // one zero, not two
+  return (bits & sign) != 0 ? ~bits : bits | sign;
+}
 
 std::vector<double> titleRanks(const std::vector<NoteView>& rows, bool localized) {
   std::vector<std::string> keys;
@@ -74,17 +82,27 @@ std::vector<std::size_t> sortedPage(const std::vector<NoteView>& rows,
     keys.push_back(keysOf(rows, descriptor));
   }
   std::vector<Entry> entries(rows.size());
+  const bool pinsFirst = keys.size() > 1 && request.sortDescriptors[0].key == SortKey::pinned;
   for (std::size_t i = 0; i < rows.size(); ++i) {
-    entries[i] = {keys.empty() ? 0 : keys[0][i], keys.size() < 2 ? 0 : keys[1][i], i};
+    entries[i].index = i;
+    if (pinsFirst) {
+      // One of two values: a bit of it does.
+      const bool later = rows[i].pinned == request.sortDescriptors[0].ascending;
+      entries[i].prefix = (std::uint64_t{later} << 63) | (ordered(keys[1][i]) >> 1);
+    } else if (!keys.empty()) {
+      entries[i].prefix = ordered(keys[0][i]);
+    }
   }
   const bool ascending = tiesAscend(request);
-  std::sort(entries.begin(), entries.end(), [&](const Entry& a, const Entry& b) {
-    if (a.first != b.first) return a.first < b.first;
-    if (a.second != b.second) return a.second < b.second;
-    for (std::size_t k = 2; k < keys.size(); ++k) {
-      if (keys[k][a.index] != keys[k][b.index]) return keys[k][a.index] < keys[k][b.index];
+  const auto decidedByAll = [&](std::size_t a, std::size_t b) {
+    for (const std::vector<double>& key : keys) {
+      if (key[a] != key[b]) return key[a] < key[b];
     }
-    return ascending ? rows[a.index].id < rows[b.index].id : rows[a.index].id > rows[b.index].id;
+    return ascending ? rows[a].id < rows[b].id : rows[a].id > rows[b].id;
+  };
+  std::sort(entries.begin(), entries.end(), [&](const Entry& a, const Entry& b) {
+    if (a.prefix != b.prefix) return a.prefix < b.prefix;
+    return decidedByAll(a.index, b.index);
   });
   const auto size = static_cast<std::int64_t>(entries.size());
   const std::int64_t begin = std::min(request.fetchOffset, size);
