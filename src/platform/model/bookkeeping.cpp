@@ -20,7 +20,7 @@ void writeFacts(sqlite::Connection& connection, int milliseconds) {
   const auto start = std::chrono::steady_clock::now();
   sqlite::Query notes = connection.query(
       "SELECT note.id, note.title, note.text FROM noteSummary s JOIN note ON note.id = s.note "
-      "WHERE s.textDigest IS NULL");
+      "WHERE s.searchRow IS NULL AND s.textDigest IS NULL");
   while (notes.step()) {
     const TextFacts facts = TextFacts::of(notes.text(2));
     const std::string key = platform::text::foldedForSearch(notes.text(1));

@@ -26,7 +26,10 @@ std::int64_t ManagedObjectContext::count(const FetchRequest& request) {
 }
 
 bool ManagedObjectContext::hasPinnedNote() {
-  return reading().query("SELECT 1 FROM noteSummary WHERE pinned = 1 LIMIT 1").step();
+  return reading()
+      .query(
+          "SELECT 1 FROM noteSummary WHERE trashed IN (0, 1) AND archived IN (0, 1) AND pinned = 1")
+      .step();
 }
 
 void ManagedObjectContext::forEachText(

@@ -80,7 +80,7 @@ CREATE TABLE noteSummary (
   pinned INTEGER NOT NULL,
   encrypted INTEGER NOT NULL,
   readOnly INTEGER NOT NULL,
-  -- NULL: not known; the next six are known together.
+  -- NULL: not known. The next six are known together, and before the note is indexed.
   titleKey TEXT,                     -- title folded for look-up
   textDigest TEXT,                   -- head of the text's SHA-256, 16 hexadecimal digits
   textLength INTEGER,                -- in UTF-8 bytes
@@ -94,10 +94,7 @@ CREATE INDEX summaryByModification ON noteSummary (trashed, archived, modificati
 CREATE INDEX summaryByCreation ON noteSummary (trashed, archived, creationDate);
 CREATE INDEX summaryByTitle ON noteSummary (trashed, archived, title);
 CREATE INDEX summaryByTitleKey ON noteSummary (titleKey);
-CREATE INDEX summaryPinned ON noteSummary (note) WHERE pinned = 1;
-CREATE INDEX summaryUnknown ON noteSummary (note) WHERE textDigest IS NULL;
-CREATE INDEX summaryNotIndexed ON noteSummary (note) WHERE searchRow IS NULL;
-CREATE INDEX summaryBySearchRow ON noteSummary (searchRow) WHERE searchRow IS NOT NULL;
+CREATE INDEX summaryBySearchRow ON noteSummary (searchRow);
 
 -- 'version': the last version given out. 'searchRow': the last row of searchIndex.
 -- 'notes' and a place: the number of notes there.

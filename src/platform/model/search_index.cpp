@@ -76,7 +76,7 @@ std::optional<SearchIndex::Candidates> SearchIndex::candidates(std::string_view 
   const std::string list = jsonArray(rows);
   sqlite::Query notes = connection_.query(
       "SELECT s.note FROM json_each(?1) wanted CROSS JOIN noteSummary s "
-      "ON s.searchRow = wanted.value WHERE s.searchRow IS NOT NULL "
+      "ON s.searchRow = wanted.value "
       "UNION ALL SELECT note FROM noteSummary WHERE searchRow IS NULL");
   notes.bind(1, list);
   while (notes.step()) result.notes.push_back(notes.integer(0));

@@ -47,7 +47,7 @@ void workOutUnknownFacts(sqlite::Connection& connection) {
       "todoCompleted INTEGER, features INTEGER); DELETE FROM temp.workedOut");
   sqlite::Query unknown = connection.query(
       "SELECT note.id, note.text FROM noteSummary s JOIN note ON note.id = s.note "
-      "WHERE s.textDigest IS NULL AND s.encrypted = 0");
+      "WHERE s.searchRow IS NULL AND s.textDigest IS NULL AND s.encrypted = 0");
   while (unknown.step()) {
     const TextFacts facts = TextFacts::of(unknown.text(1));
     sqlite::Query insert = connection.query("INSERT INTO temp.workedOut VALUES (?1, ?2, ?3, ?4)");
