@@ -37,6 +37,15 @@ class LoadRow(Row):
 
 
 @dataclass
+class MemoryRow(Row):
+    """A server's memory after many calls, in place of the program's; after few, of the floor's."""
+
+    calls: Callable = list  # (corpus) -> tools with their arguments, called in turn
+    few: int = 1_000
+    many: int = 100_000
+
+
+@dataclass
 class SpaceRow(Row):
     """How large the database is."""
 
@@ -231,6 +240,18 @@ ROWS = [
         {"10k": 0.8},
         floor_command("commit"),
         program_command("mcp-server"),
+    ),
+    MemoryRow(
+        "server: memory after 100,000 calls",
+        {"1k": 1.05},  # the heap settles within a few pages
+        None,
+        program_command("mcp-server"),
+        calls=lambda corpus: [
+            ("get_note", {"id": corpus.facts["sample"], "includeContent": True}),
+            ("search_notes", {"query": corpus.facts["rareWord"]}),
+            ("list_notes", {"limit": 20}),
+            ("get_note", {"id": "no such note"}),
+        ],
     ),
     SpaceRow("database to text", {"10k": 2.1, "100k": 2.0}, None, None),
 ]

@@ -20,6 +20,10 @@ class Timing:
         return statistics.median(self.times)
 
     @property
+    def p99(self):
+        return sorted(self.times)[len(self.times) * 99 // 100]
+
+    @property
     def mean(self):
         return statistics.fmean(self.times)
 
@@ -47,13 +51,15 @@ class Stopwatch:
                 lambda rounds: [watch, file.name, rounds], servers, environment, 7, most
             )
 
-    def conversation(self, requests, server, environment):
-        """Times each of many requests to one server, once."""
+    def conversation(self, requests, server, environment, rounds=1):
+        """Times each of many requests to one server, all of them so many times. Where memory is
+        asked for the requests are few: what the stop-watch holds when it starts the server counts.
+        """
         with tempfile.NamedTemporaryFile("w", suffix=".jsonl") as file:
             file.writelines(request + "\n" for request in requests)
             file.flush()
             watch = self.build / "bench" / "bench_round_trips"
-            return self._run([watch, file.name, 1], [server], environment)[0]
+            return self._run([watch, file.name, rounds], [server], environment)[0]
 
     def _timed(self, watch, commands, environment, least, most):
         # The first rounds warm the page cache and tell how long a round takes.
