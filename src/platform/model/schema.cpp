@@ -118,8 +118,8 @@ CREATE VIRTUAL TABLE searchIndex USING fts5 (
 // Every program that opens the database parses these, so they are short: a word costs a thousand
 // instructions.
 //
-// An INSERT OR REPLACE runs no delete trigger, so the insert trigger clears up after the row that
-// was replaced, and hands its tags, pins and files on to the row that has its identifier now.
+// An INSERT or UPDATE OR REPLACE runs no delete trigger, so the others clear up after the row that
+// was replaced, and hand its tags, pins and files on to the row that has its identifier now.
 constexpr const char* createTriggers = R"sql(
 CREATE TRIGGER noteInserted AFTER INSERT ON note BEGIN
   UPDATE counter SET value = value + 1 WHERE name = 'version';
@@ -135,6 +135,8 @@ END;
 
 CREATE TRIGGER noteUpdated AFTER UPDATE ON note BEGIN
   UPDATE counter SET value = value + 1 WHERE name = 'version';
+  DELETE FROM noteSummary
+    WHERE note <> OLD.id AND (note = NEW.id OR uniqueIdentifier = NEW.uniqueIdentifier);
   UPDATE noteSummary SET
       note = NEW.id, version = (SELECT value FROM counter WHERE name = 'version'),
       uniqueIdentifier = NEW.uniqueIdentifier, title = NEW.title,
@@ -154,9 +156,6 @@ END;
 
 CREATE TRIGGER noteDeleted AFTER DELETE ON note BEGIN
   UPDATE counter SET value = value + 1 WHERE name = 'version';
-  DELETE FROM noteTag WHERE note = OLD.id;
-  DELETE FROM pinnedInTag WHERE note = OLD.id;
-  DELETE FROM file WHERE note = OLD.id;
   DELETE FROM noteSummary WHERE note = OLD.id;
 END;
 
@@ -166,6 +165,13 @@ END;
 
 CREATE TRIGGER summaryDeleted AFTER DELETE ON noteSummary BEGIN
   UPDATE counter SET value = value - 1 WHERE name = 'notes' || OLD.place;
+END;
+
+CREATE TRIGGER summaryOrphaned AFTER DELETE ON noteSummary
+    WHEN NOT EXISTS (SELECT 1 FROM note WHERE id = OLD.note) BEGIN
+  DELETE FROM noteTag WHERE note = OLD.note;
+  DELETE FROM pinnedInTag WHERE note = OLD.note;
+  DELETE FROM file WHERE note = OLD.note;
 END;
 
 CREATE TRIGGER summaryMoved AFTER UPDATE OF place ON noteSummary WHEN NEW.place <> OLD.place BEGIN

@@ -1,0 +1,120 @@
+// Whatever a stranger writes with plain SQL, the triggers keep what is kept beside the notes in
+// step.
+
+#include <fmt/format.h>
+#include <gtest/gtest.h>
+
+#include <random>
+#include <string>
+
+#include "platform/model/core_data_stack.h"
+#include "support/foreign_client.h"
+#include "support/throwaway_home.h"
+
+namespace tavimodel {
+namespace {
+
+class Stranger {
+ public:
+  Stranger(const std::filesystem::path& database, unsigned seed)
+      : client_(database), random_(seed) {
+    if (seed % 3 == 0) client_.run("PRAGMA recursive_triggers = ON");
+  }
+
+  /// One change out of all that SQL allows. What breaks a constraint is refused, and changes
+  /// nothing.
+  std::string change() {
+    const std::string sql = statement();
+    try {
+      client_.run(sql);
+    } catch (const std::runtime_error&) {
+    }
+    return sql;
+  }
+
+  std::string ask(const char* question) { return client_.value(question); }
+
+ private:
+  int below(int end) { return std::uniform_int_distribution(0, end - 1)(random_); }
+  std::string id() { return fmt::to_string(below(8) + 1); }
+  std::string name() { return fmt::format("'name {}'", below(8)); }
+  std::string flag() { return below(2) == 0 ? "0" : "1"; }
+
+  std::string statement() {
+    switch (below(9)) {
+      case 0:
+        return fmt::format("INSERT INTO note (title, text, trashed) VALUES ({}, 'é', {})", name(),
+                           flag());
+      case 1:
+        return fmt::format("INSERT OR REPLACE INTO note (uniqueIdentifier, title) VALUES ({}, {})",
+                           name(), name());
+      case 2:
+        return fmt::format("INSERT OR REPLACE INTO note (id, uniqueIdentifier) VALUES ({}, {})",
+                           id(), name());
+      case 3:
+        return fmt::format(
+            "UPDATE note SET trashed = {}, archived = {}, permanentlyDeleted = {}, "
+            "pinned = {}, modificationDate = {} WHERE id = {}",
+            flag(), flag(), below(2) == 0 ? "NULL" : flag(), flag(), id(), id());
+      case 4:
+        return fmt::format("UPDATE {} note SET id = {} WHERE id = {}",
+                           below(2) == 0 ? "OR REPLACE" : "", id(), id());
+      case 5:
+        return fmt::format("UPDATE {} note SET uniqueIdentifier = {} WHERE id = {}",
+                           below(2) == 0 ? "OR REPLACE" : "", name(), id());
+      case 6:
+        return fmt::format("DELETE FROM note WHERE id = {}", id());
+      case 7:
+        return fmt::format(
+            "INSERT OR IGNORE INTO noteTag SELECT id, {} FROM note WHERE id = {}; "
+            "INSERT INTO file (note, filename) SELECT id, 'a' FROM note WHERE id = {}",
+            id(), id(), id());
+      default:
+        return fmt::format("UPDATE note SET text = {}, title = {} WHERE id = {}", name(), name(),
+                           id());
+    }
+  }
+
+  support::ForeignClient client_;
+  std::mt19937 random_;
+};
+
+/// Empty when all is in step; otherwise what is not.
+std::string outOfStep(Stranger& stranger) {
+  constexpr const char* columns =
+      "uniqueIdentifier, title, creationDate, modificationDate, trashed, archived, "
+      "permanentlyDeleted, pinned, encrypted, readOnly";
+  const std::string notes = fmt::format("SELECT id, {} FROM note", columns);
+  const std::string summaries = fmt::format("SELECT note, {} FROM noteSummary", columns);
+  const auto any = [&](const std::string& rows) {
+    return stranger.ask(fmt::format("SELECT count(*) FROM ({})", rows).c_str()) != "0";
+  };
+  if (any(notes + " EXCEPT " + summaries)) return "a note has no summary, or an old one";
+  if (any(summaries + " EXCEPT " + notes)) return "a summary has no note";
+  if (any("SELECT name FROM counter c WHERE name GLOB 'notes?' AND value <> (SELECT count(*) FROM "
+          "note WHERE trashed * 4 + archived * 2 + ifnull(permanentlyDeleted, 0) = "
+          "substr(c.name, 6) + 0)"))
+    return "a count of notes is wrong";
+  if (any("SELECT note FROM noteTag WHERE note NOT IN (SELECT id FROM note) UNION ALL "
+          "SELECT note FROM file WHERE note NOT IN (SELECT id FROM note)"))
+    return "a tag or a file belongs to no note";
+  return {};
+}
+
+TEST(Strangers, CannotBringTheBookkeepingOutOfStep) {
+  for (unsigned seed = 0; seed < 12; ++seed) {
+    const support::ThrowawayHome home;
+    std::string error;
+    ASSERT_NE(KVCoreDataStackForExtensions::initStackOutputError(error), nullptr) << error;
+    Stranger stranger(home.database(), seed);
+    stranger.ask("PRAGMA synchronous = OFF");
+    for (int step = 0; step < 150; ++step) {
+      const std::string sql = stranger.change();
+      ASSERT_EQ(outOfStep(stranger), "") << "seed " << seed << ", step " << step << ": " << sql;
+    }
+    EXPECT_NE(stranger.ask("SELECT count(*) FROM note"), "0");
+  }
+}
+
+}  // namespace
+}  // namespace tavimodel
