@@ -21,12 +21,16 @@ NoteStore& storeForReading() {
   return openStore({.onlyReads = true});
 }
 
-template <class Text>
-Candidates ofNotes(std::optional<NoteLocation> location, Text text) {
-  const ListRequest request{.sort = {{SortField::modified}}, .location = location};
+/// A text of each note, the latest note first. bash looks at candidates one by one, and slowly: it
+/// gets those alone that it would offer. Other shells match in ways of their own.
+Candidates ofNotes(std::string NoteMetadata::*text, std::optional<NoteLocation> location,
+                   const CompletionRequest& request) {
+  const bool isExact = request.shell == "bash";
+  const ListRequest notes{.sort = {{SortField::modified}}, .location = location};
   Candidates candidates;
-  storeForReading().listNotes(request)->forEach(
-      [&](const NoteMetadata& note) { candidates.push_back(text(note)); });
+  storeForReading().listNotes(notes)->forEach([&](const NoteMetadata& note) {
+    if (!isExact || (note.*text).starts_with(request.value)) candidates.push_back(note.*text);
+  });
   return candidates;
 }
 
@@ -47,11 +51,11 @@ std::size_t startOfLastPiece(std::string_view list) {
 
 Candidates noteIDs(const CompletionRequest& request) {
   if (request.value.empty()) return {};
-  return ofNotes(std::nullopt, [](const NoteMetadata& note) { return note.id; });
+  return ofNotes(&NoteMetadata::id, std::nullopt, request);
 }
 
-Candidates titles(const CompletionRequest&) {
-  return ofNotes(NoteLocation::notes, [](const NoteMetadata& note) { return note.title; });
+Candidates titles(const CompletionRequest& request) {
+  return ofNotes(&NoteMetadata::title, NoteLocation::notes, request);
 }
 
 Candidates tags(const CompletionRequest& request) {
