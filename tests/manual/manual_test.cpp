@@ -5,8 +5,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
-#include <functional>
-#include <sstream>
 
 #include "ArgumentParser/command_tree.h"
 #include "cli/help.h"
@@ -14,6 +12,7 @@
 #include "cli/tavi_cli.h"
 #include "manual/manual_pages.h"
 #include "manual/roff.h"
+#include "support/every_command.h"
 #include "support/throwaway_home.h"
 
 // The pages as `man` shows them, and what is installed as its readers find it.
@@ -24,6 +23,7 @@ namespace {
 namespace fs = std::filesystem;
 
 using ArgumentParser::CommandStack;
+using support::forEachCommand;
 using ::testing::HasSubstr;
 
 const ArgumentParser::CommandType kRoot = ArgumentParser::commandType<TaviCLI>();
@@ -61,18 +61,10 @@ class ManualPages : public ::testing::Test {
   support::ThrowawayHome home;
 };
 
-std::vector<std::string> lines(std::string_view text) {
-  std::vector<std::string> result;
-  std::istringstream stream{std::string(text)};
-  for (std::string line; std::getline(stream, line);) result.push_back(line);
-  return result;
-}
-
 /// Texts with single blanks for all their white space.
-std::string squeezed(std::string_view text) {
-  std::istringstream words{std::string(text)};
+std::string squeezed(const std::string& text) {
   std::string result;
-  for (std::string word; words >> word;) result += word + " ";
+  for (const std::string& word : support::wordsOf(text)) result += word + " ";
   return result;
 }
 
@@ -80,16 +72,6 @@ std::string pageName(const CommandStack& stack) {
   std::string name = ArgumentParser::commandPath(stack);
   std::ranges::replace(name, ' ', '-');
   return name;
-}
-
-void forEachCommand(const CommandStack& stack,
-                    const std::function<void(const CommandStack&)>& visit) {
-  visit(stack);
-  for (const auto& child : stack.back().configuration().subcommands) {
-    CommandStack below = stack;
-    below.push_back(child);
-    forEachCommand(below, visit);
-  }
 }
 
 TEST_F(ManualPages, SayWhatTheHelpSays) {
@@ -107,9 +89,8 @@ TEST_F(ManualPages, SayWhatTheHelpSays) {
       for (const auto& name : argument.names) EXPECT_THAT(words, HasSubstr(name.written()));
     }
     const auto* footer = dynamic_cast<const HelpFooter*>(declared.command.get());
-    for (std::string line : lines(footer              ? footer->footer()
-                                  : stack.size() == 1 ? overviewText
-                                                      : "")) {
+    const std::string below(footer ? footer->footer() : stack.size() == 1 ? overviewText : "");
+    for (std::string line : support::linesOf(below)) {
       if (line.starts_with("  ")) {  // stands as it is, at the page's own indent
         EXPECT_THAT(page, HasSubstr("\n     " + line + "\n"));
       } else {
