@@ -90,6 +90,8 @@ _@PROGRAM@_add_completions() {
             candidate="${candidate//\"/\\\"}"
             candidate="${candidate//\$/\\\$}"
             candidate="${candidate//\`/\\\`}"
+            # History is expanded within double quotes, and not quoted there.
+            [[ "$-" == *H* ]] && candidate="${candidate//!/\"\\!\"}"
             ;;
         *) printf -v candidate '%q' "${candidate}" ;;
         esac

@@ -42,10 +42,13 @@ CompletionShell shellOfEnvironment() {
   return shellNamed(text.substr(text.rfind('/') + 1));  // without a "/" from npos + 1, which is 0
 }
 
-void checkForCompletionScript(SplitArguments& line) {
+/// Looks for the flag before anything is parsed. Behind an option, whose value it may prove to be,
+/// it counts when it is left over.
+void checkForCompletionScript(SplitArguments& line, bool isParsed) {
   const Name flag{Name::Kind::longName, "generate-completion-script"};
   for (const Element& element : line.elements()) {
-    if (!isOption(element, flag) || line.standsBehindOption(element.position)) continue;
+    if (!isOption(element, flag) || element.isUsed) continue;
+    if (!isParsed && line.standsBehindOption(element.position)) continue;
     if (element.value) throw ParserError(CompletionScriptRequested{shellNamed(*element.value)});
     const std::size_t next = element.position + 1;
     const bool isNamed = line.hasToken(next) && line.elementsAt(next).front().kind == Kind::value;
@@ -81,7 +84,7 @@ std::unique_ptr<ParsableCommand> CommandParser::parse() {
     if (isCompletionRequest(tokens_))
       throw ParserError(CompletionScriptCustomResponse{completionAnswer(stack_.front(), tokens_)});
     SplitArguments line(tokens_);
-    checkForCompletionScript(line);
+    checkForCompletionScript(line, false);
     return descend(line);
   } catch (ParserError& error) {
     CommandError failure(std::move(error), stack_);
@@ -97,6 +100,7 @@ std::unique_ptr<ParsableCommand> CommandParser::descend(SplitArguments& line) {
       stack_.push_back(*next);
       continue;
     }
+    checkForCompletionScript(line, true);
     checkForBuiltInFlags(line);
     if (!line.unused().empty()) throw leftOver(line);
     if (const auto* help = dynamic_cast<const HelpCommand*>(command.get()))

@@ -94,7 +94,7 @@ std::string version(const CommandStack& stack) {
   return {};
 }
 
-DeclaredCommand::DeclaredCommand(const CommandType& type) : command(type.make()) {
+DeclaredCommand::DeclaredCommand(std::unique_ptr<ParsableCommand> made) : command(std::move(made)) {
   command->declare(arguments);
 }
 

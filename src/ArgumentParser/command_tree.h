@@ -33,7 +33,8 @@ std::string version(const CommandStack& stack);
 
 /// A new command of a type, and its arguments, which are bound to it.
 struct DeclaredCommand {
-  explicit DeclaredCommand(const CommandType& type);
+  explicit DeclaredCommand(const CommandType& type) : DeclaredCommand(type.make()) {}
+  explicit DeclaredCommand(std::unique_ptr<ParsableCommand> made);
   void validate();
 
   std::unique_ptr<ParsableCommand> command;

@@ -15,20 +15,57 @@ std::string environment(const char* variable) {
   return value ? value : "";
 }
 
-const CandidateFunction* candidateFunction(const ArgumentSet& arguments,
-                                           std::string_view identifier) {
-  for (const ArgumentDefinition& definition : arguments.definitions())
-    if (completionIdentifier(arguments, definition) == identifier)
-      if (const auto* custom = std::get_if<CompletionCustom>(&definition.completion))
-        return &custom->candidates;
-  return nullptr;
+/// The argument that a request asks about, by its index.
+std::size_t argumentNamed(std::string_view identifier, const ArgumentSet& arguments) {
+  const std::vector<ArgumentDefinition>& definitions = arguments.definitions();
+  for (std::size_t i = 0; i < definitions.size(); ++i)
+    if (completionIdentifier(arguments, definitions[i]) == identifier)
+      if (std::holds_alternative<CompletionCustom>(definitions[i].completion)) return i;
+  throw ParserError(InvalidState{});
 }
 
-std::string candidateLines(const CandidateFunction& candidates, const CompletionRequest& request) {
+/// A command of the type with the values that the words in front of the cursor give it, or with
+/// none where they do not make a line.
+std::unique_ptr<ParsableCommand> commandAsTyped(const CommandType& root, const CommandType& type,
+                                                const ArgumentDefinition& argument,
+                                                const std::vector<std::string>& words) {
+  if (words.size() < 2) return type.make();
+  std::vector<std::string> line(words.begin() + 1, words.end() - 1);
+  // The value of an option in front of the cursor is being typed.
+  if (!line.empty() && std::ranges::count(argument.names, line.back(), &Name::written) > 0)
+    line.pop_back();
+  try {
+    auto command = parseAsRoot(root, line);
+    const ParsableCommand& reached = *command;
+    if (typeid(reached) == type.type()) return command;
+  } catch (...) {  // half a line is rarely one
+  }
+  return type.make();
+}
+
+/// What is typed of an argument's value within a word.
+std::string_view typedValue(std::string_view word, const ArgumentDefinition& argument) {
+  for (const Name& name : argument.names)
+    if (const std::string start = name.written() + "="; word.starts_with(start))
+      return word.substr(start.size());
+  return word;
+}
+
+/// Whether the parser takes any text for a value where the cursor is, one like "-x" too.
+bool takesAnything(const ArgumentDefinition& argument, const std::vector<std::string>& words) {
+  if (argument.isPositional()) return std::ranges::count(words, "--") > 0;
+  return argument.parsingStrategy == ParsingStrategy::unconditional ||
+         (!words.empty() && typedValue(words.back(), argument).size() < words.back().size());
+}
+
+std::string candidateLines(const ArgumentDefinition& argument, const CompletionRequest& request) {
+  const auto& candidates = std::get<CompletionCustom>(argument.completion).candidates;
+  const bool anything = takesAnything(argument, request.words);
   std::string lines;
   try {
     for (const std::string& candidate : candidates(request)) {
       if (candidate.find('\n') != candidate.npos) continue;  // cannot be told from two
+      if (!anything && candidate.size() > 1 && candidate.front() == '-') continue;
       if (!lines.empty()) lines += '\n';
       lines += candidate;
     }
@@ -53,12 +90,16 @@ std::string completionAnswer(const CommandType& root, const std::vector<std::str
     command = *child;
   }
   if (tokens.end() - word < 2) throw ParserError(InvalidState{});
-  const DeclaredCommand declared(command);
-  const CandidateFunction* candidates = candidateFunction(declared.arguments, *++word);
-  if (!candidates) throw ParserError(InvalidState{});
-  return candidateLines(*candidates, {.words = {word + 1, tokens.end()},
-                                      .shell = environment("SAP_SHELL"),
-                                      .shellVersion = environment("SAP_SHELL_VERSION")});
+  const DeclaredCommand untouched(command);
+  const std::size_t index = argumentNamed(*++word, untouched.arguments);
+  const ArgumentDefinition& argument = untouched.arguments.definitions()[index];
+
+  CompletionRequest request{.words = {word + 1, tokens.end()},
+                            .shell = environment("SAP_SHELL"),
+                            .shellVersion = environment("SAP_SHELL_VERSION")};
+  if (!request.words.empty()) request.value = typedValue(request.words.back(), argument);
+  const DeclaredCommand typed(commandAsTyped(root, command, argument, request.words));
+  return candidateLines(typed.arguments.definitions()[index], request);
 }
 
 std::string completionIdentifier(const ArgumentSet& arguments,

@@ -121,7 +121,8 @@ function _@PROGRAM@_custom_completion
     set -l tokens (_@PROGRAM@_tokens -pc)
     set -l program (string replace -r '^~/' "$HOME/" -- $tokens[1])
     set -l current (_@PROGRAM@_current_token)
-    $program ---completion $argv $tokens "$current" </dev/null 2>/dev/null
+    # Behind a tab, fish would read a description.
+    $program ---completion $argv $tokens "$current" </dev/null 2>/dev/null | string match -v '*'\t'*'
 end
 
 complete -c @NAME@ -f

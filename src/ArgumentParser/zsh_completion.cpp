@@ -7,8 +7,9 @@ namespace ArgumentParser {
 namespace {
 
 constexpr std::string_view kHelpers = R"sh(
-# Offers texts, quoted as the line needs it.
+# Offers texts, quoted as the line needs it: with history expansion, "!" too.
 _@PROGRAM@_complete() {
+    setopt localoptions "${bang_history}"
     local -a candidates
     candidates=("${(@)argv:#}")
     ((${#candidates})) && compadd -a candidates
@@ -28,6 +29,8 @@ _@PROGRAM@_custom_complete() {
 
 constexpr std::string_view kRootStart = R"sh(
 @FUNCTION@() {
+    local bang_history=nobanghist
+    [[ -o banghist ]] && bang_history=banghist
     emulate -RL zsh -G
     setopt extendedglob nullglob numericglobsort
     unsetopt aliases banghist

@@ -7,6 +7,7 @@
 #include <exception>
 
 #include "ArgumentParser/command_line.h"
+#include "ArgumentParser/completion_request.h"
 #include "cli/commands/append_command.h"
 #include "cli/commands/attachments_command.h"
 #include "cli/commands/cat_command.h"
@@ -67,7 +68,21 @@ std::optional<int> run(ArgumentParser::ParsableCommand& command, const ErrorRepo
   }
 }
 
+/// What a shell is to offer. The user is typing: whatever goes wrong, there is nothing to offer and
+/// nothing to say.
+int complete(const CommandType& root, const Arguments& arguments) try {
+  ByteSink& output = Session::current().output;
+  if (invalidArgument(arguments)) return 0;
+  const std::string candidates = ArgumentParser::completionAnswer(root, arguments);
+  if (!candidates.empty()) output.append(candidates + "\n");
+  output.flush();
+  return 0;
+} catch (...) {
+  return 0;
+}
+
 std::optional<int> serve(const CommandType& root, const Arguments& arguments) {
+  if (ArgumentParser::isCompletionRequest(arguments)) return complete(root, arguments);
   if (const auto text = requestedText(root, arguments)) {
     Session::current().output.append(*text);
     return 0;

@@ -11,8 +11,10 @@ namespace tavi {
 
 std::unique_ptr<NoteStore> makeStore(const StoreOptions& options) {
   if (TaviPreferences::isApplicationLockEnabled()) throw NoteStoreError::appLockEnabled();
+  using Stack = tavimodel::KVCoreDataStackForExtensions;
   std::string reason;  // not shown: the user can do nothing with the platform's own words
-  auto stack = tavimodel::KVCoreDataStackForExtensions::initStackOutputError(reason);
+  auto stack = Stack::initStackOutputError(
+      reason, options.onlyReads ? Stack::Access::readOnly : Stack::Access::readWrite);
   if (!stack) throw NoteStoreError::storeUnavailable("cannot open Tavi database");
   return std::make_unique<TaviDatabaseStore>(std::move(stack), options.preserveModificationDate);
 }

@@ -8,6 +8,7 @@ namespace tavi {
 
 struct StoreOptions {
   bool preserveModificationDate = false;  ///< writes of text leave the note's date as it is
+  bool onlyReads = false;  ///< the database must be there; nothing is made, and nobody waited for
 };
 
 /// Opens the application's notes, once per command or tool call; releasing the store closes them.

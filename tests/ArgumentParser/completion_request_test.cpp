@@ -37,6 +37,32 @@ TEST(CompletionRequest, IsAnsweredByTheArgumentsOwnFunction) {
             "War and Peace");
 }
 
+TEST(CompletionRequest, FillsInTheValuesInFrontOfTheCursor) {
+  const auto replacements = [](Line words) {
+    Line request{"---completion", "edit", "--", "--replace", "shelf"};
+    request.insert(request.end(), words.begin(), words.end());
+    return answer(request).text;
+  };
+  EXPECT_EQ(replacements({"edit", "7", "-t", "x", "--find", "a", "--replace", ""}),
+            "7\nx\ntyped \na");
+  EXPECT_EQ(replacements({"-v", "edit", "--replace", "--find", "7", "--replace=b"}),
+            "7\nno title\ntyped b");
+  EXPECT_EQ(replacements({"edit", "--bogus", "7", "--replace", "b"}), "no book\nno title\ntyped b");
+  EXPECT_EQ(replacements({"list", "--replace", "b"}), "no book\nno title\ntyped b");
+}
+
+TEST(CompletionRequest, OffersWhatLooksLikeAnOptionWhereItIsAValue) {
+  const auto offersDash = [](const std::string& argument, Line words) {
+    Line request{"---completion", "edit", "--", argument, "shelf", "edit"};
+    request.insert(request.end(), words.begin(), words.end());
+    return answer(request).text.find("-dash") != std::string::npos;
+  };
+  EXPECT_FALSE(offersDash("--title", {"--title", ""}));
+  EXPECT_TRUE(offersDash("--title", {"--title="}));
+  EXPECT_FALSE(offersDash("positional@0", {""}));
+  EXPECT_TRUE(offersDash("positional@0", {"--", ""}));
+}
+
 TEST(CompletionRequest, ForWhatTheTreeDoesNotHoldFails) {
   for (const Line& line : {Line{"---completion"},
                            {"---completion", "edit"},

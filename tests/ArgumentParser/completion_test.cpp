@@ -1,16 +1,11 @@
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <set>
-#include <sstream>
 
-#include "ArgumentParser/completion_script.h"
 #include "ArgumentParser/completion_shell.h"
-#include "shelf.h"
-#include "terminal.h"
+#include "support/completing_shell.h"
 
 // Each test runs in each shell: in a terminal, with the shelf as the program.
 
@@ -19,23 +14,14 @@ namespace {
 
 namespace fs = std::filesystem;
 
-using Texts = std::set<std::string>;
-
-const CommandType kShelf = commandType<shelf::Shelf>();
-
-std::string read(const fs::path& file) {
-  std::ostringstream text;
-  text << std::ifstream(file).rdbuf();
-  return text.str();
-}
+using support::CompletingShell;
+using Texts = CompletingShell::Texts;
 
 class Completion : public testing::TestWithParam<CompletionShell> {
  protected:
   Completion() {
     std::string pattern = (fs::temp_directory_path() / "shelf-XXXXXX").string();
     home_ = mkdtemp(pattern.data());
-    std::ofstream(home_ / "script") << completionScript(kShelf, GetParam()) << "\n";
-    std::ofstream(home_ / "setup") << setUpOf(GetParam());
     fs::create_directory(home_ / "folder");
     for (const char* file : {"page.txt", "image.png", "folder/note one.txt"})
       std::ofstream(home_ / file);
@@ -44,134 +30,17 @@ class Completion : public testing::TestWithParam<CompletionShell> {
 
   void SetUp() override {
     const std::string shell(name(GetParam()));
-    if (std::system(("command -v " + shell + " >/dev/null").c_str()) != 0)
-      GTEST_SKIP() << shell << " is not installed";
-    std::vector<std::string> command{shell, "--norc", "--noprofile", "-i"};
-    if (shell == "zsh") command = {shell, "-f", "-i"};
-    if (shell == "fish") command = {shell, "--no-config", "-i"};
-    terminal_.emplace(command, home_, environment());
-    terminal_->type(". ./setup\n");
-    terminal_->readUntil("DONE\r\n");
+    if (!CompletingShell::isInstalled(shell)) GTEST_SKIP() << shell << " is not installed";
+    shell_.emplace(shell, SHELF_PROGRAM, home_);
   }
 
-  /// The texts offered for the word at the end of the line, without quoting.
-  Texts offered(const std::string& line) {
-    std::ofstream(home_ / "offered");
-    std::ofstream(home_ / "line") << line;
-    terminal_->type(GetParam() == CompletionShell::zsh ? "\x14" : "offer\n");
-    terminal_->readUntil("DONE\r\n");
-    std::istringstream lines(read(home_ / "offered"));
-    Texts result;
-    for (std::string text; std::getline(lines, text);) {
-      text.erase(std::min(text.find('\t'), text.size()));  // a description
-      if (text.starts_with("--") && text.find('=') != text.npos)
-        text.erase(0, text.ends_with('=') ? 0 : text.find('=') + 1);
-      while (text.ends_with('=') || text.ends_with('/')) text.pop_back();
-      if (!text.empty()) result.insert(text);
-    }
-    return result;
-  }
-
-  /// The arguments that the program gets when the line is completed and entered.
-  std::string entered(const std::string& line) {
-    terminal_->type(line + "\t\n");
-    std::string output = terminal_->readUntil("DONE\r\n");
-    output.erase(output.rfind("\r\nDONE"));
-    return output.substr(output.rfind("\r\n") + 2);
-  }
+  Texts offered(const std::string& line) { return shell_->offered(line); }
+  std::string entered(const std::string& line) { return shell_->entered(line); }
 
  private:
-  Terminal::Environment environment() const {
-    const char* path = std::getenv("PATH");
-    return {{"HOME", home_},
-            {"PATH", std::string(SHELF_FOLDER) + ":" + (path ? path : "/usr/bin:/bin")},
-            {"TERM", "dumb"},
-            {"LC_ALL", "C.UTF-8"}};
-  }
-
-  static std::string setUpOf(CompletionShell shell);
-
   fs::path home_;
-  std::optional<Terminal> terminal_;
+  std::optional<CompletingShell> shell_;
 };
-
-/// Makes `shelf` print its arguments, and `offer` (in zsh, Control-T) write what is offered for the
-/// text in the file "line" into the file "offered".
-std::string Completion::setUpOf(CompletionShell shell) {
-  const std::string program = R"sh(
-shelf() {
-    if [ "$1" = ---completion ]; then command shelf "$@"; return; fi
-    printf '<%s>' "$@"
-    printf '\nDONE\n'
-}
-)sh";
-  switch (shell) {
-    case CompletionShell::bash:  // words are cut as readline cuts them
-      return program + R"sh(
-. ./script
-offer() {
-    COMP_LINE="$(cat line)"
-    COMP_POINT="${#COMP_LINE}"
-    local line="${COMP_LINE//=/ = }"
-    read -ra COMP_WORDS <<<"${line}"
-    [[ "${line}" == *' ' ]] && COMP_WORDS+=('')
-    COMP_CWORD=$((${#COMP_WORDS[@]} - 1))
-    _shelf shelf "${COMP_WORDS[COMP_CWORD]}" ''
-    eval "printf '%s\n' ${COMPREPLY[*]}" >offered
-    echo DONE
-}
-echo DONE
-)sh";
-    case CompletionShell::zsh:
-      return program + R"sh(
-autoload -Uz compinit
-compinit -u -d dump
-bindkey -e
-setopt no_beep
-. ./script
-compadd() {
-    if [[ ${(@)argv[1,(i)(-|--)]} != *-[OAD]* ]]; then
-        local -a hits
-        builtin compadd -O hits "$@"
-        print -rl -- "${(@)hits}" >>$HOME/offered
-    fi
-    builtin compadd "$@"
-}
-offer() {
-    BUFFER="$(<line)"
-    CURSOR=${#BUFFER}
-    zle complete-word
-    BUFFER=''
-    zle -I
-    echo DONE
-}
-zle -N offer
-bindkey '^T' offer
-echo DONE
-)sh";
-    case CompletionShell::fish:
-      return R"sh(
-function shelf
-    if test "$argv[1]" = ---completion
-        command shelf $argv
-        return
-    end
-    printf '<%s>' $argv
-    printf '\nDONE\n'
-end
-function fish_prompt
-    echo '> '
-end
-. ./script
-function offer
-    complete -C (cat line) >offered
-    echo DONE
-end
-echo DONE
-)sh";
-  }
-  return {};
-}
 
 TEST_P(Completion, OffersWhatMayStandAtTheCursor) {
   const Texts titles{"War and Peace", "What's \"$HOME\"?", "Faust",      "a:b",

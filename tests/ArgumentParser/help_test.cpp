@@ -2,14 +2,16 @@
 #include <gtest/gtest.h>
 
 #include <functional>
-#include <sstream>
 
 #include "ArgumentParser/command_tree.h"
 #include "ArgumentParser/help_generator.h"
 #include "shelf.h"
+#include "support/every_command.h"
 
 namespace ArgumentParser {
 namespace {
+
+using support::forEachCommand;
 
 const CommandType kShelf = commandType<shelf::Shelf>();
 
@@ -211,31 +213,6 @@ TEST(Help, PutsATitledGroupIntoASectionOfItsOwn) {
             "  -h, --help              Show help information.\n");
 }
 
-void forEachCommand(const CommandStack& stack,
-                    const std::function<void(const CommandStack&)>& body) {
-  body(stack);
-  for (const CommandType& child : stack.back().configuration().subcommands) {
-    CommandStack below = stack;
-    below.push_back(child);
-    forEachCommand(below, body);
-  }
-}
-
-/// The names on a page, from its label column.
-std::vector<std::string> namesOn(const std::string& page) {
-  std::vector<std::string> names;
-  std::istringstream lines(page);
-  for (std::string line; std::getline(lines, line);) {
-    if (!line.starts_with("  -")) continue;
-    std::istringstream words(line);
-    for (std::string word; words >> word && word.starts_with('-');) {
-      if (word.ends_with(',')) word.pop_back();
-      names.push_back(word);
-    }
-  }
-  return names;
-}
-
 TEST(Help, NamesExactlyWhatParses) {
   forEachCommand({kShelf}, [](const CommandStack& stack) {
     const DeclaredCommand declared(stack.back());
@@ -244,14 +221,11 @@ TEST(Help, NamesExactlyWhatParses) {
       for (const Name& name : definition.names) expected.push_back(name.written());
     for (const ArgumentDefinition& flag : builtInFlags(stack))
       for (const Name& name : flag.names) expected.push_back(name.written());
-    const auto names = namesOn(helpMessage(stack, 80));
+    const auto names = support::namesOnPage(helpMessage(stack, 80));
     EXPECT_THAT(names, testing::UnorderedElementsAreArray(expected));
 
-    std::vector<std::string> path;
-    for (std::size_t i = 1; i < stack.size(); ++i)
-      path.push_back(stack[i].configuration().commandName);
     for (const std::string& name : names) {
-      auto line = path;
+      auto line = support::pathBelowRoot(stack);
       line.push_back(name);
       try {
         parseAsRoot(kShelf, line);
@@ -266,8 +240,7 @@ TEST(Help, NamesExactlyWhatParses) {
 TEST(Help, OverrunsAWidthOnlyForOneWord) {
   for (const int columns : {30, 40, 60, 80, 120})
     forEachCommand({kShelf}, [columns](const CommandStack& stack) {
-      std::istringstream lines(helpMessage(stack, columns));
-      for (std::string line; std::getline(lines, line);) {
+      for (const std::string& line : support::linesOf(helpMessage(stack, columns))) {
         if (line.size() <= static_cast<std::size_t>(columns) || line.starts_with("USAGE:"))
           continue;
         if (line.starts_with("  See '")) continue;

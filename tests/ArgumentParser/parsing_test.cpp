@@ -255,6 +255,7 @@ TEST(Parsing, AsksForACompletionScriptBeforeAllElse) {
       {{"list", "--limit", "x", "--generate-completion-script", "zsh"}, "prints: #compdef shelf"},
       {{"--generate-completion-script", "tcsh"},
        "fails: Can't generate completion scripts for 'tcsh'."},
+      {{"list", "--count", "--generate-completion-script", "zsh", "-h"}, "prints: #compdef shelf"},
       {{"edit", "--find", "--generate-completion-script"},
        "edit find=--generate-completion-script"},
       {{"tags", "add", "--", "--generate-completion-script"},

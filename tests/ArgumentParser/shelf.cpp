@@ -14,8 +14,8 @@ namespace {
 std::vector<std::string> titles(const CompletionRequest& request) {
   for (const std::string& word : request.words)
     if (word == "nothing") throw ValidationError("no titles");
-  return {"War and Peace", "What's \"$HOME\"?", "Faust",      "a:b",
-          "a;b & c",       "Über [1] *",        "back\\slash"};
+  return {"War and Peace", "What's \"$HOME\"?", "Faust",       "a:b",
+          "a;b & c",       "Über [1] *",        "back\\slash", "-dash"};
 }
 
 /// What the program was told, for a look at the protocol from the other side.
@@ -53,7 +53,15 @@ void Edit::declare(ArgumentSet& args) {
   args.argument(bookID, "book-id").help("Book ID.").completes(titles);
   args.option(title, {"-t", "--title"}).help("Book title.").completes(titles);
   args.option(finds, {"-f", "--find"}).takesAnything().help("Text to find.").completes(echo);
-  args.option(replacements, {"--replace"}).takesAnything().help("Text to put there.");
+  args.option(replacements, {"--replace"})
+      .takesAnything()
+      .help("Text to put there.")
+      .completes([this](const CompletionRequest& request) {
+        std::vector<std::string> given{bookID.value_or("no book"), title.value_or("no title")};
+        given.push_back("typed " + request.value);
+        given.insert(given.end(), finds.begin(), finds.end());
+        return given;
+      });
   args.flag(all, "--all").help("Every occurrence.");
   args.flag(force, "--force").help("No questions.");
 }

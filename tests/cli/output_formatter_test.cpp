@@ -27,7 +27,7 @@ TEST(ParseFieldList, TakesNamesAsTheyAre) {
 
 template <class Record>
 std::string fault(const char* fields) {
-  FormatOptions options;
+  FormatOptions options{fieldNames<Record>};
   options.fields = fields;
   try {
     OutputFormatter::resolveFields<Record>(options);

@@ -37,9 +37,9 @@ Note venus() {
 
 template <class Record>
 std::string rows(std::vector<Record> records, OutputFormat format,
-                 std::optional<std::string> fieldNames) {
-  FormatOptions options;
-  options.fields = std::move(fieldNames);
+                 std::optional<std::string> selected) {
+  FormatOptions options{fieldNames<Record>};
+  options.fields = std::move(selected);
   const auto fields = OutputFormatter::resolveFields<Record>(options);
   StringSink sink;
   const auto count = static_cast<std::int64_t>(records.size());
@@ -116,7 +116,8 @@ std::string written(OutputFormat format, const Write& write) {
 }
 
 TEST(RecordWriter, PrintsOneRecordCountsTextsAndFiles) {
-  const auto fields = OutputFormatter::resolveFields<TagRecord>({});
+  const auto fields =
+      OutputFormatter::resolveFields<TagRecord>(FormatOptions{fieldNames<TagRecord>});
   const auto record = [&](RecordWriter& writer) { writer.writeRecord(TagRecord{"#a"}, fields); };
   EXPECT_EQ(written(tsv, record), "#a\n");
   EXPECT_EQ(written(csv, record), "tag\n#a\n");

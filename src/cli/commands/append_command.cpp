@@ -16,7 +16,9 @@ void AppendCommand::declare(ArgumentSet& args) {
   args.option(content_, {"-c", "--content"})
       .takesAnything()
       .help(help(Fields::content.description, readFromStdin, interpretsEscapes));
-  args.option(position_, "--position").help(Fields::position.description);
+  args.option(position_, "--position")
+      .help(Fields::position.description)
+      .completes({"beginning", "end"});
   args.group(date_);
 }
 

@@ -15,6 +15,11 @@ const ArgumentParser::Names filenameNames() {
   return {"-f", "--filename"};
 }
 
+/// What the note that is named on the line has, for a shell to offer.
+completions::CandidateFunction attachmentsOf(const NoteOptions& note) {
+  return [&note](auto&) { return completions::attachmentsOf({note.id, note.title}); };
+}
+
 /// Declared optional, so that its absence is told in words of ours, once the store is open.
 const std::string& required(const std::optional<std::string>& filename) {
   if (!filename) throw TaviCLIError::usage("--filename is required");
@@ -70,7 +75,9 @@ CommandConfiguration AddAttachmentCommand::configuration() {
 
 void AddAttachmentCommand::declare(ArgumentSet& args) {
   args.group(note_);
-  args.option(filename_, filenameNames()).help("Filename for the attachment (required).");
+  args.option(filename_, filenameNames())
+      .help("Filename for the attachment (required).")
+      .completes(ArgumentParser::CompletionFiles{});
   args.group(date_);
 }
 
@@ -105,7 +112,9 @@ CommandConfiguration DeleteAttachmentCommand::configuration() {
 
 void DeleteAttachmentCommand::declare(ArgumentSet& args) {
   args.group(note_);
-  args.option(filename_, filenameNames()).help("Filename of the attachment to delete (required).");
+  args.option(filename_, filenameNames())
+      .help("Filename of the attachment to delete (required).")
+      .completes(attachmentsOf(note_));
   args.group(date_);
 }
 
@@ -130,7 +139,9 @@ CommandConfiguration SaveAttachmentCommand::configuration() {
 
 void SaveAttachmentCommand::declare(ArgumentSet& args) {
   args.group(note_);
-  args.option(filename_, filenameNames()).help("Filename of the attachment to save (required).");
+  args.option(filename_, filenameNames())
+      .help("Filename of the attachment to save (required).")
+      .completes(attachmentsOf(note_));
   args.group(options_);
 }
 

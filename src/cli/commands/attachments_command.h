@@ -4,6 +4,7 @@
 #include <string>
 
 #include "cli/commands/command.h"
+#include "cli/output/field_tables.h"
 #include "cli/output/output_format.h"
 
 /// `attachments` and its subcommands.
@@ -18,7 +19,7 @@ class ListAttachmentsCommand : public LeafCommand {
 
  private:
   NoteOptions note_ = NoteOptions::brief();
-  FormatOptions options_;
+  FormatOptions options_{fieldNames<AttachmentInfo>};
 };
 
 class AddAttachmentCommand : public LeafCommand {

@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "ArgumentParser/parsable_command.h"
+#include "cli/completions.h"
 #include "cli/help.h"
 #include "operations/operation.h"
 
@@ -43,8 +44,8 @@ struct NoteOptions : ArgumentParser::ParsableArguments {
   }
 
   void declare(ArgumentSet& args) override {
-    args.argument(id, "note-id").help(idHelp);
-    args.option(title, {"-t", "--title"}).help(titleHelp);
+    args.argument(id, "note-id").help(idHelp).completes(completions::noteIDs);
+    args.option(title, {"-t", "--title"}).help(titleHelp).completes(completions::titles);
   }
 
  private:

@@ -31,7 +31,9 @@ void CreateCommand::declare(ArgumentSet& args) {
   args.option(content_, {"-c", "--content"})
       .takesAnything()
       .help(help(Fields::content.description, readFromStdin, interpretsEscapes));
-  args.option(tags_, "--tags").help(help("Comma-separated tags. ", Fields::tags.description));
+  args.option(tags_, "--tags")
+      .help(help("Comma-separated tags. ", Fields::tags.description))
+      .completes(completions::commaSeparated(completions::tags));
   args.flag(ifNotExists_, "--if-not-exists").help(Fields::ifNotExists.description);
   args.group(options_);
 }

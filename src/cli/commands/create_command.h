@@ -4,6 +4,7 @@
 #include <string>
 
 #include "cli/commands/command.h"
+#include "cli/output/field_tables.h"
 #include "cli/output/output_format.h"
 
 namespace tavi {
@@ -18,7 +19,7 @@ class CreateCommand : public LeafCommand {
  private:
   std::optional<std::string> title_, content_, tags_;
   bool ifNotExists_ = false;
-  FormatOptions options_;
+  FormatOptions options_{fieldNames<Note>};
 };
 
 }  // namespace tavi

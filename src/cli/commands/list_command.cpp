@@ -8,7 +8,9 @@ CommandConfiguration ListCommand::configuration() {
 
 void ListCommand::declare(ArgumentSet& args) {
   args.group(listing_);
-  args.option(tag_, "--tag").help(ListNotesOp::Fields::tag.description);
+  args.option(tag_, "--tag")
+      .help(ListNotesOp::Fields::tag.description)
+      .completes(completions::tags);
   args.flag(count_, "--count").help("Print only the total number of matching notes.");
   args.group(options_);
 }

@@ -16,7 +16,7 @@ class ListCommand : public LeafCommand {
   ListingOptions listing_{" Default: all."};
   std::optional<std::string> tag_;
   bool count_ = false;
-  FormatOptions options_;
+  FormatOptions options_{fieldNames<Note>};
 };
 
 }  // namespace tavi

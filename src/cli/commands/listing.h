@@ -24,10 +24,14 @@ struct ListingOptions : ArgumentParser::ParsableArguments {
   explicit ListingOptions(std::string_view moreOnLimit = {}) : limitHelp(moreOnLimit) {}
 
   void declare(ArgumentSet& args) override {
-    args.option(sort, {"-s", "--sort"}).help(ListingFields::sort.description);
+    args.option(sort, {"-s", "--sort"})
+        .help(ListingFields::sort.description)
+        .completes(completions::commaSeparated(completions::sortCriteria));
     args.option(limit, {"-n", "--limit"}).help(help(ListingFields::limit.description, limitHelp));
     args.option(offset, {"-o", "--offset"}).help(ListingFields::offset.description);
-    args.option(location, {"-l", "--location"}).help(ListingFields::location.description);
+    args.option(location, {"-l", "--location"})
+        .help(ListingFields::location.description)
+        .completes({"notes", "trash", "archive", "all"});
   }
 
   void refuseWithCount() const {

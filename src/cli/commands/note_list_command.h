@@ -16,16 +16,23 @@ namespace tavi {
 class NoteListCommand : public LeafCommand {
  public:
   void declare(ArgumentSet& args) override {
-    args.argument(id_, "note-id").help(texts_.id);
-    args.argument(names_, texts_.names.name).help(texts_.names.description);
-    args.option(title_, {"-t", "--title"}).help(texts_.title);
+    const auto names = [this](const CompletionRequest& request) { return namesLeft(request); };
+    args.argument(id_, "note-id").help(texts_.id).completes([=, this](const auto& request) {
+      return title_ ? names(request) : completions::noteIDs(request);
+    });
+    args.argument(names_, texts_.names.name).help(texts_.names.description).completes(names);
+    args.option(title_, {"-t", "--title"}).help(texts_.title).completes(completions::titles);
   }
 
  protected:
+  using CompletionRequest = completions::CompletionRequest;
+  using Candidates = completions::Candidates;
   struct Texts {
     std::string_view id;
     FieldDoc names;
     std::string_view title;
+    /// The names that a shell offers.
+    Candidates (*candidates)(const completions::NoteOnLine& note, const CompletionRequest& request);
   };
   explicit NoteListCommand(const Texts& texts) : texts_(texts) {}
 
@@ -35,16 +42,23 @@ class NoteListCommand : public LeafCommand {
     NoteStore& store = openStore();
     typename Operation::Input input;
     input.title = title_;
-    if (title_ && id_) {
-      (input.*list).push_back(*id_);
-    } else {
-      input.id = id_;
-    }
-    (input.*list).insert((input.*list).end(), names_.begin(), names_.end());
+    if (!title_) input.id = id_;
+    input.*list = givenNames();
     Operation::execute(input, store);
   }
 
  private:
+  std::vector<std::string> givenNames() const {
+    std::vector<std::string> names = names_;
+    if (title_ && id_) names.insert(names.begin(), *id_);
+    return names;
+  }
+
+  Candidates namesLeft(const CompletionRequest& request) const {
+    const completions::NoteOnLine note{title_ ? std::nullopt : id_, title_};
+    return completions::without(givenNames(), texts_.candidates(note, request));
+  }
+
   Texts texts_;
   std::optional<std::string> id_, title_;
   std::vector<std::string> names_;

@@ -62,9 +62,11 @@ EXAMPLES:
 }
 
 AddPinCommand::AddPinCommand()
-    : NoteListCommand({.id = idHelp,
-                       .names = AddPinsOp::Fields::targets,
-                       .title = AddPinsOp::Fields::title.description}) {}
+    : NoteListCommand(
+          {.id = idHelp,
+           .names = AddPinsOp::Fields::targets,
+           .title = AddPinsOp::Fields::title.description,
+           .candidates = [](auto&, auto& line) { return completions::pinTargets(line); }}) {}
 
 CommandConfiguration AddPinCommand::configuration() {
   return commandFor<AddPinsOp>("add");
@@ -93,7 +95,8 @@ EXAMPLES:
 RemovePinCommand::RemovePinCommand()
     : NoteListCommand({.id = idHelp,
                        .names = RemovePinsOp::Fields::targets,
-                       .title = RemovePinsOp::Fields::title.description}) {}
+                       .title = RemovePinsOp::Fields::title.description,
+                       .candidates = completions::pinsOf}) {}
 
 CommandConfiguration RemovePinCommand::configuration() {
   return commandFor<RemovePinsOp>("remove");

@@ -2,6 +2,7 @@
 
 #include "cli/commands/command.h"
 #include "cli/commands/note_list_command.h"
+#include "cli/output/field_tables.h"
 #include "cli/output/output_format.h"
 #include "operations/pin_operations.h"
 
@@ -17,7 +18,7 @@ class ListPinsCommand : public LeafCommand {
 
  private:
   NoteOptions note_{ListPinsOp::Fields::id.description, ListPinsOp::Fields::title.description};
-  FormatOptions options_;
+  FormatOptions options_{fieldNames<PinRecord>};
 };
 
 class AddPinCommand : public NoteListCommand {

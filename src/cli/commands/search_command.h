@@ -16,7 +16,7 @@ class SearchCommand : public LeafCommand {
   std::optional<std::string> queryArg_, query_;
   ListingOptions listing_;
   bool count_ = false;
-  FormatOptions options_;
+  FormatOptions options_{fieldNames<SearchResultWithContent>};
 };
 
 }  // namespace tavi

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "cli/commands/command.h"
+#include "cli/output/field_tables.h"
 #include "cli/output/output_format.h"
 #include "operations/read_operations.h"
 
@@ -23,7 +24,7 @@ class SearchInCommand : public LeafCommand {
   std::int64_t context_ = SearchInNoteOp::defaultContext;
   std::optional<std::int64_t> limit_;
   bool count_ = false;
-  FormatOptions options_;
+  FormatOptions options_{fieldNames<SearchMatch>};
 };
 
 }  // namespace tavi

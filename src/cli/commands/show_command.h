@@ -1,6 +1,7 @@
 #pragma once
 
 #include "cli/commands/command.h"
+#include "cli/output/field_tables.h"
 #include "cli/output/output_format.h"
 
 namespace tavi {
@@ -14,7 +15,7 @@ class ShowCommand : public LeafCommand {
 
  private:
   NoteOptions note_;
-  FormatOptions options_;
+  FormatOptions options_{fieldNames<Note>};
 };
 
 }  // namespace tavi

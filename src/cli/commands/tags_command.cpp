@@ -77,7 +77,8 @@ EXAMPLES:
 AddTagsCommand::AddTagsCommand()
     : NoteListCommand({.id = "Note ID, followed by tags to add.",
                        .names = AddTagsOp::Fields::tags,
-                       .title = AddTagsOp::Fields::title.description}) {}
+                       .title = AddTagsOp::Fields::title.description,
+                       .candidates = [](auto&, auto& line) { return completions::tags(line); }}) {}
 
 CommandConfiguration AddTagsCommand::configuration() {
   return commandFor<AddTagsOp>("add");
@@ -104,7 +105,8 @@ EXAMPLES:
 RemoveTagsCommand::RemoveTagsCommand()
     : NoteListCommand({.id = "Note ID, followed by tags to remove.",
                        .names = RemoveTagsOp::Fields::tags,
-                       .title = RemoveTagsOp::Fields::title.description}) {}
+                       .title = RemoveTagsOp::Fields::title.description,
+                       .candidates = completions::tagsOf}) {}
 
 CommandConfiguration RemoveTagsCommand::configuration() {
   return commandFor<RemoveTagsOp>("remove");
@@ -130,10 +132,14 @@ CommandConfiguration RenameTagCommand::configuration() {
 
 void RenameTagCommand::declare(ArgumentSet& args) {
   using Fields = RenameTagOp::Fields;
-  args.argument(old_, Fields::oldName.name).help(Fields::oldName.description);
-  args.option(from_, "--from").help(help(Fields::oldName.description, alternative));
-  args.argument(new_, Fields::newName.name).help(Fields::newName.description);
-  args.option(to_, "--to").help(help(Fields::newName.description, alternative));
+  // A new name is often one below or beside an old one.
+  const auto name = [](ArgumentParser::Declaration argument, std::string_view text) {
+    argument.help(text).completes(completions::tags);
+  };
+  name(args.argument(old_, Fields::oldName.name), Fields::oldName.description);
+  name(args.option(from_, "--from"), help(Fields::oldName.description, alternative));
+  name(args.argument(new_, Fields::newName.name), Fields::newName.description);
+  name(args.option(to_, "--to"), help(Fields::newName.description, alternative));
   args.flag(force_, "--force").help(Fields::force.description);
 }
 
@@ -163,8 +169,10 @@ CommandConfiguration DeleteTagCommand::configuration() {
 
 void DeleteTagCommand::declare(ArgumentSet& args) {
   const FieldDoc& tag = DeleteTagOp::Fields::tag;
-  args.argument(tag_, tag.name).help(tag.description);
-  args.option(name_, "--name").help(help(tag.description, alternative));
+  args.argument(tag_, tag.name).help(tag.description).completes(completions::tags);
+  args.option(name_, "--name")
+      .help(help(tag.description, alternative))
+      .completes(completions::tags);
 }
 
 void DeleteTagCommand::run() {

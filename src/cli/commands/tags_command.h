@@ -5,6 +5,7 @@
 
 #include "cli/commands/command.h"
 #include "cli/commands/note_list_command.h"
+#include "cli/output/field_tables.h"
 #include "cli/output/output_format.h"
 
 /// `tags` and its subcommands.
@@ -20,7 +21,7 @@ class ListTagsCommand : public LeafCommand {
  private:
   NoteOptions note_ = NoteOptions::brief();
   bool count_ = false;
-  FormatOptions options_;
+  FormatOptions options_{fieldNames<TagRecord>};
 };
 
 class AddTagsCommand : public NoteListCommand {

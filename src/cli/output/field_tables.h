@@ -3,6 +3,7 @@
 #include <array>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "cli/output/field_value.h"
 #include "domain/note_records.h"
@@ -36,6 +37,14 @@ template <>
 FieldTable<TagRecord> fieldTable();
 template <>
 FieldTable<PinRecord> fieldTable();
+
+/// What may be selected, "all" included.
+template <class Record>
+std::vector<std::string> fieldNames() {
+  std::vector<std::string> names{"all"};
+  for (const auto& field : fieldTable<Record>()) names.emplace_back(field.name);
+  return names;
+}
 
 template <class Record>
 inline constexpr std::array<std::string_view, 3> defaultFields{"id", "title", "tags"};

@@ -5,8 +5,10 @@
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 #include "ArgumentParser/parsable_command.h"
+#include "cli/completions.h"
 
 /// The options by which a user chooses what is printed, and how.
 namespace tavi {
@@ -26,12 +28,21 @@ struct FormatOnlyOptions : ArgumentParser::ParsableArguments {
 };
 
 struct FormatOptions : FormatOnlyOptions {
+  using FieldNames = std::vector<std::string> (*)();
+
   std::optional<std::string> fields;  ///< names between commas
+
+  explicit FormatOptions(FieldNames all) : fieldNames(all) {}
 
   void declare(ArgumentParser::ArgumentSet& args) override {
     FormatOnlyOptions::declare(args);
-    args.option(fields, "--fields").help("Comma-separated field names, or \"all\".");
+    args.option(fields, "--fields")
+        .help("Comma-separated field names, or \"all\".")
+        .completes(completions::commaSeparated([names = fieldNames](auto&) { return names(); }));
   }
+
+ private:
+  FieldNames fieldNames;
 };
 
 }  // namespace tavi

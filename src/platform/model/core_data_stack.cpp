@@ -53,7 +53,7 @@ void configure(sqlite::Connection& connection) {
 
 /// A database in a folder that cannot be written has no place for the log's index. Where there is
 /// no log it is read as it stands.
-std::unique_ptr<sqlite::Connection> openReadOnly(const fs::path& path) {
+std::unique_ptr<sqlite::Connection> openUnchanging(const fs::path& path) {
   std::error_code error;
   const auto logSize = fs::file_size(path.string() + "-wal", error);
   if (!error && logSize > 0) return nullptr;
@@ -63,16 +63,16 @@ std::unique_ptr<sqlite::Connection> openReadOnly(const fs::path& path) {
   return connection;
 }
 
-std::unique_ptr<sqlite::Connection> openDatabase(const fs::path& path) {
+std::unique_ptr<sqlite::Connection> openDatabase(const fs::path& path,
+                                                 sqlite::Connection::Mode mode) {
   try {
-    auto connection =
-        std::make_unique<sqlite::Connection>(path, sqlite::Connection::Mode::readWrite);
-    configure(*connection);
+    auto connection = std::make_unique<sqlite::Connection>(path, mode);
+    if (mode == sqlite::Connection::Mode::readWrite) configure(*connection);
     upgradeSchema(*connection);
     return connection;
   } catch (const sqlite::Error&) {
     if (access(path.parent_path().c_str(), W_OK) == 0) throw;
-    if (auto connection = openReadOnly(path)) return connection;
+    if (auto connection = openUnchanging(path)) return connection;
     throw;
   }
 }
@@ -85,17 +85,19 @@ int noteLogLength(void* length, sqlite3*, const char*, int frames) {
 }  // namespace
 
 std::unique_ptr<KVCoreDataStackForExtensions> KVCoreDataStackForExtensions::initStackOutputError(
-    std::string& error) {
+    std::string& error, Access access) {
+  using Mode = sqlite::Connection::Mode;
   try {
     const std::optional<fs::path> folder = platform::system::applicationDataDirectory();
     if (!folder) throw std::runtime_error("There is no home folder.");
     const fs::path path = *folder / "tavi.sqlite";
-    if (access(path.c_str(), F_OK) != 0) {
+    const bool writes = access == Access::readWrite;
+    if (writes && ::access(path.c_str(), F_OK) != 0) {
       makeFolders(*folder / "files");
       makePrivateFile(path);
     }
-    return std::unique_ptr<KVCoreDataStackForExtensions>(
-        new KVCoreDataStackForExtensions(openDatabase(path), *folder));
+    return std::unique_ptr<KVCoreDataStackForExtensions>(new KVCoreDataStackForExtensions(
+        openDatabase(path, writes ? Mode::readWrite : Mode::readOnly), *folder));
   } catch (const std::exception& failure) {
     error = failure.what();
     return nullptr;

@@ -15,8 +15,13 @@ namespace tavimodel {
 /// application's data folder, which come into being, private to the user, with the first open.
 class KVCoreDataStackForExtensions {
  public:
+  /// With `readOnly` the database must be there already: nothing is made, written or tidied up, and
+  /// nobody waited for.
+  enum class Access { readWrite, readOnly };
+
   /// Null, and a sentence in `error`, when the database cannot be had; it is left as it was.
-  static std::unique_ptr<KVCoreDataStackForExtensions> initStackOutputError(std::string& error);
+  static std::unique_ptr<KVCoreDataStackForExtensions> initStackOutputError(
+      std::string& error, Access access = Access::readWrite);
   /// Closes the database, and uses the occasion to keep it tidy (see bookkeeping.h).
   ~KVCoreDataStackForExtensions();
 

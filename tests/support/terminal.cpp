@@ -1,4 +1,4 @@
-#include "terminal.h"
+#include "support/terminal.h"
 
 #include <poll.h>
 #include <pty.h>
@@ -8,6 +8,7 @@
 #include <csignal>
 #include <stdexcept>
 
+namespace support {
 namespace {
 
 constexpr int kPatienceInMilliseconds = 20000;
@@ -66,3 +67,5 @@ std::string Terminal::readUntil(std::string_view mark) {
     unread_.append(buffer, static_cast<std::size_t>(count));
   }
 }
+
+}  // namespace support

@@ -5,6 +5,8 @@
 #include <string_view>
 #include <vector>
 
+namespace support {
+
 /// A program in a terminal of its own, typed at and read from.
 class Terminal {
  public:
@@ -26,3 +28,5 @@ class Terminal {
   int process_ = -1;
   std::string unread_;
 };
+
+}  // namespace support

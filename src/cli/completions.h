@@ -1,0 +1,49 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "ArgumentParser/completion_kind.h"
+
+/// What a shell offers for values that only the database knows. Candidates read it and nothing
+/// else: no database is made, no writer waited for. They throw what opening and reading throw, for
+/// the parser to pass over.
+namespace tavi::completions {
+
+using ArgumentParser::CandidateFunction;
+using ArgumentParser::CompletionRequest;
+using Candidates = std::vector<std::string>;
+
+/// The note that a line names, as far as it does.
+struct NoteOnLine {
+  std::optional<std::string> id, title;
+};
+
+/// Of every note, wherever it is; none before a character is typed, since nobody knows one by
+/// heart.
+Candidates noteIDs(const CompletionRequest& request);
+/// Those that --title finds: of the active notes.
+Candidates titles(const CompletionRequest& request);
+
+// Tags come as they are typed: with hash marks if the word begins with one.
+Candidates tags(const CompletionRequest& request);
+/// The note's own tags, or all of them where no note is named; the same for pins.
+Candidates tagsOf(const NoteOnLine& note, const CompletionRequest& request);
+Candidates pinsOf(const NoteOnLine& note, const CompletionRequest& request);
+/// Where a note may be pinned.
+Candidates pinTargets(const CompletionRequest& request);
+
+/// None where no note is named.
+Candidates attachmentsOf(const NoteOnLine& note);
+
+/// Candidates that the line does not have yet.
+Candidates without(const std::vector<std::string>& given, Candidates candidates);
+
+/// A list with commas: its last piece is completed, by what is not in it already.
+CandidateFunction commaSeparated(CandidateFunction pieces);
+
+/// The pieces of --sort: fields, with and without a direction.
+Candidates sortCriteria(const CompletionRequest& request);
+
+}  // namespace tavi::completions

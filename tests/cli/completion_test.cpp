@@ -1,0 +1,262 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+
+#include "support/completing_shell.h"
+#include "support/foreign_client.h"
+#include "support/program.h"
+#include "support/throwaway_home.h"
+
+// The built program's lines, completed in real shells and by questions asked as scripts ask them.
+
+namespace tavi {
+namespace {
+
+namespace fs = std::filesystem;
+
+using support::CompletingShell;
+using support::runProgram;
+using ::testing::HasSubstr;
+using Line = std::vector<std::string>;
+using Texts = CompletingShell::Texts;
+
+/// A home of notes whose titles and tags shells find hard to quote.
+class Notes : public ::testing::Test {
+ protected:
+  void writeNotes() {
+    for (const std::string& title : titles) create({"--", title}, "");
+    create({"Mars", "--tags", "space,red planet,work/draft", "--fields", "id"}, "The planet.");
+    marsID = created;
+    create({"Old", "--tags", "past"}, "");
+    done({"archive", "--title", "Old"});
+    done({"attachments", "add", "--title", "mars", "--filename", "my photo.jpg"}, "bytes");
+    done({"attachments", "add", "--title", "mars", "--filename", "map.png"}, "bytes");
+    done({"pin", "add", "--title", "mars", "global", "red planet"});
+  }
+
+  void create(Line arguments, const std::string& content) {
+    arguments.insert(arguments.begin(), "create");
+    created = done(arguments, content);
+    created.erase(std::min(created.find('\n'), created.size()));
+  }
+  static std::string done(const Line& arguments, const std::string& input = "") {
+    const auto result = runProgram(arguments, input);
+    EXPECT_EQ(result.exitCode, 0) << result.errors;
+    return result.output;
+  }
+
+  /// Everything below the home, with sizes.
+  std::map<std::string, std::uintmax_t> files() const {
+    std::map<std::string, std::uintmax_t> result;
+    for (const auto& entry : fs::recursive_directory_iterator(home.path()))
+      result[entry.path()] = entry.is_regular_file() ? entry.file_size() : 0;
+    return result;
+  }
+
+  void lockTheApplication() {
+    fs::create_directories(home.path() / "Library/Preferences");
+    std::ofstream(home.path() / "Library/Preferences/X7Q2M5R8K1.net.kelvaro.tavi.plist")
+        << "<?xml version=\"1.0\"?><plist version=\"1.0\"><dict>"
+           "<key>applicationLockingEnabled</key><true/></dict></plist>";
+  }
+
+  support::ThrowawayHome home;
+  const Texts titles{"War and Peace", "What's \"$HOME\"?", "Hello!World", "a:b, c;d & e",
+                     "back\\slash",   "un`paired $(date)", "Über [1] *",  "Warum"};
+  std::string marsID, created;
+
+  Texts titlesWith(std::initializer_list<std::string> more) const {
+    Texts all = titles;
+    all.insert(more);
+    return all;
+  }
+};
+
+class CompletionInShells : public Notes, public ::testing::WithParamInterface<const char*> {
+ protected:
+  void SetUp() override {
+    if (!CompletingShell::isInstalled(GetParam())) GTEST_SKIP() << GetParam() << " is missing";
+    shell.emplace(GetParam(), TAVICLI_PROGRAM, home.path());
+  }
+  std::optional<CompletingShell> shell;
+};
+
+TEST_P(CompletionInShells, OffersWhatTheCommandsTake) {
+  writeNotes();
+  std::ofstream(home.path() / "photo.jpg");
+  const Texts everyTag{"space", "red planet", "work/draft", "past"};
+  struct Case {
+    std::string line;
+    Texts offered;
+  };
+  for (const auto& [line, expected] : std::initializer_list<Case>{
+           {"tavicli ",
+            {"cat", "show", "list", "search", "search-in", "edit", "overwrite", "create", "append",
+             "tags", "pin", "trash", "archive", "restore", "open", "attachments", "mcp-server",
+             "help"}},
+           {"tavicli sea", {"search", "search-in"}},
+           {"tavicli tags ", {"list", "add", "remove", "rename", "delete"}},
+           {"tavicli help at", {"attachments"}},
+           {"tavicli append --no", {"--no-update-modified"}},
+           {"tavicli list --",
+            {"--sort", "--limit", "--offset", "--location", "--tag", "--count", "--format",
+             "--fields", "--help"}},
+           {"tavicli list --format ", {"tsv", "csv", "json"}},
+           {"tavicli list --location ", {"notes", "trash", "archive", "all"}},
+           {"tavicli append --position ", {"beginning", "end"}},
+           {"tavicli list --sort m", {"modified", "modified:asc", "modified:desc"}},
+           {"tavicli list --sort pinned,title:", {"pinned,title:asc", "pinned,title:desc"}},
+           {"tavicli search-in --fields ", {"all", "offset", "snippet"}},
+           {"tavicli show --fields id,ti", {"id,title"}},
+           {"tavicli cat --title ", titlesWith({"Mars"})},
+           {"tavicli open -t W", {"War and Peace", "What's \"$HOME\"?", "Warum"}},
+           {"tavicli trash --title=M", {"Mars"}},
+           {"tavicli list --tag ", everyTag},
+           {"tavicli list --tag wo", {"work/draft"}},
+           {"tavicli list --tag \\#r", {"#red planet#"}},
+           {"tavicli create x --tags past,sp", {"past,space"}},
+           {"tavicli tags rename p", {"past"}},
+           {"tavicli tags delete --name s", {"space"}},
+           {"tavicli tags add --title Old ", everyTag},
+           {"tavicli tags remove --title Mars ", {"space", "red planet", "work/draft"}},
+           {"tavicli tags remove -t mars space ", {"red planet", "work/draft"}},
+           {"tavicli pin add " + marsID + " ",
+            {"space", "red planet", "work/draft", "past", "global"}},
+           {"tavicli pin remove " + marsID + " ", {"red planet", "global"}},
+           {"tavicli attachments save --title Mars --filename ", {"my photo.jpg", "map.png"}},
+           {"tavicli attachments delete " + marsID + " -f m", {"my photo.jpg", "map.png"}},
+           {"tavicli attachments save --filename ", {}},
+           {"tavicli attachments add --title Mars --filename ph", {"photo.jpg"}},
+           {"tavicli cat " + marsID.substr(0, 10), {marsID}},
+       })
+    EXPECT_EQ(shell->offered(line), expected) << line << "[TAB]";
+}
+
+TEST_P(CompletionInShells, QuotesTitlesForTheLine) {
+  writeNotes();
+  struct Case {
+    std::string line;
+    std::string arguments;
+  };
+  for (const auto& [line, arguments] : std::initializer_list<Case>{
+           {"tavicli cat -t War\\ ", "<cat><-t><War and Peace>"},
+           {"tavicli cat -t What", "<cat><-t><What's \"$HOME\"?>"},
+           {"tavicli cat -t \"What", "<cat><-t><What's \"$HOME\"?>"},
+           {"tavicli cat -t 'What", "<cat><-t><What's \"$HOME\"?>"},
+           {"tavicli cat -t Hello", "<cat><-t><Hello!World>"},
+           {"tavicli cat -t 'Hello", "<cat><-t><Hello!World>"},
+           {"tavicli cat -t \"Hello", "<cat><-t><Hello!World>"},
+           {"tavicli cat --title=a:", "<cat><--title=a:b, c;d & e>"},
+           {"tavicli cat -t back", "<cat><-t><back\\slash>"},
+           {"tavicli cat -t un", "<cat><-t><un`paired $(date)>"},
+           {"tavicli cat -t \"un", "<cat><-t><un`paired $(date)>"},
+           {"tavicli cat -t Üb", "<cat><-t><Über [1] *>"},
+           {"tavicli tags remove -t Mars r", "<tags><remove><-t><Mars><red planet>"},
+           {"tavicli attachments save -t Mars -f my",
+            "<attachments><save><-t><Mars><-f>"
+            "<my photo.jpg>"},
+       })
+    EXPECT_EQ(shell->entered(line), arguments) << line << "[TAB]";
+}
+
+TEST_P(CompletionInShells, OffersNothingAndMakesNothingWithoutNotes) {
+  EXPECT_EQ(shell->offered("tavicli cat --title "), Texts{});
+  EXPECT_EQ(shell->offered("tavicli list --tag "), Texts{});
+  EXPECT_EQ(shell->offered("tavicli pin add --title x g"), Texts{});
+  EXPECT_FALSE(fs::exists(home.data()));
+}
+
+INSTANTIATE_TEST_SUITE_P(Shells, CompletionInShells, ::testing::Values("bash", "zsh", "fish"),
+                         [](const auto& shell) { return std::string(shell.param); });
+
+/// What the program answers to a script. `words`: of the line, behind the program's name.
+class CompletionAnswer : public Notes {
+ protected:
+  static std::string answer(const Line& path, const std::string& argument, const Line& words) {
+    Line request{"---completion"};
+    request.insert(request.end(), path.begin(), path.end());
+    request.insert(request.end(), {"--", argument, "tavicli"});
+    request.insert(request.end(), words.begin(), words.end());
+    const auto result = runProgram(request);
+    EXPECT_EQ(result.exitCode, 0);
+    EXPECT_EQ(result.errors, "");
+    return result.output;
+  }
+  static std::string titlesAnswered() { return answer({"cat"}, "--title", {"cat", "-t", ""}); }
+};
+
+TEST_F(CompletionAnswer, HasOneCandidateALine) {
+  EXPECT_EQ(titlesAnswered(), "");
+  create({"--", "-dash"}, "");
+  EXPECT_EQ(titlesAnswered(), "");  // the parser would not take it there
+  EXPECT_EQ(answer({"cat"}, "--title", {"cat", "--title=-d"}), "-dash\n");
+  create({"Mars"}, "");
+  EXPECT_EQ(titlesAnswered(), "Mars\n");
+  EXPECT_EQ(answer({"create"}, "--tags", {"create", "--tags", ""}), "");
+}
+
+TEST_F(CompletionAnswer, KnowsTheNoteOfTheLineInEveryForm) {
+  writeNotes();
+  const std::string names = "my photo.jpg\nmap.png\n";
+  for (const Line& words : {Line{"--title", "Mars", "-f", ""},
+                            {"--title=mars", "--filename=m"},
+                            {"-f", "x", "-t", "MARS", "--filename", "m"},
+                            {"--format", "json", marsID, "--filename", ""}}) {
+    Line line{"attachments", "save"};
+    line.insert(line.end(), words.begin(), words.end());
+    EXPECT_EQ(answer({"attachments", "save"}, "--filename", line), names);
+  }
+  // `tags` alone is `tags list`.
+  EXPECT_THAT(answer({"tags", "list"}, "positional@0", {"tags", marsID.substr(0, 4)}),
+              HasSubstr(marsID + "\n"));
+}
+
+TEST_F(CompletionAnswer, IsNothingWheneverSomethingIsWrong) {
+  EXPECT_EQ(answer({"nosuch"}, "--title", {}), "");
+  EXPECT_EQ(answer({"cat"}, "--nosuch", {}), "");
+  EXPECT_EQ(answer({"cat"}, "--offset", {"cat", "--offset", ""}), "");
+  EXPECT_EQ(runProgram({"---completion"}).output, "");
+  EXPECT_EQ(runProgram({"---completion", "--help"}).output, "");
+  EXPECT_EQ(runProgram({"---completion"}).exitCode, 0);
+  EXPECT_FALSE(fs::exists(home.data()));
+
+  create({"Mars"}, "");
+  EXPECT_EQ(titlesAnswered(), "Mars\n");
+  EXPECT_EQ(answer({"cat"}, "--title", {"cat", "-t", "M\xff"}), "");
+  EXPECT_EQ(answer({"attachments", "save"}, "--filename", {"attachments", "save", "-f", ""}), "");
+  EXPECT_EQ(answer({"tags", "remove"}, "positional@1", {"tags", "remove", "nosuch", ""}), "");
+
+  lockTheApplication();
+  EXPECT_EQ(titlesAnswered(), "");
+  fs::remove_all(home.path() / "Library");
+  std::ofstream(home.database()) << std::string(100000, 'x');
+  EXPECT_EQ(titlesAnswered(), "");
+}
+
+TEST_F(CompletionAnswer, ReadsAndLeavesEverythingAsItIs) {
+  create({"Mars"}, "");
+  support::ForeignClient writer(home.database());
+  writer.run("BEGIN IMMEDIATE");
+  writer.run("UPDATE note SET title = 'Moon'");
+  const auto before = files();
+  EXPECT_EQ(titlesAnswered(), "Mars\n");  // without waiting for the writer
+  EXPECT_EQ(files(), before);
+  writer.run("ROLLBACK");
+
+  fs::permissions(home.data(), fs::perms::owner_read | fs::perms::owner_exec);
+  EXPECT_EQ(titlesAnswered(), "Mars\n");
+}
+
+TEST_F(CompletionAnswer, PostsNoSignalToTheApplication) {
+  create({"Mars"}, "");
+  const fs::path signal = home.data() / "net.kelvaro.tavi.cli.didRequestRefresh";
+  ASSERT_TRUE(fs::exists(signal));
+  fs::remove(signal);
+  EXPECT_EQ(titlesAnswered(), "Mars\n");
+  EXPECT_FALSE(fs::exists(signal));
+}
+
+}  // namespace
+}  // namespace tavi
