@@ -26,7 +26,7 @@ NoteStore& storeForReading() {
 Candidates ofNotes(std::string NoteMetadata::*text, std::optional<NoteLocation> location,
                    const CompletionRequest& request) {
   const bool isExact = request.shell == "bash";
-  const ListRequest notes{.sort = {{SortField::modified}}, .location = location};
+  const ListRequest notes{.sort = {{SortField::modified}}, .location = location, .detailed = false};
   Candidates candidates;
   storeForReading().listNotes(notes)->forEach([&](const NoteMetadata& note) {
     if (!isExact || (note.*text).starts_with(request.value)) candidates.push_back(note.*text);
