@@ -93,7 +93,10 @@ _@PROGRAM@_add_completions() {
             # History is expanded within double quotes, and not quoted there.
             [[ "$-" == *H* ]] && candidate="${candidate//!/\"\\!\"}"
             ;;
-        *) printf -v candidate '%q' "${candidate}" ;;
+        *)
+            printf -v candidate '%q' "${candidate}"
+            candidate="${candidate//\\,/,}" # which means nothing to a shell outside of braces
+            ;;
         esac
         COMPREPLY+=("${candidate}")
     done
