@@ -250,6 +250,13 @@ TEST_F(CompletionAnswer, ReadsAndLeavesEverythingAsItIs) {
   EXPECT_EQ(files(), before);
   writer.run("ROLLBACK");
 
+  writer.run("PRAGMA wal_checkpoint(TRUNCATE)");
+  writer.run("PRAGMA journal_mode = DELETE");  // no log, and no index of it
+  writer.run("PRAGMA journal_mode = WAL");
+  const auto quiet = files();
+  EXPECT_EQ(titlesAnswered(), "Mars\n");
+  EXPECT_EQ(files(), quiet);
+
   fs::permissions(home.data(), fs::perms::owner_read | fs::perms::owner_exec);
   EXPECT_EQ(titlesAnswered(), "Mars\n");
 }
