@@ -109,15 +109,6 @@ _@PROGRAM@_add_left() {
     _@PROGRAM@_add_completions "${names[@]}"
 }
 
-_@PROGRAM@_add_candidates() {
-    local candidate
-    for candidate in "$@"; do
-        [[ -z "${candidate}" || "${candidate}" != "${cur}"* ]] && continue
-        candidate="${option_prefix}${candidate}"
-        COMPREPLY+=("${candidate:kept_length}")
-    done
-}
-
 # Offers the lines of its input.
 _@PROGRAM@_add_lines() {
     local -a lines
