@@ -93,7 +93,10 @@ _@PROGRAM@_add_completions() {
             # History is expanded within double quotes, and not quoted there.
             [[ "$-" == *H* ]] && candidate="${candidate//!/\"\\!\"}"
             ;;
-        *) printf -v candidate '%q' "${candidate}" ;;
+        *)
+            printf -v candidate '%q' "${candidate}"
+            candidate="${candidate//\\,/,}" # which means nothing to a shell outside of braces
+            ;;
         esac
         COMPREPLY+=("${candidate}")
     done
@@ -104,15 +107,6 @@ _@PROGRAM@_add_left() {
     local -a names
     read -ra names <<<"${left[*]}"
     _@PROGRAM@_add_completions "${names[@]}"
-}
-
-_@PROGRAM@_add_candidates() {
-    local candidate
-    for candidate in "$@"; do
-        [[ -z "${candidate}" || "${candidate}" != "${cur}"* ]] && continue
-        candidate="${option_prefix}${candidate}"
-        COMPREPLY+=("${candidate:kept_length}")
-    done
 }
 
 # Offers the lines of its input.

@@ -41,10 +41,10 @@ Candidates asTyped(Candidates names, const CompletionRequest& request) {
   return names;
 }
 
-/// "modified, ti" ends in the piece "ti".
-std::size_t startOfLastPiece(std::string_view list) {
+/// What stands before the last piece of a list: "modified, " of "modified, ti".
+std::string_view piecesBefore(std::string_view list) {
   const std::size_t behindComma = list.rfind(',') + 1;  // 0 without a comma
-  return std::min(list.find_first_not_of(' ', behindComma), list.size());
+  return list.substr(0, list.find_first_not_of(' ', behindComma));
 }
 
 }  // namespace
@@ -98,26 +98,26 @@ Candidates without(const std::vector<std::string>& given, Candidates candidates)
 
 CandidateFunction commaSeparated(CandidateFunction pieces) {
   return [pieces = std::move(pieces)](const CompletionRequest& request) {
-    const std::size_t start = startOfLastPiece(request.value);
-    const std::string before = request.value.substr(0, start);
+    const std::string before(piecesBefore(request.value));
     CompletionRequest last = request;
-    last.value.erase(0, start);
+    last.value.erase(0, before.size());
     Candidates lists = without(trimmedPieces(before), pieces(last));
     for (std::string& list : lists) list.insert(0, before);
     return lists;
   };
 }
 
-Candidates sortCriteria(const CompletionRequest&) {
-  Candidates criteria;
+Candidates sortCriteria(const CompletionRequest& request) {
+  std::vector<std::string> given = trimmedPieces(piecesBefore(request.value));
+  for (std::string& piece : given) piece.erase(std::min(piece.find(':'), piece.size()));
+  Candidates fields;
   for (const SortField field :
-       {SortField::pinned, SortField::modified, SortField::created, SortField::title}) {
-    const std::string name(rawText(field));
-    criteria.push_back(name);
-    for (const SortOrder order : {SortOrder::asc, SortOrder::desc})
-      criteria.push_back(name + ":" + std::string(rawText(order)));
-  }
-  return criteria;
+       {SortField::pinned, SortField::modified, SortField::created, SortField::title})
+    fields.emplace_back(rawText(field));
+  Candidates criteria;
+  for (const std::string& field : without(given, std::move(fields)))
+    for (const char* order : {"", ":asc", ":desc"}) criteria.push_back(field + order);
+  return commaSeparated([&](auto&) { return criteria; })(request);
 }
 
 }  // namespace tavi::completions

@@ -43,7 +43,7 @@ Candidates without(const std::vector<std::string>& given, Candidates candidates)
 /// A list with commas: its last piece is completed, by what is not in it already.
 CandidateFunction commaSeparated(CandidateFunction pieces);
 
-/// The pieces of --sort: fields, with and without a direction.
+/// Values of --sort: fields, with and without a direction.
 Candidates sortCriteria(const CompletionRequest& request);
 
 }  // namespace tavi::completions

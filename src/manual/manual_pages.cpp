@@ -213,7 +213,7 @@ void addSeeAlso(Roff& page, const object& command) {
 void addExitStatus(Roff& page) {
   page.section("EXIT STATUS");
   page.item(Roff::bold("0"), "Success, also where nothing was found to print.");
-  page.item(Roff::bold("1"), "The command could not be done; a sentence on stderr says why.");
+  page.item(Roff::bold("1"), "The command could not be done; a message says why.");
   page.item(Roff::bold("64"), "The command line cannot be taken.");
 }
 

@@ -107,7 +107,10 @@ TEST_P(CompletionInShells, OffersWhatTheCommandsTake) {
            {"tavicli list --location ", {"notes", "trash", "archive", "all"}},
            {"tavicli append --position ", {"beginning", "end"}},
            {"tavicli list --sort m", {"modified", "modified:asc", "modified:desc"}},
-           {"tavicli list --sort pinned,title:", {"pinned,title:asc", "pinned,title:desc"}},
+           {"tavicli list --sort modified:asc,",
+            {"modified:asc,pinned", "modified:asc,pinned:asc", "modified:asc,pinned:desc",
+             "modified:asc,created", "modified:asc,created:asc", "modified:asc,created:desc",
+             "modified:asc,title", "modified:asc,title:asc", "modified:asc,title:desc"}},
            {"tavicli search-in --fields ", {"all", "offset", "snippet"}},
            {"tavicli show --fields id,ti", {"id,title"}},
            {"tavicli cat --title ", titlesWith({"Mars"})},
@@ -153,6 +156,8 @@ TEST_P(CompletionInShells, QuotesTitlesForTheLine) {
            {"tavicli cat -t un", "<cat><-t><un`paired $(date)>"},
            {"tavicli cat -t \"un", "<cat><-t><un`paired $(date)>"},
            {"tavicli cat -t Üb", "<cat><-t><Über [1] *>"},
+           {"tavicli create x --tags past,r", "<create><x><--tags><past,red planet>"},
+           {"tavicli list --sort=pinned,ti", "<list><--sort=pinned,title>"},
            {"tavicli tags remove -t Mars r", "<tags><remove><-t><Mars><red planet>"},
            {"tavicli attachments save -t Mars -f my",
             "<attachments><save><-t><Mars><-f>"
@@ -244,6 +249,13 @@ TEST_F(CompletionAnswer, ReadsAndLeavesEverythingAsItIs) {
   EXPECT_EQ(titlesAnswered(), "Mars\n");  // without waiting for the writer
   EXPECT_EQ(files(), before);
   writer.run("ROLLBACK");
+
+  writer.run("PRAGMA wal_checkpoint(TRUNCATE)");
+  writer.run("PRAGMA journal_mode = DELETE");  // no log, and no index of it
+  writer.run("PRAGMA journal_mode = WAL");
+  const auto quiet = files();
+  EXPECT_EQ(titlesAnswered(), "Mars\n");
+  EXPECT_EQ(files(), quiet);
 
   fs::permissions(home.data(), fs::perms::owner_read | fs::perms::owner_exec);
   EXPECT_EQ(titlesAnswered(), "Mars\n");

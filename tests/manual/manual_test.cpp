@@ -149,7 +149,7 @@ EXAMPLES
 EXIT STATUS
        0      Success, also where nothing was found to print.
 
-       1      The command could not be done; a sentence on stderr says why.
+       1      The command could not be done; a message says why.
 
        64     The command line cannot be taken.
 

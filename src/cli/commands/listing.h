@@ -26,7 +26,7 @@ struct ListingOptions : ArgumentParser::ParsableArguments {
   void declare(ArgumentSet& args) override {
     args.option(sort, {"-s", "--sort"})
         .help(ListingFields::sort.description)
-        .completes(completions::commaSeparated(completions::sortCriteria));
+        .completes(completions::sortCriteria);
     args.option(limit, {"-n", "--limit"}).help(help(ListingFields::limit.description, limitHelp));
     args.option(offset, {"-o", "--offset"}).help(ListingFields::offset.description);
     args.option(location, {"-l", "--location"})

@@ -1,6 +1,7 @@
 #include "platform/model/core_data_stack.h"
 
 #include <fcntl.h>
+#include <fmt/format.h>
 #include <sqlite3.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -51,13 +52,26 @@ void configure(sqlite::Connection& connection) {
   sqlite3_wal_autocheckpoint(connection.handle(), 0);
 }
 
-/// A database in a folder that cannot be written has no place for the log's index. Where there is
-/// no log it is read as it stands.
+/// The name of a file that SQLite takes to stay as it is: it makes nothing beside it.
+std::string unchangingFile(const fs::path& path) {
+  std::string uri = "file:";
+  for (const char c : path.string()) {
+    if (c == '%' || c == '?' || c == '#') {
+      uri += fmt::format("%{:02X}", static_cast<unsigned>(c));
+    } else {
+      uri += c;
+    }
+  }
+  return uri + "?immutable=1";
+}
+
+/// A database that is not to be written, or in a folder that cannot be, has no place for the log's
+/// index. Where there is no log it is read as it stands.
 std::unique_ptr<sqlite::Connection> openUnchanging(const fs::path& path) {
   std::error_code error;
   const auto logSize = fs::file_size(path.string() + "-wal", error);
   if (!error && logSize > 0) return nullptr;
-  auto connection = std::make_unique<sqlite::Connection>("file:" + path.string() + "?immutable=1",
+  auto connection = std::make_unique<sqlite::Connection>(unchangingFile(path),
                                                          sqlite::Connection::Mode::readOnly);
   upgradeSchema(*connection);
   return connection;
@@ -66,6 +80,8 @@ std::unique_ptr<sqlite::Connection> openUnchanging(const fs::path& path) {
 std::unique_ptr<sqlite::Connection> openDatabase(const fs::path& path,
                                                  sqlite::Connection::Mode mode) {
   try {
+    if (mode == sqlite::Connection::Mode::readOnly)
+      if (auto connection = openUnchanging(path)) return connection;
     auto connection = std::make_unique<sqlite::Connection>(path, mode);
     if (mode == sqlite::Connection::Mode::readWrite) configure(*connection);
     upgradeSchema(*connection);

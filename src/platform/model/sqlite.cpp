@@ -128,8 +128,9 @@ std::optional<double> Query::optionalReal(int column) const {
 Connection::Connection(const std::string& path, Mode mode) {
   static const bool configured = configureLibrary();
   static_cast<void>(configured);
-  const int flags = (mode == Mode::readOnly ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE) |
-                    SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE;
+  const int access =
+      mode == Mode::readOnly ? SQLITE_OPEN_READONLY | SQLITE_OPEN_URI : SQLITE_OPEN_READWRITE;
+  const int flags = access | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE;
   const int code = sqlite3_open_v2(path.c_str(), &handle_, flags, nullptr);
   if (code == SQLITE_OK) return;
   const Error error(code & 0xff, sqlite3_system_errno(handle_), sqlite3_errmsg(handle_));

@@ -77,7 +77,7 @@ class Connection {
  public:
   enum class Mode { readWrite, readOnly };
 
-  /// Opens an existing file. Throws Error.
+  /// Opens an existing file, which SQLite's URIs name too for reading. Throws Error.
   Connection(const std::string& path, Mode mode);
   ~Connection();
   Connection(const Connection&) = delete;
