@@ -37,7 +37,7 @@ class Crash : public testing::Test {
         static_cast<int>(std::chrono::duration_cast<std::chrono::microseconds>(spent).count() / 2);
     counter = created("count: 0");
     for (int i = 0; i < taggedNotes; ++i) created("# Tagged\ntext #left and more");
-    std::string bytes(200'000, 'x');
+    std::string bytes(2'000'000, 'x');
     for (std::size_t i = 0; i < bytes.size(); ++i) bytes[i] = static_cast<char>(i * 31 % 251);
     attachment = bytes;
     std::ofstream(home.path() / "input", std::ios::binary) << bytes;
@@ -154,6 +154,7 @@ class Crash : public testing::Test {
       if (entry.is_regular_file()) ++stored;
     }
     EXPECT_EQ(stored, names.size()) << "files without a row";
+    EXPECT_TRUE(fs::is_empty(home.temporary())) << "nothing is left in the folder for the passing";
     EXPECT_EQ(value("SELECT count(*) FROM file WHERE storedName IN (SELECT storedName FROM "
                     "removedFile)"),
               "0");

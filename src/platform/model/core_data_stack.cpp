@@ -28,15 +28,14 @@ constexpr int longLog = 128;
 void makeFolders(const fs::path& folder) {
   if (folder.empty() || access(folder.c_str(), F_OK) == 0) return;
   makeFolders(folder.parent_path());
-  if (mkdir(folder.c_str(), 0700) != 0 && errno != EEXIST) {
-    throw std::system_error(errno, std::generic_category(), "Could not create " + folder.string());
-  }
+  platform::system::makePrivateFolder(folder);
 }
 
 /// SQLite would create the file with the umask's mode, and its log with the file's.
 void makePrivateFile(const fs::path& path) {
   const int file = open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
   if (file >= 0) {
+    fchmod(file, 0600);  // a umask may take rights from the owner, too
     close(file);
   } else if (errno != EEXIST) {
     throw std::system_error(errno, std::generic_category(), "Could not create " + path.string());

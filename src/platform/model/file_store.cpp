@@ -5,12 +5,12 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <array>
 #include <cerrno>
 #include <system_error>
 #include <utility>
 
 #include "platform/model/sqlite.h"
+#include "platform/system/directories.h"
 #include "platform/system/hashing.h"
 
 namespace tavimodel {
@@ -37,10 +37,6 @@ class Descriptor {
   int value_;
 };
 
-void makeFolder(const fs::path& path) {
-  if (mkdir(path.c_str(), 0700) != 0 && errno != EEXIST) fail(path, "Could not create the folder");
-}
-
 void syncFolder(const fs::path& path) {
   const Descriptor folder(open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
   if (folder.get() < 0 || fsync(folder.get()) != 0) fail(path, "Could not write the folder");
@@ -51,6 +47,8 @@ int createLocked(const fs::path& path) {
   while (true) {
     Descriptor file(open(path.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600));
     if (file.get() < 0) fail(path, "Could not create the file");
+    // A umask may have taken rights from the owner, too.
+    if (fchmod(file.get(), 0600) != 0) fail(path, "Could not create the file");
     if (flock(file.get(), LOCK_EX) != 0) fail(path, "Could not lock the file");
     struct stat byDescriptor {};
     struct stat byName {};
@@ -61,24 +59,12 @@ int createLocked(const fs::path& path) {
   }
 }
 
-std::int64_t copyBytes(const fs::path& source, int target, const fs::path& targetPath) {
-  const Descriptor input(open(source.c_str(), O_RDONLY | O_CLOEXEC));
-  if (input.get() < 0) fail(source, "Could not read the file");
-  std::array<char, 256 * 1024> buffer;
-  std::int64_t total = 0;
-  while (true) {
-    const ssize_t count = read(input.get(), buffer.data(), buffer.size());
-    if (count < 0 && errno == EINTR) continue;
-    if (count < 0) fail(source, "Could not read the file");
-    if (count == 0) return total;
-    for (ssize_t done = 0; done < count;) {
-      const ssize_t written =
-          write(target, buffer.data() + done, static_cast<std::size_t>(count - done));
-      if (written < 0 && errno == EINTR) continue;
-      if (written < 0) fail(targetPath, "Could not write the file");
-      done += written;
-    }
-    total += count;
+void writeBytes(std::string_view bytes, int file, const fs::path& path) {
+  while (!bytes.empty()) {
+    const ssize_t written = write(file, bytes.data(), bytes.size());
+    if (written < 0 && errno == EINTR) continue;
+    if (written < 0) fail(path, "Could not write the file");
+    bytes.remove_prefix(static_cast<std::size_t>(written));
   }
 }
 
@@ -90,19 +76,18 @@ FileStore::~FileStore() {
   discardStaged();
 }
 
-FileStore::Staged FileStore::stage(const fs::path& source) {
-  makeFolder(folder_);
-  makeFolder(folder_ / "staged");
-  Staged result;
-  result.storedName = platform::system::newUUID();
-  const fs::path path = folder_ / "staged" / result.storedName;
+std::string FileStore::stage(std::string_view bytes) {
+  platform::system::makePrivateFolder(folder_);
+  platform::system::makePrivateFolder(folder_ / "staged");
+  const std::string storedName = platform::system::newUUID();
+  const fs::path path = folder_ / "staged" / storedName;
   const int descriptor = createLocked(path);
-  staged_.push_back({result.storedName, descriptor});
-  result.size = copyBytes(source, descriptor, path);
+  staged_.push_back({storedName, descriptor});
+  writeBytes(bytes, descriptor, path);
   if (fsync(descriptor) != 0) fail(path, "Could not write the file");
   syncFolder(folder_ / "staged");
   syncFolder(folder_);
-  return result;
+  return storedName;
 }
 
 void FileStore::publishStaged() {

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <cstdint>
 #include <filesystem>
 #include <optional>
 #include <string>
@@ -30,12 +29,9 @@ class FileStore {
   FileStore(const FileStore&) = delete;
   FileStore& operator=(const FileStore&) = delete;
 
-  struct Staged {
-    std::string storedName;
-    std::int64_t size = 0;  ///< bytes
-  };
-  /// Copies a file in; the bytes are on the disk when this returns. Throws std::system_error.
-  Staged stage(const std::filesystem::path& source);
+  /// Keeps the bytes, which are on the disk when this returns, and gives the name they are stored
+  /// under. Throws std::system_error.
+  std::string stage(std::string_view bytes);
   /// Moves up what was staged: its rows are saved.
   void publishStaged();
   /// Removes what was staged: its rows are not to be saved.

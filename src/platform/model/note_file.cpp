@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <stdexcept>
 
 #include "platform/model/managed_object_context.h"
@@ -13,6 +14,28 @@ namespace {
 
 /// What common file systems hold, so that an attachment can be saved anywhere.
 constexpr std::size_t longestName = 255;
+
+/// The name as it stands in a sentence.
+std::string onOneLine(const std::string& name) {
+  std::string shown = platform::text::replacingInvalidUTF8(name.substr(0, longestName));
+  std::replace_if(
+      shown.begin(), shown.end(), [](char c) { return c >= '\0' && c < ' '; }, ' ');
+  return shown;
+}
+
+void checkName(const std::string& name) {
+  const char* fault = nullptr;
+  if (name.empty()) fault = "it is empty";
+  if (name == "." || name == "..") fault = "it names a folder";
+  if (name.find('/') != std::string::npos) fault = "it has a slash";
+  if (name.find('\0') != std::string::npos) fault = "it has a NUL character";
+  if (!platform::text::isValidUTF8(name)) fault = "it is not valid UTF-8";
+  if (name.size() > longestName) fault = "it is longer than 255 bytes";
+  if (fault != nullptr) {
+    throw std::runtime_error(
+        fmt::format("The file name \"{}\" cannot be stored: {}.", onOneLine(name), fault));
+  }
+}
 
 /// "photo.jpg", "photo 2.jpg", "photo 3.jpg": the first that the note does not have.
 std::string freeName(const std::string& wanted, KVNote& note) {
@@ -29,31 +52,14 @@ std::string freeName(const std::string& wanted, KVNote& note) {
 
 }  // namespace
 
-void KVNoteFile::checkName(const std::string& name) {
-  const char* fault = nullptr;
-  if (name.empty()) fault = "it is empty";
-  if (name == "." || name == "..") fault = "it names a folder";
-  if (name.find('/') != std::string::npos) fault = "it has a slash";
-  if (name.find('\0') != std::string::npos) fault = "it has a NUL character";
-  if (!platform::text::isValidUTF8(name)) fault = "it is not valid UTF-8";
-  if (name.size() > longestName) fault = "it is longer than 255 bytes";
-  if (fault != nullptr) {
-    throw std::runtime_error(
-        fmt::format("The file name \"{}\" cannot be stored: {}.",
-                    platform::text::replacingInvalidUTF8(name.substr(0, longestName)), fault));
-  }
-}
-
-const KVNoteFile& KVNoteFile::getOrCreateFileFromURL(const std::filesystem::path& source,
-                                                     KVNote& note) {
+const KVNoteFile& KVNoteFile::createFile(const std::string& filename, std::string_view bytes,
+                                         KVNote& note) {
+  checkName(filename);
   KVNoteFile file;
-  file.filename = source.filename().string();
+  file.filename = freeName(filename, note);
   checkName(*file.filename);
-  file.filename = freeName(*file.filename, note);
-  checkName(*file.filename);
-  const FileStore::Staged staged = note.context_.files_.stage(source);
-  file.storedName = staged.storedName;
-  file.fileSizeValue = staged.size;
+  file.storedName = note.context_.files_.stage(bytes);
+  file.fileSizeValue = static_cast<std::int64_t>(bytes.size());
   file.position = static_cast<std::int64_t>(note.orderedFiles().size());
   note.willChange();
   note.state_.files->push_back(std::move(file));

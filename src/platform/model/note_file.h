@@ -1,9 +1,9 @@
 #pragma once
 
 #include <cstdint>
-#include <filesystem>
 #include <optional>
 #include <string>
+#include <string_view>
 
 namespace tavimodel {
 
@@ -18,16 +18,13 @@ class KVNoteFile {
   std::int64_t position = 0;
   std::optional<std::string> storedName;  ///< under the files folder
 
-  /// Throws std::runtime_error for a name that cannot be stored: an empty one, a folder's, one with
-  /// a slash or a NUL, one longer than 255 bytes or not valid UTF-8.
-  static void checkName(const std::string& name);
-
-  /// Copies the local file at `source` into the note's files, under its own name or, where the
-  /// note has one of that name, with a number ("photo 2.jpg"). The bytes are on the disk when this
-  /// returns, and belong to the note with the context's next save. Throws std::runtime_error for a
-  /// name that cannot be stored, std::system_error when the copy fails; then nothing is left.
-  static const KVNoteFile& getOrCreateFileFromURL(const std::filesystem::path& source,
-                                                  KVNote& note);
+  /// Adds a file to the note, under the name given or, where the note has one of that name, with a
+  /// number ("photo 2.jpg"). The bytes are on the disk when this returns, and belong to the note
+  /// with the context's next save. Throws std::runtime_error for a name that cannot be stored (an
+  /// empty one, a folder's, one with a slash or a NUL, one longer than 255 bytes or not valid
+  /// UTF-8), std::system_error when the bytes cannot; then nothing is left.
+  static const KVNoteFile& createFile(const std::string& filename, std::string_view bytes,
+                                      KVNote& note);
 };
 
 }  // namespace tavimodel

@@ -1,9 +1,12 @@
 #include "platform/system/directories.h"
 
 #include <pwd.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <cstdlib>
+#include <system_error>
 
 namespace platform::system {
 namespace {
@@ -26,15 +29,18 @@ std::optional<path> homeDirectory() {
   return path(user->pw_dir);
 }
 
-path temporaryDirectory() {
-  return absolutePathIn("TMPDIR").value_or("/tmp");
-}
-
 std::optional<path> applicationDataDirectory() {
   if (const auto data = absolutePathIn("XDG_DATA_HOME")) return *data / "tavi";
   const auto home = homeDirectory();
   if (!home) return std::nullopt;
   return *home / ".local/share/tavi";
+}
+
+void makePrivateFolder(const path& folder) {
+  // A umask may take rights from the owner, too.
+  if (mkdir(folder.c_str(), S_IRWXU) == 0 && chmod(folder.c_str(), S_IRWXU) == 0) return;
+  if (errno == EEXIST) return;
+  throw std::system_error(errno, std::generic_category(), "Could not create " + folder.string());
 }
 
 }  // namespace platform::system
