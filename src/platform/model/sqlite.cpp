@@ -32,9 +32,31 @@ std::string sentence(int code, int systemError, const std::string& detail) {
   }
 }
 
+bool configureLibrary() {
+  // Nobody asks SQLite how much memory it has, and counting takes a lock at every allocation.
+  sqlite3_config(SQLITE_CONFIG_MEMSTATUS, 0);
+  // What undoes a statement stays in memory: the pages that one note's triggers touch would else be
+  // written to a temporary file.
+  constexpr int spillFrom = 4 << 20;  // bytes
+  sqlite3_config(SQLITE_CONFIG_STMTJRNL_SPILL, spillFrom);
+  return true;
+}
+
+/// Why the last call on a file failed; 0: not known. What fails in a commit SQLite keeps with the
+/// log's file only.
+int systemError(sqlite3* handle) {
+  int error = sqlite3_system_errno(handle);
+  sqlite3_file* log = nullptr;
+  sqlite3_file_control(handle, "main", SQLITE_FCNTL_JOURNAL_POINTER, &log);
+  if (error == 0 && log != nullptr && log->pMethods != nullptr) {
+    log->pMethods->xFileControl(log, SQLITE_FCNTL_LAST_ERRNO, &error);
+  }
+  return error;
+}
+
 [[noreturn]] void throwError(sqlite3* handle, int code) {
-  throw Error(code & 0xff, handle != nullptr ? sqlite3_system_errno(handle) : 0,
-              handle != nullptr ? sqlite3_errmsg(handle) : sqlite3_errstr(code));
+  if (handle == nullptr) throw Error(code & 0xff, 0, sqlite3_errstr(code));
+  throw Error(code & 0xff, systemError(handle), sqlite3_errmsg(handle));
 }
 
 }  // namespace
@@ -116,8 +138,7 @@ std::optional<double> Query::optionalReal(int column) const {
 }
 
 Connection::Connection(const std::string& path, Mode mode) {
-  // Nobody asks SQLite how much memory it has, and counting takes a lock at every allocation.
-  static const int configured = sqlite3_config(SQLITE_CONFIG_MEMSTATUS, 0);
+  static const bool configured = configureLibrary();
   static_cast<void>(configured);
   const int flags = (mode == Mode::readOnly ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE) |
                     SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE;
