@@ -1,6 +1,8 @@
 #include "support/program.h"
 
 #include <fcntl.h>
+#include <grp.h>
+#include <gtest/gtest.h>
 #include <poll.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -8,6 +10,7 @@
 #include <algorithm>
 #include <array>
 #include <csignal>
+#include <cstdio>
 #include <stdexcept>
 
 namespace support {
@@ -41,26 +44,38 @@ void drain(Pipe& from, std::string& into) {
   }
 }
 
-[[noreturn]] void become(const std::vector<std::string>& arguments, int in, int out, int err) {
+void give(const std::filesystem::path& path, uid_t user) {
+  if (lchown(path.c_str(), user, user) != 0)
+    throw std::runtime_error("no owner for " + path.string());
+}
+
+[[noreturn]] void become(const char* program, const std::vector<std::string>& arguments, int in,
+                         int out, int err) {
   dup2(in, STDIN_FILENO);
   dup2(out, STDOUT_FILENO);
   dup2(err, STDERR_FILENO);
-  std::vector<char*> argv{const_cast<char*>(TAVICLI_PROGRAM)};
+  std::vector<char*> argv{const_cast<char*>(program)};
   for (const std::string& argument : arguments) argv.push_back(const_cast<char*>(argument.c_str()));
   argv.push_back(nullptr);
-  execv(TAVICLI_PROGRAM, argv.data());
+  execv(program, argv.data());
   _exit(127);
 }
 
 }  // namespace
 
-ProgramResult runProgram(const std::vector<std::string>& arguments, const std::string& input) {
+std::filesystem::path& programPath() {
+  static std::filesystem::path path = TAVICLI_PROGRAM;
+  return path;
+}
+
+ProgramResult runProgram(const std::vector<std::string>& arguments, const std::string& input,
+                         const char* program) {
   std::signal(SIGPIPE, SIG_IGN);  // the program need not read all of its input
   Pipe in;
   Pipe out;
   Pipe err;
   const pid_t child = fork();
-  if (child == 0) become(arguments, in.ends[0], out.ends[1], err.ends[1]);
+  if (child == 0) become(program, arguments, in.ends[0], out.ends[1], err.ends[1]);
   in.closeEnd(0);
   out.closeEnd(1);
   err.closeEnd(1);
@@ -93,13 +108,52 @@ int runAndKill(const std::vector<std::string>& arguments, const std::filesystem:
   if (child == 0) {
     const int in = open(input.c_str(), O_RDONLY);
     const int nowhere = open("/dev/null", O_WRONLY);
-    become(arguments, in, nowhere, nowhere);
+    become(TAVICLI_PROGRAM, arguments, in, nowhere, nowhere);
   }
   usleep(static_cast<useconds_t>(microseconds));
   kill(child, SIGKILL);
   int status = 0;
   waitpid(child, &status, 0);
   return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+bool passesInItsOwnProcess(const std::function<void()>& body) {
+  std::fflush(nullptr);  // or the child prints it again
+  const pid_t child = fork();
+  if (child == 0) {
+    int code = 1;
+    try {
+      body();
+      code = testing::Test::HasFailure() ? 1 : 0;
+    } catch (const std::exception& error) {
+      std::fprintf(stderr, "%s\n", error.what());
+    }
+    std::fflush(nullptr);
+    _exit(code);
+  }
+  int status = 0;
+  waitpid(child, &status, 0);
+  return WIFEXITED(status) && WEXITSTATUS(status) == 0;
+}
+
+bool passesAsOrdinaryUser(const std::filesystem::path& home, const std::function<void()>& body,
+                          uid_t user) {
+  if (geteuid() != 0) return passesInItsOwnProcess(body);
+  // The build folder may be closed to others.
+  const std::filesystem::path program = home / "tavicli";
+  std::filesystem::copy_file(programPath(), program,
+                             std::filesystem::copy_options::overwrite_existing);
+  give(home, user);
+  for (const auto& entry : std::filesystem::recursive_directory_iterator(home)) {
+    give(entry.path(), user);
+  }
+  return passesInItsOwnProcess([&] {
+    if (setgroups(0, nullptr) != 0 || setgid(user) != 0 || setuid(user) != 0) {
+      throw std::runtime_error("the user cannot be changed");
+    }
+    programPath() = program;
+    body();
+  });
 }
 
 }  // namespace support
