@@ -214,6 +214,19 @@ class Load : public testing::Test {
   support::ThrowawayHome home;
 };
 
+TEST_F(Load, MakesTheDatabaseOnceHoweverManyComeFirst) {
+  constexpr int processes = 8;
+  for (int round = 0; round < 10; ++round) {
+    const support::ThrowawayHome fresh;
+    for (int i = 0; i < processes; ++i) {
+      if (fork() == 0) _exit(runProgram({"create", "Title"}).exitCode);
+    }
+    int status = 0;
+    while (wait(&status) > 0) EXPECT_EQ(status, 0);
+    EXPECT_EQ(runProgram({"list", "--count"}).output, std::to_string(processes) + "\n");
+  }
+}
+
 TEST_F(Load, LosesNoChangeOfSeveralProcessesAndAStranger) {
   const std::string id = firstLine(runProgram({"create", "--fields", "id"}, "count: 0").output);
   const pid_t workers[] = {

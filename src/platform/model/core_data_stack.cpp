@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <sqlite3.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -41,6 +42,31 @@ void makePrivateFile(const fs::path& path) {
     throw std::system_error(errno, std::generic_category(), "Could not create " + path.string());
   }
 }
+
+/// Whether the file has the schema's pages: less has one that another process is just making.
+bool isMade(const fs::path& path) {
+  constexpr off_t onePage = 8192;
+  struct stat status {};
+  return stat(path.c_str(), &status) == 0 && status.st_size > onePage;
+}
+
+/// Held by the process that makes the database. SQLite does not wait for another one that changes
+/// what kind of journal there is.
+class FolderLock {
+ public:
+  explicit FolderLock(const fs::path& folder)
+      : descriptor_(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
+    if (descriptor_ >= 0) flock(descriptor_, LOCK_EX);
+  }
+  ~FolderLock() {
+    if (descriptor_ >= 0) close(descriptor_);
+  }
+  FolderLock(const FolderLock&) = delete;
+  FolderLock& operator=(const FolderLock&) = delete;
+
+ private:
+  int descriptor_;
+};
 
 void configure(sqlite::Connection& connection) {
   connection.setBusyTimeout(waitForWriters);
@@ -88,8 +114,10 @@ std::unique_ptr<KVCoreDataStackForExtensions> KVCoreDataStackForExtensions::init
     const std::optional<fs::path> folder = platform::system::applicationDataDirectory();
     if (!folder) throw std::runtime_error("There is no home folder.");
     const fs::path path = *folder / "tavi.sqlite";
-    if (access(path.c_str(), F_OK) != 0) {
+    std::optional<FolderLock> making;
+    if (!isMade(path)) {
       makeFolders(*folder / "files");
+      making.emplace(*folder);
       makePrivateFile(path);
     }
     return std::unique_ptr<KVCoreDataStackForExtensions>(
