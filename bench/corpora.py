@@ -89,19 +89,54 @@ def _make(size, folder, generator, program):
     generate("floor", made.floor)
     # The program makes its database itself, and brings its index up to date, a bounded step at
     # the end of each command. What it leaves for later is what its user has, too.
-    command = [program, "search", "nothing holds this", "-n", "1"]
-    subprocess.run(command, env=made.environment, check=True, capture_output=True)
+    _search(made, program)
     generate("rows", made.database)
-    facts["indexingCommands"] = 0
-    left = unindexed(made.database)
+    facts["indexingCommands"], facts["notIndexed"] = _index(made, program)
+    (folder / "facts.json").write_text(json.dumps(facts))
+
+
+def _search(corpus, program):
+    command = [program, "search", "nothing holds this", "-n", "1"]
+    subprocess.run(command, env=corpus.environment, check=True, capture_output=True)
+
+
+def _index(corpus, program):
+    """How many commands it took, and how many notes are left for later."""
+    commands, left = 0, unindexed(corpus.database)
     while left > 0:
-        subprocess.run(command, env=made.environment, check=True, capture_output=True)
-        facts["indexingCommands"] += 1
-        before, left = left, unindexed(made.database)
+        _search(corpus, program)
+        commands += 1
+        before, left = left, unindexed(corpus.database)
         if left == before:
             break
-    facts["notIndexed"] = left
-    (folder / "facts.json").write_text(json.dumps(facts))
+    return commands, left
+
+
+def tag_all(corpus, tag, program):
+    """Writes a tag into each note of a copy, in both files, and has the program index them."""
+    connection = sqlite3.connect(corpus.database)
+    with connection:
+        connection.execute("INSERT INTO tag (title) VALUES (?)", (tag,))
+        connection.execute("UPDATE note SET text = text || char(10, 10) || '#' || ?", (tag,))
+        connection.execute(
+            "INSERT INTO noteTag SELECT note.id, tag.id FROM note, tag WHERE tag.title = ?", (tag,))
+    connection.close()
+    connection = sqlite3.connect(corpus.floor)
+    with connection:
+        connection.execute("UPDATE body SET text = text || char(10, 10) || '#' || ?", (tag,))
+        connection.execute("UPDATE note SET tags = tags || ',#' || ?", (tag,))
+        connection.execute("INSERT INTO noteTag SELECT ?, id FROM note", (tag,))
+    connection.close()
+    _index(corpus, program)
+    os.sync()
+
+
+def tagged_texts(database, tag):
+    """What the notes with the tag hold, and when each was changed, by id."""
+    return dict(_rows(
+        database,
+        "SELECT id, text || modificationDate FROM note WHERE id IN "
+        "(SELECT note FROM noteTag JOIN tag ON tag.id = tag WHERE title = ?)", tag))
 
 
 def unindexed(database):
@@ -121,9 +156,13 @@ def changes(database):
 
 
 def _ask(database, question):
+    return _rows(database, question)[0][0]
+
+
+def _rows(database, question, *values):
     # Read-only: otherwise closing it would write the log back and remove it.
     connection = sqlite3.connect(f"file:{database}?mode=ro", uri=True)
     try:
-        return connection.execute(question).fetchone()[0]
+        return connection.execute(question, values).fetchall()
     finally:
         connection.close()

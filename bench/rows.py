@@ -24,6 +24,18 @@ class WriteRow(Row):
 
 
 @dataclass
+class AttachRow(Row):
+    """A large file is attached. The floor copies it and brings the copy to the disk."""
+
+    bytes: int = 0
+
+
+@dataclass
+class RenameRow(Row):
+    """A tag that every note has is renamed."""
+
+
+@dataclass
 class ServerRow(Row):
     """A request to a running server."""
 
@@ -210,6 +222,22 @@ ROWS = [
         by_size(1.5, 1.5, 1.5),
         floor_command("commit"),
         program_command("edit", "{scratchNote}", "--find", "the tail", "--insert-before", "."),
+    ),
+    AttachRow(
+        "attach 50 MB, durable",
+        {"-": 2},
+        lambda corpus: ["copy", corpus.facts["largeFile"], corpus.facts["copies"]],
+        program_command("attachments", "add", "{scratchNote}", "--filename", "large.bin"),
+        {"cp": lambda corpus: [
+            "sh", "-c", 'cp "$0" "$1/$$" && sync "$1/$$"',
+            corpus.facts["largeFile"], corpus.facts["copies"]]},
+        bytes=50_000_000,
+    ),
+    RenameRow(
+        "rename a tag of all notes",
+        {"1k": 3, "10k": 3},
+        floor_command("rename"),
+        program_command("tags", "rename"),
     ),
     ServerRow(
         "server: get_note",

@@ -6,11 +6,10 @@
 
 #include "domain/store_errors.h"
 #include "platform/markdown/ast.h"
-#include "platform/system/directories.h"
 #include "platform/system/file_types.h"
-#include "platform/system/hashing.h"
 #include "store/database_store.h"
 #include "store/note_conversion.h"
+#include "store/temporary_file.h"
 
 namespace tavi {
 namespace {
@@ -37,40 +36,6 @@ std::string contents(const fs::path& path) {
   if (std::ferror(file.get()) != 0) fail("Could not read the attachment");
   return bytes;
 }
-
-/// A folder of its own for one file under its own name, gone with the object.
-class TemporaryFile {
- public:
-  TemporaryFile(const std::string& bytes, const std::string& filename)
-      : folder_(platform::system::temporaryDirectory() /
-                ("tavi-attach-" + platform::system::newUUID())) {
-    fs::create_directories(folder_);
-    fs::permissions(folder_, fs::perms::owner_all);
-    path_ = folder_ / filename;
-    File file(std::fopen(path_.c_str(), "wbe"));
-    const bool written =
-        file && std::fwrite(bytes.data(), 1, bytes.size(), file.get()) == bytes.size();
-    if (written && std::fclose(file.release()) == 0) return;
-    const int error = errno;
-    remove();
-    errno = error;
-    fail("Could not write the temporary file");
-  }
-  ~TemporaryFile() { remove(); }
-  TemporaryFile(const TemporaryFile&) = delete;
-  TemporaryFile& operator=(const TemporaryFile&) = delete;
-
-  const fs::path& path() const { return path_; }
-
- private:
-  void remove() {
-    std::error_code ignored;
-    fs::remove_all(folder_, ignored);
-  }
-
-  fs::path folder_;
-  fs::path path_;
-};
 
 /// An SVG is an image to the type system, but is linked as a file; so it is asked for first.
 std::string linkTo(const std::string& filename) {

@@ -67,10 +67,36 @@ TEST_F(Program, SaysThatOutputWasLost) {
 TEST_F(Program, DoesNotWaitForTyping) {
   const int terminal = ::posix_openpt(O_RDWR | O_NOCTTY);
   ASSERT_EQ(::grantpt(terminal) | ::unlockpt(terminal), 0);
-  const std::string name = ::ptsname(terminal);
-  EXPECT_EQ(shell("timeout 10 $tavicli create < " + name),
+  const std::string input = std::string(" < ") + ::ptsname(terminal);
+  EXPECT_EQ(shell("timeout 10 $tavicli create" + input),
             "Error: Provide a title, content, or both\nexit 64\n");
+  EXPECT_EQ(shell("timeout 10 $tavicli create Mars --fields content" + input), "# Mars\nexit 0\n");
+  EXPECT_EQ(shell("timeout 10 $tavicli append -t Mars" + input), "exit 0\n");
+  EXPECT_EQ(shell("timeout 10 $tavicli attachments add -t Mars -f x" + input),
+            "Error: Pipe data via stdin: cat <file> | tavicli attachments add <id> --filename "
+            "<name>\nexit 64\n");
+  EXPECT_EQ(shell("$tavicli cat -t Mars"), "# Marsexit 0\n");
+  EXPECT_EQ(shell("timeout 10 $tavicli overwrite -t Mars" + input), "exit 0\n");
+  EXPECT_EQ(shell("$tavicli list --fields length"), "0\nexit 0\n");
   ::close(terminal);
+}
+
+TEST_F(Program, TakesAllOfItsInputOrNothing) {
+  shell("$tavicli create Mars --content red");
+  const std::string nothing = "# Mars\n\nredexit 0\n";
+  for (const char* input : {"< /dev/null", "<&-", "0> /dev/null", "< <(printf '\\377')"}) {
+    EXPECT_EQ(shell(std::string("bash -c \"$tavicli append -t Mars ") + input + "\""), "exit 0\n")
+        << input;
+    EXPECT_EQ(shell("$tavicli cat -t Mars"), nothing) << input;
+  }
+  // What cannot be read to its end is no text.
+  EXPECT_EQ(shell("$tavicli overwrite -t Mars < /"),
+            "Error: Could not read the standard input: Is a directory\nexit 1\n");
+  EXPECT_EQ(shell("$tavicli cat -t Mars"), nothing);
+  EXPECT_EQ(shell("head -c 3000000 /dev/zero | tr '\\0' x > $HOME/large;"
+                  "$tavicli create < $HOME/large --fields length;"
+                  "cat $HOME/large | $tavicli create --fields length"),
+            "3000000\n3000000\nexit 0\n");
 }
 
 }  // namespace

@@ -29,9 +29,56 @@ TEST_F(Attachments, AreLinkedByTheirKindAndReadBack) {
   EXPECT_EQ(metadata(id).attachments, (Texts{"a.png", "b.pdf", "c.svg", "d e(1).txt"}));
   const std::string now = text(id);
   EXPECT_NE(now.find("![](a.png)"), std::string::npos) << now;
+  EXPECT_NE(now.find("[b.pdf](b.pdf)<!-- {\"preview\":\"true\"} -->"), std::string::npos) << now;
   EXPECT_NE(now.find("[c.svg](c.svg)"), std::string::npos) << now;
   EXPECT_EQ(now.find("![](c.svg)"), std::string::npos) << now;
   EXPECT_EQ(fresh()->listAttachments(id).at(3).size, 9);
+}
+
+// Whatever Markdown or a reader of URLs might take for something else is encoded in the link. So
+// the file is known as linked: an edit keeps it, losing the link is refused, deleting takes the
+// link.
+TEST_F(Attachments, OfAnyNameAreFoundAgainByTheirLink) {
+  for (const std::string name : {"plain.txt",
+                                 "with blank.pdf",
+                                 "100%.png",
+                                 "a%20b.txt",
+                                 "(1) [x] <y>.svg",
+                                 "a#b?c=d&e;f.jpg",
+                                 "*_`~|\\.md",
+                                 "\"quoted\" 'name'.gif",
+                                 "colon: a.txt",
+                                 "http:x.txt",
+                                 "  blanks  ",
+                                 "line\nbreak\ttab",
+                                 "Größe 見 🦊.HEIC",
+                                 "e\xCC\x81.png",
+                                 "\xC3\xA9.png",
+                                 ".hidden",
+                                 "-rf",
+                                 "no extension",
+                                 "a.tar.gz",
+                                 "!bang.png",
+                                 "^1",
+                                 "@x.y",
+                                 "www.example.org",
+                                 "&amp;.txt"}) {
+    const std::string id = create("# T\nbody");
+    const std::string before = text(id);
+    fresh()->addAttachment(id, "bytes", name);
+    const std::string linked = text(id);
+    fresh()->insertText(id, "more", InsertPosition::end);
+    EXPECT_EQ(metadata(id).attachments, Texts{name});
+    EXPECT_EQ(fresh()->readAttachment(id, name), "bytes") << name;
+    EXPECT_EQ(refusal([&] { fresh()->overwriteNote(id, before, {}, {}); }),
+              "attachment_removal_blocked")
+        << linked;
+    fresh()->overwriteNote(id, linked, {}, {});
+    fresh()->deleteAttachment(id, name);
+    EXPECT_EQ(text(id), before) << linked;
+    EXPECT_EQ(metadata(id).attachments, Texts{}) << linked;
+  }
+  EXPECT_EQ(storedFiles(), 0U);
 }
 
 TEST_F(Attachments, GiveWayToAFileOfTheSameName) {
@@ -66,7 +113,13 @@ TEST_F(Attachments, RefuseAHostileNameAndWriteNothing) {
        {std::string(), std::string("."), std::string(".."), std::string("../x"),
         std::string("/etc/x"), std::string("a\0b", 3), std::string(300, 'x'),
         std::string("\xFF.txt")}) {
-    EXPECT_THROW(fresh()->addAttachment(id, "x", name), std::runtime_error) << name;
+    std::string said;
+    try {
+      fresh()->addAttachment(id, "x", name);
+    } catch (const std::runtime_error& error) {
+      said = error.what();
+    }
+    EXPECT_TRUE(said.starts_with("The file name \"") && said.ends_with(".")) << name << said;
   }
   EXPECT_EQ(text(id), before);
   EXPECT_EQ(storedFiles(), 0U);

@@ -53,9 +53,35 @@ TEST_F(TagsAndPins, DeletesATagAndLeavesItsChildren) {
   EXPECT_EQ(fresh()->deleteTag("nosuch"), 0);
 }
 
-TEST_F(TagsAndPins, PinsLockedNotesToo) {
+TEST_F(TagsAndPins, ChangesOnlyTheRecordOfALockedNote) {
+  const std::string locked = create("# T\n#work #work/draft #job #other");
+  const std::string open = create("# T\n#work");
+  fresh()->pinNoteInTag(locked, "work/draft");
+  lock(locked);
+  otherProgram("UPDATE note SET modificationDate = 1000");
+  EXPECT_EQ(fresh()->renameTag("work", "job"), 2);
+  EXPECT_EQ(tags(locked), (Texts{"job", "job/draft", "other"}));
+  EXPECT_EQ(metadata(locked).pins, Texts{"#job/draft"});
+  EXPECT_EQ(text(open), "# T\n#job");
+  EXPECT_EQ(fresh()->deleteTag("job"), 2);
+  EXPECT_EQ(tags(locked), (Texts{"job/draft", "other"}));
+  EXPECT_EQ(value("SELECT text FROM note WHERE encrypted = 1"),
+            "# T\n#work #work/draft #job #other");
+  EXPECT_EQ(value("SELECT group_concat(DISTINCT modificationDate) FROM note"), "1000.0");
+}
+
+TEST_F(TagsAndPins, RenamesATagIntoOneBelowIt) {
+  const std::string id = create("# T\n#work #work/draft");
+  EXPECT_EQ(fresh()->renameTag("work", "work/old"), 1);
+  EXPECT_EQ(tags(id), (Texts{"work/old", "work/old/draft"}));
+}
+
+TEST_F(TagsAndPins, PinsAndMovesLockedNotesToo) {
   const std::string id = create("# T\n#work/draft");
   lock(id);
+  EXPECT_EQ(fresh()->moveNote(id, NoteLocation::archive).location, NoteLocation::archive);
+  EXPECT_EQ(fresh()->moveNote(id, NoteLocation::trash).location, NoteLocation::trash);
+  EXPECT_EQ(fresh()->moveNote(id, NoteLocation::notes).location, NoteLocation::notes);
   EXPECT_EQ(fresh()->pinNote(id).pins, Texts{"global"});
   EXPECT_EQ(fresh()->pinNoteInTag(id, "#work").pins, (Texts{"global", "#work"}));
   EXPECT_EQ(fresh()->listPins({}), (Texts{"global", "#work"}));
@@ -64,6 +90,7 @@ TEST_F(TagsAndPins, PinsLockedNotesToo) {
   fresh()->unpinNoteInTag(id, "work");
   EXPECT_EQ(fresh()->unpinNote(id).pins, Texts{});
   EXPECT_EQ(fresh()->listPins({}), Texts{});
+  EXPECT_EQ(value("SELECT text FROM note"), "# T\n#work/draft");
 }
 
 TEST_F(TagsAndPins, MovesThroughTheNotesInOneSave) {

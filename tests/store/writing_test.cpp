@@ -160,6 +160,9 @@ TEST_F(Writing, RefusesLockedNotes) {
   EXPECT_EQ(refused([&](NoteStore& s) { s.addTags(id, {"x"}); }), "note_locked");
   EXPECT_EQ(refused([&](NoteStore& s) { s.removeTags(id, {"x"}); }), "note_locked");
   EXPECT_EQ(refused([&](NoteStore& s) { s.addAttachment(id, "x", "x"); }), "note_locked");
+  EXPECT_EQ(refused([&](NoteStore& s) { s.deleteAttachment(id, "x"); }), "note_locked");
+  EXPECT_EQ(refused([&](NoteStore& s) { s.readAttachment(id, "x"); }), "note_locked");
+  EXPECT_EQ(refused([&](NoteStore& s) { s.listAttachments(id); }), "note_locked");
   EXPECT_EQ(value("SELECT text FROM note"), "# T\ntext");
 }
 

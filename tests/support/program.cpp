@@ -1,6 +1,8 @@
 #include "support/program.h"
 
 #include <fcntl.h>
+#include <grp.h>
+#include <gtest/gtest.h>
 #include <poll.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -8,6 +10,7 @@
 #include <algorithm>
 #include <array>
 #include <csignal>
+#include <cstdio>
 #include <stdexcept>
 
 namespace support {
@@ -41,6 +44,11 @@ void drain(Pipe& from, std::string& into) {
   }
 }
 
+void give(const std::filesystem::path& path, uid_t user) {
+  if (lchown(path.c_str(), user, user) != 0)
+    throw std::runtime_error("no owner for " + path.string());
+}
+
 [[noreturn]] void become(const char* program, const std::vector<std::string>& arguments, int in,
                          int out, int err) {
   dup2(in, STDIN_FILENO);
@@ -54,6 +62,11 @@ void drain(Pipe& from, std::string& into) {
 }
 
 }  // namespace
+
+std::filesystem::path& programPath() {
+  static std::filesystem::path path = TAVICLI_PROGRAM;
+  return path;
+}
 
 ProgramResult runProgram(const std::vector<std::string>& arguments, const std::string& input,
                          const char* program) {
@@ -102,6 +115,45 @@ int runAndKill(const std::vector<std::string>& arguments, const std::filesystem:
   int status = 0;
   waitpid(child, &status, 0);
   return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+bool passesInItsOwnProcess(const std::function<void()>& body) {
+  std::fflush(nullptr);  // or the child prints it again
+  const pid_t child = fork();
+  if (child == 0) {
+    int code = 1;
+    try {
+      body();
+      code = testing::Test::HasFailure() ? 1 : 0;
+    } catch (const std::exception& error) {
+      std::fprintf(stderr, "%s\n", error.what());
+    }
+    std::fflush(nullptr);
+    _exit(code);
+  }
+  int status = 0;
+  waitpid(child, &status, 0);
+  return WIFEXITED(status) && WEXITSTATUS(status) == 0;
+}
+
+bool passesAsOrdinaryUser(const std::filesystem::path& home, const std::function<void()>& body,
+                          uid_t user) {
+  if (geteuid() != 0) return passesInItsOwnProcess(body);
+  // The build folder may be closed to others.
+  const std::filesystem::path program = home / "tavicli";
+  std::filesystem::copy_file(programPath(), program,
+                             std::filesystem::copy_options::overwrite_existing);
+  give(home, user);
+  for (const auto& entry : std::filesystem::recursive_directory_iterator(home)) {
+    give(entry.path(), user);
+  }
+  return passesInItsOwnProcess([&] {
+    if (setgroups(0, nullptr) != 0 || setgid(user) != 0 || setuid(user) != 0) {
+      throw std::runtime_error("the user cannot be changed");
+    }
+    programPath() = program;
+    body();
+  });
 }
 
 }  // namespace support

@@ -1,13 +1,14 @@
 #include <gtest/gtest.h>
 #include <sys/resource.h>
-#include <sys/wait.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
-#include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <regex>
 #include <string>
 
 #include "support/foreign_client.h"
@@ -25,12 +26,26 @@ using support::runProgram;
 class Trouble : public testing::Test {
  protected:
   void SetUp() override {
-    const auto made = runProgram({"create", "--fields", "id"}, "# Kept\n\nold text");
+    const auto made = runProgram({"create", "--fields", "id"}, kept);
     id = made.output.substr(0, made.output.find('\n'));
     ASSERT_FALSE(id.empty()) << made.errors;
   }
 
   std::string text() { return runProgram({"cat", id}).output; }
+
+  std::size_t storedFiles() {
+    const auto files = fs::recursive_directory_iterator(home.data() / "files");
+    return static_cast<std::size_t>(std::count_if(
+        begin(files), end(files), [](const auto& entry) { return entry.is_regular_file(); }));
+  }
+
+  void expectUntouched() {
+    EXPECT_EQ(text(), kept);
+    EXPECT_EQ(runProgram({"attachments", "list", id}).output, "");
+    EXPECT_EQ(storedFiles(), 0U);
+    EXPECT_TRUE(fs::is_empty(home.temporary()));
+    EXPECT_EQ(support::ForeignClient(home.database()).value("PRAGMA integrity_check"), "ok");
+  }
 
   static void expectOneSentence(const ProgramResult& result, const std::string& cause) {
     EXPECT_EQ(result.exitCode, 1);
@@ -40,33 +55,50 @@ class Trouble : public testing::Test {
     EXPECT_NE(result.errors.find(cause), std::string::npos) << result.errors;
   }
 
+  static constexpr const char* kept = "# Kept\n\nold text";
   support::ThrowawayHome home;
   std::string id;
 };
 
 TEST_F(Trouble, AFileSizeLimitIsAFailedWriteAndNotADeadProgram) {
-  // In a process of its own: a limit cannot be raised again.
-  const pid_t child = fork();
-  if (child == 0) {
+  EXPECT_TRUE(support::passesInItsOwnProcess([&] {
     const rlimit limit{100'000, 100'000};
     setrlimit(RLIMIT_FSIZE, &limit);
-    const auto result = runProgram({"append", id, "--content", std::string(90'000, 'x')});
-    expectOneSentence(result, "The ");
-    _exit(HasFailure() ? 1 : 0);
-  }
-  int status = 0;
-  waitpid(child, &status, 0);
-  EXPECT_EQ(status, 0);
-  EXPECT_EQ(text(), "# Kept\n\nold text");
+    const std::string large(90'000, 'x');
+    expectOneSentence(runProgram({"append", id, "--content", large}), "File too large");
+    expectOneSentence(runProgram({"attachments", "add", id, "-f", "a.bin"}, large + large),
+                      "File too large");
+  }));
+  expectUntouched();
 }
 
 TEST_F(Trouble, AWriterThatHoldsTheLockTooLongIsNamed) {
+  runProgram({"attachments", "add", id, "-f", "a.bin"}, "bytes");
   support::ForeignClient other(home.database());
-  other.run("BEGIN IMMEDIATE");
-  EXPECT_EQ(text(), "# Kept\n\nold text") << "a reader does not wait";
-  expectOneSentence(runProgram({"append", id, "--content", "x"}), "in use by another program");
+  other.run("BEGIN IMMEDIATE; UPDATE note SET text = 'not yet'");
+  const std::vector<std::string> readings[] = {
+      {"cat", id},
+      {"show", id},
+      {"list"},
+      {"list", "--count"},
+      {"search", "kept"},
+      {"search-in", id, "-s", "old"},
+      {"tags"},
+      {"pin"},
+      {"attachments", "list", id},
+      {"attachments", "save", id, "-f", "a.bin"},
+  };
+  for (const auto& reading : readings) {
+    // A reader that waited would end as the writer below does.
+    const auto answer = runProgram(reading);
+    EXPECT_EQ(answer.exitCode, 0) << reading[0] << ": " << answer.errors;
+    EXPECT_EQ(answer.output.find("not yet"), std::string::npos) << reading[0];
+  }
+  expectOneSentence(runProgram({"attachments", "add", id, "-f", "b.bin"}, "more"),
+                    "in use by another program");
   other.run("ROLLBACK");
-  EXPECT_EQ(text(), "# Kept\n\nold text");
+  EXPECT_EQ(runProgram({"attachments", "list", id}).output, "a.bin\t5\n");
+  EXPECT_EQ(storedFiles(), 1U);
 }
 
 TEST_F(Trouble, AReaderThatGoesAwayEndsTheOutputOnly) {
@@ -89,11 +121,86 @@ TEST_F(Trouble, ClosedStandardStreamsDoNotReachTheDatabase) {
 }
 
 TEST_F(Trouble, AnUnwritableFolderIsStillRead) {
-  if (geteuid() == 0) GTEST_SKIP() << "nothing is unwritable for the superuser";
   fs::permissions(home.database(), fs::perms::owner_read);
   fs::permissions(home.data(), fs::perms::owner_read | fs::perms::owner_exec);
-  EXPECT_EQ(text(), "# Kept\n\nold text");
-  expectOneSentence(runProgram({"append", id, "--content", "x"}), "read-only");
+  EXPECT_TRUE(support::passesAsOrdinaryUser(home.path(), [&] {
+    EXPECT_EQ(text(), kept);
+    expectOneSentence(runProgram({"append", id, "--content", "x"}), "read-only");
+    expectOneSentence(runProgram({"attachments", "add", id, "-f", "a.bin"}, "x"), "read-only");
+  }));
+  fs::permissions(home.data(), fs::perms::owner_all);
+  expectUntouched();
+}
+
+TEST_F(Trouble, AFolderOfAttachmentsThatCannotBeWrittenIsNamed) {
+  fs::permissions(home.data() / "files", fs::perms::owner_read | fs::perms::owner_exec);
+  EXPECT_TRUE(support::passesAsOrdinaryUser(home.path(), [&] {
+    expectOneSentence(runProgram({"attachments", "add", id, "-f", "a.bin"}, "x"),
+                      "tavi/files/staged: Permission denied");
+    EXPECT_EQ(text(), kept);
+  }));
+  fs::permissions(home.data() / "files", fs::perms::owner_all);
+  expectUntouched();
+}
+
+TEST_F(Trouble, WithoutAHomeThereIsNoDatabase) {
+  // Where there is no HOME the password database tells it. It must not tell that of whoever runs
+  // this test, so only the superuser can try.
+  const auto refused = [&] {
+    for (const char* value : {static_cast<const char*>(nullptr), "", "relative"}) {
+      value == nullptr ? unsetenv("HOME") : setenv("HOME", value, 1);
+      expectOneSentence(runProgram({"list"}), "cannot open Tavi database");
+      expectOneSentence(runProgram({"create", "Title"}), "cannot open Tavi database");
+      EXPECT_EQ(runProgram({"--version"}).exitCode, 0);
+    }
+  };
+  if (geteuid() == 0) {
+    constexpr uid_t nobody = 65534;  // whose home does not exist
+    constexpr uid_t unknown = 54321;
+    EXPECT_TRUE(support::passesAsOrdinaryUser(home.path(), refused, nobody));
+    EXPECT_TRUE(support::passesAsOrdinaryUser(home.path(), refused, unknown));
+  }
+  EXPECT_TRUE(support::passesAsOrdinaryUser(home.path(), [&] {
+    unsetenv("HOME");
+    setenv("XDG_DATA_HOME", (home.path() / ".local/share").c_str(), 1);
+    EXPECT_EQ(text(), kept) << "where the data are can be told without a home";
+  }));
+}
+
+TEST_F(Trouble, AHomeThatCannotBeWrittenIsSaidToHaveNoDatabase) {
+  const fs::path closed = home.path() / "closed";
+  fs::create_directory(closed);
+  fs::permissions(closed, fs::perms::owner_read | fs::perms::owner_exec);
+  EXPECT_TRUE(support::passesAsOrdinaryUser(home.path(), [&] {
+    setenv("HOME", closed.c_str(), 1);
+    expectOneSentence(runProgram({"create", "Title"}), "cannot open Tavi database");
+  }));
+  EXPECT_TRUE(fs::is_empty(closed));
+}
+
+// Also one that takes rights from the owner: it concerns the files of others.
+TEST_F(Trouble, EverythingIsPrivateAndUsableUnderAnyUmask) {
+  for (const mode_t mask : std::initializer_list<mode_t>{0000, 0022, 0077, 0177, 0777}) {
+    fs::remove_all(home.path() / ".local");
+    EXPECT_TRUE(support::passesAsOrdinaryUser(
+        home.path(),
+        [&] {
+          umask(mask);
+          for (int i = 0; i < 2; ++i) {
+            EXPECT_EQ(runProgram({"create", "Title", "--if-not-exists"}).exitCode, 0);
+            EXPECT_EQ(runProgram({"attachments", "add", "-t", "title", "-f", "a"}, "x").exitCode,
+                      0);
+          }
+        }))
+        << std::oct << mask;
+    for (const auto& entry : fs::recursive_directory_iterator(home.path() / ".local")) {
+      const auto mode = static_cast<unsigned>(entry.status().permissions());
+      EXPECT_EQ(mode & 077, 0U) << entry << std::oct << mask;
+      if (entry.is_directory()) {
+        EXPECT_EQ(mode, 0700U) << entry << std::oct << mask;
+      }
+    }
+  }
 }
 
 #ifdef FAILING_CALLS_LIBRARY
@@ -119,7 +226,8 @@ class FailingCalls : public Trouble {
     support::ForeignClient client(home.database());
     EXPECT_EQ(client.value("PRAGMA integrity_check"), "ok");
     return client.value(
-        "SELECT (SELECT group_concat(text, '|') FROM note) || '|' || "
+        "SELECT (SELECT group_concat(text || trashed, '|') FROM note) || '|' || "
+        "(SELECT group_concat(title, '|') FROM tag) || '|' || "
         "ifnull((SELECT group_concat(filename, '|') FROM file), '')");
   }
 };
@@ -127,18 +235,23 @@ class FailingCalls : public Trouble {
 // Each call that changes a file fails once, at every point of every kind of write.
 TEST_F(FailingCalls, LeaveTheStateBeforeOrAfter) {
   runProgram({"attachments", "add", id, "--filename", "old.bin"}, "old bytes");
+  runProgram({"create", "Tagged", "--tags", "tag"});
   support::ForeignClient(home.database()).run("PRAGMA wal_checkpoint(TRUNCATE)");
   const std::string before = state();
   fs::copy(home.data(), home.path() / "pristine", fs::copy_options::recursive);
   const std::vector<std::vector<std::string>> commands = {
       {"append", id, "--content", "appended"},
       {"create", "Another"},
+      {"edit", id, "--find", "old text", "--replace", "new text"},
+      {"tags", "rename", "tag", "other"},
       {"attachments", "add", id, "--filename", "new.bin"},
       {"attachments", "delete", id, "--filename", "old.bin"},
       {"trash", id},
   };
   for (const auto& command : commands) {
     for (const int error : {ENOSPC, EIO}) {
+      const std::regex cause(error == ENOSPC ? "full|No space|cannot open"
+                                             : "nput/output|cannot open");
       int call = 1;
       for (;; ++call) {
         ASSERT_LT(call, 200);
@@ -146,7 +259,11 @@ TEST_F(FailingCalls, LeaveTheStateBeforeOrAfter) {
         if (!hasFailed()) break;
         if (result.exitCode == 0) continue;  // the work was done; what failed was tidying up
         expectOneSentence(result, "");
+        EXPECT_TRUE(std::regex_search(result.errors, cause))
+            << command[0] << ", call " << call << ": " << result.errors;
         EXPECT_EQ(state(), before) << command[0] << ", call " << call;
+        EXPECT_EQ(runProgram({"cat", id}).exitCode, 0);  // this clears up
+        EXPECT_EQ(storedFiles(), 1U) << command[0] << ", call " << call;
       }
       EXPECT_GT(call, 3) << command[0];
     }

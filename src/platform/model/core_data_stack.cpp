@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <fmt/format.h>
 #include <sqlite3.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -30,20 +31,44 @@ constexpr int longLog = 128;
 void makeFolders(const fs::path& folder) {
   if (folder.empty() || access(folder.c_str(), F_OK) == 0) return;
   makeFolders(folder.parent_path());
-  if (mkdir(folder.c_str(), 0700) != 0 && errno != EEXIST) {
-    throw std::system_error(errno, std::generic_category(), "Could not create " + folder.string());
-  }
+  platform::system::makePrivateFolder(folder);
 }
 
 /// SQLite would create the file with the umask's mode, and its log with the file's.
 void makePrivateFile(const fs::path& path) {
   const int file = open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
   if (file >= 0) {
+    fchmod(file, 0600);  // a umask may take rights from the owner, too
     close(file);
   } else if (errno != EEXIST) {
     throw std::system_error(errno, std::generic_category(), "Could not create " + path.string());
   }
 }
+
+/// Whether the file has the schema's pages: fewer has one that another process is just making.
+bool isMade(const fs::path& path) {
+  constexpr off_t twoPages = 8192;
+  struct stat status {};
+  return stat(path.c_str(), &status) == 0 && status.st_size > twoPages;
+}
+
+/// Held by the process that makes the database. SQLite does not wait for another one that changes
+/// what kind of journal there is.
+class FolderLock {
+ public:
+  explicit FolderLock(const fs::path& folder)
+      : descriptor_(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
+    if (descriptor_ >= 0) flock(descriptor_, LOCK_EX);
+  }
+  ~FolderLock() {
+    if (descriptor_ >= 0) close(descriptor_);
+  }
+  FolderLock(const FolderLock&) = delete;
+  FolderLock& operator=(const FolderLock&) = delete;
+
+ private:
+  int descriptor_;
+};
 
 void configure(sqlite::Connection& connection) {
   connection.setBusyTimeout(waitForWriters);
@@ -108,8 +133,10 @@ std::unique_ptr<KVCoreDataStackForExtensions> KVCoreDataStackForExtensions::init
     if (!folder) throw std::runtime_error("There is no home folder.");
     const fs::path path = *folder / "tavi.sqlite";
     const bool writes = access == Access::readWrite;
-    if (writes && ::access(path.c_str(), F_OK) != 0) {
+    std::optional<FolderLock> making;
+    if (writes && !isMade(path)) {
       makeFolders(*folder / "files");
+      making.emplace(*folder);
       makePrivateFile(path);
     }
     return std::unique_ptr<KVCoreDataStackForExtensions>(new KVCoreDataStackForExtensions(

@@ -2,15 +2,16 @@
 
 #include <fcntl.h>
 #include <sys/file.h>
+#include <sys/sendfile.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <array>
 #include <cerrno>
 #include <system_error>
 #include <utility>
 
 #include "platform/model/sqlite.h"
+#include "platform/system/directories.h"
 #include "platform/system/hashing.h"
 
 namespace tavimodel {
@@ -37,10 +38,6 @@ class Descriptor {
   int value_;
 };
 
-void makeFolder(const fs::path& path) {
-  if (mkdir(path.c_str(), 0700) != 0 && errno != EEXIST) fail(path, "Could not create the folder");
-}
-
 void syncFolder(const fs::path& path) {
   const Descriptor folder(open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
   if (folder.get() < 0 || fsync(folder.get()) != 0) fail(path, "Could not write the folder");
@@ -51,6 +48,8 @@ int createLocked(const fs::path& path) {
   while (true) {
     Descriptor file(open(path.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600));
     if (file.get() < 0) fail(path, "Could not create the file");
+    // A umask may have taken rights from the owner, too.
+    if (fchmod(file.get(), 0600) != 0) fail(path, "Could not create the file");
     if (flock(file.get(), LOCK_EX) != 0) fail(path, "Could not lock the file");
     struct stat byDescriptor {};
     struct stat byName {};
@@ -61,23 +60,21 @@ int createLocked(const fs::path& path) {
   }
 }
 
+/// The kernel copies: the bytes do not come through this process, and some file systems share them.
 std::int64_t copyBytes(const fs::path& source, int target, const fs::path& targetPath) {
+  constexpr std::size_t most = std::size_t{1} << 30;
   const Descriptor input(open(source.c_str(), O_RDONLY | O_CLOEXEC));
   if (input.get() < 0) fail(source, "Could not read the file");
-  std::array<char, 256 * 1024> buffer;
   std::int64_t total = 0;
   while (true) {
-    const ssize_t count = read(input.get(), buffer.data(), buffer.size());
-    if (count < 0 && errno == EINTR) continue;
-    if (count < 0) fail(source, "Could not read the file");
-    if (count == 0) return total;
-    for (ssize_t done = 0; done < count;) {
-      const ssize_t written =
-          write(target, buffer.data() + done, static_cast<std::size_t>(count - done));
-      if (written < 0 && errno == EINTR) continue;
-      if (written < 0) fail(targetPath, "Could not write the file");
-      done += written;
+    ssize_t count = copy_file_range(input.get(), nullptr, target, nullptr, most, 0);
+    // Not between these two file systems.
+    if (count < 0 && errno != EINTR && total == 0) {
+      count = sendfile(target, input.get(), nullptr, most);
     }
+    if (count < 0 && errno == EINTR) continue;
+    if (count < 0) fail(targetPath, "Could not write the file");
+    if (count == 0) return total;
     total += count;
   }
 }
@@ -91,8 +88,8 @@ FileStore::~FileStore() {
 }
 
 FileStore::Staged FileStore::stage(const fs::path& source) {
-  makeFolder(folder_);
-  makeFolder(folder_ / "staged");
+  platform::system::makePrivateFolder(folder_);
+  platform::system::makePrivateFolder(folder_ / "staged");
   Staged result;
   result.storedName = platform::system::newUUID();
   const fs::path path = folder_ / "staged" / result.storedName;

@@ -8,6 +8,11 @@
 #include "platform/model/note_writer.h"
 
 namespace tavimodel {
+namespace {
+
+constexpr std::size_t manyNotes = 100;
+
+}  // namespace
 
 ManagedObjectContext::ManagedObjectContext(sqlite::Connection& connection, FileStore& files)
     : connection_(connection), files_(files) {}
@@ -50,6 +55,8 @@ void ManagedObjectContext::save() {
     if (note->hasChanges()) changed.push_back(note.get());
   }
   snapshot_.reset();
+  // Pages that do not fit are written to the log, and read from it, again and again.
+  if (changed.size() > manyNotes) connection_.execute("PRAGMA cache_size = -65536");  // KiB
   sqlite::Transaction transaction(connection_, sqlite::Transaction::Kind::write);
   NoteWriter writer(connection_);
   for (const KVNote* note : changed) writer.checkVersion(*note);

@@ -168,6 +168,12 @@ void KVNote::unpin() {
   setFlag(&NoteRow::pinned, false);
 }
 
+void KVNote::setTagsStrings(std::vector<std::string> tagNames) {
+  if (tagsStrings() == tagNames) return;
+  willChange();
+  state_.tags = std::move(tagNames);
+}
+
 void KVNote::pinInTag(const std::string& tagName) {
   const std::vector<std::string>& pins = pinnedInTags();
   if (std::find(pins.begin(), pins.end(), tagName) != pins.end()) return;

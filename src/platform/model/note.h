@@ -67,6 +67,8 @@ class KVNote {
   void unarchive();
   void pin();
   void unpin();
+  /// Writes down other tags for a note whose text stays: a locked one.
+  void setTagsStrings(std::vector<std::string> tagNames);
   void pinInTag(const std::string& tagName);
   void unpinInTag(const std::string& tagName);
   /// Takes a file off the note, whether its text links it or not.

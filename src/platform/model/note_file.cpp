@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <stdexcept>
 
 #include "platform/model/managed_object_context.h"
@@ -13,6 +14,14 @@ namespace {
 
 /// What common file systems hold, so that an attachment can be saved anywhere.
 constexpr std::size_t longestName = 255;
+
+/// The name as it stands in a sentence.
+std::string onOneLine(const std::string& name) {
+  std::string shown = platform::text::replacingInvalidUTF8(name.substr(0, longestName));
+  std::replace_if(
+      shown.begin(), shown.end(), [](char c) { return c >= '\0' && c < ' '; }, ' ');
+  return shown;
+}
 
 /// "photo.jpg", "photo 2.jpg", "photo 3.jpg": the first that the note does not have.
 std::string freeName(const std::string& wanted, KVNote& note) {
@@ -39,8 +48,7 @@ void KVNoteFile::checkName(const std::string& name) {
   if (name.size() > longestName) fault = "it is longer than 255 bytes";
   if (fault != nullptr) {
     throw std::runtime_error(
-        fmt::format("The file name \"{}\" cannot be stored: {}.",
-                    platform::text::replacingInvalidUTF8(name.substr(0, longestName)), fault));
+        fmt::format("The file name \"{}\" cannot be stored: {}.", onOneLine(name), fault));
   }
 }
 

@@ -10,22 +10,43 @@ namespace tavimodel {
 namespace {
 
 using zephyrdown::ZDKAST;
-using Results = std::vector<zephyrdown::ZDKASTOperationResult>;
+using TextPlan = std::function<std::vector<zephyrdown::ZDKASTOperationResult>(const ZDKAST&)>;
+/// The name that a tag has from now on; nothing when it is gone.
+using NamePlan = std::function<std::optional<std::string>(const std::string&)>;
 
-/// Rewrites the text of each note as `plan` says for its tree.
-void rewrite(const std::vector<KVNote*>& notes, const std::function<Results(const ZDKAST&)>& plan) {
+void rewriteText(KVNote& note, const TextPlan& plan) {
+  ZDKAST tree = ZDKAST::fromMarkdown(note.text());
+  const auto results = plan(tree);
+  if (results.empty()) return;
+  tree.applyTextOperationResults(results);
+  note.updateNoteWithText(tree.markdown(), false);
+}
+
+void relabel(KVNote& note, const NamePlan& plan) {
+  std::vector<std::string> names;
+  for (const std::string& name : note.tagsStrings()) {
+    const auto now = plan(name);
+    if (now && std::find(names.begin(), names.end(), *now) == names.end()) names.push_back(*now);
+  }
+  note.setTagsStrings(std::move(names));
+}
+
+/// Changes the tags of each note: in its text, which has them, or where that is locked, by name.
+void change(const std::vector<KVNote*>& notes, const TextPlan& inText, const NamePlan& byName) {
   for (KVNote* note : notes) {
-    ZDKAST tree = ZDKAST::fromMarkdown(note->text());
-    const Results results = plan(tree);
-    if (results.empty()) continue;
-    tree.applyTextOperationResults(results);
-    note->updateNoteWithText(tree.markdown(), false);
+    if (note->encryptedValue()) {
+      relabel(*note, byName);
+    } else {
+      rewriteText(*note, inText);
+    }
   }
 }
 
-bool isBelow(std::string_view name, std::string_view ancestor) {
-  return name.size() > ancestor.size() && name.starts_with(ancestor) &&
-         name[ancestor.size()] == '/';
+/// The name of a tag when `tag`, which is this one, one above it, or neither, is called `newName`.
+std::string renamed(const std::string& name, const std::string& tag, const std::string& newName) {
+  const bool isOrIsBelow =
+      name.starts_with(tag) && (name.size() == tag.size() || name[tag.size()] == '/');
+  return isOrIsBelow ? newName + name.substr(tag.size()) : name;
 }
 
 }  // namespace
@@ -76,22 +97,29 @@ std::size_t KVNoteTag::noteCount() const {
 }
 
 void KVNoteTag::addTagToNotes(const std::vector<KVNote*>& notes, bool bottom) const {
-  rewrite(notes, [&](const ZDKAST& tree) { return tree.addHashtag(title_, bottom); });
+  for (KVNote* note : notes) {
+    rewriteText(*note, [&](const ZDKAST& tree) { return tree.addHashtag(title_, bottom); });
+  }
 }
 
 void KVNoteTag::deleteTagInNotes(const std::vector<KVNote*>& notes) const {
-  rewrite(notes, [&](const ZDKAST& tree) { return tree.removeHashtag(title_); });
+  change(
+      notes, [&](const ZDKAST& tree) { return tree.removeHashtag(title_); },
+      [&](const std::string& name) { return name == title_ ? std::nullopt : std::optional(name); });
 }
 
 void KVNoteTag::renameTagWithTagNamed(const std::string& newName) const {
-  rewrite(context_->notesWithTag(title_, true),
-          [&](const ZDKAST& tree) { return tree.renameHashtag(title_, newName); });
+  change(
+      context_->notesWithTag(title_, true),
+      [&](const ZDKAST& tree) { return tree.renameHashtag(title_, newName); },
+      [&](const std::string& name) { return renamed(name, title_, newName); });
   for (KVNote* note : context_->notesPinnedIn(title_, true)) {
     const std::vector<std::string> pins = note->pinnedInTags();
     for (const std::string& pin : pins) {
-      if (pin != title_ && !isBelow(pin, title_)) continue;
+      const std::string now = renamed(pin, title_, newName);
+      if (now == pin) continue;
       note->unpinInTag(pin);
-      note->pinInTag(newName + pin.substr(title_.size()));
+      note->pinInTag(now);
     }
   }
 }

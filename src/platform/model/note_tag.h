@@ -11,7 +11,8 @@ class KVNote;
 class ManagedObjectContext;
 
 /// A tag by its canonical name. Tags are written in the notes' texts: what is done to a tag is done
-/// to the texts of its notes, without touching their modification dates. Text in code stays.
+/// to the texts of its notes, without touching their modification dates. Text in code stays, and so
+/// does the text of a locked note: of that only the record changes which tags it carries.
 class KVNoteTag {
  public:
   /// Every tag that has notes.

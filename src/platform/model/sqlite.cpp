@@ -42,9 +42,21 @@ bool configureLibrary() {
   return true;
 }
 
+/// Why the last call on a file failed; 0: not known. What fails in a commit SQLite keeps with the
+/// log's file only.
+int systemError(sqlite3* handle) {
+  int error = sqlite3_system_errno(handle);
+  sqlite3_file* log = nullptr;
+  sqlite3_file_control(handle, "main", SQLITE_FCNTL_JOURNAL_POINTER, &log);
+  if (error == 0 && log != nullptr && log->pMethods != nullptr) {
+    log->pMethods->xFileControl(log, SQLITE_FCNTL_LAST_ERRNO, &error);
+  }
+  return error;
+}
+
 [[noreturn]] void throwError(sqlite3* handle, int code) {
-  throw Error(code & 0xff, handle != nullptr ? sqlite3_system_errno(handle) : 0,
-              handle != nullptr ? sqlite3_errmsg(handle) : sqlite3_errstr(code));
+  if (handle == nullptr) throw Error(code & 0xff, 0, sqlite3_errstr(code));
+  throw Error(code & 0xff, systemError(handle), sqlite3_errmsg(handle));
 }
 
 }  // namespace

@@ -1,11 +1,14 @@
 #include "platform/system/directories.h"
 
 #include <pwd.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
+#include <system_error>
 
 namespace platform::system {
 namespace {
@@ -48,6 +51,13 @@ std::optional<path> applicationDataDirectory() {
   const auto home = homeDirectory();
   if (!home) return std::nullopt;
   return *home / ".local/share/tavi";
+}
+
+void makePrivateFolder(const path& folder) {
+  // A umask may take rights from the owner, too.
+  if (mkdir(folder.c_str(), S_IRWXU) == 0 && chmod(folder.c_str(), S_IRWXU) == 0) return;
+  if (errno == EEXIST) return;
+  throw std::system_error(errno, std::generic_category(), "Could not create " + folder.string());
 }
 
 }  // namespace platform::system

@@ -16,4 +16,8 @@ std::filesystem::path temporaryDirectory();
 /// XDG_DATA_HOME is ignored). Nothing is created. Nothing when there is no home.
 std::optional<std::filesystem::path> applicationDataDirectory();
 
+/// Creates the folder, where it is not there, for its owner alone, whatever the umask is. Throws
+/// std::system_error.
+void makePrivateFolder(const std::filesystem::path& path);
+
 }  // namespace platform::system

@@ -1,51 +1,87 @@
 #include "platform/system/workspace.h"
 
 #include <fcntl.h>
+#include <poll.h>
 #include <spawn.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
+#include <cstdint>
 
 namespace platform::system {
 namespace {
 
-/// The standard streams on /dev/null: what the desktop's program prints is not our output.
-class SilentStreams {
+/// The standard streams on /dev/null, since what the desktop's program prints is not our output; a
+/// session of its own, so that an interrupt at the terminal is not meant for it.
+class Surroundings {
  public:
-  SilentStreams() {
+  Surroundings() {
     posix_spawn_file_actions_init(&actions_);
     for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
       posix_spawn_file_actions_addopen(&actions_, stream, "/dev/null", O_RDWR, 0);
     }
+    posix_spawnattr_init(&attributes_);
+    posix_spawnattr_setflags(&attributes_, POSIX_SPAWN_SETSID);
   }
-  ~SilentStreams() { posix_spawn_file_actions_destroy(&actions_); }
-  SilentStreams(const SilentStreams&) = delete;
-  SilentStreams& operator=(const SilentStreams&) = delete;
+  ~Surroundings() {
+    posix_spawnattr_destroy(&attributes_);
+    posix_spawn_file_actions_destroy(&actions_);
+  }
+  Surroundings(const Surroundings&) = delete;
+  Surroundings& operator=(const Surroundings&) = delete;
 
   const posix_spawn_file_actions_t* actions() const { return &actions_; }
+  const posix_spawnattr_t* attributes() const { return &attributes_; }
 
  private:
   posix_spawn_file_actions_t actions_;
+  posix_spawnattr_t attributes_;
 };
 
-}  // namespace
+/// Whether the process ended in time.
+bool endsWithin(std::chrono::milliseconds patience, pid_t process) {
+  const int descriptor = static_cast<int>(syscall(SYS_pidfd_open, process, 0));
+  if (descriptor < 0) return true;  // an old kernel: waitpid(2) will wait
+  pollfd end{descriptor, POLLIN, 0};
+  const auto deadline = std::chrono::steady_clock::now() + patience;
+  int ready = -1;
+  do {
+    const auto left = deadline - std::chrono::steady_clock::now();
+    const auto milliseconds = std::chrono::ceil<std::chrono::milliseconds>(left).count();
+    ready = poll(&end, 1, static_cast<int>(std::max<std::int64_t>(0, milliseconds)));
+  } while (ready < 0 && errno == EINTR);
+  close(descriptor);
+  return ready != 0;
+}
 
-bool openURL(const std::string& url) {
-  std::string program = "xdg-open";
-  std::string argument = url;
-  char* const arguments[] = {program.data(), argument.data(), nullptr};
-  pid_t process = 0;
-  const SilentStreams streams;
-  if (posix_spawnp(&process, program.c_str(), streams.actions(), nullptr, arguments, environ) !=
-      0) {
-    return false;
-  }
+bool succeeded(pid_t process) {
   int status = 0;
   while (waitpid(process, &status, 0) < 0) {
     if (errno != EINTR) return false;
   }
   return WIFEXITED(status) && WEXITSTATUS(status) == 0;
+}
+
+}  // namespace
+
+bool openURL(const std::string& url) {
+  return openURLWithin(std::chrono::seconds(10), url);
+}
+
+bool openURLWithin(std::chrono::milliseconds patience, const std::string& url) {
+  std::string program = "xdg-open";
+  std::string argument = url;
+  char* const arguments[] = {program.data(), argument.data(), nullptr};
+  pid_t process = 0;
+  const Surroundings surroundings;
+  if (posix_spawnp(&process, program.c_str(), surroundings.actions(), surroundings.attributes(),
+                   arguments, environ) != 0) {
+    return false;
+  }
+  return !endsWithin(patience, process) || succeeded(process);
 }
 
 }  // namespace platform::system

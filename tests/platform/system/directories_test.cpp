@@ -2,7 +2,10 @@
 
 #include <gtest/gtest.h>
 #include <pwd.h>
+#include <sys/stat.h>
 #include <unistd.h>
+
+#include <system_error>
 
 #include "system_testing.h"
 
@@ -35,13 +38,19 @@ TEST(Directories, DataIsWhereTheDesktopKeepsIt) {
   }
 }
 
-TEST(Directories, TemporaryFilesGoToTheVariablesDirectory) {
-  {
-    const ScopedVariable temporary("TMPDIR", "/scratch");
-    EXPECT_EQ(temporaryDirectory(), "/scratch");
+TEST(Directories, PrivateFoldersAreTheirOwnersAloneUnderAnyUmask) {
+  const ScopedDirectory folder;
+  for (const mode_t mask : std::initializer_list<mode_t>{0000, 0022, 0777}) {
+    const auto path = folder.path() / std::to_string(mask);
+    const mode_t before = umask(mask);
+    makePrivateFolder(path);
+    umask(before);
+    EXPECT_EQ(std::filesystem::status(path).permissions(), std::filesystem::perms::owner_all);
+    std::filesystem::permissions(path, std::filesystem::perms(0750));
+    makePrivateFolder(path);  // is there, and stays as its owner has made it
+    EXPECT_EQ(std::filesystem::status(path).permissions(), std::filesystem::perms(0750));
   }
-  const ScopedVariable temporary("TMPDIR", std::nullopt);
-  EXPECT_EQ(temporaryDirectory(), "/tmp");
+  EXPECT_THROW(makePrivateFolder(folder.path() / "no/parent"), std::system_error);
 }
 
 }  // namespace

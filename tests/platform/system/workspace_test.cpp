@@ -1,6 +1,11 @@
 #include "platform/system/workspace.h"
 
 #include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <thread>
 
 #include "system_testing.h"
 
@@ -38,6 +43,19 @@ TEST_F(Workspace, SaysNoWhenTheProgramFailsOrIsMissing) {
   EXPECT_FALSE(openURL("tavi://x"));
   const ScopedVariable path("PATH", (folder_.path() / "nothing").string());
   EXPECT_FALSE(openURL("tavi://x"));
+}
+
+TEST_F(Workspace, TakesAnOpenerThatStaysForAYesAndLeavesItAlone) {
+  const auto log = (folder_.path() / "log").string();
+  installOpener("echo $$ > '" + log + "'.new; mv '" + log + "'.new '" + log + "'; exec sleep 60\n");
+  EXPECT_TRUE(openURLWithin(std::chrono::milliseconds(0), "tavi://x"));
+  while (!std::filesystem::exists(log)) std::this_thread::yield();
+  const pid_t opener = std::stoi(readFile(log));
+  EXPECT_EQ(getsid(opener), opener) << "it has a session of its own";
+  EXPECT_EQ(kill(opener, SIGKILL), 0);
+  int status = 0;
+  EXPECT_EQ(waitpid(opener, &status, 0), opener);
+  EXPECT_EQ(WTERMSIG(status), SIGKILL) << "it was still at work";
 }
 
 }  // namespace
