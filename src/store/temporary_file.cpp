@@ -5,6 +5,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <system_error>
 
@@ -94,8 +95,9 @@ void TemporaryFile::remove() const {
 void TemporaryFile::write(std::string_view bytes) {
   const int file = open(path_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
   if (file < 0) fail();
+  constexpr std::size_t piece = 256 * 1024;  // one write of 50 MB takes three times as long
   while (!bytes.empty()) {
-    const ssize_t count = ::write(file, bytes.data(), bytes.size());
+    const ssize_t count = ::write(file, bytes.data(), std::min(bytes.size(), piece));
     if (count < 0 && errno == EINTR) continue;
     if (count < 0) {
       const int error = errno;
