@@ -226,7 +226,7 @@ ROWS = [
     ),
     RenameRow(
         "rename a tag of all notes",
-        {"1k": 3, "10k": 3},
+        by_size(5, 5, 5),
         floor_command("rename"),
         program_command("tags", "rename"),
     ),
