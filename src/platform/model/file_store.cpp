@@ -60,22 +60,25 @@ int createLocked(const fs::path& path) {
   }
 }
 
-/// The kernel copies: the bytes do not come through this process, and some file systems share them.
+/// The kernel copies: the bytes do not come through this process.
 std::int64_t copyBytes(const fs::path& source, int target, const fs::path& targetPath) {
   constexpr std::size_t most = std::size_t{1} << 30;
   const Descriptor input(open(source.c_str(), O_RDONLY | O_CLOEXEC));
   if (input.get() < 0) fail(source, "Could not read the file");
+  bool withinFileSystem = true;
   std::int64_t total = 0;
   while (true) {
-    ssize_t count = copy_file_range(input.get(), nullptr, target, nullptr, most, 0);
-    // Not between these two file systems.
-    if (count < 0 && errno != EINTR && total == 0) {
-      count = sendfile(target, input.get(), nullptr, most);
-    }
-    if (count < 0 && errno == EINTR) continue;
-    if (count < 0) fail(targetPath, "Could not write the file");
+    const ssize_t count = withinFileSystem
+                              ? copy_file_range(input.get(), nullptr, target, nullptr, most, 0)
+                              : sendfile(target, input.get(), nullptr, most);
     if (count == 0) return total;
-    total += count;
+    if (count > 0) {
+      total += count;
+    } else if (withinFileSystem && total == 0 && errno != EINTR) {
+      withinFileSystem = false;  // between two of them, or on one that cannot
+    } else if (errno != EINTR) {
+      fail(targetPath, "Could not write the file");
+    }
   }
 }
 
