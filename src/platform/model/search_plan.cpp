@@ -82,7 +82,8 @@ std::string linkedNotes(sqlite::Connection& connection) {
   std::vector<std::int64_t> linked;
   sqlite::Query texts = connection.query(
       fmt::format("SELECT note.id, note.text FROM noteSummary s JOIN note ON note.id = s.note "
-                  "WHERE s.encrypted = 0 AND (s.features IS NULL OR (s.features & {}) <> 0)",
+                  "WHERE s.encrypted = 0 AND ifnull(s.permanentlyDeleted, 0) = 0 "
+                  "AND (s.features IS NULL OR (s.features & {}) <> 0)",
                   static_cast<std::int64_t>(TextFacts::wikiLinks)));
   while (texts.step()) {
     const auto summary = zephyrdown::ZDKAST::fromMarkdown(std::string(texts.text(1))).textSummary();
