@@ -37,7 +37,7 @@ endfunction()
 #
 #   tavi_tests(domain SOURCES content_hash_test.cpp ... USES domain)
 function(tavi_tests path)
-  cmake_parse_arguments(TESTS "" "" "SOURCES;USES;LIBRARIES" ${ARGN})
+  cmake_parse_arguments(TESTS "" "" "SOURCES;USES;LIBRARIES;PROPERTIES" ${ARGN})
   string(REPLACE "/" "_" name "${path}")
   add_executable(test_${name} ${TESTS_SOURCES})
   string(REPLACE "/" "_" uses "${TESTS_USES}")
@@ -45,7 +45,8 @@ function(tavi_tests path)
   target_include_directories(test_${name} PRIVATE "${CMAKE_SOURCE_DIR}/tests")
   target_link_libraries(test_${name} PRIVATE tavi_compiler ${uses} ${TESTS_LIBRARIES}
     GTest::gmock GTest::gtest_main)
-  gtest_discover_tests(test_${name} TEST_PREFIX "${path}: " DISCOVERY_MODE PRE_TEST)
+  gtest_discover_tests(test_${name} TEST_PREFIX "${path}: " DISCOVERY_MODE PRE_TEST
+    PROPERTIES ${TESTS_PROPERTIES})
 endfunction()
 
 # A program that gives a room whatever libFuzzer makes up, from the files of <name>_seeds/ on, and

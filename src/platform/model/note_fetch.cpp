@@ -16,7 +16,10 @@ namespace tavimodel {
 namespace {
 
 /// A term with more candidates than this is common: a page of it is found sooner by walking.
-constexpr std::size_t commonFrom = 2000;
+constexpr std::int64_t commonFrom = 2000;
+/// So many notes of a tag, a day or a state are looked up; more are found while all are walked
+/// through.
+constexpr std::int64_t mostDriven = 10'000;
 /// Pages up to here are walked to.
 constexpr std::int64_t longestWalkedPage = 1000;
 /// A walk that has looked at so many notes and found less than a quarter of its page gives up.
@@ -95,13 +98,15 @@ class TermSearch {
   /// All ids that match, ascending, by reading the texts of all notes that SQL leaves.
   std::vector<std::int64_t> throughAll() {
     // Two walks side by side, both in the order of ids: a join would look every row up.
-    sqlite::Query rows = select("noteSummary s NOT INDEXED", " ORDER BY s.note");
+    const std::string from = plan_.source() + (plan_.drivenNotes() ? "" : " NOT INDEXED");
+    sqlite::Query rows = select(from, " ORDER BY s.note");
     plan_.bind(rows);
     TextWalk texts(connection_);
     std::vector<std::int64_t> found;
     while (rows.step()) {
       const std::int64_t note = rows.integer(0);
-      if (matches(rows, texts.textOf(note))) found.push_back(note);
+      const bool readsText = !plan_.ocrOnly() && !plan_.titlesOnly();
+      if (matches(rows, readsText ? texts.textOf(note) : std::string_view())) found.push_back(note);
     }
     return found;
   }
@@ -204,10 +209,10 @@ NoteTable decidedBySQL(sqlite::Connection& connection, const FetchRequest& reque
                        const SearchPlan* plan) {
   const std::string order = orderClause(request);
   const bool page = request.fetchLimit <= longestWalkedPage && !order.empty();
+  std::string from = plan != nullptr ? plan->source() : "noteSummary s";
   // A whole list is not fetched through an index: it would look every row up.
-  const bool walk = !page && plan == nullptr;
-  std::string sql = fmt::format("SELECT {} FROM noteSummary s{} WHERE {} AND {}",
-                                NoteTable::columns, walk ? " NOT INDEXED" : "",
+  if (!page && plan == nullptr) from += " NOT INDEXED";
+  std::string sql = fmt::format("SELECT {} FROM {} WHERE {} AND {}", NoteTable::columns, from,
                                 request.predicate.sql(), plan != nullptr ? plan->where() : "1");
   if (page) {
     sql += fmt::format("{} LIMIT {} OFFSET {}", order, request.fetchLimit, request.fetchOffset);
@@ -235,24 +240,31 @@ NoteTable tableOf(sqlite::Connection& connection, const std::vector<std::int64_t
   return table;
 }
 
+NoteTable sorted(NoteTable table, const FetchRequest& request) {
+  table.setOrder(sortedPage(table.rows(), request));
+  return table;
+}
+
 }  // namespace
 
 NoteTable NoteFetch::table(const FetchRequest& request) {
   if (!request.predicate.search()) return decidedBySQL(connection_, request, nullptr);
-  const SearchPlan plan(*request.predicate.search(), connection_);
+  const bool page = request.fetchLimit <= longestWalkedPage;
+  const SearchPlan plan(*request.predicate.search(), connection_, page ? commonFrom : mostDriven);
   if (!plan.needsText()) return decidedBySQL(connection_, request, &plan);
 
   TermSearch search(connection_, plan, request.predicate);
-  if (auto page = search.byWalking(request, shortWalk)) return tableOf(connection_, *page);
-  auto found = search.throughIndex(commonFrom);
+  if (plan.drivenNotes().value_or(INT64_MAX) <= shortWalk) {
+    return sorted(tableOf(connection_, search.throughAll()), request);
+  }
+  if (auto ids = search.byWalking(request, shortWalk)) return tableOf(connection_, *ids);
+  auto found = search.throughIndex(std::size_t{commonFrom});
   if (!found) {
-    if (auto page = search.byWalking(request, longWalk)) return tableOf(connection_, *page);
+    if (auto ids = search.byWalking(request, longWalk)) return tableOf(connection_, *ids);
     found = search.throughIndex(unlimited);
   }
   if (!found) found = search.throughAll();
-  NoteTable table = tableOf(connection_, *found);
-  table.setOrder(sortedPage(table.rows(), request));
-  return table;
+  return sorted(tableOf(connection_, *found), request);
 }
 
 std::int64_t NoteFetch::count(const Predicate& predicate) {
@@ -266,16 +278,17 @@ std::int64_t NoteFetch::count(const Predicate& predicate) {
     query.step();
     return query.integer(0);
   }
-  const SearchPlan plan(*predicate.search(), connection_);
+  const SearchPlan plan(*predicate.search(), connection_, mostDriven);
   if (!plan.needsText()) {
     sqlite::Query query = connection_.query(fmt::format(
-        "SELECT count(*) FROM noteSummary s WHERE {} AND {}", predicate.sql(), plan.where()));
+        "SELECT count(*) FROM {} WHERE {} AND {}", plan.source(), predicate.sql(), plan.where()));
     plan.bind(query);
     query.step();
     return query.integer(0);
   }
   TermSearch search(connection_, plan, predicate);
-  const auto found = search.throughIndex(unlimited);
+  const bool isDriven = plan.drivenNotes().value_or(INT64_MAX) <= shortWalk;
+  const auto found = isDriven ? std::nullopt : search.throughIndex(unlimited);
   return static_cast<std::int64_t>(found ? found->size() : search.throughAll().size());
 }
 

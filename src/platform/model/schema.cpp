@@ -94,6 +94,8 @@ CREATE INDEX summaryByCreation ON noteSummary (trashed, archived, creationDate);
 CREATE INDEX summaryByTitle ON noteSummary (trashed, archived, title);
 CREATE INDEX summaryByTitleKey ON noteSummary (titleKey);
 CREATE INDEX summaryPinned ON noteSummary (note) WHERE pinned = 1;
+CREATE INDEX summaryOfFew ON noteSummary (note)  -- states that few notes are in; 8: blank
+  WHERE encrypted = 1 OR readOnly = 1 OR ifnull(title, '') = '' OR (features & 8) <> 0;
 CREATE INDEX summaryUnknown ON noteSummary (note) WHERE textDigest IS NULL;
 CREATE INDEX summaryNotIndexed ON noteSummary (note) WHERE searchRow IS NULL;
 CREATE INDEX summaryBySearchRow ON noteSummary (searchRow) WHERE searchRow IS NOT NULL;
