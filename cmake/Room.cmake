@@ -37,7 +37,7 @@ endfunction()
 #
 #   tavi_tests(domain SOURCES content_hash_test.cpp ... USES domain)
 function(tavi_tests path)
-  cmake_parse_arguments(TESTS "" "" "SOURCES;USES;LIBRARIES" ${ARGN})
+  cmake_parse_arguments(TESTS "" "" "SOURCES;USES;LIBRARIES;PROPERTIES" ${ARGN})
   string(REPLACE "/" "_" name "${path}")
   add_executable(test_${name} ${TESTS_SOURCES})
   string(REPLACE "/" "_" uses "${TESTS_USES}")
@@ -45,5 +45,30 @@ function(tavi_tests path)
   target_include_directories(test_${name} PRIVATE "${CMAKE_SOURCE_DIR}/tests")
   target_link_libraries(test_${name} PRIVATE tavi_compiler ${uses} ${TESTS_LIBRARIES}
     GTest::gmock GTest::gtest_main)
-  gtest_discover_tests(test_${name} TEST_PREFIX "${path}: " DISCOVERY_MODE PRE_TEST)
+  gtest_discover_tests(test_${name} TEST_PREFIX "${path}: " DISCOVERY_MODE PRE_TEST
+    PROPERTIES ${TESTS_PROPERTIES})
+endfunction()
+
+# A program that gives a room whatever libFuzzer makes up, from the files of <name>_seeds/ on, and
+# checks what must hold of any bytes. The sanitizer build makes it and runs it for some seconds as a
+# test of its own; scripts/fuzz runs it for as long as is wanted.
+#
+#   tavi_fuzz(markdown USES platform/markdown)   # markdown_fuzz.cpp
+set(TAVI_FUZZ_SECONDS 5 CACHE STRING "How long each fuzz target runs as a test")
+function(tavi_fuzz name)
+  if(NOT TAVI_SANITIZE)
+    return()
+  endif()
+  cmake_parse_arguments(FUZZ "" "" "USES;LIBRARIES" ${ARGN})
+  add_executable(fuzz_${name} ${name}_fuzz.cpp)
+  string(REPLACE "/" "_" uses "${FUZZ_USES}")
+  list(TRANSFORM uses PREPEND tavi_)
+  target_include_directories(fuzz_${name} PRIVATE "${CMAKE_SOURCE_DIR}/tests")
+  target_link_libraries(fuzz_${name} PRIVATE tavi_compiler ${uses} ${FUZZ_LIBRARIES})
+  target_link_options(fuzz_${name} PRIVATE -fsanitize=fuzzer)
+  # New inputs go to the first folder, and what failed is kept beside it.
+  set(kept "${CMAKE_BINARY_DIR}/fuzz/${name}")
+  file(MAKE_DIRECTORY "${kept}")
+  add_test(NAME "fuzz: ${name}" COMMAND fuzz_${name} -max_total_time=${TAVI_FUZZ_SECONDS}
+    "-artifact_prefix=${kept}-" "${kept}" "${CMAKE_CURRENT_SOURCE_DIR}/${name}_seeds")
 endfunction()

@@ -380,9 +380,11 @@ Document readDocument(std::string_view text) {
   if (body.size() > std::numeric_limits<MD_SIZE>::max() / 2) return unread;
   const std::optional<std::string> masked = maskedForParser(body);
   const std::string_view input = masked ? std::string_view(*masked) : body;
-  if (auto document = DocumentReader(text, input).read(kDialect)) return std::move(*document);
+  const unsigned dialect =
+      hasEndlessAddresses(input) ? kDialect & ~unsigned{MD_FLAG_PERMISSIVEAUTOLINKS} : kDialect;
+  if (auto document = DocumentReader(text, input).read(dialect)) return std::move(*document);
   const std::string plain = maskedForPlainReading(input);
-  auto document = DocumentReader(text, plain).read(kDialect & ~unsigned{MD_FLAG_TABLES});
+  auto document = DocumentReader(text, plain).read(dialect & ~unsigned{MD_FLAG_TABLES});
   return document ? std::move(*document) : unread;
 }
 

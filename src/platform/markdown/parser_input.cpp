@@ -2,8 +2,10 @@
 
 #include <algorithm>
 
+#include "platform/markdown/ascii.h"
 #include "platform/markdown/hashtag_grammar.h"
 #include "platform/markdown/lines.h"
+#include "platform/markdown/paragraph_starts.h"
 
 namespace zephyrdown {
 namespace {
@@ -54,29 +56,24 @@ void maskHashtags(std::string_view body, std::optional<std::string>& copy) {
   }
 }
 
-std::size_t countOf(char c, std::string_view text) {
+std::size_t countOf(std::string_view piece, std::string_view text) {
   std::size_t count = 0;
-  for (std::size_t at = text.find(c); at != npos; at = text.find(c, at + 1)) ++count;
+  for (std::size_t at = text.find(piece); at != npos; at = text.find(piece, at + 1)) ++count;
   return count;
 }
 
-/// Whether a line begins a block of its own wherever it stands.
-bool beginsBlock(std::string_view line) {
-  const std::size_t mark = line.find_first_not_of(" \t");
-  return mark == npos || std::string_view("-+*#>|`~<0123456789").find(line[mark]) != npos;
-}
-
 /// The parser looks for a bracket's line from the first one of its paragraph. Links behind this
-/// many steps are read as text; at a link a line, that is a paragraph of some 40,000 lines.
+/// many steps are read as text; at a link a line, that is a paragraph of some 14,000 lines.
 void maskEndlessParagraphs(std::string_view body, std::optional<std::string>& copy) {
-  constexpr std::size_t kMostSteps = 800'000'000;
-  const std::size_t brackets = countOf(']', body);
+  constexpr std::size_t kMostSteps = 100'000'000;
+  const std::size_t brackets = countOf("]", body);
   if (brackets * body.size() <= kMostSteps) return;
-  if (brackets * (countOf('\n', body) + countOf('\r', body)) <= kMostSteps) return;
+  if (brackets * (countOf("\n", body) + countOf("\r", body)) <= kMostSteps) return;
+  ParagraphStarts starts;
   std::size_t lines = 0, steps = 0;
   for (std::size_t line = 0; line < body.size(); line = nextLine(body, line)) {
     const std::string_view here = body.substr(line, lineEnd(body, line) - line);
-    if (beginsBlock(here)) lines = steps = 0;
+    if (starts.isStart(here)) lines = 0;
     ++lines;
     for (std::size_t at = here.find(']'); at != npos; at = here.find(']', at + 1)) {
       steps += lines;
@@ -87,13 +84,56 @@ void maskEndlessParagraphs(std::string_view body, std::optional<std::string>& co
   }
 }
 
+/// For each line the parser walks down all quotes and lists that are open. What is nested deeper
+/// than some hundred levels, all of which have their marks or as many blanks on one line, is read
+/// as text.
+void maskDeepNesting(std::string_view body, std::optional<std::string>& copy) {
+  constexpr std::size_t kDeepest = 200;
+  for (std::size_t begin = 0; begin < body.size(); begin = nextLine(body, begin)) {
+    const std::string_view line = body.substr(begin, lineEnd(body, begin) - begin);
+    if (line.size() <= kDeepest || line.find_first_not_of(" \t*") == npos ||
+        line.find_first_not_of(" \t-") == npos) {
+      continue;  // a rule has marks like those of lists
+    }
+    std::size_t at = 0;
+    while (at < line.size()) {
+      const std::size_t mark = isBlank(line[at]) ? at : containerMark(line, at);
+      if (mark == npos) break;
+      if (mark > kDeepest && !isBlank(line[mark])) {
+        if (!copy) copy.emplace(body);
+        (*copy)[begin + mark] = kLetter;
+        break;
+      }
+      at = mark + 1;
+    }
+  }
+}
+
 }  // namespace
+
+bool hasEndlessAddresses(std::string_view body) {
+  constexpr std::size_t kMostSteps = 200'000'000;
+  if (body.size() * body.size() <= kMostSteps) return false;
+  ParagraphStarts starts;
+  std::size_t length = 0, addresses = 0, steps = 0;
+  for (std::size_t line = 0; line < body.size(); line = nextLine(body, line)) {
+    const std::string_view here = body.substr(line, lineEnd(body, line) - line);
+    if (starts.isStart(here)) {
+      steps += length * addresses;
+      length = addresses = 0;
+    }
+    length += here.size();
+    addresses += countOf("://", here) + countOf("www.", here);
+  }
+  return steps + length * addresses > kMostSteps;
+}
 
 std::optional<std::string> maskedForParser(std::string_view body) {
   std::optional<std::string> copy;
   maskFootnotes(body, copy);
   maskHashtags(body, copy);
   maskEndlessParagraphs(body, copy);
+  maskDeepNesting(body, copy);
   return copy;
 }
 

@@ -16,13 +16,44 @@ namespace tavimodel {
 namespace {
 
 /// A term with more candidates than this is common: a page of it is found sooner by walking.
-constexpr std::size_t commonFrom = 2000;
+constexpr std::int64_t commonFrom = 2000;
+/// So many notes of a tag, a day or a state are looked up; more are found while all are walked
+/// through.
+constexpr std::int64_t mostDriven = 10'000;
 /// Pages up to here are walked to.
 constexpr std::int64_t longestWalkedPage = 1000;
 /// A walk that has looked at so many notes and found less than a quarter of its page gives up.
 constexpr std::int64_t shortWalk = 256;
 constexpr std::int64_t longWalk = 4096;
 constexpr std::size_t unlimited = SIZE_MAX;
+
+/// The texts of notes that come by ascending id: a walk over all of them, which leaps where the
+/// next one is far.
+class TextWalk {
+ public:
+  explicit TextWalk(sqlite::Connection& connection) : connection_(connection) {}
+
+  /// Empty where there is no such note. Good until the next call.
+  std::string_view textOf(std::int64_t note) {
+    constexpr int near = 4;
+    for (int steps = 0; texts_ && steps < near && id_ < note; ++steps) step();
+    if (!texts_ || id_ < note) leapTo(note);
+    return id_ == note ? texts_->text(1) : std::string_view();
+  }
+
+ private:
+  void step() { id_ = texts_->step() ? texts_->integer(0) : INT64_MAX; }
+  void leapTo(std::int64_t note) {
+    texts_.reset();
+    texts_.emplace(connection_.query("SELECT id, text FROM note WHERE id >= ?1 ORDER BY id"));
+    texts_->bind(1, note);
+    step();
+  }
+
+  sqlite::Connection& connection_;
+  std::optional<sqlite::Query> texts_;
+  std::int64_t id_ = 0;
+};
 
 /// Decides one query's terms, note by note.
 class TermSearch {
@@ -64,19 +95,18 @@ class TermSearch {
     return found;
   }
 
-  /// All ids that match, ascending, by reading every text.
+  /// All ids that match, ascending, by reading the texts of all notes that SQL leaves.
   std::vector<std::int64_t> throughAll() {
     // Two walks side by side, both in the order of ids: a join would look every row up.
-    sqlite::Query rows = select("noteSummary s NOT INDEXED", "");
+    const std::string from = plan_.source() + (plan_.drivenNotes() ? "" : " NOT INDEXED");
+    sqlite::Query rows = select(from, " ORDER BY s.note");
     plan_.bind(rows);
-    sqlite::Query texts = connection_.query("SELECT id, text FROM note");
+    TextWalk texts(connection_);
     std::vector<std::int64_t> found;
-    bool more = texts.step();
     while (rows.step()) {
       const std::int64_t note = rows.integer(0);
-      while (more && texts.integer(0) < note) more = texts.step();
-      const bool here = more && texts.integer(0) == note;
-      if (matches(rows, here ? texts.text(1) : std::string_view())) found.push_back(note);
+      const bool readsText = !plan_.ocrOnly() && !plan_.titlesOnly();
+      if (matches(rows, readsText ? texts.textOf(note) : std::string_view())) found.push_back(note);
     }
     return found;
   }
@@ -179,12 +209,13 @@ NoteTable decidedBySQL(sqlite::Connection& connection, const FetchRequest& reque
                        const SearchPlan* plan) {
   const std::string order = orderClause(request);
   const bool page = request.fetchLimit <= longestWalkedPage && !order.empty();
+  std::string from = plan != nullptr ? plan->source() : "noteSummary s";
   // A whole list is not fetched through an index: it would look every row up.
   const bool walk = !page && plan == nullptr;
+  if (walk) from += " NOT INDEXED";
   NoteTable table(request.detailed);
-  std::string sql = fmt::format("SELECT {} FROM noteSummary s{} WHERE {} AND {}", table.columns(),
-                                walk ? " NOT INDEXED" : "", request.predicate.sql(),
-                                plan != nullptr ? plan->where() : "1");
+  std::string sql = fmt::format("SELECT {} FROM {} WHERE {} AND {}", table.columns(), from,
+                                request.predicate.sql(), plan != nullptr ? plan->where() : "1");
   if (page) {
     sql += fmt::format("{} LIMIT {} OFFSET {}", order, request.fetchLimit, request.fetchOffset);
   }
@@ -212,26 +243,34 @@ NoteTable tableOf(sqlite::Connection& connection, const std::vector<std::int64_t
   return table;
 }
 
+NoteTable sorted(NoteTable table, const FetchRequest& request) {
+  table.setOrder(sortedPage(table.rows(), request));
+  return table;
+}
+
 }  // namespace
 
 NoteTable NoteFetch::table(const FetchRequest& request) {
   if (!request.predicate.search()) return decidedBySQL(connection_, request, nullptr);
-  const SearchPlan plan(*request.predicate.search(), connection_);
+  const bool page = request.fetchLimit <= longestWalkedPage;
+  const SearchPlan plan(*request.predicate.search(), connection_, page ? commonFrom : mostDriven);
   if (!plan.needsText()) return decidedBySQL(connection_, request, &plan);
 
   TermSearch search(connection_, plan, request.predicate);
-  if (auto page = search.byWalking(request, shortWalk))
-    return tableOf(connection_, *page, request.detailed);
-  auto found = search.throughIndex(commonFrom);
+  const auto pageOf = [&](const std::vector<std::int64_t>& ids) {
+    return tableOf(connection_, ids, request.detailed);
+  };
+  if (plan.drivenNotes().value_or(INT64_MAX) <= shortWalk) {
+    return sorted(pageOf(search.throughAll()), request);
+  }
+  if (auto ids = search.byWalking(request, shortWalk)) return pageOf(*ids);
+  auto found = search.throughIndex(std::size_t{commonFrom});
   if (!found) {
-    if (auto page = search.byWalking(request, longWalk))
-      return tableOf(connection_, *page, request.detailed);
+    if (auto ids = search.byWalking(request, longWalk)) return pageOf(*ids);
     found = search.throughIndex(unlimited);
   }
   if (!found) found = search.throughAll();
-  NoteTable table = tableOf(connection_, *found, request.detailed);
-  table.setOrder(sortedPage(table.rows(), request));
-  return table;
+  return sorted(pageOf(*found), request);
 }
 
 std::int64_t NoteFetch::count(const Predicate& predicate) {
@@ -245,16 +284,17 @@ std::int64_t NoteFetch::count(const Predicate& predicate) {
     query.step();
     return query.integer(0);
   }
-  const SearchPlan plan(*predicate.search(), connection_);
+  const SearchPlan plan(*predicate.search(), connection_, mostDriven);
   if (!plan.needsText()) {
     sqlite::Query query = connection_.query(fmt::format(
-        "SELECT count(*) FROM noteSummary s WHERE {} AND {}", predicate.sql(), plan.where()));
+        "SELECT count(*) FROM {} WHERE {} AND {}", plan.source(), predicate.sql(), plan.where()));
     plan.bind(query);
     query.step();
     return query.integer(0);
   }
   TermSearch search(connection_, plan, predicate);
-  const auto found = search.throughIndex(unlimited);
+  const bool isDriven = plan.drivenNotes().value_or(INT64_MAX) <= shortWalk;
+  const auto found = isDriven ? std::nullopt : search.throughIndex(unlimited);
   return static_cast<std::int64_t>(found ? found->size() : search.throughAll().size());
 }
 

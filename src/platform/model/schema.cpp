@@ -94,6 +94,8 @@ CREATE INDEX summaryByModification ON noteSummary (trashed, archived, modificati
 CREATE INDEX summaryByCreation ON noteSummary (trashed, archived, creationDate);
 CREATE INDEX summaryByTitle ON noteSummary (trashed, archived, title);
 CREATE INDEX summaryByTitleKey ON noteSummary (titleKey);
+CREATE INDEX summaryOfFew ON noteSummary (note)  -- states that few notes are in; 8: blank
+  WHERE encrypted = 1 OR readOnly = 1 OR ifnull(title, '') = '' OR (features & 8) <> 0;
 CREATE INDEX summaryBySearchRow ON noteSummary (searchRow);
 
 -- 'version': the last version given out. 'searchRow': the last row of searchIndex.

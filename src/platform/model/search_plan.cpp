@@ -38,32 +38,27 @@ bool any(const SearchQuery& query, bool (*test)(const SearchCondition&)) {
   });
 }
 
-/// A table of this connection's own with the facts that noteSummary lacks, so that the conditions
-/// below need not tell the two apart.
-void workOutUnknownFacts(sqlite::Connection& connection) {
-  connection.execute(
-      "CREATE TEMP TABLE IF NOT EXISTS workedOut (note INTEGER PRIMARY KEY, todoIncomplete "
-      "INTEGER, "
-      "todoCompleted INTEGER, features INTEGER); DELETE FROM temp.workedOut");
+/// A table of this connection's own with the facts that noteSummary lacks. False: it lacks none.
+bool workOutUnknownFacts(sqlite::Connection& connection) {
   sqlite::Query unknown = connection.query(
       "SELECT note.id, note.text FROM noteSummary s JOIN note ON note.id = s.note "
       "WHERE s.searchRow IS NULL AND s.textDigest IS NULL AND s.encrypted = 0");
-  while (unknown.step()) {
+  if (!unknown.step()) return false;
+  connection.execute(
+      "CREATE TEMP TABLE IF NOT EXISTS workedOut (note INTEGER PRIMARY KEY, "
+      "todoIncomplete INTEGER, todoCompleted INTEGER, features INTEGER); "
+      "DELETE FROM temp.workedOut");
+  do {
     const TextFacts facts = TextFacts::of(unknown.text(1));
     sqlite::Query insert = connection.query("INSERT INTO temp.workedOut VALUES (?1, ?2, ?3, ?4)");
     insert.bind(1, unknown.integer(0)).bind(2, facts.todoIncomplete);
     insert.bind(3, facts.todoCompleted).bind(4, facts.features).run();
-  }
+  } while (unknown.step());
+  return true;
 }
 
-std::string fact(std::string_view column) {
-  return fmt::format(
-      "ifnull(s.{0}, ifnull((SELECT {0} FROM temp.workedOut w WHERE w.note = s.note), 0))", column);
-}
-
-std::string feature(TextFacts::Feature bit) {
-  return fmt::format("(s.encrypted = 0 AND ({} & {}) <> 0)", fact("features"),
-                     static_cast<std::int64_t>(bit));
+std::string hasFeature(TextFacts::Feature bit) {
+  return fmt::format("(features & {}) <> 0", static_cast<std::int64_t>(bit));
 }
 
 void isImageName(sqlite3_context* context, int, sqlite3_value** values) {
@@ -82,7 +77,8 @@ std::string linkedNotes(sqlite::Connection& connection) {
   std::vector<std::int64_t> linked;
   sqlite::Query texts = connection.query(
       fmt::format("SELECT note.id, note.text FROM noteSummary s JOIN note ON note.id = s.note "
-                  "WHERE s.encrypted = 0 AND (s.features IS NULL OR (s.features & {}) <> 0)",
+                  "WHERE s.encrypted = 0 AND ifnull(s.permanentlyDeleted, 0) = 0 "
+                  "AND (s.features IS NULL OR (s.features & {}) <> 0)",
                   static_cast<std::int64_t>(TextFacts::wikiLinks)));
   while (texts.step()) {
     const auto summary = zephyrdown::ZDKAST::fromMarkdown(std::string(texts.text(1))).textSummary();
@@ -105,15 +101,17 @@ std::string linkedNotes(sqlite::Connection& connection) {
 
 }  // namespace
 
-SearchPlan::SearchPlan(const SearchQuery& query, sqlite::Connection& connection)
+SearchPlan::SearchPlan(const SearchQuery& query, sqlite::Connection& connection,
+                       std::int64_t mostDriven)
     : connection_(connection), titlesOnly_(query.titlesOnly), ocrOnly_(query.ocrOnly) {
-  if (any(query, asksForFacts)) workOutUnknownFacts(connection);
+  areFactsMissing_ = any(query, asksForFacts) && workOutUnknownFacts(connection);
   if (any(query, [](const SearchCondition& c) { return c.kind == Kind::files; })) {
     sqlite3_create_function(connection.handle(), "isImageName", 1,
                             SQLITE_UTF8 | SQLITE_DETERMINISTIC, nullptr, isImageName, nullptr,
                             nullptr);
   }
   for (const auto& group : query.groups) addGroup(group);
+  chooseDriver(mostDriven);
 }
 
 void SearchPlan::addGroup(const std::vector<SearchCondition>& group) {
@@ -122,11 +120,12 @@ void SearchPlan::addGroup(const std::vector<SearchCondition>& group) {
     std::string sql;
     for (const SearchCondition& condition : group) {
       if (!sql.empty()) sql += " OR ";
-      if (condition.negated) sql += "NOT ";
-      sql += expression(condition);
+      // NULL, which is not known, is false.
+      sql += condition.negated ? fmt::format("NOT ifnull({}, 0)", expression(condition))
+                               : expression(condition);
     }
     where_ += fmt::format(" AND ({})", sql);
-    return;
+    return addDriver(group);
   }
   std::vector<OpenCondition> open;
   for (const SearchCondition& condition : group) {
@@ -148,18 +147,49 @@ void SearchPlan::addGroup(const std::vector<SearchCondition>& group) {
   for (const SearchCondition& condition : group) terms.push_back(condition.text);
 }
 
+/// SQLite, which keeps no statistics here, would rather walk through all notes of a location than
+/// look up the ten of a tag: so the notes that an index gives are put ahead of the others.
+void SearchPlan::addDriver(const std::vector<SearchCondition>& group) {
+  std::string notes;
+  for (const SearchCondition& condition : group) {
+    const std::string some = condition.negated ? std::string() : notesOf(condition);
+    if (some.empty()) return;
+    notes += (notes.empty() ? "" : " UNION ") + some;
+  }
+  drivers_.push_back(group.size() == 1 ? notes + " GROUP BY note" : notes);
+}
+
+void SearchPlan::chooseDriver(std::int64_t most) {
+  for (const std::string& driver : drivers_) {
+    sqlite::Query count = connection_.query(fmt::format(
+        "SELECT count(*) FROM (SELECT 1 FROM ({}) LIMIT ?{})", driver, parameters_.size() + 1));
+    bind(count);
+    const std::int64_t limit = std::min(most, drivenNotes_.value_or(most) - 1) + 1;
+    count.bind(parameterCount() + 1, limit).step();
+    if (count.integer(0) >= limit) continue;
+    drivenNotes_ = count.integer(0);
+    driver_ = driver;
+  }
+}
+
+std::string SearchPlan::source() const {
+  if (driver_.empty()) return "noteSummary s";
+  return fmt::format("({}) driver CROSS JOIN noteSummary s ON s.note = driver.note", driver_);
+}
+
 std::string SearchPlan::parameter(Parameter value) {
   parameters_.push_back(std::move(value));
   return fmt::format("?{}", parameters_.size());
 }
 
 void SearchPlan::bind(sqlite::Query& query) const {
-  for (std::size_t i = 0; i < parameters_.size(); ++i) {
-    const int number = static_cast<int>(i) + 1;
-    if (const double* seconds = std::get_if<double>(&parameters_[i])) {
+  const int count = std::min(parameterCount(), query.parameterCount());
+  for (int number = 1; number <= count; ++number) {
+    const Parameter& value = parameters_[static_cast<std::size_t>(number) - 1];
+    if (const double* seconds = std::get_if<double>(&value)) {
       query.bind(number, *seconds);
     } else {
-      query.bind(number, std::string_view(std::get<std::string>(parameters_[i])));
+      query.bind(number, std::string_view(std::get<std::string>(value)));
     }
   }
 }
@@ -184,6 +214,57 @@ std::string SearchPlan::tagsNamed(const SearchCondition& condition) {
   }
 }
 
+/// A test of what a text holds, over the columns of `noteSummary s` and, where they are not known,
+/// over those of temp.workedOut.
+std::string SearchPlan::fact(std::string_view test) const {
+  if (!areFactsMissing_) return fmt::format("(s.encrypted = 0 AND {})", test);
+  return fmt::format(
+      "(s.encrypted = 0 AND CASE WHEN s.textDigest IS NULL "
+      "THEN s.note IN (SELECT note FROM temp.workedOut WHERE {0}) ELSE {0} END)",
+      test);
+}
+
+/// A SELECT of the notes in which the condition may hold, by an index; empty where there is none.
+std::string SearchPlan::notesOf(const SearchCondition& condition) {
+  const auto anywhere = [](const std::string& test) {
+    // The indexes of dates and pins have the location in front.
+    return "SELECT note FROM noteSummary WHERE trashed IN (0, 1) AND archived IN (0, 1) AND " +
+           test;
+  };
+  const auto withState = [](std::string_view test) {
+    return fmt::format("SELECT note FROM noteSummary WHERE {}", test);
+  };
+  switch (condition.kind) {
+    case Kind::tag:
+    case Kind::exactTag:
+    case Kind::subtag:
+      return fmt::format("SELECT note FROM noteTag WHERE tag IN (SELECT id FROM tag WHERE {})",
+                         tagsNamed(condition));
+    case Kind::modified:
+      return anywhere(range(condition, "modificationDate"));
+    case Kind::created:
+      return anywhere(range(condition, "creationDate"));
+    case Kind::pinned:
+      return anywhere("pinned = 1");
+    case Kind::locked:
+      return withState("encrypted = 1");
+    case Kind::readOnly:
+      return withState("readOnly = 1");
+    case Kind::untitled:
+      return withState("ifnull(title, '') = ''");
+    case Kind::empty:
+      return areFactsMissing_ ? std::string() : withState(hasFeature(TextFacts::blank));
+    case Kind::files:
+      return "SELECT note FROM file WHERE NOT isImageName(filename)";
+    case Kind::attachments:
+      return "SELECT note FROM file";
+    case Kind::ocr:
+      return "SELECT note FROM file WHERE ifnull(ocrText, '') <> ''";
+    default:
+      return {};
+  }
+}
+
 std::string SearchPlan::expression(const SearchCondition& condition) {
   switch (condition.kind) {
     case Kind::term:
@@ -191,21 +272,21 @@ std::string SearchPlan::expression(const SearchCondition& condition) {
     case Kind::tag:
     case Kind::exactTag:
     case Kind::subtag:
-      return fmt::format(
-          "s.note IN (SELECT note FROM noteTag WHERE tag IN (SELECT id FROM tag WHERE {}))",
-          tagsNamed(condition));
+      return fmt::format("s.note IN ({})", notesOf(condition));
+    case Kind::files:
+    case Kind::attachments:
+    case Kind::ocr:
+      return fmt::format("(s.encrypted = 0 AND s.note IN ({}))", notesOf(condition));
     case Kind::modified:
       return range(condition, "s.modificationDate");
     case Kind::created:
       return range(condition, "s.creationDate");
     case Kind::todo:
-      return fmt::format("(s.encrypted = 0 AND {} > 0)", fact("todoIncomplete"));
+      return fact("todoIncomplete > 0");
     case Kind::done:
-      return fmt::format("(s.encrypted = 0 AND {} = 0 AND {} > 0)", fact("todoIncomplete"),
-                         fact("todoCompleted"));
+      return fact("todoIncomplete = 0 AND todoCompleted > 0");
     case Kind::task:
-      return fmt::format("(s.encrypted = 0 AND {} + {} > 0)", fact("todoIncomplete"),
-                         fact("todoCompleted"));
+      return fact("todoIncomplete + todoCompleted > 0");
     case Kind::tagged:
       return "EXISTS (SELECT 1 FROM noteTag t WHERE t.note = s.note)";
     case Kind::untagged:
@@ -213,30 +294,22 @@ std::string SearchPlan::expression(const SearchCondition& condition) {
     case Kind::pinned:
       return "s.pinned = 1";
     case Kind::images:
-      return feature(TextFacts::images);
-    case Kind::files:
-      return "(s.encrypted = 0 AND EXISTS (SELECT 1 FROM file f WHERE f.note = s.note "
-             "AND NOT isImageName(f.filename)))";
-    case Kind::attachments:
-      return "(s.encrypted = 0 AND EXISTS (SELECT 1 FROM file f WHERE f.note = s.note))";
+      return fact(hasFeature(TextFacts::images));
     case Kind::code:
-      return feature(TextFacts::code);
+      return fact(hasFeature(TextFacts::code));
     case Kind::locked:
       return "s.encrypted = 1";
     case Kind::readOnly:
       return "s.readOnly = 1";
     case Kind::empty:
-      return feature(TextFacts::blank);
+      return fact(hasFeature(TextFacts::blank));
     case Kind::untitled:
       return "ifnull(s.title, '') = ''";
     case Kind::wikiLinks:
-      return feature(TextFacts::wikiLinks);
+      return fact(hasFeature(TextFacts::wikiLinks));
     case Kind::backlinks:
       return fmt::format("s.note IN (SELECT value FROM json_each({}))",
                          parameter(linkedNotes(connection_)));
-    case Kind::ocr:
-      return "(s.encrypted = 0 AND EXISTS (SELECT 1 FROM file f WHERE f.note = s.note "
-             "AND ifnull(f.ocrText, '') <> ''))";
   }
   return "0";
 }

@@ -15,8 +15,7 @@
 // A query is a row of words. A word is, in this order of tries:
 //
 //   "..."            a phrase; \" and \\ stand for the character; one that is not closed goes to
-//   the
-//                    query's end
+//                    the query's end
 //   #tag  #a b#      a tag, with a closing mark when its name has blanks
 //   !#tag  #*/tag    exactly this tag; nested tags with this name in their path
 //   @word  @word(x)  a directive
@@ -133,11 +132,10 @@ class Parser {
 
   /// Nothing for a word that asks nothing: an empty phrase, @title.
   std::optional<SearchCondition> readCondition() {
-    const bool negated =
-        text_[position_] == '-' && position_ + 1 < text_.size() && !atBlank(position_ + 1);
-    if (negated) ++position_;
+    negated_ = text_[position_] == '-' && position_ + 1 < text_.size() && !atBlank(position_ + 1);
+    if (negated_) ++position_;
     std::optional<SearchCondition> condition = readPositive();
-    if (condition) condition->negated = negated;
+    if (condition) condition->negated = negated_;
     return condition;
   }
 
@@ -200,12 +198,12 @@ class Parser {
     position_ = end;
     const std::string name = lowered(word.substr(1));
     if (name == "title") {
-      query_.titlesOnly = true;
+      query_.titlesOnly |= !negated_;
       return std::nullopt;
     }
     for (const Directive& directive : directives) {
       if (directive.name != name) continue;
-      if (directive.kind == Kind::ocr) query_.ocrOnly = true;
+      if (directive.kind == Kind::ocr) query_.ocrOnly |= !negated_;
       return SearchCondition{.kind = directive.kind};
     }
     if (auto dates = readDates(name)) return dates;
@@ -272,6 +270,7 @@ class Parser {
   double now_;
   std::size_t position_ = 0;
   bool joinNext_ = false;
+  bool negated_ = false;  ///< the condition that is being read
   int terms_ = 0;
   int otherConditions_ = 0;
   SearchQuery query_;

@@ -101,6 +101,10 @@ Query& Query::bindNull(int parameter) {
   return *this;
 }
 
+int Query::parameterCount() const {
+  return sqlite3_bind_parameter_count(statement_);
+}
+
 bool Query::step() {
   const int code = sqlite3_step(statement_);
   if (code == SQLITE_ROW) return true;

@@ -52,6 +52,9 @@ class Query {
   template <class Value>
   Query& bind(int parameter, std::optional<Value>&& value) = delete;
 
+  /// How many parameters the statement has.
+  int parameterCount() const;
+
   /// True when there is a row.
   bool step();
   /// Runs a statement that gives no rows.

@@ -5,18 +5,15 @@
 
 #include "platform/markdown/ast.h"
 #include "platform/markdown/hashtag.h"
+#include "support/fuzzing.h"
 
-// libFuzzer (clang only): fuzz_markdown [corpus folder] -max_total_time=60
 // What must hold of any bytes: they are read and written back, ranges lie in the text and apart,
 // operations can be done, and a link that was appended is removed without a trace.
 
 using namespace zephyrdown;
+using support::require;
 
 namespace {
-
-void require(bool holds) {
-  if (!holds) __builtin_trap();
-}
 
 std::string done(const std::string& text, std::vector<ZDKASTOperationResult> operations) {
   std::sort(operations.begin(), operations.end(),
@@ -57,7 +54,7 @@ void checkLink(const std::string& text, const ZDKAST& tree) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  const std::string text(reinterpret_cast<const char*>(data), size);
+  const std::string text(support::fuzzed(data, size));
   const ZDKAST tree = ZDKAST::fromMarkdown(text);
   const ZDKTextSummary summary = tree.textSummary();
   require(tree.markdown() == text);

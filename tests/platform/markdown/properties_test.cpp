@@ -3,16 +3,20 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <iostream>
 #include <iterator>
 #include <random>
 
 #include "platform/markdown/ast.h"
 #include "platform/markdown/hashtag.h"
+#include "platform/markdown/markdown_properties.h"
+#include "platform/text/utf8.h"
 
 namespace zephyrdown {
 namespace {
 
 namespace fs = std::filesystem;
+using testing::checkText;
 
 ZDKAST parsed(const std::string& text) {
   return ZDKAST::fromMarkdown(text);
@@ -22,113 +26,6 @@ std::string applied(const std::string& text, const std::vector<ZDKASTOperationRe
   ZDKAST tree = parsed(text);
   tree.applyTextOperationResults(results);
   return tree.markdown();
-}
-
-std::vector<std::string> without(std::vector<std::string> names, const std::string& name) {
-  std::erase(names, name);
-  return names;
-}
-
-/// Whether the results lie in order inside the text and apart, so that all other bytes stay.
-testing::AssertionResult areSound(const std::string& text,
-                                  std::vector<ZDKASTOperationResult> results) {
-  std::sort(results.begin(), results.end(),
-            [](const auto& a, const auto& b) { return a.range.begin < b.range.begin; });
-  std::size_t end = 0;
-  for (const auto& result : results) {
-    if (result.range.begin < end || result.range.end < result.range.begin ||
-        result.range.end > text.size()) {
-      return testing::AssertionFailure() << result.range.begin << " to " << result.range.end;
-    }
-    end = result.range.end;
-  }
-  return testing::AssertionSuccess();
-}
-
-/// What must hold of every text whatever.
-void checkText(const std::string& text) {
-  SCOPED_TRACE(testing::PrintToString(text.substr(0, 2000)));
-  const ZDKAST tree = parsed(text);
-  ASSERT_EQ(tree.markdown(), text);
-  const ZDKTextSummary summary = tree.textSummary();
-
-  std::size_t end = 0;
-  for (const HashtagMention& tag : tree.hashtags()) {
-    ASSERT_GE(tag.range.begin, end);
-    ASSERT_LE(tag.range.end, text.size());
-    ASSERT_EQ(text[tag.range.begin], '#');
-    end = tag.range.end;
-  }
-
-  // A link that is appended is found, and its removal gives the text before.
-  const std::string link = ZDKAST::markdownFile("zz.pdf", "zz.pdf", true);
-  const auto appending = tree.appendText(link);
-  ASSERT_EQ(appending.size(), 1u);
-  ASSERT_EQ(appending[0].range.begin, appending[0].range.end);
-  const std::string appended = applied(text, appending);
-  const ZDKTextSummary after = parsed(appended).textSummary();
-  ASSERT_EQ(after.todoIncomplete, summary.todoIncomplete) << appended;
-  ASSERT_EQ(after.todoCompleted, summary.todoCompleted) << appended;
-  ASSERT_EQ(after.tags, summary.tags) << appended;
-  if (after.files.size() != summary.files.size()) {
-    ASSERT_EQ(after.files.size(), summary.files.size() + 1) << appended;
-    const std::string restored = applied(appended, parsed(appended).removeLinkWithURL("zz.pdf"));
-    const bool isClosing =
-        appending[0].replacement.find_first_not_of("\r\n") != appending[0].replacement.find(link);
-    if (!isClosing) {
-      ASSERT_EQ(restored, text) << appended;
-    }
-  } else {
-    ADD_FAILURE() << "not found: " << appended;
-  }
-
-  const auto prepending = tree.prependText("zz");
-  ASSERT_EQ(prepending.size(), 1u);
-  const std::string prepended = applied(text, prepending);
-  const ZDKTextSummary below = parsed(prepended).textSummary();
-  ASSERT_EQ(below.todoIncomplete, summary.todoIncomplete) << prepended;
-  ASSERT_EQ(below.todoCompleted, summary.todoCompleted) << prepended;
-  ASSERT_EQ(below.tags, summary.tags) << prepended;
-
-  for (const FileLink& file : summary.files) {
-    const auto removal = tree.removeLinkWithURL(file.filename);
-    ASSERT_TRUE(areSound(text, removal)) << file.filename;
-    const std::string removed = applied(text, removal);
-    for (const FileLink& left : parsed(removed).textSummary().files) {
-      ASSERT_NE(left.filename, file.filename) << removed;
-    }
-  }
-
-  for (const bool bottom : {false, true}) {
-    const std::string tagged = applied(text, tree.addHashtag("zz top", bottom));
-    auto tags = parsed(tagged).textSummary().tags;
-    ASSERT_NE(std::find(tags.begin(), tags.end(), "zz top"), tags.end()) << tagged;
-    std::sort(tags.begin(), tags.end());
-    auto expected = summary.tags;
-    expected.push_back("zz top");
-    std::sort(expected.begin(), expected.end());
-    ASSERT_EQ(tags, expected) << tagged;
-    ASSERT_TRUE(parsed(tagged).addHashtag("zz top", bottom).empty());
-  }
-
-  for (const std::string& name : summary.tags) {
-    const auto removal = tree.removeHashtag(name);
-    ASSERT_TRUE(areSound(text, removal)) << name;
-    // HTML or code that stood directly behind a tag may become a block at the line's begin.
-    const bool bares = std::any_of(removal.begin(), removal.end(), [&](const auto& result) {
-      const std::string next = text.substr(result.range.end, 1);
-      return next == "<" || next == "`";
-    });
-    if (!bares) {
-      ASSERT_EQ(parsed(applied(text, removal)).textSummary().tags, without(summary.tags, name))
-          << name << " leaves " << applied(text, removal);
-    }
-    const auto renaming = tree.renameHashtag(name, "zz top");
-    ASSERT_TRUE(areSound(text, renaming)) << name;
-    auto tags = parsed(applied(text, renaming)).textSummary().tags;
-    ASSERT_EQ(std::count(tags.begin(), tags.end(), name), 0) << applied(text, renaming);
-    ASSERT_EQ(std::count(tags.begin(), tags.end(), "zz top"), 1) << applied(text, renaming);
-  }
 }
 
 class RandomTexts {
@@ -193,15 +90,39 @@ TEST(Markdown, HoldsItsPropertiesForRandomTexts) {
   RandomTexts random(20250611);
   const char* rounds = std::getenv("TAVI_RANDOM_ROUNDS");
   const int count = rounds != nullptr ? std::atoi(rounds) : 3000;
-  for (int round = 0; round < count && !testing::Test::HasFailure(); ++round) {
+  for (int round = 0; round < count && !HasFailure(); ++round) {
     checkText(random.text(kMarkdown, 1 + random.below(30)));
+  }
+}
+
+TEST(Markdown, HoldsItsPropertiesForRandomCharacters) {
+  constexpr const char* kMarks[] = {"\n", "\n\n", " ", "#", "- ", "> ",
+                                    "*",  "[",    "]", "(", ")",  "`"};
+  // The first and the last of ranges that differ in how they are written, spaced or composed.
+  constexpr std::pair<char32_t, char32_t> kRanges[] = {
+      {0x01, 0x7F},     {0x80, 0xFF},       {0x300, 0x36F},     {0x590, 0x6FF},
+      {0x2000, 0x206F}, {0x3000, 0x30FF},   {0xAC00, 0xAC80},   {0xFE00, 0xFEFF},
+      {0xFFF0, 0xFFFF}, {0x1F300, 0x1F6FF}, {0xE0000, 0xE007F}, {0x10FFF0, 0x10FFFF}};
+  RandomTexts random(17);
+  for (int round = 0; round < 1500 && !HasFailure(); ++round) {
+    std::string text;
+    for (std::size_t i = 1 + random.below(30); i > 0; --i) {
+      const auto [first, last] = kRanges[random.below(std::size(kRanges))];
+      if (random.below(3) == 0) {
+        text += kMarks[random.below(std::size(kMarks))];
+      } else {
+        platform::text::appendScalar(text,
+                                     first + static_cast<char32_t>(random.below(last - first + 1)));
+      }
+    }
+    checkText(text);
   }
 }
 
 TEST(Markdown, ReadsAnyBytes) {
   constexpr std::string_view kMarks("\n#-[]`\0\xFF", 8);
   RandomTexts random(7);
-  for (int round = 0; round < 500 && !testing::Test::HasFailure(); ++round) {
+  for (int round = 0; round < 500 && !HasFailure(); ++round) {
     std::string text;
     for (std::size_t i = random.below(40); i > 0; --i) {
       text += random.below(2) == 0 ? random.byte() : kMarks[random.below(kMarks.size())];
@@ -240,24 +161,29 @@ TEST(Markdown, ReadsOnBehindTextsMadeToBeSlow) {
   }
 }
 
+// However many there are: their number is printed.
 TEST(Markdown, HoldsItsPropertiesForTheFilesOfThisMachine) {
-  std::size_t checked = 0;
-  for (const char* folder :
-       {"/usr/lib/node_modules", "/usr/local/lib/node_modules", "/usr/share"}) {
+  constexpr std::size_t kChecked = 150, kLargest = 60'000;
+  std::size_t read = 0, checked = 0;
+  for (const char* folder : {"/usr/share", "/usr/lib", "/usr/local", TAVI_BUILD_FOLDER}) {
     std::error_code error;
-    for (fs::recursive_directory_iterator file(folder, error), end; file != end && checked < 150;
+    for (fs::recursive_directory_iterator file(folder, error), end; file != end && !HasFailure();
          file.increment(error)) {
-      if (error || file->path().extension() != ".md" || file->is_symlink() ||
-          file->file_size() > 60'000) {
-        continue;
-      }
+      const bool isMarkdown =
+          file->path().extension() == ".md" || file->path().extension() == ".markdown";
+      if (error || !isMarkdown || !file->is_regular_file(error)) continue;
       std::ifstream stream(file->path(), std::ios::binary);
+      const std::string text(std::istreambuf_iterator<char>(stream), {});
       SCOPED_TRACE(file->path());
-      checkText(std::string(std::istreambuf_iterator<char>(stream), {}));
+      ++read;
+      ASSERT_EQ(parsed(text).markdown(), text);
+      (void)parsed(text).textSummary();
+      if (checked == kChecked || text.size() > kLargest) continue;
+      checkText(text);
       ++checked;
     }
   }
-  if (checked == 0) GTEST_SKIP() << "no Markdown files here";
+  std::cout << read << " Markdown files were read, " << checked << " of them in depth\n";
 }
 
 TEST(Hashtag, IsReadBackAsItsName) {
@@ -300,7 +226,7 @@ TEST(FileLinks, AreReadBackAsTheirNames) {
     const std::string file = ZDKAST::markdownFile(name, name, round % 2 == 0);
     const std::string image = ZDKAST::markdownImage(name, name, name);
     const auto links = parsed("a *" + file + "* _" + image + "_ b\n").textSummary().files;
-    ASSERT_EQ(links.size(), 2u) << testing::PrintToString(file + image);
+    ASSERT_EQ(links.size(), 2u) << ::testing::PrintToString(file + image);
     EXPECT_EQ(links[0].filename, name);
     EXPECT_EQ(links[1].filename, name);
     EXPECT_EQ(links[0].range, (SourceRange{3, 3 + file.size()})) << file;

@@ -1,14 +1,11 @@
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <memory>
-#include <random>
 #include <set>
 
 #include "platform/model/core_data_stack.h"
 #include "platform/model/search_index.h"
 #include "platform/model/search_manager.h"
-#include "platform/text/string_search.h"
 #include "support/foreign_client.h"
 #include "support/throwaway_home.h"
 
@@ -139,71 +136,26 @@ TEST_F(Search, TreatsOddQueriesAsText) {
   EXPECT_EQ(found(thousand + "quoted"), Titles{"odd"});
 }
 
-// The index, the walk and the full scan are shortcuts to one answer: what the texts say.
-TEST_F(Search, FindsWhatAPlainScanFinds) {
-  std::mt19937 random(20240131);
-  const std::vector<std::string> words = {
-      "ab", "abc", "Abcd", "ÉTÉ", "été", "e\xCC\x81t\xC3\xA9", "straße", "STRASSE", "日本語", "a",
-      "\"", "ﬁn",  "fin",  "x-y", "ΑΒΓς"};
-  const auto word = [&] { return words[random() % words.size()]; };
-  const auto text = [&] {
-    std::string result = "# " + word();
-    for (auto n = random() % 12; n > 0; --n) result += (random() % 3 ? " " : "") + word();
-    return result;
-  };
-  std::vector<std::string> texts;
-  for (int i = 0; i < 60; ++i) {
-    texts.push_back(text());
-    KVNote::noteWithText(texts.back(), context());
-  }
-  context().save();
+// SQL may give the notes of two tags in any order; each is decided on its own text.
+TEST_F(Search, DecidesEachNoteOfTwoTagsOnItsText) {
+  create("# first\n#b ab");
+  create("# second\n#a xy");
+  create("# third\n#b xy");
+  EXPECT_EQ(found("xy #a or #b"), (Titles{"second", "third"}));
+  EXPECT_EQ(found("-ab #a or #b"), (Titles{"second", "third"}));
+}
+
+TEST_F(Search, NegatesADirectiveAndNotWhereTermsAreLookedFor) {
+  create("# milk\n");
+  create("# bread\nand milk");
   support::ForeignClient client(home.database());
-  for (int round = 0; round < 60; ++round) {
-    if (round % 10 == 5) index();
-    if (round % 3 == 0) {  // a stranger changes a note
-      const std::size_t changed = random() % texts.size();
-      texts[changed] = text();
-      char* sql = sqlite3_mprintf("UPDATE note SET text = %Q, title = '' WHERE id = %d",
-                                  texts[changed].c_str(), static_cast<int>(changed + 1));
-      client.run(sql);
-      sqlite3_free(sql);
-    }
-    const std::string first = word() == "\"" ? "fin" : word();
-    const std::string second = word();
-    if (first == "\"" || second == "\"") continue;
-    const bool negated = random() % 2;
-    const bool either = random() % 2;
-    const std::string query = first + (either ? " or " : " ") + (negated ? "-" : "") + second;
-    const platform::text::StringSearch a(first, platform::text::CaseFolding::full);
-    const platform::text::StringSearch b(second, platform::text::CaseFolding::full);
-    std::set<std::int64_t> expected;
-    for (std::size_t i = 0; i < texts.size(); ++i) {
-      const bool hasA = a.isIn(texts[i]);
-      const bool hasB = b.isIn(texts[i]) != negated;
-      if (either ? hasA || hasB : hasA && hasB) expected.insert(static_cast<std::int64_t>(i + 1));
-    }
-    for (const std::int64_t limit : {INT64_MAX, std::int64_t{7}}) {
-      context().reset();
-      FetchRequest request;
-      request.predicate = *KVNoteSearchManager::predicateForSearchString(query);
-      request.sortDescriptors = {{SortKey::modificationDate, false}};
-      request.fetchLimit = limit;
-      std::set<std::string> ids;
-      const NoteTable notes = context().fetch(request);
-      for (std::size_t i = 0; i < notes.size(); ++i) ids.emplace(notes[i].uniqueIdentifier);
-      std::set<std::string> wanted;
-      for (auto id = expected.rbegin(); id != expected.rend(); ++id) {
-        if (static_cast<std::int64_t>(wanted.size()) == limit) break;
-        wanted.insert(
-            client.value("SELECT uniqueIdentifier FROM note WHERE id = " + std::to_string(*id)));
-      }
-      if (limit == INT64_MAX) {
-        EXPECT_EQ(ids, wanted) << query;
-      } else {
-        EXPECT_EQ(ids.size(), wanted.size()) << query;
-      }
-    }
-  }
+  client.run(
+      "INSERT INTO file (note, filename, ocrText) SELECT id, 'a.png', 'milk' FROM note "
+      "WHERE title = 'bread'");
+  EXPECT_EQ(found("@title milk"), Titles{"milk"});
+  EXPECT_EQ(found("-@title milk"), (Titles{"bread", "milk"}));
+  EXPECT_EQ(found("@ocr milk"), Titles{"bread"});
+  EXPECT_EQ(found("-@ocr milk"), Titles{"milk"});
 }
 
 TEST_F(Search, CountsEveryTermThatIsNotNegated) {

@@ -1,10 +1,21 @@
-#include <cstddef>
-#include <cstdint>
-
 #include "platform/system/preferences.h"
+#include "support/fuzzing.h"
 
-// libFuzzer (clang only): fuzz_property_list [corpus folder] -max_total_time=60
+// Hostile bytes are either no property list or one and the same dictionary each time.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  platform::system::parsePropertyList({reinterpret_cast<const char*>(data), size});
+  const std::string_view bytes = support::fuzzed(data, size);
+  const auto dictionary = platform::system::parsePropertyList(bytes);
+  const auto again = platform::system::parsePropertyList(bytes);
+  // Not by their values: a property list can hold NaN, which differs from itself.
+  support::require(dictionary.has_value() == again.has_value());
+  if (!dictionary) return 0;
+  support::require(dictionary->size() == again->size());
+  for (const auto& [key, value] : *dictionary) {
+    const auto found = again->find(key);
+    support::require(found != again->end() && found->second.index() == value.index());
+    if (const auto* text = std::get_if<std::string>(&value)) {
+      support::require(std::get<std::string>(found->second) == *text);
+    }
+  }
   return 0;
 }

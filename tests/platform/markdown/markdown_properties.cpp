@@ -1,0 +1,157 @@
+#include "platform/markdown/markdown_properties.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+#include "platform/markdown/ast.h"
+
+namespace zephyrdown::testing {
+namespace {
+
+using Operations = std::vector<ZDKASTOperationResult>;
+using Names = std::vector<std::string>;
+
+ZDKTextSummary summaryOf(const std::string& text) {
+  return ZDKAST::fromMarkdown(text).textSummary();
+}
+
+Names sorted(Names names) {
+  std::sort(names.begin(), names.end());
+  return names;
+}
+
+Names without(Names names, const std::string& name) {
+  std::erase(names, name);
+  return names;
+}
+
+bool holds(const Names& names, const std::string& name) {
+  return std::find(names.begin(), names.end(), name) != names.end();
+}
+
+class Text {
+ public:
+  explicit Text(const std::string& text)
+      : text_(text), tree_(ZDKAST::fromMarkdown(text)), summary_(tree_.textSummary()) {}
+
+  void check() {
+    EXPECT_EQ(tree_.markdown(), text_);
+    checkMentions();
+    checkAppending();
+    checkInsertion(tree_.prependText("zz"), "zz");
+    checkInsertion(tree_.appendText("zz"), "zz");
+    for (const FileLink& file : summary_.files) checkRemovalOfFile(file.filename);
+    for (const bool bottom : {false, true}) checkAddingOfTag(bottom);
+    for (const std::string& name : summary_.tags) {
+      checkRemovalOfTag(name);
+      checkRenamingOfTag(name);
+    }
+  }
+
+ private:
+  /// The text that the operations make: their ranges lie in order inside of it and apart, and all
+  /// other bytes stay.
+  std::string rewritten(const std::string& text, Operations operations) {
+    ZDKAST tree = ZDKAST::fromMarkdown(text);
+    tree.applyTextOperationResults(operations);
+    std::sort(operations.begin(), operations.end(),
+              [](const auto& a, const auto& b) { return a.range.begin < b.range.begin; });
+    std::string expected;
+    std::size_t end = 0;
+    for (const auto& [range, replacement] : operations) {
+      EXPECT_TRUE(range.begin >= end && range.end >= range.begin && range.end <= text.size())
+          << range.begin << " to " << range.end;
+      if (::testing::Test::HasFailure()) return text;
+      expected += text.substr(end, range.begin - end) + replacement;
+      end = range.end;
+    }
+    expected += text.substr(end);
+    EXPECT_EQ(tree.markdown(), expected);
+    return expected;
+  }
+
+  void checkMentions() {
+    std::size_t end = 0;
+    for (const HashtagMention& tag : tree_.hashtags()) {
+      ASSERT_GE(tag.range.begin, end);
+      ASSERT_LE(tag.range.end, text_.size());
+      ASSERT_EQ(text_[tag.range.begin], '#');
+      end = tag.range.end;
+    }
+  }
+
+  /// What is inserted stands there as it was given, and what was read before is read still.
+  std::string checkInsertion(const Operations& insertion, const std::string& inserted) {
+    EXPECT_EQ(insertion.size(), 1u);
+    EXPECT_EQ(insertion.at(0).range.begin, insertion[0].range.end);
+    EXPECT_NE(insertion[0].replacement.find(inserted), std::string::npos);
+    const std::string longer = rewritten(text_, insertion);
+    const ZDKTextSummary after = summaryOf(longer);
+    EXPECT_EQ(after.todoIncomplete, summary_.todoIncomplete) << longer;
+    EXPECT_EQ(after.todoCompleted, summary_.todoCompleted) << longer;
+    EXPECT_EQ(after.tags, summary_.tags) << longer;
+    return longer;
+  }
+
+  /// A link that is appended is found, and its removal gives the text before.
+  void checkAppending() {
+    const std::string link = ZDKAST::markdownFile("zz.pdf", "zz.pdf", true);
+    const Operations appending = tree_.appendText(link);
+    const std::string appended = checkInsertion(appending, link);
+    ASSERT_EQ(summaryOf(appended).files.size(), summary_.files.size() + 1) << appended;
+    const std::string& replacement = appending[0].replacement;
+    const bool isClosing = replacement.find_first_not_of("\r\n") != replacement.find(link);
+    if (isClosing) return;  // the end of code that was left open stays
+    EXPECT_EQ(rewritten(appended, ZDKAST::fromMarkdown(appended).removeLinkWithURL("zz.pdf")),
+              text_)
+        << appended;
+  }
+
+  void checkRemovalOfFile(const std::string& filename) {
+    const std::string removed = rewritten(text_, tree_.removeLinkWithURL(filename));
+    for (const FileLink& left : summaryOf(removed).files) {
+      EXPECT_NE(left.filename, filename) << removed;
+    }
+  }
+
+  void checkAddingOfTag(bool bottom) {
+    const std::string tagged = rewritten(text_, tree_.addHashtag("zz top", bottom));
+    Names expected = summary_.tags;
+    expected.push_back("zz top");
+    EXPECT_EQ(sorted(summaryOf(tagged).tags), sorted(expected)) << tagged;
+    EXPECT_TRUE(ZDKAST::fromMarkdown(tagged).addHashtag("zz top", bottom).empty());
+  }
+
+  void checkRemovalOfTag(const std::string& name) {
+    const Operations removal = tree_.removeHashtag(name);
+    const std::string removed = rewritten(text_, removal);
+    // HTML or code that stood directly behind a tag may become a block at the line's begin.
+    const bool bares = std::any_of(removal.begin(), removal.end(), [&](const auto& result) {
+      const std::string next = text_.substr(result.range.end, 1);
+      return next == "<" || next == "`";
+    });
+    if (bares) return;
+    EXPECT_EQ(summaryOf(removed).tags, without(summary_.tags, name)) << name << ": " << removed;
+  }
+
+  void checkRenamingOfTag(const std::string& name) {
+    const std::string renamed = rewritten(text_, tree_.renameHashtag(name, "zz top"));
+    const Names tags = summaryOf(renamed).tags;
+    EXPECT_FALSE(holds(tags, name)) << renamed;
+    EXPECT_EQ(std::count(tags.begin(), tags.end(), "zz top"), 1) << renamed;
+  }
+
+  const std::string& text_;
+  ZDKAST tree_;
+  ZDKTextSummary summary_;
+};
+
+}  // namespace
+
+void checkText(const std::string& text) {
+  SCOPED_TRACE(::testing::PrintToString(text.substr(0, 2000)));
+  Text(text).check();
+}
+
+}  // namespace zephyrdown::testing
