@@ -20,6 +20,8 @@ constexpr std::int64_t commonFrom = 2000;
 /// So many notes of a tag, a day or a state are looked up; more are found while all are walked
 /// through.
 constexpr std::int64_t mostDriven = 10'000;
+/// And so many for a page, which is found sooner by walking in its order where there are more.
+constexpr std::int64_t mostSorted = 400;
 /// Pages up to here are walked to.
 constexpr std::int64_t longestWalkedPage = 1000;
 /// A walk that has looked at so many notes and found less than a quarter of its page gives up.
@@ -253,7 +255,7 @@ NoteTable sorted(NoteTable table, const FetchRequest& request) {
 NoteTable NoteFetch::table(const FetchRequest& request) {
   if (!request.predicate.search()) return decidedBySQL(connection_, request, nullptr);
   const bool page = request.fetchLimit <= longestWalkedPage;
-  const SearchPlan plan(*request.predicate.search(), connection_, page ? commonFrom : mostDriven);
+  const SearchPlan plan(*request.predicate.search(), connection_, page ? mostSorted : mostDriven);
   if (!plan.needsText()) return decidedBySQL(connection_, request, &plan);
 
   TermSearch search(connection_, plan, request.predicate);
