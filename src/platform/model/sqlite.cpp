@@ -6,6 +6,8 @@
 #include <cstring>
 #include <utility>
 
+#include "platform/model/sqlite_memory.h"
+
 namespace tavimodel::sqlite {
 namespace {
 
@@ -33,6 +35,7 @@ std::string sentence(int code, int systemError, const std::string& detail) {
 }
 
 bool configureLibrary() {
+  useMemoryPools();
   // Nobody asks SQLite how much memory it has, and counting takes a lock at every allocation.
   sqlite3_config(SQLITE_CONFIG_MEMSTATUS, 0);
   // What undoes a statement stays in memory: the pages that one note's triggers touch would else be

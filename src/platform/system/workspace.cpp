@@ -72,6 +72,8 @@ bool openURL(const std::string& url) {
 }
 
 bool openURLWithin(std::chrono::milliseconds patience, const std::string& url) {
+  while (waitpid(-1, nullptr, WNOHANG) > 0) {  // openers that went on, and have ended since
+  }
   std::string program = "xdg-open";
   std::string argument = url;
   char* const arguments[] = {program.data(), argument.data(), nullptr};
