@@ -7,14 +7,19 @@
 #include <cstdlib>
 #include <cstring>
 
-#if defined(__has_feature)
-#if __has_feature(address_sanitizer)
-#define TAVI_SEES_EACH_BLOCK
-#endif
-#endif
-
 namespace tavimodel::sqlite {
 namespace {
+
+#if defined(__has_feature)
+#if __has_feature(address_sanitizer)
+#define TAVI_SANITIZED
+#endif
+#endif
+#ifdef TAVI_SANITIZED
+constexpr bool sanitized = true;
+#else
+constexpr bool sanitized = false;
+#endif
 
 constexpr std::size_t step = 16;  ///< sizes of blocks are multiples of it
 constexpr std::size_t largest = 1024;
@@ -119,11 +124,9 @@ void stop(void*) {}
 }  // namespace
 
 void useMemoryPools() {
-#ifndef TAVI_SEES_EACH_BLOCK
   static constexpr sqlite3_mem_methods methods{allocate, release, reallocate, blockSize,
                                                rounded,  start,   stop,       nullptr};
-  sqlite3_config(SQLITE_CONFIG_MALLOC, &methods);
-#endif
+  if (!sanitized) sqlite3_config(SQLITE_CONFIG_MALLOC, &methods);
 }
 
 }  // namespace tavimodel::sqlite
