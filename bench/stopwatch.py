@@ -7,6 +7,7 @@ import statistics
 import subprocess
 import sys
 import tempfile
+import time
 from dataclasses import dataclass
 
 
@@ -40,6 +41,14 @@ class Stopwatch:
 
     def once(self, command, environment):
         return self._run([self.build / "bench" / "bench_pairs", 1], [command], environment)[0]
+
+    def unraised(self, command, environment):
+        """Milliseconds at ordinary priority: a command of the real-time class, with much to be
+        written, keeps the kernel's own writers from their work."""
+        start = time.perf_counter()
+        subprocess.run([str(part) for part in command], env=environment, check=True,
+                       stdout=subprocess.DEVNULL, stdin=subprocess.DEVNULL)
+        return (time.perf_counter() - start) * 1000
 
     def requests(self, request, servers, environment, most=1000):
         """Times one request to each of the servers in turn."""
