@@ -43,14 +43,9 @@ class Distribution {
     return ids;
   }
 
-  /// Whether the note is one of ours.
-  bool isWanted(std::int64_t note) {
-    while (next_ < byID_.size() && rows_[byID_[next_]].id < note) ++next_;
-    return next_ < byID_.size() && rows_[byID_[next_]].id == note;
-  }
-
-  /// Gives a name to the note that was asked for last.
-  void give(std::string_view name) {
+  /// Gives a name to one of our notes. Notes come by ascending id.
+  void give(std::int64_t note, std::string_view name) {
+    while (rows_[byID_[next_]].id < note) ++next_;
     names_.push_back(name);
     ++counts_[next_];
   }
@@ -74,7 +69,7 @@ class Distribution {
 };
 
 /// Runs over the rows of `relation` that belong to the notes, given ascending, by ascending note.
-/// `note` is the query's first column. Rows of other notes may be among them.
+/// `note` is the query's first column.
 template <class Visit>
 void forEachRelated(sqlite::Connection& connection, const std::vector<std::int64_t>& notes,
                     std::string_view columns, std::string_view relation, std::string_view order,
@@ -84,7 +79,12 @@ void forEachRelated(sqlite::Connection& connection, const std::vector<std::int64
                                       walk ? "" : " WHERE note = ?1", order);
   if (walk) {
     sqlite::Query query = connection.query(sql);
-    while (query.step()) visit(query);
+    auto wanted = notes.begin();
+    while (query.step()) {
+      while (wanted != notes.end() && *wanted < query.integer(0)) ++wanted;
+      if (wanted == notes.end()) return;
+      if (*wanted == query.integer(0)) visit(query);
+    }
     return;
   }
   for (const std::int64_t note : notes) {
@@ -183,8 +183,7 @@ void NoteTable::loadTags(sqlite::Connection& connection) {
   std::vector<Use> uses;
   uses.reserve(2 * rows_.size());
   Distribution tags(rows_, tags_, &NoteView::tags);
-  const std::vector<std::int64_t> notes = tags.ids();
-  forEachRelated(connection, notes, "tag", "noteTag", "note, tag",
+  forEachRelated(connection, tags.ids(), "tag", "noteTag", "note, tag",
                  [&](const sqlite::Query& related) {
                    uses.push_back({related.integer(0), related.integer(1)});
                  });
@@ -203,9 +202,8 @@ void NoteTable::loadTags(sqlite::Connection& connection) {
     for (; use != uses.end() && use->note == note; ++use) {
       if (const auto rank = names.rank(use->tag)) ranks.push_back(*rank);
     }
-    if (!tags.isWanted(note)) continue;
     std::sort(ranks.begin(), ranks.end());
-    for (const std::uint32_t rank : ranks) tags.give(names[rank]);
+    for (const std::uint32_t rank : ranks) tags.give(note, names[rank]);
   }
   tags.finish();
 }
@@ -214,8 +212,8 @@ void NoteTable::loadPins(sqlite::Connection& connection) {
   Distribution pins(rows_, pins_, &NoteView::pinnedInTags);
   forEachRelated(connection, pins.ids(), "(SELECT title FROM tag WHERE id = tag)", "pinnedInTag",
                  "note", [&](const sqlite::Query& related) {
-                   if (related.isNull(1) || !pins.isWanted(related.integer(0))) return;
-                   pins.give(arena_.keep(related.text(1)));
+                   if (related.isNull(1)) return;
+                   pins.give(related.integer(0), arena_.keep(related.text(1)));
                  });
   pins.finish();
 }
@@ -224,8 +222,8 @@ void NoteTable::loadFiles(sqlite::Connection& connection) {
   Distribution files(rows_, filenames_, &NoteView::filenames);
   forEachRelated(connection, files.ids(), "filename", "file", "note, position, id",
                  [&](const sqlite::Query& related) {
-                   if (related.isNull(1) || !files.isWanted(related.integer(0))) return;
-                   files.give(arena_.keep(related.text(1)));
+                   if (related.isNull(1)) return;
+                   files.give(related.integer(0), arena_.keep(related.text(1)));
                  });
   files.finish();
 }

@@ -12,8 +12,9 @@
 
 namespace tavimodel {
 
-/// The notes of a list, as they were when it was read. A list of a hundred thousand notes is the
-/// same few statements and the same few blocks of memory as one of ten.
+/// The notes of a list, as they were when it was read. A list of a hundred thousand notes is a few
+/// walks over tables and a few blocks of memory; what belongs to the notes of a short one is looked
+/// up.
 class NoteTable {
  public:
   /// `detailed`: whether the notes have digest, length, to-dos, pins and files.

@@ -1,30 +1,17 @@
 #include <gtest/gtest.h>
 
-#include <memory>
 #include <set>
 
-#include "platform/model/core_data_stack.h"
-#include "platform/model/search_index.h"
+#include "opened_model.h"
+#include "platform/model/bookkeeping.h"
 #include "platform/model/search_manager.h"
 #include "support/foreign_client.h"
-#include "support/throwaway_home.h"
 
 namespace tavimodel {
 namespace {
 
-class Search : public testing::Test {
+class Search : public OpenedModel {
  protected:
-  void SetUp() override { reopen(); }
-
-  void reopen() {
-    std::string error;
-    stack.reset();
-    stack = KVCoreDataStackForExtensions::initStackOutputError(error);
-    ASSERT_NE(stack, nullptr) << error;
-  }
-
-  ManagedObjectContext& context() { return *stack->managedObjectContext(); }
-
   void create(const std::string& text) {
     KVNote::noteWithText(text, context());
     context().save();
@@ -32,9 +19,7 @@ class Search : public testing::Test {
 
   void index() {
     context().reset();
-    sqlite::Transaction transaction(stack->connection(), sqlite::Transaction::Kind::write);
-    SearchIndex(stack->connection()).bringUpToDate(60000);
-    transaction.commit();
+    catchUp(stack->connection(), {.notesNotIndexed = 1000});
   }
 
   /// Titles of what is found, ascending.
@@ -52,9 +37,6 @@ class Search : public testing::Test {
   }
 
   using Titles = std::multiset<std::string>;
-
-  support::ThrowawayHome home;
-  std::unique_ptr<KVCoreDataStackForExtensions> stack;
 };
 
 TEST_F(Search, AnswersEveryDirective) {

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <memory>
+
+#include "platform/model/core_data_stack.h"
+#include "support/throwaway_home.h"
+
+namespace tavimodel {
+
+/// A model on a throw-away home, open from the start.
+class OpenedModel : public testing::Test {
+ protected:
+  void SetUp() override { reopen(); }
+
+  void reopen() {
+    std::string error;
+    stack.reset();
+    stack = KVCoreDataStackForExtensions::initStackOutputError(error);
+    ASSERT_NE(stack, nullptr) << error;
+  }
+
+  ManagedObjectContext& context() { return *stack->managedObjectContext(); }
+
+  support::ThrowawayHome home;
+  std::unique_ptr<KVCoreDataStackForExtensions> stack;
+};
+
+}  // namespace tavimodel
