@@ -26,7 +26,7 @@ constexpr int waitForWriters = 5000;  // milliseconds
 /// A log longer than this, in pages, is written back at the end of a write. The next program to
 /// open the database reads the whole log, writing it back takes another sync: in between lies the
 /// least of both.
-constexpr int longLog = 128;
+constexpr int longLog = 64;
 
 void makeFolders(const fs::path& folder) {
   if (folder.empty() || access(folder.c_str(), F_OK) == 0) return;

@@ -60,6 +60,24 @@ int createLocked(const fs::path& path) {
   }
 }
 
+/// Moves the file, locked before it comes under its new name. -1 where it cannot be moved: it lies
+/// on another file system, say, or is somebody else's under another name.
+int moveLocked(const fs::path& source, const fs::path& target) {
+  Descriptor file(open(source.c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC));
+  struct stat status {};
+  if (file.get() < 0 || fstat(file.get(), &status) != 0) return -1;
+  if (!S_ISREG(status.st_mode) || status.st_nlink != 1) return -1;
+  if (flock(file.get(), LOCK_EX | LOCK_NB) != 0 || fchmod(file.get(), 0600) != 0) return -1;
+  if (rename(source.c_str(), target.c_str()) != 0) return -1;
+  return file.release();
+}
+
+std::int64_t sizeOf(int file, const fs::path& path) {
+  struct stat status {};
+  if (fstat(file, &status) != 0) fail(path, "Could not read the file");
+  return status.st_size;
+}
+
 /// The kernel copies: the bytes do not come through this process.
 std::int64_t copyBytes(const fs::path& source, int target, const fs::path& targetPath) {
   constexpr std::size_t most = std::size_t{1} << 30;
@@ -96,9 +114,10 @@ FileStore::Staged FileStore::stage(const fs::path& source) {
   Staged result;
   result.storedName = platform::system::newUUID();
   const fs::path path = folder_ / "staged" / result.storedName;
-  const int descriptor = createLocked(path);
+  const int moved = moveLocked(source, path);
+  const int descriptor = moved >= 0 ? moved : createLocked(path);
   staged_.push_back({result.storedName, descriptor});
-  result.size = copyBytes(source, descriptor, path);
+  result.size = moved >= 0 ? sizeOf(moved, path) : copyBytes(source, descriptor, path);
   if (fsync(descriptor) != 0) fail(path, "Could not write the file");
   syncFolder(folder_ / "staged");
   syncFolder(folder_);

@@ -34,7 +34,8 @@ class FileStore {
     std::string storedName;
     std::int64_t size = 0;  ///< bytes
   };
-  /// Copies a file in; the bytes are on the disk when this returns. Throws std::system_error.
+  /// Moves a file in, so that a large one is not written twice, or copies it where it cannot be
+  /// moved; the bytes are on the disk when this returns. Throws std::system_error.
   Staged stage(const std::filesystem::path& source);
   /// Moves up what was staged: its rows are saved.
   void publishStaged();

@@ -22,10 +22,12 @@ class KVNoteFile {
   /// a slash or a NUL, one longer than 255 bytes or not valid UTF-8.
   static void checkName(const std::string& name);
 
-  /// Copies the local file at `source` into the note's files, under its own name or, where the
-  /// note has one of that name, with a number ("photo 2.jpg"). The bytes are on the disk when this
-  /// returns, and belong to the note with the context's next save. Throws std::runtime_error for a
-  /// name that cannot be stored, std::system_error when the copy fails; then nothing is left.
+  /// Takes the local file at `source` into the note's files, under its own name or, where the note
+  /// has one of that name, with a number ("photo 2.jpg"). The caller gives the file away: it may be
+  /// gone afterwards, or still there. The bytes are on the disk when this returns, and belong to
+  /// the note with the context's next save. Throws std::runtime_error for a name that cannot be
+  /// stored, std::system_error when the bytes cannot be taken; then the note's files hold nothing
+  /// of it.
   static const KVNoteFile& getOrCreateFileFromURL(const std::filesystem::path& source,
                                                   KVNote& note);
 };

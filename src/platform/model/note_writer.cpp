@@ -95,16 +95,21 @@ void NoteWriter::updateAttributes(const NoteRow& now, const NoteRow& before) {
 void NoteWriter::writeFacts(KVNote& note) {
   NoteRow& row = note.state_.row;
   const TextFacts& facts = *row.facts;
+  bool keyUnknown = false;
+  {
+    sqlite::Query query = connection_.query(
+        "UPDATE noteSummary SET textDigest = ?2, textLength = ?3, todoIncomplete = ?4, "
+        "todoCompleted = ?5, features = ?6 WHERE note = ?1 RETURNING version, titleKey IS NULL");
+    query.bind(1, row.id).bind(2, facts.digest).bind(3, facts.length);
+    query.bind(4, facts.todoIncomplete).bind(5, facts.todoCompleted).bind(6, facts.features);
+    query.step();
+    row.version = query.integer(0);
+    keyUnknown = query.integer(1) != 0;
+  }
+  if (!keyUnknown) return;  // an old title's: it is not written anew
   const std::string key = platform::text::foldedForSearch(row.title.value_or(""));
-  sqlite::Query query = connection_.query(
-      "UPDATE noteSummary SET titleKey = ?2, textDigest = ?3, textLength = ?4, todoIncomplete = "
-      "?5, "
-      "todoCompleted = ?6, features = ?7 WHERE note = ?1 RETURNING version");
-  query.bind(1, row.id).bind(2, key).bind(3, facts.digest);
-  query.bind(4, facts.length).bind(5, facts.todoIncomplete).bind(6, facts.todoCompleted);
-  query.bind(7, facts.features);
-  query.step();
-  row.version = query.integer(0);
+  sqlite::Query query = connection_.query("UPDATE noteSummary SET titleKey = ?2 WHERE note = ?1");
+  query.bind(1, row.id).bind(2, key).run();
 }
 
 void NoteWriter::writeTags(std::int64_t note, const Names& now, const Names& before) {

@@ -93,7 +93,7 @@ CREATE INDEX summaryByPin ON noteSummary (trashed, archived, pinned, modificatio
 CREATE INDEX summaryByModification ON noteSummary (trashed, archived, modificationDate);
 CREATE INDEX summaryByCreation ON noteSummary (trashed, archived, creationDate);
 CREATE INDEX summaryByTitle ON noteSummary (trashed, archived, title);
-CREATE INDEX summaryByTitleKey ON noteSummary (titleKey);
+CREATE INDEX summaryByTitleKey ON noteSummary (titleKey) WHERE titleKey IS NOT NULL;
 CREATE INDEX summaryOfFew ON noteSummary (note)  -- states that few notes are in; 8: blank
   WHERE encrypted = 1 OR readOnly = 1 OR ifnull(title, '') = '' OR (features & 8) <> 0;
 CREATE INDEX summaryBySearchRow ON noteSummary (searchRow);
@@ -137,21 +137,31 @@ END;
 
 CREATE TRIGGER noteUpdated AFTER UPDATE ON note BEGIN
   UPDATE counter SET value = value + 1 WHERE name = 'version';
+  UPDATE noteSummary SET
+      version = (SELECT value FROM counter WHERE name = 'version'),
+      modificationDate = NEW.modificationDate, encrypted = NEW.encrypted, readOnly = NEW.readOnly
+    WHERE note IN (OLD.id, NEW.id);
+END;
+
+CREATE TRIGGER noteMoved AFTER UPDATE ON note
+    WHEN (NEW.id, NEW.uniqueIdentifier, NEW.title, NEW.creationDate, NEW.trashed, NEW.archived,
+        NEW.permanentlyDeleted, NEW.pinned)
+      IS NOT (OLD.id, OLD.uniqueIdentifier, OLD.title, OLD.creationDate, OLD.trashed, OLD.archived,
+        OLD.permanentlyDeleted, OLD.pinned) BEGIN
   DELETE FROM noteSummary
     WHERE note <> OLD.id AND (note = NEW.id OR uniqueIdentifier = NEW.uniqueIdentifier);
   UPDATE noteSummary SET
-      note = NEW.id, version = (SELECT value FROM counter WHERE name = 'version'),
-      uniqueIdentifier = NEW.uniqueIdentifier, title = NEW.title,
-      creationDate = NEW.creationDate, modificationDate = NEW.modificationDate,
+      note = NEW.id, uniqueIdentifier = NEW.uniqueIdentifier, title = NEW.title,
+      titleKey = iif(NEW.title IS OLD.title, titleKey, NULL), creationDate = NEW.creationDate,
       trashed = NEW.trashed, archived = NEW.archived, permanentlyDeleted = NEW.permanentlyDeleted,
       place = NEW.trashed * 4 + NEW.archived * 2 + ifnull(NEW.permanentlyDeleted, 0),
-      pinned = NEW.pinned, encrypted = NEW.encrypted, readOnly = NEW.readOnly
+      pinned = NEW.pinned
     WHERE note = OLD.id;
 END;
 
 CREATE TRIGGER noteRewritten AFTER UPDATE OF title, text ON note
     WHEN NEW.text IS NOT OLD.text OR NEW.title IS NOT OLD.title BEGIN
-  UPDATE noteSummary SET titleKey = NULL, textDigest = NULL, textLength = NULL,
+  UPDATE noteSummary SET textDigest = NULL, textLength = NULL,
       todoIncomplete = NULL, todoCompleted = NULL, features = NULL, searchRow = NULL
     WHERE note IN (OLD.id, NEW.id);
 END;

@@ -1,3 +1,4 @@
+#include <fmt/format.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -264,6 +265,48 @@ TEST_F(Model, ReadsWhileAnotherProcessHoldsTheWriteLock) {
   EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(4))
       << "the five seconds that a writer waits";
   client.run("ROLLBACK");
+}
+
+// Every page is written to the log and read again by the next program: an index whose columns stay
+// as they are is to be left alone.
+TEST_F(Model, WritesFewPagesForAChangedText) {
+  std::string id;
+  {
+    auto stack = open();
+    for (int i = 0; i < 400; ++i) {
+      id =
+          KVNote::noteWithText(fmt::format("# Note {}\nof text", i), *stack->managedObjectContext())
+              .uniqueIdentifier();
+    }
+    stack->managedObjectContext()->save();
+  }
+  auto stack = open();
+  ForeignClient(home.database()).run("PRAGMA wal_checkpoint(TRUNCATE)");
+  KVNote& changed = note(*stack, id);
+  changed.updateNoteWithText(changed.text() + " and more", true);
+  stack->managedObjectContext()->save();
+  constexpr std::uintmax_t page = 4096 + 24;
+  // The text, the short row, the version, what is not indexed, and two orders by date.
+  EXPECT_LE(std::filesystem::file_size(home.database().string() + "-wal") / page, 6U);
+}
+
+TEST_F(Model, MovesAFileInUnlessSomebodyElseHasIt) {
+  const std::string id = create("# a");
+  const std::filesystem::path alone = home.temporary() / "alone", shared = home.temporary() / "b";
+  for (const auto& path : {alone, shared}) std::ofstream(path) << "bytes";
+  std::filesystem::create_hard_link(shared, home.temporary() / "theirs");
+  auto stack = open();
+  for (const auto& path : {alone, shared}) {
+    KVNoteFile::getOrCreateFileFromURL(path, note(*stack, id));
+  }
+  stack->managedObjectContext()->save();
+  EXPECT_FALSE(exists(alone));
+  std::ofstream(home.temporary() / "theirs") << "changed";
+  for (const KVNoteFile& file : note(*stack, id).orderedFiles()) {
+    std::ifstream stored(note(*stack, id).fileURL(file).value());
+    EXPECT_EQ(std::string(std::istreambuf_iterator<char>(stored), {}), "bytes") << *file.filename;
+    EXPECT_EQ(file.fileSizeValue, 5);
+  }
 }
 
 TEST_F(Model, ReadsAListInFewStatements) {
