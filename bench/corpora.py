@@ -150,9 +150,8 @@ def note_count(database):
     return _ask(database, "SELECT count(*) FROM note")
 
 
-def changes(database):
-    """Grows with every note written."""
-    return _ask(database, "SELECT value FROM counter WHERE name = 'version'")
+def text_length(database):
+    return _ask(database, "SELECT sum(length(text)) FROM note")
 
 
 def _ask(database, question):

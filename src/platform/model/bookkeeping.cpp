@@ -37,16 +37,17 @@ void writeFacts(sqlite::Connection& connection, int milliseconds) {
 }  // namespace
 
 OpenWork openWork(sqlite::Connection& connection) {
-  OpenWork work;
   try {
-    work.removedFiles = connection.query("SELECT 1 FROM removedFile").step();
-    // Notes whose facts are not known are among those that are not indexed.
-    sqlite::Query notes = connection.query("SELECT note FROM noteSummary WHERE searchRow IS NULL");
-    while (work.notesNotIndexed < imported && notes.step()) ++work.notesNotIndexed;
+    // One statement, since every command runs it. Notes whose facts are not known are among those
+    // that are not indexed.
+    sqlite::Query work = connection.query(
+        "SELECT EXISTS (SELECT 1 FROM removedFile), "
+        "(SELECT count(*) FROM (SELECT 1 FROM noteSummary WHERE searchRow IS NULL LIMIT ?1))");
+    work.bind(1, imported).step();
+    return {.removedFiles = work.integer(0) != 0, .notesNotIndexed = work.integer(1)};
   } catch (const std::exception&) {
     return {};
   }
-  return work;
 }
 
 void catchUp(sqlite::Connection& connection, const OpenWork& work) {

@@ -14,7 +14,7 @@ struct OpenWork {
   std::int64_t notesNotIndexed = 0;  ///< counted up to the number that tells an import
 };
 
-/// Two short statements; nothing to do where the database cannot be read.
+/// A short statement; nothing to do where the database cannot be read.
 OpenWork openWork(sqlite::Connection& connection);
 
 /// Brings what is kept beside the notes up to date: facts of texts, folded titles, the search

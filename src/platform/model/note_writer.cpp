@@ -69,16 +69,17 @@ void NoteWriter::update(KVNote& note) {
     query.bind(1, now.row.id).bind(2, now.row.title);
     query.bind(3, *now.text).bind(4, now.row.modificationDate).run();
     writeFacts(note);
-  } else if (now.row.modificationDate != before.row.modificationDate) {
-    sqlite::Query query = connection_.query("UPDATE note SET modificationDate = ?2 WHERE id = ?1");
+  } else {
+    sqlite::Query query = connection_.query(
+        "UPDATE note SET modificationDate = ?2 WHERE id = ?1 AND modificationDate IS NOT ?2");
     query.bind(1, now.row.id).bind(2, now.row.modificationDate).run();
+    sqlite::Query version = connection_.query("SELECT version FROM noteSummary WHERE note = ?1");
+    version.bind(1, now.row.id).step();
+    now.row.version = version.integer(0);
   }
   if (now.tags) writeTags(now.row.id, *now.tags, orNone(before.tags));
   if (now.pinnedInTags) writePins(now.row.id, *now.pinnedInTags, orNone(before.pinnedInTags));
   if (now.files) writeFiles(note, before.files ? *before.files : std::vector<KVNoteFile>{});
-  sqlite::Query version = connection_.query("SELECT version FROM noteSummary WHERE note = ?1");
-  version.bind(1, now.row.id).step();
-  now.row.version = version.integer(0);
 }
 
 void NoteWriter::updateAttributes(const NoteRow& now, const NoteRow& before) {

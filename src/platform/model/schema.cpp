@@ -68,7 +68,7 @@ CREATE INDEX fileByNote ON file (note, position);
 -- One short row a note: everything that lists show, so that they never walk through texts.
 CREATE TABLE noteSummary (
   note INTEGER PRIMARY KEY,
-  version INTEGER NOT NULL,          -- of the note's last change by anybody; grows only
+  version INTEGER NOT NULL,          -- a new random number with every change by anybody
   uniqueIdentifier TEXT NOT NULL UNIQUE,
   title TEXT,
   creationDate REAL,
@@ -98,13 +98,12 @@ CREATE INDEX summaryOfFew ON noteSummary (note)  -- states that few notes are in
   WHERE encrypted = 1 OR readOnly = 1 OR ifnull(title, '') = '' OR (features & 8) <> 0;
 CREATE INDEX summaryBySearchRow ON noteSummary (searchRow);
 
--- 'version': the last version given out. 'searchRow': the last row of searchIndex.
--- 'notes' and a place: the number of notes there.
+-- 'searchRow': the last row of searchIndex. 'notes' and a place: the number of notes there.
 CREATE TABLE counter (
   name TEXT PRIMARY KEY,
   value INTEGER NOT NULL
 ) WITHOUT ROWID;
-INSERT INTO counter VALUES ('version', 0), ('searchRow', 0),
+INSERT INTO counter VALUES ('searchRow', 0),
   ('notes0', 0), ('notes1', 0), ('notes2', 0), ('notes3', 0),
   ('notes4', 0), ('notes5', 0), ('notes6', 0), ('notes7', 0);
 
@@ -124,25 +123,24 @@ CREATE VIRTUAL TABLE searchIndex USING fts5 (
 // was replaced, and hand its tags, pins and files on to the row that has its identifier now.
 constexpr const char* createTriggers = R"sql(
 CREATE TRIGGER noteInserted AFTER INSERT ON note BEGIN
-  UPDATE counter SET value = value + 1 WHERE name = 'version';
   DELETE FROM noteSummary WHERE note = NEW.id;
   UPDATE noteSummary SET note = NEW.id WHERE uniqueIdentifier = NEW.uniqueIdentifier;
   DELETE FROM noteSummary WHERE note = NEW.id;
-  INSERT INTO noteSummary SELECT NEW.id, value, NEW.uniqueIdentifier, NEW.title, NEW.creationDate,
-      NEW.modificationDate, NEW.trashed, NEW.archived, NEW.permanentlyDeleted,
-      NEW.trashed * 4 + NEW.archived * 2 + ifnull(NEW.permanentlyDeleted, 0),
-      NEW.pinned, NEW.encrypted, NEW.readOnly, NULL, NULL, NULL, NULL, NULL, NULL, NULL
-    FROM counter WHERE name = 'version';
+  INSERT INTO noteSummary SELECT id, random(), uniqueIdentifier, title, creationDate,
+      modificationDate, trashed, archived, permanentlyDeleted,
+      trashed * 4 + archived * 2 + ifnull(permanentlyDeleted, 0), pinned, encrypted, readOnly,
+      NULL, NULL, NULL, NULL, NULL, NULL, NULL
+    FROM note WHERE id = NEW.id;
 END;
 
 CREATE TRIGGER noteUpdated AFTER UPDATE ON note BEGIN
-  UPDATE counter SET value = value + 1 WHERE name = 'version';
-  UPDATE noteSummary SET
-      version = (SELECT value FROM counter WHERE name = 'version'),
-      modificationDate = NEW.modificationDate, encrypted = NEW.encrypted, readOnly = NEW.readOnly
+  UPDATE noteSummary SET version = random(), modificationDate = NEW.modificationDate,
+      encrypted = NEW.encrypted, readOnly = NEW.readOnly
     WHERE note IN (OLD.id, NEW.id);
 END;
 
+-- SQLite rewrites an index entry whenever a column of it is assigned, so what seldom changes is
+-- assigned only where it does.
 CREATE TRIGGER noteMoved AFTER UPDATE ON note
     WHEN (NEW.id, NEW.uniqueIdentifier, NEW.title, NEW.creationDate, NEW.trashed, NEW.archived,
         NEW.permanentlyDeleted, NEW.pinned)
@@ -152,8 +150,9 @@ CREATE TRIGGER noteMoved AFTER UPDATE ON note
     WHERE note <> OLD.id AND (note = NEW.id OR uniqueIdentifier = NEW.uniqueIdentifier);
   UPDATE noteSummary SET
       note = NEW.id, uniqueIdentifier = NEW.uniqueIdentifier, title = NEW.title,
-      titleKey = iif(NEW.title IS OLD.title, titleKey, NULL), creationDate = NEW.creationDate,
-      trashed = NEW.trashed, archived = NEW.archived, permanentlyDeleted = NEW.permanentlyDeleted,
+      titleKey = CASE WHEN NEW.title IS OLD.title THEN titleKey END,
+      creationDate = NEW.creationDate, trashed = NEW.trashed, archived = NEW.archived,
+      permanentlyDeleted = NEW.permanentlyDeleted,
       place = NEW.trashed * 4 + NEW.archived * 2 + ifnull(NEW.permanentlyDeleted, 0),
       pinned = NEW.pinned
     WHERE note = OLD.id;
@@ -167,7 +166,6 @@ CREATE TRIGGER noteRewritten AFTER UPDATE OF title, text ON note
 END;
 
 CREATE TRIGGER noteDeleted AFTER DELETE ON note BEGIN
-  UPDATE counter SET value = value + 1 WHERE name = 'version';
   DELETE FROM noteSummary WHERE note = OLD.id;
 END;
 
