@@ -64,10 +64,9 @@ void NoteWriter::update(KVNote& note) {
   const KVNote::State& before = *note.committed_;
   updateAttributes(now.row, before.row);
   if (now.text && before.text && *now.text != *before.text) {
-    sqlite::Query query = connection_.query(
-        "UPDATE note SET title = ?2, text = ?3, modificationDate = ?4 WHERE id = ?1");
-    query.bind(1, now.row.id).bind(2, now.row.title);
-    query.bind(3, *now.text).bind(4, now.row.modificationDate).run();
+    sqlite::Query query =
+        connection_.query("UPDATE note SET text = ?2, modificationDate = ?3 WHERE id = ?1");
+    query.bind(1, now.row.id).bind(2, *now.text).bind(3, now.row.modificationDate).run();
     writeFacts(note);
   } else {
     sqlite::Query query = connection_.query(
@@ -83,14 +82,14 @@ void NoteWriter::update(KVNote& note) {
 }
 
 void NoteWriter::updateAttributes(const NoteRow& now, const NoteRow& before) {
-  if (now.trashed == before.trashed && now.archived == before.archived &&
-      now.pinned == before.pinned) {
+  if (now.title == before.title && now.trashed == before.trashed &&
+      now.archived == before.archived && now.pinned == before.pinned) {
     return;
   }
-  sqlite::Query query =
-      connection_.query("UPDATE note SET trashed = ?2, archived = ?3, pinned = ?4 WHERE id = ?1");
-  query.bind(1, now.id).bind(2, std::int64_t{now.trashed}).bind(3, std::int64_t{now.archived});
-  query.bind(4, std::int64_t{now.pinned}).run();
+  sqlite::Query query = connection_.query(
+      "UPDATE note SET title = ?2, trashed = ?3, archived = ?4, pinned = ?5 WHERE id = ?1");
+  query.bind(1, now.id).bind(2, now.title).bind(3, std::int64_t{now.trashed});
+  query.bind(4, std::int64_t{now.archived}).bind(5, std::int64_t{now.pinned}).run();
 }
 
 void NoteWriter::writeFacts(KVNote& note) {

@@ -4,6 +4,7 @@
 #include <fmt/format.h>
 #include <gtest/gtest.h>
 
+#include <array>
 #include <random>
 #include <string>
 
@@ -39,6 +40,10 @@ class Stranger {
   int below(int end) { return std::uniform_int_distribution(0, end - 1)(random_); }
   std::string id() { return fmt::to_string(below(8) + 1); }
   std::string name() { return fmt::format("'name {}'", below(8)); }
+  std::string idColumn() {
+    constexpr std::array names = {"id", "rowid", "OID", "_rowid_"};
+    return names[static_cast<std::size_t>(below(names.size()))];
+  }
   std::string flag() { return below(2) == 0 ? "0" : "1"; }
 
   std::string statement() {
@@ -59,8 +64,7 @@ class Stranger {
             flag(), flag(), below(2) == 0 ? "NULL" : flag(), flag(), id(), id());
       case 4:
         return fmt::format("UPDATE {} note SET {} = {} WHERE id = {}",
-                           below(2) == 0 ? "OR REPLACE" : "", below(2) == 0 ? "id" : "rowid", id(),
-                           id());
+                           below(2) == 0 ? "OR REPLACE" : "", idColumn(), id(), id());
       case 5:
         return fmt::format("UPDATE {} note SET uniqueIdentifier = {} WHERE id = {}",
                            below(2) == 0 ? "OR REPLACE" : "", name(), id());
