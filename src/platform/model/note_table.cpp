@@ -68,8 +68,8 @@ class Distribution {
   std::size_t next_ = 0;
 };
 
-/// Runs over the rows of `relation` that belong to the notes, given ascending, by ascending note.
-/// `note` is the query's first column.
+/// Runs over the rows of `relation` that belong to the notes, given ascending, by ascending note:
+/// visit(note, query), with the columns from 1 on.
 template <class Visit>
 void forEachRelated(sqlite::Connection& connection, const std::vector<std::int64_t>& notes,
                     std::string_view columns, std::string_view relation, std::string_view order,
@@ -81,16 +81,17 @@ void forEachRelated(sqlite::Connection& connection, const std::vector<std::int64
     sqlite::Query query = connection.query(sql);
     auto wanted = notes.begin();
     while (query.step()) {
-      while (wanted != notes.end() && *wanted < query.integer(0)) ++wanted;
+      const std::int64_t note = query.integer(0);
+      while (wanted != notes.end() && *wanted < note) ++wanted;
       if (wanted == notes.end()) return;
-      if (*wanted == query.integer(0)) visit(query);
+      if (*wanted == note) visit(note, query);
     }
     return;
   }
   for (const std::int64_t note : notes) {
     sqlite::Query query = connection.query(sql);
     query.bind(1, note);
-    while (query.step()) visit(query);
+    while (query.step()) visit(note, query);
   }
 }
 
@@ -143,8 +144,8 @@ class TagNames {
 
 std::string_view NoteTable::columns() const {
   constexpr std::string_view all =
-      "s.note, s.uniqueIdentifier, s.title, s.creationDate, s.modificationDate, s.trashed, "
-      "s.archived, s.pinned, s.encrypted, s.textDigest, s.textLength, s.todoIncomplete, "
+      "s.note, s.uniqueIdentifier, s.title, s.creationDate, s.modificationDate, s.place, "
+      "s.pinned, s.encrypted, s.textDigest, s.textLength, s.todoIncomplete, "
       "s.todoCompleted";
   return detailed_ ? all : all.substr(0, all.find(", s.textDigest"));
 }
@@ -156,15 +157,16 @@ void NoteTable::add(const sqlite::Query& query) {
   row.title = arena_.keep(query.text(2));
   row.creationDate = query.optionalReal(3);
   row.modificationDate = query.optionalReal(4);
-  row.trashed = query.integer(5) != 0;
-  row.archived = query.integer(6) != 0;
-  row.pinned = query.integer(7) != 0;
-  row.encrypted = query.integer(8) != 0;
+  const std::int64_t place = query.integer(5);
+  row.trashed = (place & 4) != 0;
+  row.archived = (place & 2) != 0;
+  row.pinned = query.integer(6) != 0;
+  row.encrypted = query.integer(7) != 0;
   if (!detailed_) return;
-  row.digest = arena_.keep(query.text(9));
-  row.length = query.integer(10);
-  row.todoIncomplete = query.integer(11);
-  row.todoCompleted = query.integer(12);
+  row.digest = arena_.keep(query.text(8));
+  row.length = query.integer(9);
+  row.todoIncomplete = query.integer(10);
+  row.todoCompleted = query.integer(11);
 }
 
 void NoteTable::loadRelations(sqlite::Connection& connection) {
@@ -184,8 +186,8 @@ void NoteTable::loadTags(sqlite::Connection& connection) {
   uses.reserve(2 * rows_.size());
   Distribution tags(rows_, tags_, &NoteView::tags);
   forEachRelated(connection, tags.ids(), "tag", "noteTag", "note, tag",
-                 [&](const sqlite::Query& related) {
-                   uses.push_back({related.integer(0), related.integer(1)});
+                 [&](std::int64_t note, const sqlite::Query& related) {
+                   uses.push_back({note, related.integer(1)});
                  });
   TagNames names;
   if (uses.size() >= walkFrom) {
@@ -211,9 +213,8 @@ void NoteTable::loadTags(sqlite::Connection& connection) {
 void NoteTable::loadPins(sqlite::Connection& connection) {
   Distribution pins(rows_, pins_, &NoteView::pinnedInTags);
   forEachRelated(connection, pins.ids(), "(SELECT title FROM tag WHERE id = tag)", "pinnedInTag",
-                 "note", [&](const sqlite::Query& related) {
-                   if (related.isNull(1)) return;
-                   pins.give(related.integer(0), arena_.keep(related.text(1)));
+                 "note", [&](std::int64_t note, const sqlite::Query& related) {
+                   if (!related.isNull(1)) pins.give(note, arena_.keep(related.text(1)));
                  });
   pins.finish();
 }
@@ -221,9 +222,8 @@ void NoteTable::loadPins(sqlite::Connection& connection) {
 void NoteTable::loadFiles(sqlite::Connection& connection) {
   Distribution files(rows_, filenames_, &NoteView::filenames);
   forEachRelated(connection, files.ids(), "filename", "file", "note, position, id",
-                 [&](const sqlite::Query& related) {
-                   if (related.isNull(1)) return;
-                   files.give(related.integer(0), arena_.keep(related.text(1)));
+                 [&](std::int64_t note, const sqlite::Query& related) {
+                   if (!related.isNull(1)) files.give(note, arena_.keep(related.text(1)));
                  });
   files.finish();
 }

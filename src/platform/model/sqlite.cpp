@@ -140,8 +140,9 @@ std::string_view Query::text(int column) const {
 }
 
 std::optional<double> Query::optionalReal(int column) const {
-  if (isNull(column)) return std::nullopt;
-  return real(column);
+  const double value = real(column);  // 0 for NULL
+  if (value == 0 && isNull(column)) return std::nullopt;
+  return value;
 }
 
 Connection::Connection(const std::string& path, Mode mode) {

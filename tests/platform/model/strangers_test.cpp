@@ -47,7 +47,7 @@ class Stranger {
   std::string flag() { return below(2) == 0 ? "0" : "1"; }
 
   std::string statement() {
-    switch (below(9)) {
+    switch (below(10)) {
       case 0:
         return fmt::format("INSERT INTO note (title, text, trashed) VALUES ({}, 'é', {})", name(),
                            flag());
@@ -60,8 +60,8 @@ class Stranger {
       case 3:
         return fmt::format(
             "UPDATE note SET trashed = {}, archived = {}, permanentlyDeleted = {}, "
-            "pinned = {}, modificationDate = {} WHERE id = {}",
-            flag(), flag(), below(2) == 0 ? "NULL" : flag(), flag(), id(), id());
+            "pinned = {}, encrypted = {}, modificationDate = {} WHERE id = {}",
+            flag(), flag(), below(2) == 0 ? "NULL" : flag(), flag(), flag(), id(), id());
       case 4:
         return fmt::format("UPDATE {} note SET {} = {} WHERE id = {}",
                            below(2) == 0 ? "OR REPLACE" : "", idColumn(), id(), id());
@@ -75,6 +75,11 @@ class Stranger {
             "INSERT OR IGNORE INTO noteTag SELECT id, {} FROM note WHERE id = {}; "
             "INSERT INTO file (note, filename) SELECT id, 'a' FROM note WHERE id = {}",
             id(), id(), id());
+      case 8:
+        return fmt::format(
+            "INSERT INTO note (uniqueIdentifier, text) VALUES ({}, {}) ON CONFLICT "
+            "(uniqueIdentifier) DO UPDATE SET title = {}, text = excluded.text",
+            name(), name(), name());
       default:
         return fmt::format("UPDATE note SET text = {}, title = {} WHERE id = {}", name(), name(),
                            id());
