@@ -79,20 +79,20 @@ std::int64_t sizeOf(int file, const fs::path& path) {
 }
 
 /// The kernel copies: the bytes do not come through this process.
-std::int64_t copyBytes(const fs::path& source, int target, const fs::path& targetPath) {
+void copyBytes(const fs::path& source, int target, const fs::path& targetPath) {
   constexpr std::size_t most = std::size_t{1} << 30;
   const Descriptor input(open(source.c_str(), O_RDONLY | O_CLOEXEC));
   if (input.get() < 0) fail(source, "Could not read the file");
   bool withinFileSystem = true;
-  std::int64_t total = 0;
+  bool begun = false;
   while (true) {
     const ssize_t count = withinFileSystem
                               ? copy_file_range(input.get(), nullptr, target, nullptr, most, 0)
                               : sendfile(target, input.get(), nullptr, most);
-    if (count == 0) return total;
+    if (count == 0) return;
     if (count > 0) {
-      total += count;
-    } else if (withinFileSystem && total == 0 && errno != EINTR) {
+      begun = true;
+    } else if (withinFileSystem && !begun && errno != EINTR) {
       withinFileSystem = false;  // between two of them, or on one that cannot
     } else if (errno != EINTR) {
       fail(targetPath, "Could not write the file");
@@ -117,7 +117,8 @@ FileStore::Staged FileStore::stage(const fs::path& source) {
   const int moved = moveLocked(source, path);
   const int descriptor = moved >= 0 ? moved : createLocked(path);
   staged_.push_back({result.storedName, descriptor});
-  result.size = moved >= 0 ? sizeOf(moved, path) : copyBytes(source, descriptor, path);
+  if (moved < 0) copyBytes(source, descriptor, path);
+  result.size = sizeOf(descriptor, path);
   if (fsync(descriptor) != 0) fail(path, "Could not write the file");
   syncFolder(folder_ / "staged");
   syncFolder(folder_);
