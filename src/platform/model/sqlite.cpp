@@ -40,8 +40,8 @@ bool configureLibrary() {
   sqlite3_config(SQLITE_CONFIG_MEMSTATUS, 0);
   // What undoes a statement stays in memory: the pages that one note's triggers touch would else be
   // written to a temporary file.
-  constexpr int spillFrom = 4 << 20;  // bytes
-  sqlite3_config(SQLITE_CONFIG_STMTJRNL_SPILL, spillFrom);
+  constexpr int never = -1;
+  sqlite3_config(SQLITE_CONFIG_STMTJRNL_SPILL, never);
   return true;
 }
 
