@@ -5,7 +5,6 @@
 
 #include <array>
 #include <cstddef>
-#include <cstdlib>
 #include <cstring>
 
 namespace tavimodel::sqlite {
@@ -23,7 +22,7 @@ constexpr bool sanitized = false;
 #endif
 
 constexpr std::size_t small = 1024;
-constexpr std::size_t largest = std::size_t{64} << 10;  ///< in a pool; what is larger is malloc's
+constexpr std::size_t largest = std::size_t{64} << 10;  ///< in a pool; others are mapped alone
 constexpr std::size_t chunkSize = std::size_t{128} << 10;
 
 /// Sizes of blocks are multiples of it.
@@ -43,6 +42,14 @@ struct FreeBlock {
   FreeBlock* next;
 };
 
+/// Null where there is no memory. All pages are mapped at once: nearly all will be used, and a page
+/// fault each would cost more than what is done with the memory.
+char* mapped(std::size_t size) {
+  void* memory = mmap(nullptr, size, PROT_READ | PROT_WRITE,
+                      MAP_PRIVATE | MAP_ANONYMOUS | MAP_POPULATE, -1, 0);
+  return memory == MAP_FAILED ? nullptr : static_cast<char*>(memory);
+}
+
 /// Blocks that are free, by size, and a chunk from which new ones are cut. Memory is not given
 /// back: what was needed once is needed again.
 struct Pool {
@@ -54,12 +61,9 @@ struct Pool {
 
   char* cut(std::size_t size) {
     if (left < size) {
-      // Mapped at once: nearly all of it will be used, and a page fault each would cost a command
-      // more than what it does with the memory.
-      void* fresh = mmap(nullptr, chunkSize, PROT_READ | PROT_WRITE,
-                         MAP_PRIVATE | MAP_ANONYMOUS | MAP_POPULATE, -1, 0);
-      if (fresh == MAP_FAILED) return nullptr;
-      chunk = static_cast<char*>(fresh);
+      char* fresh = mapped(chunkSize);
+      if (fresh == nullptr) return nullptr;
+      chunk = fresh;
       left = chunkSize;
     }
     char* piece = chunk;
@@ -95,7 +99,7 @@ void* allocate(int wanted) {
     }
   }
   const std::size_t whole = sizeof(Header) + size;
-  char* memory = size <= largest ? pool.cut(whole) : static_cast<char*>(std::malloc(whole));
+  char* memory = size <= largest ? pool.cut(whole) : mapped(whole);
   if (memory == nullptr) return nullptr;
   std::memcpy(memory, &size, sizeof size);
   return memory + sizeof(Header);
@@ -105,7 +109,7 @@ void release(void* block) {
   if (block == nullptr) return;
   const std::size_t size = sizeOf(block);
   if (size > largest) {
-    std::free(static_cast<char*>(block) - sizeof(Header));
+    munmap(static_cast<char*>(block) - sizeof(Header), sizeof(Header) + size);
     return;
   }
   auto* freed = static_cast<FreeBlock*>(block);
