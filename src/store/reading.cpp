@@ -58,7 +58,10 @@ std::vector<SearchMatch> TaviDatabaseStore::searchInNote(const std::string& id,
                                                          const std::string& string,
                                                          std::int64_t context,
                                                          std::optional<std::int64_t> limit) {
-  return TextSearcher::search(unlockedNoteWithID(id).text(), string, context, limit);
+  std::vector<SearchMatch> matches;
+  unlockedNoteWithID(id).readText(
+      [&](std::string_view text) { matches = TextSearcher::search(text, string, context, limit); });
+  return matches;
 }
 
 std::vector<std::string> TaviDatabaseStore::listTags(const std::optional<std::string>& id) {

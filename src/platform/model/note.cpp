@@ -93,6 +93,12 @@ const std::string& KVNote::text() {
   return loaded(&State::text, &NoteReader::text);
 }
 
+void KVNote::readText(const std::function<void(std::string_view)>& visit) {
+  if (state_.text) return visit(*state_.text);
+  NoteReader(context_.reading())
+      .forEachText({state_.row.id}, [&](std::size_t, std::string_view text) { visit(text); });
+}
+
 const TextFacts& KVNote::textFacts() {
   if (!state_.row.facts) state_.row.facts = TextFacts::of(text());
   return *state_.row.facts;

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -43,6 +44,9 @@ class KVNote {
 
   /// The Markdown; absent counts as empty.
   const std::string& text();
+  /// Calls `visit` with the text, neither kept nor copied: for one that is only looked at and may
+  /// be huge. It is good until `visit` returns.
+  void readText(const std::function<void(std::string_view)>& visit);
   /// Of the text: hash, length, to-dos.
   const TextFacts& textFacts();
   std::int32_t todoIncompleteValue() {
