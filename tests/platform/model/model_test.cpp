@@ -178,6 +178,21 @@ TEST_F(Model, SeesForeignTextsWithFreshFacts) {
   EXPECT_EQ(note(*stack, id).todoIncompleteValue(), 0);
 }
 
+TEST_F(Model, ReadsATextThatIsOnlyLookedAtAsTheNoteHasIt) {
+  const std::string id = create("# a");
+  const auto seen = [](KVNote& read) {
+    std::string result = "not called";
+    read.readText([&](std::string_view text) { result = text; });
+    return result;
+  };
+  auto stack = open();
+  EXPECT_EQ(seen(note(*stack, id)), "# a");
+  note(*stack, id).updateNoteWithText("# mine, and not saved", true);
+  EXPECT_EQ(seen(note(*stack, id)), "# mine, and not saved");
+  ForeignClient(home.database()).run("UPDATE note SET text = NULL");
+  EXPECT_EQ(seen(note(*open(), id)), "");
+}
+
 TEST_F(Model, KeepsTagsPinsAndFilesOfANoteThatAStrangerReplaces) {
   const std::string id = create("# a #work");
   ForeignClient client(home.database());
