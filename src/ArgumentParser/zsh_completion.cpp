@@ -58,7 +58,7 @@ std::string quoted(const std::string& text) {
   return result + "'";
 }
 
-/// A text within a specification, which gives the characters a meaning.
+/// A text within an entry for _arguments, which gives the characters a meaning.
 std::string escaped(std::string_view text, std::string_view special) {
   std::string result;
   for (const char c : text) {
@@ -87,7 +87,7 @@ class ZshScript {
   void writeHandOverToDefault(const CompletionCommand& command);
   void writeSubcommands(const CompletionCommand& command);
   void writeTexts(const CompletionCommand& command);
-  std::string specification(const CompletionCommand& command, std::size_t index) const;
+  std::string entry(const CompletionCommand& command, std::size_t index) const;
   std::string action(const CompletionCommand& command, std::size_t index) const;
 
   void line(int depth, std::string_view text) {
@@ -113,7 +113,7 @@ void ZshScript::writeCommand(const CompletionCommand& command) {
   line(1, "arg_specs=(");
   for (std::size_t i = 0; i < command.arguments.size(); ++i) {
     const ArgumentDefinition& definition = command.arguments[i].definition;
-    if (definition.isPositional() || definition.isVisible) line(2, specification(command, i));
+    if (definition.isPositional() || definition.isVisible) line(2, entry(command, i));
   }
   if (!command.children.empty()) {
     line(2, "'(-): :->command'");
@@ -164,7 +164,7 @@ void ZshScript::writeSubcommands(const CompletionCommand& command) {
   line(1, "esac");
 }
 
-/// The values and shell commands of arguments stand in variables, which specifications name:
+/// The values and shell commands of arguments stand in variables, which the entries name:
 /// within one, characters have meanings that no quoting takes off them.
 void ZshScript::writeTexts(const CompletionCommand& command) {
   for (std::size_t i = 0; i < command.arguments.size(); ++i) {
@@ -178,7 +178,7 @@ void ZshScript::writeTexts(const CompletionCommand& command) {
   }
 }
 
-std::string ZshScript::specification(const CompletionCommand& command, std::size_t index) const {
+std::string ZshScript::entry(const CompletionCommand& command, std::size_t index) const {
   const CompletionArgument& argument = command.arguments[index];
   const ArgumentDefinition& definition = argument.definition;
   const std::string value =

@@ -15,7 +15,7 @@ namespace tavi {
 
 /// What a list or a search asks for besides its query.
 struct ListRequest {
-  SortSpecification sort;
+  SortCriteria sort;
   std::int64_t limit = INT64_MAX;        ///< greater than 0
   std::int64_t offset = 0;               ///< rows to skip, not negative
   std::optional<NoteLocation> location;  ///< absent: every location

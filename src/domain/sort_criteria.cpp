@@ -73,8 +73,8 @@ std::string_view rawText(SortOrder order) {
 SortParseError::SortParseError(Kind kind, std::string_view offender)
     : std::runtime_error(message(kind, offender)), kind_(kind) {}
 
-SortSpecification parseSortCriteria(std::string_view text) {
-  SortSpecification result;
+SortCriteria parseSortCriteria(std::string_view text) {
+  SortCriteria result;
   while (!text.empty()) {
     const std::size_t comma = std::min(text.find(','), text.size());
     const std::string_view part = text.substr(0, comma);

@@ -17,7 +17,7 @@ struct SortCriterion {
 };
 
 /// Earlier criteria decide first. Never empty when it comes from `parseSortCriteria`.
-using SortSpecification = std::vector<SortCriterion>;
+using SortCriteria = std::vector<SortCriterion>;
 
 std::string_view rawText(SortField field);
 std::string_view rawText(SortOrder order);
@@ -35,6 +35,6 @@ class SortParseError : public std::runtime_error {
 
 /// Reads "pinned,modified:asc". A field without a direction is descending. Throws SortParseError
 /// at the first fault.
-SortSpecification parseSortCriteria(std::string_view text);
+SortCriteria parseSortCriteria(std::string_view text);
 
 }  // namespace tavi

@@ -15,7 +15,7 @@ void refuseNegative(const std::optional<std::int64_t>& number, const char* messa
   if (number && *number < 0) throw OperationError::invalidInput(message);
 }
 
-SortSpecification parsedSort(const std::optional<std::string>& sort) {
+SortCriteria parsedSort(const std::optional<std::string>& sort) {
   try {
     return parseSortCriteria(sort ? *sort : "pinned,modified");
   } catch (const SortParseError& error) {
