@@ -43,12 +43,14 @@ else()
   target_link_libraries(ext::md4c INTERFACE ${md4c_library})
 endif()
 
-# Headers only.
-add_library(ext::fmt INTERFACE IMPORTED GLOBAL)
-find_path(fmt_include fmt/format.h REQUIRED)
-target_include_directories(ext::fmt SYSTEM INTERFACE ${fmt_include})
-target_compile_definitions(ext::fmt INTERFACE FMT_HEADER_ONLY)
-
 # Compiled once, in src/json/boost_json.cpp.
 add_library(ext::boost_json INTERFACE IMPORTED GLOBAL)
 target_include_directories(ext::boost_json SYSTEM INTERFACE ${Boost_INCLUDE_DIRS})
+
+# Headers and one source of ours, since Debian has no archive: with the headers alone each unit
+# compiles the whole library anew, which takes three times as long.
+find_path(fmt_include fmt/format-inl.h REQUIRED)
+add_library(fmt_library STATIC "${CMAKE_SOURCE_DIR}/src/fmt_library.cpp")
+target_include_directories(fmt_library SYSTEM PUBLIC ${fmt_include})
+target_compile_options(fmt_library PRIVATE -ffunction-sections -fdata-sections)
+add_library(ext::fmt ALIAS fmt_library)
