@@ -7,8 +7,8 @@
 #include <vector>
 
 #include "domain/note_store.h"
-#include "platform/model/core_data_stack.h"
-#include "platform/model/note_tag.h"
+#include "platform/model/objects/core_data_stack.h"
+#include "platform/model/objects/note_tag.h"
 
 namespace tavi {
 

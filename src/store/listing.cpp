@@ -3,8 +3,8 @@
 #include <utility>
 
 #include "domain/invalid_query.h"
-#include "platform/model/search_manager.h"
-#include "platform/model/search_query.h"
+#include "platform/model/search/search_manager.h"
+#include "platform/model/search/search_query.h"
 #include "store/database_store.h"
 #include "store/note_conversion.h"
 

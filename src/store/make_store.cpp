@@ -3,7 +3,8 @@
 #include <string>
 
 #include "domain/store_errors.h"
-#include "platform/model/core_data_stack.h"
+#include "platform/model/objects/core_data_stack.h"
+#include "platform/system/directories.h"
 #include "store/database_store.h"
 #include "store/preferences.h"
 
@@ -13,8 +14,10 @@ std::unique_ptr<NoteStore> makeStore(const StoreOptions& options) {
   if (TaviPreferences::isApplicationLockEnabled()) throw NoteStoreError::appLockEnabled();
   using Stack = tavimodel::KVCoreDataStackForExtensions;
   std::string reason;  // not shown: the user can do nothing with the platform's own words
+  const auto folder = platform::system::applicationDataDirectory();
+  if (!folder) throw NoteStoreError::storeUnavailable("cannot open Tavi database");
   auto stack = Stack::initStackOutputError(
-      reason, options.onlyReads ? Stack::Access::readOnly : Stack::Access::readWrite);
+      *folder, reason, options.onlyReads ? Stack::Access::readOnly : Stack::Access::readWrite);
   if (!stack) throw NoteStoreError::storeUnavailable("cannot open Tavi database");
   return std::make_unique<TaviDatabaseStore>(std::move(stack), options.preserveModificationDate);
 }

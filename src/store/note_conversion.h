@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "domain/note_records.h"
-#include "platform/model/note.h"
-#include "platform/model/note_view.h"
+#include "platform/model/lists/note_view.h"
+#include "platform/model/objects/note.h"
 
 namespace tavi {
 

@@ -2,7 +2,7 @@
 
 #include "domain/store_errors.h"
 #include "domain/tag_parser.h"
-#include "platform/model/fetch_request.h"
+#include "platform/model/lists/fetch_request.h"
 #include "store/database_store.h"
 #include "store/note_conversion.h"
 #include "store/preferences.h"

@@ -8,7 +8,7 @@
 #include "domain/text_editor.h"
 #include "platform/markdown/ast.h"
 #include "platform/markdown/hashtag.h"
-#include "platform/model/errors.h"
+#include "platform/model/objects/errors.h"
 #include "store/database_store.h"
 #include "store/note_conversion.h"
 #include "store/preferences.h"

@@ -6,9 +6,9 @@
 #include <fstream>
 #include <memory>
 
-#include "platform/model/core_data_stack.h"
-#include "platform/model/errors.h"
-#include "platform/model/note_tag.h"
+#include "platform/model/objects/core_data_stack.h"
+#include "platform/model/objects/errors.h"
+#include "platform/model/objects/note_tag.h"
 #include "support/foreign_client.h"
 #include "support/throwaway_home.h"
 
@@ -21,7 +21,7 @@ class Model : public testing::Test {
  protected:
   std::unique_ptr<KVCoreDataStackForExtensions> open() {
     std::string error;
-    auto stack = KVCoreDataStackForExtensions::initStackOutputError(error);
+    auto stack = KVCoreDataStackForExtensions::initStackOutputError(home.data(), error);
     EXPECT_NE(stack, nullptr) << error;
     return stack;
   }
@@ -70,7 +70,8 @@ TEST_F(Model, RefusesWhatIsNoDatabaseOfOursAndLeavesItAsItWas) {
   std::filesystem::create_directories(home.data());
   const auto refused = [&] {
     std::string error;
-    const bool none = KVCoreDataStackForExtensions::initStackOutputError(error) == nullptr;
+    const bool none =
+        KVCoreDataStackForExtensions::initStackOutputError(home.data(), error) == nullptr;
     return none && !error.empty();
   };
   const auto bytes = [&] {
@@ -103,7 +104,7 @@ TEST_F(Model, RefusesATruncatedDatabase) {
   ForeignClient(home.database()).run("PRAGMA wal_checkpoint(TRUNCATE)");
   std::filesystem::resize_file(home.database(), std::filesystem::file_size(home.database()) / 3);
   std::string error;
-  EXPECT_EQ(KVCoreDataStackForExtensions::initStackOutputError(error), nullptr);
+  EXPECT_EQ(KVCoreDataStackForExtensions::initStackOutputError(home.data(), error), nullptr);
 }
 
 TEST_F(Model, IsOneObjectANote) {
@@ -144,11 +145,11 @@ TEST_F(Model, FindsEveryForeignChangeAtTheSave) {
        persistentStoreSaveConflictsError},
   };
   for (const auto& [sql, code] : changes) {
-    support::ThrowawayHome fresh;
+    if (exists(home.database())) ForeignClient(home.database()).run("DELETE FROM note");
     const std::string id = create("# mine");
     auto stack = open();
     note(*stack, id).updateNoteWithText("# mine too", true);
-    ForeignClient client(fresh.database());
+    ForeignClient client(home.database());
     client.run(sql);
     const std::string theirs = client.value("SELECT text FROM note");
     EXPECT_EQ(conflictCode(*stack->managedObjectContext()), code) << sql;

@@ -4,7 +4,7 @@
 
 #include <memory>
 
-#include "platform/model/core_data_stack.h"
+#include "platform/model/objects/core_data_stack.h"
 #include "support/throwaway_home.h"
 
 namespace tavimodel {
@@ -17,7 +17,7 @@ class OpenedModel : public testing::Test {
   void reopen() {
     std::string error;
     stack.reset();
-    stack = KVCoreDataStackForExtensions::initStackOutputError(error);
+    stack = KVCoreDataStackForExtensions::initStackOutputError(home.data(), error);
     ASSERT_NE(stack, nullptr) << error;
   }
 

@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "platform/markdown/ast.h"
-#include "platform/model/search_query.h"
+#include "platform/model/search/search_query.h"
 #include "platform/text/folding.h"
 #include "platform/text/string_search.h"
 #include "platform/text/utf8.h"

@@ -6,8 +6,9 @@
 
 #include "opened_model.h"
 #include "plain_evaluation.h"
-#include "platform/model/bookkeeping.h"
-#include "platform/model/note_tag.h"
+#include "platform/model/objects/note_tag.h"
+#include "platform/model/search/search_index.h"
+#include "platform/model/storage/bookkeeping.h"
 #include "search_inventor.h"
 
 // The indexes, the short rows and the walks are shortcuts to one answer. Here it is compared with
@@ -137,7 +138,7 @@ class SearchEquivalence : public OpenedModel {
     if (invent.oneIn(12)) reopen();
     if (invent.oneIn(8)) {
       context().reset();
-      catchUp(stack->connection(), {.notesNotIndexed = 1000});
+      catchUp(stack->connection(), {.notesNotIndexed = 1000}, updateSearchIndex);
     }
   }
 

@@ -5,7 +5,7 @@
 #include <string>
 
 #include "platform/markdown/hashtag.h"
-#include "platform/model/search_query.h"
+#include "platform/model/search/search_query.h"
 #include "platform/text/utf8.h"
 #include "support/fuzzing.h"
 

@@ -1,4 +1,4 @@
-#include "platform/model/search_query.h"
+#include "platform/model/search/search_query.h"
 
 #include <gtest/gtest.h>
 

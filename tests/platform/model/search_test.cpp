@@ -3,8 +3,9 @@
 #include <set>
 
 #include "opened_model.h"
-#include "platform/model/bookkeeping.h"
-#include "platform/model/search_manager.h"
+#include "platform/model/search/search_index.h"
+#include "platform/model/search/search_manager.h"
+#include "platform/model/storage/bookkeeping.h"
 #include "support/foreign_client.h"
 
 namespace tavimodel {
@@ -19,7 +20,7 @@ class Search : public OpenedModel {
 
   void index() {
     context().reset();
-    catchUp(stack->connection(), {.notesNotIndexed = 1000});
+    catchUp(stack->connection(), {.notesNotIndexed = 1000}, updateSearchIndex);
   }
 
   /// Titles of what is found, ascending.

@@ -8,7 +8,7 @@
 #include <random>
 #include <string>
 
-#include "platform/model/core_data_stack.h"
+#include "platform/model/objects/core_data_stack.h"
 #include "support/foreign_client.h"
 #include "support/throwaway_home.h"
 
@@ -130,7 +130,8 @@ TEST(Strangers, CannotBringTheBookkeepingOutOfStep) {
   for (unsigned seed = 0; seed < 12; ++seed) {
     const support::ThrowawayHome home;
     std::string error;
-    ASSERT_NE(KVCoreDataStackForExtensions::initStackOutputError(error), nullptr) << error;
+    ASSERT_NE(KVCoreDataStackForExtensions::initStackOutputError(home.data(), error), nullptr)
+        << error;
     Stranger stranger(home.database(), seed);
     stranger.ask("PRAGMA synchronous = OFF");
     for (int step = 0; step < 150; ++step) {

@@ -1,0 +1,135 @@
+#include "platform/model/lists/row_order.h"
+
+#include <algorithm>
+#include <bit>
+#include <cstdint>
+#include <limits>
+#include <numeric>
+#include <string>
+
+#include "platform/text/ordering.h"
+
+namespace tavimodel {
+namespace {
+
+// All keys become numbers, a title its rank. What tells most of the first two stands in the entry,
+// so that one sort over small values does nearly all the work; where it is equal, all keys decide.
+struct Entry {
+  std::uint64_t prefix = 0;
+  std::size_t index = 0;
+};
+
+/// Numbers in the order of the doubles.
+std::uint64_t ordered(double key) {
+  constexpr std::uint64_t sign = std::uint64_t{1} << 63;
+  const auto bits = std::bit_cast<std::uint64_t>(key + 0.0);  // one zero, not two
+  return (bits & sign) != 0 ? ~bits : bits | sign;
+}
+
+std::vector<double> titleRanks(const std::vector<NoteView>& rows, bool localized) {
+  std::vector<std::string> keys;
+  keys.reserve(rows.size());
+  const platform::text::LocalizedCaseInsensitiveCollator collator;
+  for (const NoteView& row : rows) {
+    keys.push_back(localized ? collator.sortKey(row.title) : std::string(row.title));
+  }
+  std::vector<std::size_t> order(rows.size());
+  std::iota(order.begin(), order.end(), std::size_t{0});
+  std::sort(order.begin(), order.end(),
+            [&](std::size_t a, std::size_t b) { return keys[a] < keys[b]; });
+  std::vector<double> ranks(rows.size());
+  double rank = 0;
+  for (std::size_t i = 0; i < order.size(); ++i) {
+    if (i > 0 && keys[order[i]] != keys[order[i - 1]]) ++rank;
+    ranks[order[i]] = rank;
+  }
+  return ranks;
+}
+
+double dateKey(const std::optional<double>& date) {
+  return date.value_or(-std::numeric_limits<double>::infinity());
+}
+
+/// Ascending keys of the rows for one descriptor.
+std::vector<double> keysOf(const std::vector<NoteView>& rows, const SortDescriptor& descriptor) {
+  std::vector<double> keys;
+  if (descriptor.key == SortKey::title) {
+    keys = titleRanks(rows, descriptor.localized);
+  } else {
+    keys.reserve(rows.size());
+    for (const NoteView& row : rows) {
+      keys.push_back(descriptor.key == SortKey::pinned             ? (row.pinned ? 1 : 0)
+                     : descriptor.key == SortKey::modificationDate ? dateKey(row.modificationDate)
+                                                                   : dateKey(row.creationDate));
+    }
+  }
+  if (!descriptor.ascending) {
+    for (double& key : keys) key = -key;
+  }
+  return keys;
+}
+
+bool tiesAscend(const FetchRequest& request) {
+  return request.sortDescriptors.empty() || request.sortDescriptors.back().ascending;
+}
+
+}  // namespace
+
+std::vector<std::size_t> sortedPage(const std::vector<NoteView>& rows,
+                                    const FetchRequest& request) {
+  std::vector<std::vector<double>> keys;
+  for (const SortDescriptor& descriptor : request.sortDescriptors) {
+    keys.push_back(keysOf(rows, descriptor));
+  }
+  std::vector<Entry> entries(rows.size());
+  const bool pinsFirst = keys.size() > 1 && request.sortDescriptors[0].key == SortKey::pinned;
+  for (std::size_t i = 0; i < rows.size(); ++i) {
+    entries[i].index = i;
+    if (pinsFirst) {
+      // One of two values: a bit of it does.
+      const bool later = rows[i].pinned == request.sortDescriptors[0].ascending;
+      entries[i].prefix = (std::uint64_t{later} << 63) | (ordered(keys[1][i]) >> 1);
+    } else if (!keys.empty()) {
+      entries[i].prefix = ordered(keys[0][i]);
+    }
+  }
+  const bool ascending = tiesAscend(request);
+  const auto decidedByAll = [&](std::size_t a, std::size_t b) {
+    for (const std::vector<double>& key : keys) {
+      if (key[a] != key[b]) return key[a] < key[b];
+    }
+    return ascending ? rows[a].id < rows[b].id : rows[a].id > rows[b].id;
+  };
+  std::sort(entries.begin(), entries.end(), [&](const Entry& a, const Entry& b) {
+    if (a.prefix != b.prefix) return a.prefix < b.prefix;
+    return decidedByAll(a.index, b.index);
+  });
+  const auto size = static_cast<std::int64_t>(entries.size());
+  const std::int64_t begin = std::min(request.fetchOffset, size);
+  const std::int64_t end = begin + std::min(request.fetchLimit, size - begin);
+  std::vector<std::size_t> page;
+  page.reserve(static_cast<std::size_t>(end - begin));
+  for (std::int64_t i = begin; i < end; ++i) {
+    page.push_back(entries[static_cast<std::size_t>(i)].index);
+  }
+  return page;
+}
+
+std::string orderClause(const FetchRequest& request) {
+  std::string clause;
+  for (const SortDescriptor& descriptor : request.sortDescriptors) {
+    if (descriptor.key == SortKey::title && descriptor.localized) return {};
+    const std::string_view column = descriptor.key == SortKey::pinned ? "s.pinned"
+                                    : descriptor.key == SortKey::modificationDate
+                                        ? "s.modificationDate"
+                                    : descriptor.key == SortKey::creationDate ? "s.creationDate"
+                                                                              : "s.title";
+    clause += clause.empty() ? " ORDER BY " : ", ";
+    clause += column;
+    clause += descriptor.ascending ? "" : " DESC";
+  }
+  clause += clause.empty() ? " ORDER BY " : ", ";
+  return clause + (tiesAscend(request) ? "s.note" : "s.note DESC");
+}
+
+}  // namespace tavimodel

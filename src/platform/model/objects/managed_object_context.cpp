@@ -1,0 +1,119 @@
+#include "platform/model/objects/managed_object_context.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "platform/model/lists/note_fetch.h"
+#include "platform/model/objects/note_reader.h"
+#include "platform/model/objects/note_writer.h"
+
+namespace tavimodel {
+namespace {
+
+constexpr std::size_t manyNotes = 100;
+
+}  // namespace
+
+ManagedObjectContext::ManagedObjectContext(sqlite::Connection& connection, FileStore& files)
+    : connection_(connection), files_(files) {}
+
+sqlite::Connection& ManagedObjectContext::reading() {
+  if (!snapshot_) snapshot_.emplace(connection_, sqlite::Transaction::Kind::read);
+  return connection_;
+}
+
+NoteTable ManagedObjectContext::fetch(const FetchRequest& request) {
+  return NoteFetch(reading()).table(request);
+}
+
+std::int64_t ManagedObjectContext::count(const FetchRequest& request) {
+  return NoteFetch(reading()).count(request.predicate);
+}
+
+bool ManagedObjectContext::hasPinnedNote() {
+  return reading()
+      .query(
+          "SELECT 1 FROM noteSummary WHERE trashed IN (0, 1) AND archived IN (0, 1) AND pinned = 1")
+      .step();
+}
+
+void ManagedObjectContext::forEachText(
+    const NoteTable& table, const std::function<void(const NoteView&, std::string_view)>& visit) {
+  table.forEachText(reading(),
+                    [&](std::size_t index, std::string_view text) { visit(table[index], text); });
+}
+
+bool ManagedObjectContext::hasChanges() const {
+  return !inserted_.empty() || std::any_of(notes_.begin(), notes_.end(), [](const auto& entry) {
+    return entry.second->hasChanges();
+  });
+}
+
+void ManagedObjectContext::save() {
+  std::vector<KVNote*> changed;
+  for (auto& [id, note] : notes_) {
+    if (note->hasChanges()) changed.push_back(note.get());
+  }
+  snapshot_.reset();
+  // Pages that do not fit are written to the log, and read from it, again and again.
+  if (changed.size() > manyNotes) connection_.execute("PRAGMA cache_size = -65536");  // KiB
+  sqlite::Transaction transaction(connection_, sqlite::Transaction::Kind::write);
+  NoteWriter writer(connection_);
+  for (const KVNote* note : changed) writer.checkVersion(*note);
+  for (KVNote* note : changed) writer.update(*note);
+  for (auto& note : inserted_) writer.insert(*note);
+  writer.removeDeadTags();
+  transaction.commit();
+
+  files_.publishStaged();
+  for (KVNote* note : changed) note->committed_.reset();
+  for (auto& note : inserted_) {
+    const std::int64_t id = note->state_.row.id;
+    notes_.emplace(id, std::move(note));
+  }
+  inserted_.clear();
+}
+
+void ManagedObjectContext::rollback() {
+  for (auto& [id, note] : notes_) {
+    if (note->committed_) note->state_ = std::move(*std::exchange(note->committed_, nullptr));
+  }
+  inserted_.clear();
+  files_.discardStaged();
+}
+
+void ManagedObjectContext::reset() {
+  snapshot_.reset();
+  notes_.clear();
+  inserted_.clear();
+  files_.discardStaged();
+}
+
+KVNote& ManagedObjectContext::noteOf(NoteRow row) {
+  std::unique_ptr<KVNote>& slot = notes_[row.id];
+  if (!slot) slot = std::make_unique<KVNote>(*this, std::move(row));
+  return *slot;
+}
+
+KVNote& ManagedObjectContext::insert(NoteRow row) {
+  inserted_.push_back(std::make_unique<KVNote>(*this, std::move(row)));
+  return *inserted_.back();
+}
+
+std::vector<KVNote*> ManagedObjectContext::notesOf(std::vector<NoteRow> rows) {
+  notes_.reserve(notes_.size() + rows.size());
+  std::vector<KVNote*> notes;
+  notes.reserve(rows.size());
+  for (NoteRow& row : rows) notes.push_back(&noteOf(std::move(row)));
+  return notes;
+}
+
+std::vector<KVNote*> ManagedObjectContext::notesWithTag(std::string_view name, bool children) {
+  return notesOf(NoteReader(reading()).rowsWithTag("noteTag", name, children));
+}
+
+std::vector<KVNote*> ManagedObjectContext::notesPinnedIn(std::string_view name, bool children) {
+  return notesOf(NoteReader(reading()).rowsWithTag("pinnedInTag", name, children));
+}
+
+}  // namespace tavimodel

@@ -1,0 +1,108 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/model/objects/note_file.h"
+#include "platform/model/storage/note_row.h"
+
+namespace tavimodel {
+
+class ManagedObjectContext;
+class NoteReader;
+
+/// A note, owned by its context. What is read is loaded on first use and stays; what is changed
+/// stays in memory until the context saves, and is undone by its rollback.
+class KVNote {
+ public:
+  /// The note with this identifier, in any location, or null.
+  static KVNote* noteWithUniqueIdentifier(std::string_view identifier,
+                                          ManagedObjectContext& context);
+  /// All notes with this title, but for case and canonical equivalence, in any location.
+  static std::vector<KVNote*> notesWithTitle(std::string_view title, ManagedObjectContext& context);
+  /// A new note of the text; title, tags and to-dos are derived from it.
+  static KVNote& noteWithText(std::string text, ManagedObjectContext& context);
+
+  KVNote(ManagedObjectContext& context, NoteRow row);
+  KVNote(const KVNote&) = delete;
+  KVNote& operator=(const KVNote&) = delete;
+
+  const std::string& uniqueIdentifier() const { return state_.row.uniqueIdentifier; }
+  const std::optional<std::string>& title() const { return state_.row.title; }
+  std::optional<double> creationDate() const { return state_.row.creationDate; }
+  std::optional<double> modificationDate() const { return state_.row.modificationDate; }
+  bool encryptedValue() const { return state_.row.encrypted; }
+  bool trashedValue() const { return state_.row.trashed; }
+  bool archivedValue() const { return state_.row.archived; }
+  bool pinnedValue() const { return state_.row.pinned; }
+
+  /// The Markdown; absent counts as empty.
+  const std::string& text();
+  /// Calls `visit` with the text, neither kept nor copied: for one that is only looked at and may
+  /// be huge. It is good until `visit` returns.
+  void readText(const std::function<void(std::string_view)>& visit);
+  /// Of the text: hash, length, to-dos.
+  const TextFacts& textFacts();
+  std::int32_t todoIncompleteValue() {
+    return static_cast<std::int32_t>(textFacts().todoIncomplete);
+  }
+  std::int32_t todoCompletedValue() { return static_cast<std::int32_t>(textFacts().todoCompleted); }
+  /// Canonical names, without order.
+  const std::vector<std::string>& tagsStrings();
+  /// Names of the tags in which the note is pinned, without order.
+  const std::vector<std::string>& pinnedInTags();
+  const std::vector<KVNoteFile>& orderedFiles();
+  const KVNoteFile* attachmentForFilename(std::string_view filename);
+  /// Where a file's bytes lie, or nothing when they are not on this machine.
+  std::optional<std::filesystem::path> fileURL(const KVNoteFile& file) const;
+
+  /// Replaces the text, and derives title, tags, to-dos and files from it at once. A file stays
+  /// unless the old text linked it and the new one does not.
+  void updateNoteWithText(std::string text, bool updateModificationDate);
+  void trash();
+  void restoreFromTrash();
+  void archive();
+  void unarchive();
+  void pin();
+  void unpin();
+  /// Writes down other tags for a note whose text stays: a locked one.
+  void setTagsStrings(std::vector<std::string> tagNames);
+  void pinInTag(const std::string& tagName);
+  void unpinInTag(const std::string& tagName);
+  /// Takes a file off the note, whether its text links it or not.
+  void removeFile(const KVNoteFile& file);
+
+ private:
+  friend class ManagedObjectContext;
+  friend class NoteWriter;
+  friend class KVNoteFile;
+
+  struct State {
+    NoteRow row;
+    std::optional<std::string> text;
+    std::optional<std::vector<std::string>> tags;
+    std::optional<std::vector<std::string>> pinnedInTags;
+    std::optional<std::vector<KVNoteFile>> files;
+  };
+
+  /// The value, read from the database on first use.
+  template <class Value>
+  const Value& loaded(std::optional<Value> State::*member,
+                      Value (NoteReader::*read)(std::int64_t note));
+  /// Keeps what the database holds, for the save and for a rollback.
+  void willChange();
+  void setFlag(bool NoteRow::*flag, bool value);
+  bool hasChanges() const { return committed_ != nullptr || state_.row.id == 0; }
+
+  ManagedObjectContext& context_;
+  State state_;
+  std::unique_ptr<State> committed_;  ///< null: nothing has changed
+};
+
+}  // namespace tavimodel

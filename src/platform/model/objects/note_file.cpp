@@ -1,0 +1,71 @@
+#include "platform/model/objects/note_file.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <stdexcept>
+
+#include "platform/model/objects/managed_object_context.h"
+#include "platform/system/file_types.h"
+#include "platform/text/utf8.h"
+
+namespace tavimodel {
+namespace {
+
+/// What common file systems hold, so that an attachment can be saved anywhere.
+constexpr std::size_t longestName = 255;
+
+/// The name as it stands in a sentence.
+std::string onOneLine(const std::string& name) {
+  std::string shown = platform::text::replacingInvalidUTF8(name.substr(0, longestName));
+  std::replace_if(
+      shown.begin(), shown.end(), [](char c) { return c >= '\0' && c < ' '; }, ' ');
+  return shown;
+}
+
+/// "photo.jpg", "photo 2.jpg", "photo 3.jpg": the first that the note does not have.
+std::string freeName(const std::string& wanted, KVNote& note) {
+  const std::string_view extension = platform::system::pathExtension(wanted);
+  const std::string stem =
+      wanted.substr(0, wanted.size() - (extension.empty() ? 0 : extension.size() + 1));
+  const std::string suffix = wanted.substr(stem.size());
+  std::string name = wanted;
+  for (int number = 2; note.attachmentForFilename(name) != nullptr; ++number) {
+    name = fmt::format("{} {}{}", stem, number, suffix);
+  }
+  return name;
+}
+
+}  // namespace
+
+void KVNoteFile::checkName(const std::string& name) {
+  const char* fault = nullptr;
+  if (name.empty()) fault = "it is empty";
+  if (name == "." || name == "..") fault = "it names a folder";
+  if (name.find('/') != std::string::npos) fault = "it has a slash";
+  if (name.find('\0') != std::string::npos) fault = "it has a NUL character";
+  if (!platform::text::isValidUTF8(name)) fault = "it is not valid UTF-8";
+  if (name.size() > longestName) fault = "it is longer than 255 bytes";
+  if (fault != nullptr) {
+    throw std::runtime_error(
+        fmt::format("The file name \"{}\" cannot be stored: {}.", onOneLine(name), fault));
+  }
+}
+
+const KVNoteFile& KVNoteFile::getOrCreateFileFromURL(const std::filesystem::path& source,
+                                                     KVNote& note) {
+  KVNoteFile file;
+  file.filename = source.filename().string();
+  checkName(*file.filename);
+  file.filename = freeName(*file.filename, note);
+  checkName(*file.filename);
+  const FileStore::Staged staged = note.context_.files_.stage(source);
+  file.storedName = staged.storedName;
+  file.fileSizeValue = staged.size;
+  file.position = static_cast<std::int64_t>(note.orderedFiles().size());
+  note.willChange();
+  note.state_.files->push_back(std::move(file));
+  return note.state_.files->back();
+}
+
+}  // namespace tavimodel

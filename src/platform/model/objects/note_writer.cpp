@@ -1,0 +1,198 @@
+#include "platform/model/objects/note_writer.h"
+
+#include <algorithm>
+
+#include "platform/model/objects/errors.h"
+#include "platform/text/folding.h"
+
+namespace tavimodel {
+namespace {
+
+bool contains(const std::vector<std::string>& names, const std::string& name) {
+  return std::find(names.begin(), names.end(), name) != names.end();
+}
+
+const std::vector<std::string> none;
+
+const std::vector<std::string>& orNone(const std::optional<std::vector<std::string>>& names) {
+  return names ? *names : none;
+}
+
+}  // namespace
+
+void NoteWriter::checkVersion(const KVNote& note) {
+  const KVNote::State& read = *note.committed_;
+  sqlite::Query query = connection_.query(
+      "SELECT s.version, note.text IS ?2 FROM noteSummary s JOIN note ON note.id = s.note "
+      "WHERE s.note = ?1");
+  query.bind(1, read.row.id);
+  if (read.text) query.bind(2, *read.text);
+  if (!query.step()) {
+    throw DomainError(NSCocoaErrorDomain, managedObjectMergeError, "The note has been removed.");
+  }
+  // The text is compared too: a version is the triggers' work, and a program may have turned
+  // triggers off. A text that is absent was read as the empty one.
+  const bool sameText = !read.text || query.integer(1) != 0 || read.text->empty();
+  if (query.integer(0) != read.row.version || !sameText) {
+    throw DomainError(NSCocoaErrorDomain, persistentStoreSaveConflictsError,
+                      "The note has been changed by another process.");
+  }
+}
+
+void NoteWriter::insert(KVNote& note) {
+  NoteRow& row = note.state_.row;
+  sqlite::Query query = connection_.query(
+      "INSERT INTO note (uniqueIdentifier, title, creationDate, modificationDate, trashed, "
+      "archived, "
+      "pinned, text) VALUES (?1, ?2, ?3, ?4, ?5, ?6, ?7, ?8)");
+  query.bind(1, row.uniqueIdentifier);
+  query.bind(2, *row.title);
+  query.bind(3, row.creationDate).bind(4, row.modificationDate);
+  query.bind(5, std::int64_t{row.trashed}).bind(6, std::int64_t{row.archived});
+  query.bind(7, std::int64_t{row.pinned});
+  query.bind(8, *note.state_.text);
+  query.run();
+  row.id = connection_.lastInsertedRow();
+  writeFacts(note);
+  writeTags(row.id, orNone(note.state_.tags), none);
+  writePins(row.id, orNone(note.state_.pinnedInTags), none);
+  if (note.state_.files) writeFiles(note, {});
+}
+
+void NoteWriter::update(KVNote& note) {
+  KVNote::State& now = note.state_;
+  const KVNote::State& before = *note.committed_;
+  updateAttributes(now.row, before.row);
+  if (now.text && before.text && *now.text != *before.text) {
+    sqlite::Query query =
+        connection_.query("UPDATE note SET text = ?2, modificationDate = ?3 WHERE id = ?1");
+    query.bind(1, now.row.id).bind(2, *now.text).bind(3, now.row.modificationDate).run();
+    writeFacts(note);
+  } else {
+    sqlite::Query query = connection_.query(
+        "UPDATE note SET modificationDate = ?2 WHERE id = ?1 AND modificationDate IS NOT ?2");
+    query.bind(1, now.row.id).bind(2, now.row.modificationDate).run();
+    sqlite::Query version = connection_.query("SELECT version FROM noteSummary WHERE note = ?1");
+    version.bind(1, now.row.id).step();
+    now.row.version = version.integer(0);
+  }
+  if (now.tags) writeTags(now.row.id, *now.tags, orNone(before.tags));
+  if (now.pinnedInTags) writePins(now.row.id, *now.pinnedInTags, orNone(before.pinnedInTags));
+  if (now.files) writeFiles(note, before.files ? *before.files : std::vector<KVNoteFile>{});
+}
+
+void NoteWriter::updateAttributes(const NoteRow& now, const NoteRow& before) {
+  if (now.title == before.title && now.trashed == before.trashed &&
+      now.archived == before.archived && now.pinned == before.pinned) {
+    return;
+  }
+  sqlite::Query query = connection_.query(
+      "UPDATE note SET title = ?2, trashed = ?3, archived = ?4, pinned = ?5 WHERE id = ?1");
+  query.bind(1, now.id).bind(2, now.title).bind(3, std::int64_t{now.trashed});
+  query.bind(4, std::int64_t{now.archived}).bind(5, std::int64_t{now.pinned}).run();
+}
+
+void NoteWriter::writeFacts(KVNote& note) {
+  NoteRow& row = note.state_.row;
+  const TextFacts& facts = *row.facts;
+  bool keyUnknown = false;
+  {
+    sqlite::Query query = connection_.query(
+        "UPDATE noteSummary SET textDigest = ?2, textLength = ?3, todoIncomplete = ?4, "
+        "todoCompleted = ?5, features = ?6 WHERE note = ?1 RETURNING version, titleKey IS NULL");
+    query.bind(1, row.id).bind(2, facts.digest).bind(3, facts.length);
+    query.bind(4, facts.todoIncomplete).bind(5, facts.todoCompleted).bind(6, facts.features);
+    query.step();
+    row.version = query.integer(0);
+    keyUnknown = query.integer(1) != 0;
+  }
+  if (!keyUnknown) return;  // an old title's: it is not written anew
+  const std::string key = platform::text::foldedForSearch(row.title.value_or(""));
+  sqlite::Query query = connection_.query("UPDATE noteSummary SET titleKey = ?2 WHERE note = ?1");
+  query.bind(1, row.id).bind(2, key).run();
+}
+
+void NoteWriter::writeTags(std::int64_t note, const Names& now, const Names& before) {
+  for (const std::string& name : before) {
+    if (contains(now, name)) continue;
+    link("DELETE FROM noteTag WHERE note = ?1 AND tag = ?2", note, tagID(name));
+    touchedTags_.insert(name);
+  }
+  for (const std::string& name : now) {
+    if (contains(before, name)) continue;
+    link("INSERT OR IGNORE INTO noteTag VALUES (?1, ?2)", note, tagID(name));
+  }
+}
+
+void NoteWriter::writePins(std::int64_t note, const Names& now, const Names& before) {
+  for (const std::string& name : before) {
+    if (contains(now, name)) continue;
+    link("DELETE FROM pinnedInTag WHERE note = ?1 AND tag = ?2", note, tagID(name));
+    touchedTags_.insert(name);
+  }
+  for (const std::string& name : now) {
+    if (contains(before, name)) continue;
+    link("INSERT OR IGNORE INTO pinnedInTag VALUES (?1, ?2)", note, tagID(name));
+  }
+}
+
+void NoteWriter::writeFiles(KVNote& note, const std::vector<KVNoteFile>& before) {
+  std::vector<KVNoteFile>& now = *note.state_.files;
+  for (const KVNoteFile& old : before) {
+    const bool stays = std::any_of(now.begin(), now.end(),
+                                   [&](const KVNoteFile& file) { return file.id == old.id; });
+    if (stays) continue;
+    connection_.query("DELETE FROM file WHERE id = ?1").bind(1, old.id).run();
+  }
+  for (KVNoteFile& file : now) {
+    if (file.id == 0) {
+      sqlite::Query query = connection_.query(
+          "INSERT INTO file (note, filename, fileSize, position, storedName) "
+          "VALUES (?1, ?2, ?3, ?4, ?5)");
+      query.bind(1, note.state_.row.id).bind(2, *file.filename);
+      query.bind(3, file.fileSizeValue).bind(4, file.position);
+      query.bind(5, *file.storedName).run();
+      file.id = connection_.lastInsertedRow();
+      continue;
+    }
+    sqlite::Query query =
+        connection_.query("UPDATE file SET position = ?2 WHERE id = ?1 AND position <> ?2");
+    query.bind(1, file.id).bind(2, file.position).run();
+  }
+}
+
+std::int64_t NoteWriter::tagID(const std::string& name) {
+  sqlite::Query find = connection_.query("SELECT id FROM tag WHERE title = ?1");
+  find.bind(1, name);
+  if (find.step()) return find.integer(0);
+  connection_.query("INSERT INTO tag (title) VALUES (?1)").bind(1, name).run();
+  const std::int64_t id = connection_.lastInsertedRow();
+  const std::size_t slash = name.rfind('/');
+  if (slash != std::string::npos) tagID(name.substr(0, slash));
+  return id;
+}
+
+void NoteWriter::link(const char* sql, std::int64_t note, std::int64_t tag) {
+  connection_.query(sql).bind(1, note).bind(2, tag).run();
+}
+
+void NoteWriter::removeDeadTags() {
+  // "0" is the character behind "/": the range holds the names below this one.
+  constexpr const char* removeIfDead =
+      "DELETE FROM tag WHERE title = ?1 "
+      "AND NOT EXISTS (SELECT 1 FROM noteTag WHERE noteTag.tag = tag.id) "
+      "AND NOT EXISTS (SELECT 1 FROM pinnedInTag WHERE pinnedInTag.tag = tag.id) "
+      "AND NOT EXISTS (SELECT 1 FROM tag child "
+      "WHERE child.title > tag.title || '/' AND child.title < tag.title || '0')";
+  for (std::string name : touchedTags_) {
+    while (true) {
+      connection_.query(removeIfDead).bind(1, name).run();
+      const std::size_t slash = name.rfind('/');
+      if (slash == std::string::npos) break;
+      name.resize(slash);
+    }
+  }
+  touchedTags_.clear();
+}
+
+}  // namespace tavimodel

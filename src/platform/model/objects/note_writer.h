@@ -1,0 +1,40 @@
+#pragma once
+
+#include <cstdint>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "platform/model/objects/note.h"
+#include "platform/model/storage/sqlite.h"
+
+namespace tavimodel {
+
+/// Writes the changes of notes, inside a transaction of the caller's.
+class NoteWriter {
+ public:
+  explicit NoteWriter(sqlite::Connection& connection) : connection_(connection) {}
+
+  /// Throws DomainError when somebody else has changed or removed the note since it was read.
+  void checkVersion(const KVNote& note);
+  void insert(KVNote& note);
+  void update(KVNote& note);
+  /// Removes the tags that these writes have left without notes, pins and descendants.
+  void removeDeadTags();
+
+ private:
+  using Names = std::vector<std::string>;
+
+  void updateAttributes(const NoteRow& now, const NoteRow& before);
+  void writeFacts(KVNote& note);
+  void writeTags(std::int64_t note, const Names& now, const Names& before);
+  void writePins(std::int64_t note, const Names& now, const Names& before);
+  void writeFiles(KVNote& note, const std::vector<KVNoteFile>& before);
+  std::int64_t tagID(const std::string& name);
+  void link(const char* sql, std::int64_t note, std::int64_t tag);
+
+  sqlite::Connection& connection_;
+  std::set<std::string> touchedTags_;
+};
+
+}  // namespace tavimodel

@@ -1,0 +1,285 @@
+#include "platform/model/search/search_query.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <utility>
+
+#include "platform/markdown/hashtag.h"
+#include "platform/model/search/local_day.h"
+#include "platform/text/characters.h"
+#include "platform/text/utf8.h"
+
+// A query is a row of words. A word is, in this order of tries:
+//
+//   "..."            a phrase; \" and \\ stand for the character; one that is not closed goes to
+//                    the query's end
+//   #tag  #a b#      a tag, with a closing mark when its name has blanks
+//   !#tag  #*/tag    exactly this tag; nested tags with this name in their path
+//   @word  @word(x)  a directive
+//   anything else    a term
+//
+// with "-" in front for its opposite, and `or` between two for one of them. `or` binds its two
+// neighbours only: `a b or c` is a and (b or c).
+
+namespace tavimodel {
+namespace {
+
+using Kind = SearchCondition::Kind;
+
+struct Directive {
+  std::string_view name;
+  Kind kind;
+};
+constexpr std::array directives{
+    Directive{"todo", Kind::todo},
+    Directive{"done", Kind::done},
+    Directive{"task", Kind::task},
+    Directive{"tagged", Kind::tagged},
+    Directive{"untagged", Kind::untagged},
+    Directive{"pinned", Kind::pinned},
+    Directive{"images", Kind::images},
+    Directive{"files", Kind::files},
+    Directive{"attachments", Kind::attachments},
+    Directive{"code", Kind::code},
+    Directive{"locked", Kind::locked},
+    Directive{"readonly", Kind::readOnly},
+    Directive{"empty", Kind::empty},
+    Directive{"untitled", Kind::untitled},
+    Directive{"wikilinks", Kind::wikiLinks},
+    Directive{"backlinks", Kind::backlinks},
+    Directive{"ocr", Kind::ocr},
+};
+
+bool isASCIILetter(char c) {
+  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
+}
+
+/// No reader needs more, and no form of query may keep the database busy for long.
+constexpr int mostTerms = 2000;
+constexpr int mostOtherConditions = 200;
+
+std::string lowered(std::string_view text) {
+  std::string result(text);
+  for (char& c : result) {
+    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
+  }
+  return result;
+}
+
+class Parser {
+ public:
+  Parser(std::string_view text, double now) : text_(text), now_(now) {}
+
+  SearchQuery parse() {
+    for (skipBlanks(); position_ < text_.size(); skipBlanks()) {
+      if (readOr()) continue;
+      std::optional<SearchCondition> condition = readCondition();
+      if (!condition) continue;
+      int& count = condition->kind == Kind::term ? terms_ : otherConditions_;
+      if (++count > (condition->kind == Kind::term ? mostTerms : mostOtherConditions)) {
+        throw SearchSyntaxError(
+            fmt::format("The search query asks for too much at once: at most {} terms, and {} tags "
+                        "and directives",
+                        mostTerms, mostOtherConditions));
+      }
+      if (joinNext_) {
+        query_.groups.back().push_back(std::move(*condition));
+      } else {
+        query_.groups.push_back({std::move(*condition)});
+      }
+      joinNext_ = false;
+    }
+    if (joinNext_) addTerm("or");  // nothing to the right: a word like any other
+    return std::move(query_);
+  }
+
+ private:
+  void addTerm(std::string text) {
+    query_.groups.push_back({{.kind = Kind::term, .text = std::move(text)}});
+  }
+
+  bool atBlank(std::size_t position) const {
+    return platform::text::isWhitespace(platform::text::decodeScalar(text_, position).value);
+  }
+
+  void skipBlanks() {
+    while (position_ < text_.size() && atBlank(position_)) {
+      position_ = platform::text::decodeScalar(text_, position_).next;
+    }
+  }
+
+  std::size_t endOfWord(std::size_t from) const {
+    while (from < text_.size() && !atBlank(from)) {
+      from = platform::text::decodeScalar(text_, from).next;
+    }
+    return from;
+  }
+
+  /// An `or` with something on its left; what follows joins that.
+  bool readOr() {
+    if (query_.groups.empty() || joinNext_) return false;
+    // Not by the word's end: a query may be one word of a megabyte, looked at again and again.
+    const std::size_t end = position_ + 2;
+    if (lowered(text_.substr(position_, 2)) != "or") return false;
+    if (end < text_.size() && !atBlank(end)) return false;
+    position_ = end;
+    joinNext_ = true;
+    return true;
+  }
+
+  /// Nothing for a word that asks nothing: an empty phrase, @title.
+  std::optional<SearchCondition> readCondition() {
+    negated_ = text_[position_] == '-' && position_ + 1 < text_.size() && !atBlank(position_ + 1);
+    if (negated_) ++position_;
+    std::optional<SearchCondition> condition = readPositive();
+    if (condition) condition->negated = negated_;
+    return condition;
+  }
+
+  std::optional<SearchCondition> readPositive() {
+    const std::string_view rest = text_.substr(position_);
+    if (rest.starts_with('"')) return readPhrase();
+    if (rest.starts_with("!#")) {
+      if (auto tag = readTag(2, Kind::exactTag)) return tag;
+    } else if (rest.starts_with("#*/")) {
+      if (auto tag = readTag(3, Kind::subtag)) return tag;
+    } else if (rest.starts_with('#')) {
+      if (auto tag = readTag(1, Kind::tag)) return tag;
+    } else if (rest.size() > 1 && rest[0] == '@' && isASCIILetter(rest[1])) {
+      return readDirective();
+    }
+    const std::size_t end = endOfWord(position_);
+    const std::size_t begin = std::exchange(position_, end);
+    return SearchCondition{.kind = Kind::term,
+                           .text = std::string(text_.substr(begin, end - begin))};
+  }
+
+  std::optional<SearchCondition> readPhrase() {
+    std::string phrase;
+    for (++position_; position_ < text_.size() && text_[position_] != '"'; ++position_) {
+      const bool escape = text_[position_] == '\\' && position_ + 1 < text_.size() &&
+                          (text_[position_ + 1] == '"' || text_[position_ + 1] == '\\');
+      if (escape) ++position_;
+      phrase += text_[position_];
+    }
+    if (position_ < text_.size()) ++position_;
+    if (phrase.empty()) return std::nullopt;
+    return SearchCondition{.kind = Kind::term, .text = std::move(phrase)};
+  }
+
+  /// The end of a name with blanks and a closing mark: the first "#" from `begin` that has a
+  /// character before it and a blank or nothing behind it. Another tag on the way ends the search.
+  std::optional<std::size_t> closingMark(std::size_t begin) const {
+    for (std::size_t i = begin; i < text_.size() && text_[i] != '"'; ++i) {
+      if (text_[i] != '#') continue;
+      const bool closes = i > begin && text_[i - 1] != ' ' && text_[i - 1] != '\t' &&
+                          (i + 1 == text_.size() || atBlank(i + 1));
+      return closes ? std::optional(i) : std::nullopt;
+    }
+    return std::nullopt;
+  }
+
+  std::optional<SearchCondition> readTag(std::size_t markLength, Kind kind) {
+    const std::size_t begin = position_ + markLength;
+    const std::optional<std::size_t> closing = closingMark(begin);
+    const std::size_t end = closing ? *closing : endOfWord(begin);
+    auto name = zephyrdown::ZDKHashtag::sanitizeTagName(text_.substr(begin, end - begin));
+    if (!name) return std::nullopt;
+    position_ = closing ? end + 1 : end;
+    return SearchCondition{.kind = kind, .text = std::move(*name)};
+  }
+
+  std::optional<SearchCondition> readDirective() {
+    const std::size_t end = endOfWord(position_);
+    const std::string_view word = text_.substr(position_, end - position_);
+    position_ = end;
+    const std::string name = lowered(word.substr(1));
+    if (name == "title") {
+      query_.titlesOnly |= !negated_;
+      return std::nullopt;
+    }
+    for (const Directive& directive : directives) {
+      if (directive.name != name) continue;
+      if (directive.kind == Kind::ocr) query_.ocrOnly |= !negated_;
+      return SearchCondition{.kind = directive.kind};
+    }
+    if (auto dates = readDates(name)) return dates;
+    throw SearchSyntaxError(fmt::format(
+        "Unknown search directive: {0} — write \"{0}\" in quotes to search for the text", word));
+  }
+
+  std::optional<SearchCondition> readDates(std::string_view name) const {
+    if (name == "today") return lastDays(Kind::modified, 1);
+    if (name == "ctoday") return lastDays(Kind::created, 1);
+    if (name == "yesterday") {
+      return SearchCondition{
+          .kind = Kind::modified, .from = startOfDay(now_, -1), .to = startOfDay(now_, 0)};
+    }
+    if (auto days = between(name, "last", "days")) return lastDays(Kind::modified, number(*days));
+    if (auto days = between(name, "created", "days")) return lastDays(Kind::created, number(*days));
+    if (auto date = between(name, "date(", ")")) return onDate(Kind::modified, *date);
+    if (auto date = between(name, "cdate(", ")")) return onDate(Kind::created, *date);
+    return std::nullopt;
+  }
+
+  static std::optional<std::string_view> between(std::string_view word, std::string_view prefix,
+                                                 std::string_view suffix) {
+    if (word.size() < prefix.size() + suffix.size() || !word.starts_with(prefix) ||
+        !word.ends_with(suffix)) {
+      return std::nullopt;
+    }
+    return word.substr(prefix.size(), word.size() - prefix.size() - suffix.size());
+  }
+
+  static int number(std::string_view digits) {
+    int value = 0;
+    const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), value);
+    if (error != std::errc() || end != digits.data() + digits.size() || value < 1 ||
+        value > 100'000) {
+      throw SearchSyntaxError(
+          fmt::format("Invalid number of days in the search query: '{}' — give a whole number, as "
+                      "in @last7days",
+                      digits));
+    }
+    return value;
+  }
+
+  /// Today and the days before it, `days` in all.
+  SearchCondition lastDays(Kind kind, int days) const {
+    return {.kind = kind, .from = startOfDay(now_, 1 - days), .to = startOfDay(now_, 1)};
+  }
+
+  static SearchCondition onDate(Kind kind, std::string_view date) {
+    const char relation = date.empty() ? '=' : date.front();
+    const bool related = relation == '<' || relation == '>';
+    const std::string_view day = related ? date.substr(1) : date;
+    const auto begin = startOfDate(day, 0);
+    if (!begin) {
+      throw SearchSyntaxError(
+          fmt::format("Invalid date in the search query: '{}' — write it as YYYY-MM-DD", day));
+    }
+    if (relation == '<') return {.kind = kind, .to = begin};
+    if (relation == '>') return {.kind = kind, .from = startOfDate(day, 1)};
+    return {.kind = kind, .from = begin, .to = startOfDate(day, 1)};
+  }
+
+  std::string_view text_;
+  double now_;
+  std::size_t position_ = 0;
+  bool joinNext_ = false;
+  bool negated_ = false;  ///< the condition that is being read
+  int terms_ = 0;
+  int otherConditions_ = 0;
+  SearchQuery query_;
+};
+
+}  // namespace
+
+SearchQuery parseSearchQuery(std::string_view text, double now) {
+  return Parser(text, now).parse();
+}
+
+}  // namespace tavimodel

@@ -1,0 +1,191 @@
+#include "platform/model/storage/file_store.h"
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/sendfile.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <system_error>
+#include <utility>
+
+#include "platform/model/storage/sqlite.h"
+#include "platform/system/directories.h"
+#include "platform/system/hashing.h"
+
+namespace tavimodel {
+namespace {
+
+namespace fs = std::filesystem;
+
+[[noreturn]] void fail(const fs::path& path, const char* what) {
+  throw std::system_error(errno, std::generic_category(), std::string(what) + " " + path.string());
+}
+
+class Descriptor {
+ public:
+  explicit Descriptor(int value) : value_(value) {}
+  ~Descriptor() {
+    if (value_ >= 0) close(value_);
+  }
+  Descriptor(const Descriptor&) = delete;
+  Descriptor& operator=(const Descriptor&) = delete;
+  int get() const { return value_; }
+  int release() { return std::exchange(value_, -1); }
+
+ private:
+  int value_;
+};
+
+void syncFolder(const fs::path& path) {
+  const Descriptor folder(open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  if (folder.get() < 0 || fsync(folder.get()) != 0) fail(path, "Could not write the folder");
+}
+
+/// Creates the file and locks it. A sweep may take a file between the two: then it is made anew.
+int createLocked(const fs::path& path) {
+  while (true) {
+    Descriptor file(open(path.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600));
+    if (file.get() < 0) fail(path, "Could not create the file");
+    // A umask may have taken rights from the owner, too.
+    if (fchmod(file.get(), 0600) != 0) fail(path, "Could not create the file");
+    if (flock(file.get(), LOCK_EX) != 0) fail(path, "Could not lock the file");
+    struct stat byDescriptor {};
+    struct stat byName {};
+    if (fstat(file.get(), &byDescriptor) == 0 && stat(path.c_str(), &byName) == 0 &&
+        byDescriptor.st_ino == byName.st_ino) {
+      return file.release();
+    }
+  }
+}
+
+/// Moves the file, locked before it comes under its new name. -1 where it cannot be moved: it lies
+/// on another file system, say, or is somebody else's under another name.
+int moveLocked(const fs::path& source, const fs::path& target) {
+  Descriptor file(open(source.c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC));
+  struct stat status {};
+  if (file.get() < 0 || fstat(file.get(), &status) != 0) return -1;
+  if (!S_ISREG(status.st_mode) || status.st_nlink != 1) return -1;
+  if (flock(file.get(), LOCK_EX | LOCK_NB) != 0 || fchmod(file.get(), 0600) != 0) return -1;
+  if (rename(source.c_str(), target.c_str()) != 0) return -1;
+  return file.release();
+}
+
+std::int64_t sizeOf(int file, const fs::path& path) {
+  struct stat status {};
+  if (fstat(file, &status) != 0) fail(path, "Could not read the file");
+  return status.st_size;
+}
+
+/// The kernel copies: the bytes do not come through this process.
+void copyBytes(const fs::path& source, int target, const fs::path& targetPath) {
+  constexpr std::size_t most = std::size_t{1} << 30;
+  const Descriptor input(open(source.c_str(), O_RDONLY | O_CLOEXEC));
+  if (input.get() < 0) fail(source, "Could not read the file");
+  bool withinFileSystem = true;
+  bool begun = false;
+  while (true) {
+    const ssize_t count = withinFileSystem
+                              ? copy_file_range(input.get(), nullptr, target, nullptr, most, 0)
+                              : sendfile(target, input.get(), nullptr, most);
+    if (count == 0) return;
+    if (count > 0) {
+      begun = true;
+    } else if (withinFileSystem && !begun && errno != EINTR) {
+      withinFileSystem = false;  // between two of them, or on one that cannot
+    } else if (errno != EINTR) {
+      fail(targetPath, "Could not write the file");
+    }
+  }
+}
+
+}  // namespace
+
+FileStore::FileStore(fs::path folder) : folder_(std::move(folder)) {}
+
+FileStore::~FileStore() {
+  discardStaged();
+}
+
+FileStore::Staged FileStore::stage(const fs::path& source) {
+  platform::system::makePrivateFolder(folder_);
+  platform::system::makePrivateFolder(folder_ / "staged");
+  Staged result;
+  result.storedName = platform::system::newUUID();
+  const fs::path path = folder_ / "staged" / result.storedName;
+  const int moved = moveLocked(source, path);
+  const int descriptor = moved >= 0 ? moved : createLocked(path);
+  staged_.push_back({result.storedName, descriptor});
+  if (moved < 0) copyBytes(source, descriptor, path);
+  result.size = sizeOf(descriptor, path);
+  if (fsync(descriptor) != 0) fail(path, "Could not write the file");
+  syncFolder(folder_ / "staged");
+  syncFolder(folder_);
+  return result;
+}
+
+void FileStore::publishStaged() {
+  for (const OpenFile& file : staged_) {
+    // A file that cannot be moved is found where it is, and moved up by the next sweep.
+    std::error_code ignored;
+    fs::rename(folder_ / "staged" / file.storedName, folder_ / file.storedName, ignored);
+    close(file.descriptor);
+  }
+  staged_.clear();
+}
+
+void FileStore::discardStaged() {
+  for (const OpenFile& file : staged_) {
+    unlink((folder_ / "staged" / file.storedName).c_str());
+    close(file.descriptor);
+  }
+  staged_.clear();
+}
+
+std::optional<fs::path> FileStore::locate(std::string_view storedName) const {
+  // A stored name from the database is not trusted to stay inside the folder.
+  if (storedName.empty() || storedName.front() == '.' ||
+      storedName.find('/') != std::string_view::npos ||
+      storedName.find('\0') != std::string_view::npos) {
+    return std::nullopt;
+  }
+  for (const fs::path& path : {folder_ / storedName, folder_ / "staged" / storedName}) {
+    std::error_code ignored;
+    if (fs::is_regular_file(path, ignored)) return path;
+  }
+  return std::nullopt;
+}
+
+void FileStore::sweep(sqlite::Connection& connection, bool removedFiles) {
+  try {
+    std::error_code error;
+    for (const fs::directory_entry& entry : fs::directory_iterator(folder_ / "staged", error)) {
+      const Descriptor file(open(entry.path().c_str(), O_RDONLY | O_CLOEXEC));
+      if (file.get() < 0 || flock(file.get(), LOCK_EX | LOCK_NB) != 0) continue;  // being written
+      const std::string name = entry.path().filename();
+      sqlite::Query row = connection.query("SELECT 1 FROM file WHERE storedName = ?1");
+      row.bind(1, name);
+      if (row.step()) {
+        fs::rename(entry.path(), folder_ / name, error);
+      } else {
+        fs::remove(entry.path(), error);
+      }
+    }
+    if (!removedFiles) return;
+    sqlite::Transaction transaction(connection, sqlite::Transaction::Kind::write);
+    // A name that a row still has (a replaced row, a restored copy) keeps its bytes.
+    sqlite::Query removed = connection.query(
+        "SELECT storedName FROM removedFile "
+        "WHERE storedName NOT IN (SELECT storedName FROM file WHERE storedName IS NOT NULL)");
+    while (removed.step()) {
+      if (const auto path = locate(removed.text(0))) fs::remove(*path, error);
+    }
+    connection.execute("DELETE FROM removedFile");
+    transaction.commit();
+  } catch (const std::exception&) {
+    // It will be swept another time.
+  }
+}
+
+}  // namespace tavimodel

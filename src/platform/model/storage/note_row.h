@@ -1,0 +1,39 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "platform/model/storage/text_facts.h"
+
+namespace tavimodel {
+
+namespace sqlite {
+class Query;
+}
+
+/// A note's own attributes, without its text and its relations.
+struct NoteRow {
+  std::int64_t id = 0;       ///< 0: not in the database yet
+  std::int64_t version = 0;  ///< of the last change by anybody
+  std::string uniqueIdentifier;
+  std::optional<std::string> title;
+  std::optional<double> creationDate;  ///< seconds since 1970-01-01 UTC
+  std::optional<double> modificationDate;
+  bool trashed = false;
+  bool archived = false;
+  bool permanentlyDeleted = false;
+  bool pinned = false;
+  bool encrypted = false;
+  bool readOnly = false;
+  std::optional<TextFacts> facts;  ///< absent: not known, somebody else has changed the text
+};
+
+/// The columns of `noteSummary s` from which `readNoteRow` reads, for a SELECT list.
+extern const std::string_view noteRowColumns;
+
+/// The row under the query's cursor; its columns begin at `first`.
+NoteRow readNoteRow(const sqlite::Query& query, int first = 0);
+
+}  // namespace tavimodel

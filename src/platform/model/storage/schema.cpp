@@ -1,0 +1,237 @@
+#include "platform/model/storage/schema.h"
+
+#include <stdexcept>
+
+#include "platform/model/storage/sqlite.h"
+
+// The database is shared with programs that know only the tables of the first group, and write
+// them with plain SQL. So whatever this program keeps besides is kept up by triggers, these use
+// built-in functions and ordinary tables only (a client may lack FTS5, or run with
+// trusted_schema off), and what SQL cannot compute is marked as not known (NULL) by the trigger
+// and worked out later, by the next reader in memory and by the next writer for good.
+//
+// Booleans are 0 or 1. Dates are seconds since 1970-01-01 UTC, NULL when unknown.
+
+namespace tavimodel {
+namespace {
+
+constexpr const char* createTables = R"sql(
+CREATE TABLE note (
+  id INTEGER PRIMARY KEY,
+  uniqueIdentifier TEXT NOT NULL UNIQUE DEFAULT (  -- a random UUID
+    printf('%s-%s-4%.3s-A%.3s-%s', hex(randomblob(4)), hex(randomblob(2)), hex(randomblob(2)),
+      hex(randomblob(2)), hex(randomblob(6)))),
+  title TEXT,
+  creationDate REAL,
+  modificationDate REAL,
+  trashed INTEGER NOT NULL DEFAULT 0 CHECK (trashed IN (0, 1)),
+  archived INTEGER NOT NULL DEFAULT 0 CHECK (archived IN (0, 1)),
+  permanentlyDeleted INTEGER DEFAULT NULL CHECK (permanentlyDeleted IN (0, 1)),
+  pinned INTEGER NOT NULL DEFAULT 0 CHECK (pinned IN (0, 1)),
+  encrypted INTEGER NOT NULL DEFAULT 0 CHECK (encrypted IN (0, 1)),
+  readOnly INTEGER NOT NULL DEFAULT 0 CHECK (readOnly IN (0, 1)),
+  text TEXT                          -- Markdown; last, so that other columns are read without it
+);
+
+CREATE TABLE tag (
+  id INTEGER PRIMARY KEY,
+  title TEXT NOT NULL UNIQUE         -- canonical name; the ancestors of a nested tag are rows too
+);
+
+CREATE TABLE noteTag (
+  note INTEGER NOT NULL,
+  tag INTEGER NOT NULL,
+  PRIMARY KEY (note, tag)
+) WITHOUT ROWID;
+CREATE INDEX noteTagByTag ON noteTag (tag, note);
+
+CREATE TABLE pinnedInTag (
+  note INTEGER NOT NULL,
+  tag INTEGER NOT NULL,
+  PRIMARY KEY (note, tag)
+) WITHOUT ROWID;
+CREATE INDEX pinnedInTagByTag ON pinnedInTag (tag, note);
+
+CREATE TABLE file (
+  id INTEGER PRIMARY KEY,
+  note INTEGER NOT NULL,
+  filename TEXT,                     -- as the note's text links it
+  fileSize INTEGER NOT NULL DEFAULT 0,  -- bytes
+  position INTEGER NOT NULL DEFAULT 0,  -- order within the note, ascending
+  ocrText TEXT,                      -- text recognised in an image or PDF
+  storedName TEXT                    -- of the bytes, under files/; NULL: no bytes on this machine
+);
+CREATE INDEX fileByNote ON file (note, position);
+
+-- From here on it is bookkeeping.
+
+-- One short row a note: everything that lists show, so that they never walk through texts.
+CREATE TABLE noteSummary (
+  note INTEGER PRIMARY KEY,
+  version INTEGER NOT NULL,          -- a new random number with every change by anybody
+  uniqueIdentifier TEXT NOT NULL UNIQUE,
+  title TEXT,
+  creationDate REAL,
+  modificationDate REAL,
+  trashed INTEGER NOT NULL,
+  archived INTEGER NOT NULL,
+  permanentlyDeleted INTEGER,
+  place INTEGER NOT NULL,            -- 4 for trashed, 2 for archived, 1 for permanentlyDeleted
+  pinned INTEGER NOT NULL,
+  encrypted INTEGER NOT NULL,
+  readOnly INTEGER NOT NULL,
+  -- NULL: not known. The next six are known together, and before the note is indexed.
+  titleKey TEXT,                     -- title folded for look-up
+  textDigest TEXT,                   -- head of the text's SHA-256, 16 hexadecimal digits
+  textLength INTEGER,                -- in UTF-8 bytes
+  todoIncomplete INTEGER,
+  todoCompleted INTEGER,
+  features INTEGER,                  -- bits, see text_facts.h
+  searchRow INTEGER                  -- row of searchIndex; NULL: not indexed
+);
+CREATE INDEX summaryByPin ON noteSummary (trashed, archived, pinned, modificationDate);
+CREATE INDEX summaryByModification ON noteSummary (trashed, archived, modificationDate);
+CREATE INDEX summaryByCreation ON noteSummary (trashed, archived, creationDate);
+CREATE INDEX summaryByTitle ON noteSummary (trashed, archived, title);
+CREATE INDEX summaryByTitleKey ON noteSummary (titleKey) WHERE titleKey IS NOT NULL;
+CREATE INDEX summaryOfFew ON noteSummary (note)  -- states that few notes are in; 8: blank
+  WHERE encrypted = 1 OR readOnly = 1 OR ifnull(title, '') = '' OR (features & 8) <> 0;
+CREATE INDEX summaryBySearchRow ON noteSummary (searchRow);
+
+-- 'searchRow': the last row of searchIndex. 'notes' and a place: the number of notes there.
+CREATE TABLE counter (
+  name TEXT PRIMARY KEY,
+  value INTEGER NOT NULL
+) WITHOUT ROWID;
+INSERT INTO counter VALUES ('searchRow', 0),
+  ('notes0', 0), ('notes1', 0), ('notes2', 0), ('notes3', 0),
+  ('notes4', 0), ('notes5', 0), ('notes6', 0), ('notes7', 0);
+
+-- Files under files/ whose row is gone: to be removed from the disk.
+CREATE TABLE removedFile (storedName TEXT PRIMARY KEY) WITHOUT ROWID;
+
+-- Trigrams of the normalised, case-folded texts. Only ever added to: a changed note gets a new row
+-- and its old one points nowhere, so no text that is gone is needed to take it out.
+CREATE VIRTUAL TABLE searchIndex USING fts5 (
+  body, content='', detail=none, columnsize=0, tokenize='trigram case_sensitive 1');
+)sql";
+
+// Every program that opens the database parses these, so they are short: a word costs a thousand
+// instructions.
+//
+// An INSERT or UPDATE OR REPLACE runs no delete trigger, so the others clear up after the row that
+// was replaced, and hand its tags, pins and files on to the row that has its identifier now.
+constexpr const char* createTriggers = R"sql(
+CREATE TRIGGER noteInserted AFTER INSERT ON note BEGIN
+  DELETE FROM noteSummary WHERE note = NEW.id;
+  UPDATE noteSummary SET note = NEW.id WHERE uniqueIdentifier = NEW.uniqueIdentifier;
+  DELETE FROM noteSummary WHERE note = NEW.id;
+  INSERT INTO noteSummary SELECT id, random(), uniqueIdentifier, title, creationDate,
+      modificationDate, trashed, archived, permanentlyDeleted,
+      trashed * 4 + archived * 2 + ifnull(permanentlyDeleted, 0), pinned, encrypted, readOnly,
+      NULL, NULL, NULL, NULL, NULL, NULL, NULL
+    FROM note WHERE id = NEW.id;
+END;
+
+CREATE TRIGGER noteUpdated AFTER UPDATE ON note BEGIN
+  UPDATE noteSummary SET version = random(), modificationDate = NEW.modificationDate,
+      encrypted = NEW.encrypted, readOnly = NEW.readOnly
+    WHERE note IN (OLD.id, NEW.id);
+END;
+
+-- SQLite rewrites an index entry whenever a column of it is assigned, and compiles all triggers that
+-- an update might fire: so what seldom changes stands apart. The first four names are of one column.
+CREATE TRIGGER noteMoved AFTER UPDATE OF id, rowid, oid, _rowid_, uniqueIdentifier, title,
+    creationDate, trashed, archived, permanentlyDeleted, pinned ON note BEGIN
+  DELETE FROM noteSummary
+    WHERE note <> OLD.id AND (note = NEW.id OR uniqueIdentifier = NEW.uniqueIdentifier);
+  UPDATE noteSummary SET
+      note = NEW.id, uniqueIdentifier = NEW.uniqueIdentifier, title = NEW.title,
+      titleKey = CASE WHEN NEW.title IS OLD.title THEN titleKey END,
+      creationDate = NEW.creationDate, trashed = NEW.trashed, archived = NEW.archived,
+      permanentlyDeleted = NEW.permanentlyDeleted,
+      place = NEW.trashed * 4 + NEW.archived * 2 + ifnull(NEW.permanentlyDeleted, 0),
+      pinned = NEW.pinned
+    WHERE note = OLD.id;
+END;
+
+CREATE TRIGGER noteRewritten AFTER UPDATE OF title, text ON note
+    WHEN NEW.text IS NOT OLD.text OR NEW.title IS NOT OLD.title BEGIN
+  UPDATE noteSummary SET textDigest = NULL, textLength = NULL,
+      todoIncomplete = NULL, todoCompleted = NULL, features = NULL, searchRow = NULL
+    WHERE note IN (OLD.id, NEW.id);
+END;
+
+CREATE TRIGGER noteDeleted AFTER DELETE ON note BEGIN
+  DELETE FROM noteSummary WHERE note = OLD.id;
+END;
+
+CREATE TRIGGER summaryInserted AFTER INSERT ON noteSummary BEGIN
+  UPDATE counter SET value = value + 1 WHERE name = 'notes' || NEW.place;
+END;
+
+CREATE TRIGGER summaryDeleted AFTER DELETE ON noteSummary BEGIN
+  UPDATE counter SET value = value - 1 WHERE name = 'notes' || OLD.place;
+END;
+
+CREATE TRIGGER summaryOrphaned AFTER DELETE ON noteSummary
+    WHEN NOT EXISTS (SELECT 1 FROM note WHERE id = OLD.note) BEGIN
+  DELETE FROM noteTag WHERE note = OLD.note;
+  DELETE FROM pinnedInTag WHERE note = OLD.note;
+  DELETE FROM file WHERE note = OLD.note;
+END;
+
+CREATE TRIGGER summaryMoved AFTER UPDATE OF place ON noteSummary WHEN NEW.place <> OLD.place BEGIN
+  UPDATE counter SET value = value - 1 WHERE name = 'notes' || OLD.place;
+  UPDATE counter SET value = value + 1 WHERE name = 'notes' || NEW.place;
+END;
+
+CREATE TRIGGER summaryRenumbered AFTER UPDATE OF note ON noteSummary WHEN NEW.note <> OLD.note BEGIN
+  UPDATE OR IGNORE noteTag SET note = NEW.note WHERE note = OLD.note;
+  UPDATE OR IGNORE pinnedInTag SET note = NEW.note WHERE note = OLD.note;
+  UPDATE file SET note = NEW.note WHERE note = OLD.note;
+END;
+
+CREATE TRIGGER fileDeleted AFTER DELETE ON file WHEN OLD.storedName IS NOT NULL BEGIN
+  INSERT OR IGNORE INTO removedFile VALUES (OLD.storedName);
+END;
+)sql";
+
+int userVersion(sqlite::Connection& connection) {
+  sqlite::Query query = connection.query("PRAGMA user_version");
+  query.step();
+  return static_cast<int>(query.integer(0));
+}
+
+bool holdsAnything(sqlite::Connection& connection) {
+  return connection.query("SELECT 1 FROM sqlite_schema LIMIT 1").step();
+}
+
+}  // namespace
+
+void upgradeSchema(sqlite::Connection& connection) {
+  const auto isCurrent = [&] {
+    const int version = userVersion(connection);
+    if (version > currentSchemaVersion) {
+      throw std::runtime_error("The Tavi database was written by a newer version of this program.");
+    }
+    if (version < currentSchemaVersion && (version != 0 || holdsAnything(connection))) {
+      throw std::runtime_error("The file is a database, but not one of Tavi.");
+    }
+    return version == currentSchemaVersion;
+  };
+  if (isCurrent()) return;
+  // Writers and readers do not wait for each other, and a commit is one sync.
+  // A write logs a dozen pages, and the next program to open the database reads them again, so they
+  // are small; larger ones would make a walk through all texts a fifth faster.
+  connection.execute("PRAGMA page_size = 4096; PRAGMA journal_mode = WAL");
+  sqlite::Transaction transaction(connection, sqlite::Transaction::Kind::write);
+  if (isCurrent()) return;  // another process was quicker
+  connection.execute(createTables);
+  connection.execute(createTriggers);
+  connection.execute("PRAGMA user_version = 1");
+  transaction.commit();
+  connection.execute("PRAGMA wal_checkpoint(TRUNCATE)");
+}
+
+}  // namespace tavimodel

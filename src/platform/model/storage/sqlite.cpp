@@ -1,0 +1,240 @@
+#include "platform/model/storage/sqlite.h"
+
+#include <fmt/format.h>
+#include <sqlite3.h>
+
+#include <cstring>
+#include <utility>
+
+#include "platform/model/storage/sqlite_memory.h"
+
+namespace tavimodel::sqlite {
+namespace {
+
+std::string sentence(int code, int systemError, const std::string& detail) {
+  const std::string cause = systemError != 0 ? std::strerror(systemError) : detail;
+  switch (code) {
+    case SQLITE_BUSY:
+    case SQLITE_LOCKED:
+      return "The Tavi database is in use by another program. Try again.";
+    case SQLITE_FULL:
+      return "The disk is full. Nothing was saved.";
+    case SQLITE_READONLY:
+      return "The Tavi database cannot be written: it, or its folder, is read-only.";
+    case SQLITE_PERM:
+    case SQLITE_CANTOPEN:
+      return fmt::format("The Tavi database cannot be opened: {}.", cause);
+    case SQLITE_CORRUPT:
+    case SQLITE_NOTADB:
+      return fmt::format("The Tavi database is damaged: {}.", detail);
+    case SQLITE_IOERR:
+      return fmt::format("The Tavi database could not be read or written: {}.", cause);
+    default:
+      return fmt::format("The Tavi database reported an error: {}.", detail);
+  }
+}
+
+bool configureLibrary() {
+  useMemoryPools();
+  // Nobody asks SQLite how much memory it has, and counting takes a lock at every allocation.
+  sqlite3_config(SQLITE_CONFIG_MEMSTATUS, 0);
+  // What undoes a statement stays in memory: the pages that one note's triggers touch would else be
+  // written to a temporary file.
+  constexpr int never = -1;
+  sqlite3_config(SQLITE_CONFIG_STMTJRNL_SPILL, never);
+  return true;
+}
+
+/// Why the last call on a file failed; 0: not known. What fails in a commit SQLite keeps with the
+/// log's file only.
+int systemError(sqlite3* handle) {
+  int error = sqlite3_system_errno(handle);
+  sqlite3_file* log = nullptr;
+  sqlite3_file_control(handle, "main", SQLITE_FCNTL_JOURNAL_POINTER, &log);
+  if (error == 0 && log != nullptr && log->pMethods != nullptr) {
+    log->pMethods->xFileControl(log, SQLITE_FCNTL_LAST_ERRNO, &error);
+  }
+  return error;
+}
+
+[[noreturn]] void throwError(sqlite3* handle, int code) {
+  if (handle == nullptr) throw Error(code & 0xff, 0, sqlite3_errstr(code));
+  throw Error(code & 0xff, systemError(handle), sqlite3_errmsg(handle));
+}
+
+}  // namespace
+
+Error::Error(int code, int systemError, const std::string& detail)
+    : std::runtime_error(sentence(code, systemError, detail)), code_(code) {}
+
+Query::Query(Connection& connection, sqlite3_stmt* statement)
+    : connection_(&connection), statement_(statement) {
+  ++connection.statementsRun_;
+}
+
+Query::Query(Query&& other) noexcept
+    : connection_(other.connection_), statement_(std::exchange(other.statement_, nullptr)) {}
+
+Query::~Query() {
+  if (statement_ != nullptr) connection_->giveBack(statement_);
+}
+
+Query& Query::bind(int parameter, std::int64_t value) {
+  if (sqlite3_bind_int64(statement_, parameter, value) != SQLITE_OK) connection_->fail();
+  return *this;
+}
+
+Query& Query::bind(int parameter, double value) {
+  if (sqlite3_bind_double(statement_, parameter, value) != SQLITE_OK) connection_->fail();
+  return *this;
+}
+
+Query& Query::bind(int parameter, std::string_view text) {
+  // An empty view may have no address, which SQLite would take for NULL.
+  const char* bytes = text.data() != nullptr ? text.data() : "";
+  if (sqlite3_bind_text64(statement_, parameter, bytes, text.size(), SQLITE_STATIC, SQLITE_UTF8) !=
+      SQLITE_OK) {
+    connection_->fail();
+  }
+  return *this;
+}
+
+Query& Query::bindNull(int parameter) {
+  if (sqlite3_bind_null(statement_, parameter) != SQLITE_OK) connection_->fail();
+  return *this;
+}
+
+int Query::parameterCount() const {
+  return sqlite3_bind_parameter_count(statement_);
+}
+
+bool Query::step() {
+  const int code = sqlite3_step(statement_);
+  if (code == SQLITE_ROW) return true;
+  if (code != SQLITE_DONE) connection_->fail();
+  return false;
+}
+
+void Query::run() {
+  while (step()) {
+  }
+}
+
+bool Query::isNull(int column) const {
+  return sqlite3_column_type(statement_, column) == SQLITE_NULL;
+}
+
+std::int64_t Query::integer(int column) const {
+  return sqlite3_column_int64(statement_, column);
+}
+
+double Query::real(int column) const {
+  return sqlite3_column_double(statement_, column);
+}
+
+std::string_view Query::text(int column) const {
+  // The bytes of a text as they are; sqlite3_column_text would copy them to put a NUL behind.
+  const auto* bytes = static_cast<const char*>(sqlite3_column_blob(statement_, column));
+  if (bytes == nullptr) return {};
+  return {bytes, static_cast<std::size_t>(sqlite3_column_bytes(statement_, column))};
+}
+
+std::optional<double> Query::optionalReal(int column) const {
+  const double value = real(column);  // 0 for NULL
+  if (value == 0 && isNull(column)) return std::nullopt;
+  return value;
+}
+
+Connection::Connection(const std::string& path, Mode mode) {
+  static const bool configured = configureLibrary();
+  static_cast<void>(configured);
+  const int access =
+      mode == Mode::readOnly ? SQLITE_OPEN_READONLY | SQLITE_OPEN_URI : SQLITE_OPEN_READWRITE;
+  const int flags = access | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE;
+  const int code = sqlite3_open_v2(path.c_str(), &handle_, flags, nullptr);
+  if (code == SQLITE_OK) return;
+  const Error error(code & 0xff, sqlite3_system_errno(handle_), sqlite3_errmsg(handle_));
+  sqlite3_close_v2(handle_);
+  throw error;
+}
+
+Connection::~Connection() {
+  for (auto& [sql, cached] : statements_) sqlite3_finalize(cached.statement);
+  sqlite3_close_v2(handle_);
+}
+
+Query Connection::query(std::string_view sql) {
+  const auto found = statements_.find(sql);
+  if (found != statements_.end() && !found->second.onLoan) {
+    found->second.onLoan = true;
+    return {*this, found->second.statement};
+  }
+  sqlite3_stmt* statement = nullptr;
+  const bool keep = found == statements_.end();
+  const unsigned flags = keep ? SQLITE_PREPARE_PERSISTENT : 0;
+  if (sqlite3_prepare_v3(handle_, sql.data(), static_cast<int>(sql.size()), flags, &statement,
+                         nullptr) != SQLITE_OK) {
+    fail();
+  }
+  if (keep) statements_.emplace(sqlite3_sql(statement), Cached{statement, true});
+  return {*this, statement};
+}
+
+void Connection::giveBack(sqlite3_stmt* statement) {
+  const auto found = statements_.find(sqlite3_sql(statement));
+  if (found == statements_.end() || found->second.statement != statement) {
+    sqlite3_finalize(statement);  // a second loan of the same text
+    return;
+  }
+  sqlite3_reset(statement);
+  sqlite3_clear_bindings(statement);
+  found->second.onLoan = false;
+}
+
+void Connection::execute(const char* script) {
+  ++statementsRun_;
+  if (sqlite3_exec(handle_, script, nullptr, nullptr, nullptr) != SQLITE_OK) fail();
+}
+
+std::int64_t Connection::lastInsertedRow() const {
+  return sqlite3_last_insert_rowid(handle_);
+}
+
+void Connection::setBusyTimeout(int milliseconds) {
+  sqlite3_busy_timeout(handle_, milliseconds);
+}
+
+void Connection::fail() const {
+  throwError(handle_, sqlite3_errcode(handle_));
+}
+
+Transaction::Transaction(Connection& connection, Kind kind) : connection_(connection) {
+  connection_.query(kind == Kind::write ? "BEGIN IMMEDIATE" : "BEGIN").run();
+}
+
+Transaction::~Transaction() {
+  if (open_) rollBack();
+}
+
+void Transaction::rollBack() {
+  open_ = false;
+  // A failed statement may have rolled back already; then there is nothing left to undo.
+  if (sqlite3_get_autocommit(connection_.handle()) != 0) return;
+  sqlite3_exec(connection_.handle(), "ROLLBACK", nullptr, nullptr, nullptr);
+}
+
+void Transaction::commit() {
+  try {
+    connection_.query("COMMIT").run();
+    open_ = false;
+  } catch (const Error&) {
+    rollBack();
+    // Where the log was written and its sync failed, the log still holds a whole transaction, which
+    // the next program to open the database would take for committed. Without a log it cannot.
+    sqlite3_wal_checkpoint_v2(connection_.handle(), nullptr, SQLITE_CHECKPOINT_TRUNCATE, nullptr,
+                              nullptr);
+    throw;
+  }
+}
+
+}  // namespace tavimodel::sqlite

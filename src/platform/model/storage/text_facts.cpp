@@ -1,0 +1,27 @@
+#include "platform/model/storage/text_facts.h"
+
+#include "platform/system/hashing.h"
+#include "platform/text/utf8.h"
+
+namespace tavimodel {
+
+TextFacts TextFacts::of(std::string_view text) {
+  return of(text, zephyrdown::ZDKAST::fromMarkdown(std::string(text)).textSummary());
+}
+
+TextFacts TextFacts::of(std::string_view text, const zephyrdown::ZDKTextSummary& summary) {
+  const platform::system::SHA256Digest digest = platform::system::sha256(text);
+  TextFacts facts;
+  facts.digest =
+      platform::system::hexadecimal({reinterpret_cast<const char*>(digest.data()), std::size_t{8}});
+  facts.length = static_cast<std::int64_t>(text.size());
+  facts.todoIncomplete = summary.todoIncomplete;
+  facts.todoCompleted = summary.todoCompleted;
+  if (summary.hasImages) facts.features |= images;
+  if (summary.hasCode) facts.features |= code;
+  if (!summary.wikiLinks.empty()) facts.features |= wikiLinks;
+  if (platform::text::trimmingWhitespaceAndNewlines(text).empty()) facts.features |= blank;
+  return facts;
+}
+
+}  // namespace tavimodel
