@@ -1,33 +1,16 @@
 #include "mcp/line_reader.h"
 
-#include <poll.h>
-#include <unistd.h>
-
 #include <algorithm>
-#include <cerrno>
 #include <cstring>
 #include <utility>
 
+#include "platform/system/file_descriptor.h"
 #include "platform/text/utf8.h"
 
 namespace tavi::mcp {
 namespace {
 
 constexpr std::size_t kUsualCapacity = 64 * 1024;
-
-/// The bytes read, 0 at the end of input or when reading fails.
-std::size_t readSome(int descriptor, char* into, std::size_t room) {
-  while (true) {
-    const ssize_t count = ::read(descriptor, into, room);
-    if (count >= 0) return static_cast<std::size_t>(count);
-    if (errno == EAGAIN) {  // a pipe that the client made non-blocking
-      pollfd ready{.fd = descriptor, .events = POLLIN, .revents = 0};
-      ::poll(&ready, 1, -1);
-    } else if (errno != EINTR) {
-      return 0;
-    }
-  }
-}
 
 }  // namespace
 
@@ -51,15 +34,18 @@ std::optional<std::string_view> LineReader::next() {
 
 bool LineReader::fill() {
   makeRoom();
-  const std::size_t count = readSome(descriptor_, buffer_.get() + end_, capacity_ - end_);
-  end_ += count;
-  return count > 0;
+  const auto count =
+      platform::system::readSome(descriptor_, buffer_.get() + end_, capacity_ - end_);
+  if (count <= 0) return false;
+  end_ += static_cast<std::size_t>(count);
+  return true;
 }
 
-/// Moves the begun line to the front, into a buffer that fits: larger while one long line comes
-/// in, and of the usual size again after it.
+/// Makes room behind what has been read. Only a buffer that is full grows, and it doubles, so that
+/// a long line is copied a constant number of times; after it the buffer shrinks again.
 void LineReader::makeRoom() {
   const std::size_t begun = end_ - begin_;
+  if (end_ < capacity_ && begun > 0) return;
   const std::size_t wanted = std::max(kUsualCapacity, begun * 2);
   if (capacity_ < wanted || capacity_ > 4 * wanted) {
     auto roomier = std::make_unique_for_overwrite<char[]>(wanted);

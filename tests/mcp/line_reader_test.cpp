@@ -3,10 +3,29 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <cstdlib>
+#include <new>
 #include <thread>
 #include <vector>
 
 #include "pipe.h"
+
+namespace {
+std::atomic<std::size_t> arrayBytes = 0;  // allocated as arrays since the program began
+}
+
+void* operator new[](std::size_t size) {
+  arrayBytes += size;
+  if (void* memory = std::malloc(size)) return memory;
+  throw std::bad_alloc();
+}
+void operator delete[](void* memory) noexcept {
+  std::free(memory);
+}
+void operator delete[](void* memory, std::size_t) noexcept {
+  std::free(memory);
+}
 
 namespace tavi::mcp {
 namespace {
@@ -53,6 +72,13 @@ TEST(LineReader, ReadsLinesOfAnyLengthAmongShortOnes) {
   const std::string large(5'000'001, 'x'), medium(65'536, 'y');
   EXPECT_THAT(linesOf("a\n" + large + "\r\n" + medium + "\nb\n" + large + "\nc"),
               ElementsAre("a", large, medium, "b", large, "c"));
+}
+
+TEST(LineReader, CopiesALongLineAConstantNumberOfTimes) {
+  const std::string large(16'000'000, 'x');
+  const std::size_t before = arrayBytes;
+  EXPECT_THAT(linesOf(large), ElementsAre(large));
+  EXPECT_LT(arrayBytes - before, 5 * large.size());
 }
 
 TEST(LineReader, ReplacesIllFormedUTF8) {
