@@ -1,6 +1,5 @@
 #include "cli/standard_input.h"
 
-#include <poll.h>
 #include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -12,6 +11,7 @@
 
 #include "cli/output/output_formatter.h"
 #include "cli/session.h"
+#include "platform/system/file_descriptor.h"
 #include "platform/text/utf8.h"
 
 namespace tavi {
@@ -25,19 +25,12 @@ std::size_t fileSize() {
   return regular ? static_cast<std::size_t>(status.st_size) : 0;
 }
 
-/// As read(2), which waits here in any case. 0, too, where the descriptor is not open for reading.
+/// 0 at the end of input, and where the descriptor is not open for reading.
 std::size_t readSome(char* bytes, std::size_t size) {
-  while (true) {
-    const ssize_t count = ::read(STDIN_FILENO, bytes, size);
-    if (count >= 0) return static_cast<std::size_t>(count);
-    if (errno == EBADF) return 0;
-    if (errno == EAGAIN) {  // a descriptor that someone made non-blocking
-      pollfd ready{.fd = STDIN_FILENO, .events = POLLIN, .revents = 0};
-      ::poll(&ready, 1, -1);
-    } else if (errno != EINTR) {
-      throw std::system_error(errno, std::generic_category(), "Could not read the standard input");
-    }
-  }
+  const auto count = platform::system::readSome(STDIN_FILENO, bytes, size);
+  if (count >= 0) return static_cast<std::size_t>(count);
+  if (errno == EBADF) return 0;
+  throw std::system_error(errno, std::generic_category(), "Could not read the standard input");
 }
 
 /// Room for a large file, in few large pages where the system has them: touching each of thousands

@@ -10,6 +10,8 @@
 #include <climits>
 #include <cstring>
 
+#include "platform/system/file_descriptor.h"
+
 namespace tavi::mcp {
 namespace {
 
@@ -18,15 +20,11 @@ class FileImage final : public ImageBytes {
  public:
   /// O_NONBLOCK: should a pipe stand in its place, nobody waits for it.
   explicit FileImage(const std::string& path)
-      : path_(path), descriptor_(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)) {
-    if (descriptor_ < 0) throw BinaryFingerprintError::readFailed(path_, std::strerror(errno));
-    if (::fstat(descriptor_, &attributes_) == 0) return;
-    ::close(descriptor_);
-    throw BinaryFingerprintError::statFailed(path_, std::strerror(errno));
+      : path_(path), file_(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)) {
+    if (!file_) throw BinaryFingerprintError::readFailed(path_, std::strerror(errno));
+    if (::fstat(file_.get(), &attributes_) != 0)
+      throw BinaryFingerprintError::statFailed(path_, std::strerror(errno));
   }
-  ~FileImage() override { ::close(descriptor_); }
-  FileImage(const FileImage&) = delete;
-  FileImage& operator=(const FileImage&) = delete;
 
   const struct stat& attributes() const { return attributes_; }
   std::uint64_t size() const override { return static_cast<std::uint64_t>(attributes_.st_size); }
@@ -44,7 +42,7 @@ class FileImage final : public ImageBytes {
   void fillFrom(std::uint64_t offset) {
     ssize_t count = 0;
     do {
-      count = ::pread(descriptor_, window_.data(), window_.size(), static_cast<off_t>(offset));
+      count = ::pread(file_.get(), window_.data(), window_.size(), static_cast<off_t>(offset));
     } while (count < 0 && errno == EINTR);
     if (count < 0) throw BinaryFingerprintError::readFailed(path_, std::strerror(errno));
     begin_ = offset;
@@ -52,7 +50,7 @@ class FileImage final : public ImageBytes {
   }
 
   std::string path_;
-  int descriptor_;
+  platform::system::FileDescriptor file_;
   struct stat attributes_ {};
   std::uint64_t begin_ = 0;
   std::size_t filled_ = 0;

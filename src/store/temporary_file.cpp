@@ -16,6 +16,7 @@ namespace tavi {
 namespace {
 
 namespace fs = std::filesystem;
+using platform::system::FileDescriptor;
 
 constexpr std::string_view prefix = "tavi-attach-";
 
@@ -28,18 +29,15 @@ void removeFolder(const fs::path& folder) {
   fs::remove_all(folder, ignored);
 }
 
-/// The folder, locked (flock(2)); -1, and why in errno, when it is another process's or gone.
-int lockFolder(const fs::path& folder, int how) {
-  const int descriptor = open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
-  if (descriptor < 0) return -1;
+/// The folder, locked (flock(2)), or none, and why in errno, when another process holds it or it is
+/// gone.
+FileDescriptor lockFolder(const fs::path& path, int how) {
+  FileDescriptor folder(open(path.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
   struct stat status {};
-  int error = 0;
-  if (flock(descriptor, how) != 0 || fstat(descriptor, &status) != 0) error = errno;
-  if (error == 0 && status.st_nlink == 0) error = ENOENT;  // removed while we waited
-  if (error == 0) return descriptor;
-  close(descriptor);
-  errno = error;
-  return -1;
+  if (!folder || flock(folder.get(), how) != 0 || fstat(folder.get(), &status) != 0) return {};
+  if (status.st_nlink > 0) return folder;
+  errno = ENOENT;  // removed while we waited
+  return {};
 }
 
 /// Removes the folders of programs that were killed: nobody has them locked.
@@ -51,10 +49,8 @@ void sweep(const fs::path& temporary) {
     struct stat status {};
     const bool ours = folder.filename().string().starts_with(prefix) &&
                       lstat(folder.c_str(), &status) == 0 && status.st_uid == geteuid();
-    const int lock = ours ? lockFolder(folder, LOCK_EX | LOCK_NB) : -1;
-    if (lock < 0) continue;
-    removeFolder(folder);
-    close(lock);
+    if (!ours) continue;
+    if (const FileDescriptor lock = lockFolder(folder, LOCK_EX | LOCK_NB)) removeFolder(folder);
   }
 }
 
@@ -64,11 +60,11 @@ TemporaryFile::TemporaryFile(std::string_view bytes, const std::string& filename
   const fs::path temporary = platform::system::temporaryDirectory();
   sweep(temporary);
   fs::create_directories(temporary);
-  while (lock_ < 0) {  // another program's sweep may come between
+  while (!lock_) {  // another program's sweep may come between
     folder_ = temporary / (std::string(prefix) + platform::system::newUUID());
     platform::system::makePrivateFolder(folder_);
     lock_ = lockFolder(folder_, LOCK_EX);
-    if (lock_ >= 0 || errno == ENOENT) continue;
+    if (lock_ || errno == ENOENT) continue;
     const int error = errno;
     removeFolder(folder_);
     errno = error;
@@ -87,27 +83,22 @@ TemporaryFile::~TemporaryFile() {
   remove();
 }
 
-void TemporaryFile::remove() const {
+void TemporaryFile::remove() {
   removeFolder(folder_);
-  close(lock_);
+  lock_.reset();
 }
 
 void TemporaryFile::write(std::string_view bytes) {
-  const int file = open(path_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
-  if (file < 0) fail();
+  FileDescriptor file(open(path_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
+  if (!file) fail();
   constexpr std::size_t piece = 256 * 1024;  // one write of 50 MB takes three times as long
   while (!bytes.empty()) {
-    const ssize_t count = ::write(file, bytes.data(), std::min(bytes.size(), piece));
+    const ssize_t count = ::write(file.get(), bytes.data(), std::min(bytes.size(), piece));
     if (count < 0 && errno == EINTR) continue;
-    if (count < 0) {
-      const int error = errno;
-      close(file);
-      errno = error;
-      fail();
-    }
+    if (count < 0) fail();
     bytes.remove_prefix(static_cast<std::size_t>(count));
   }
-  if (fchmod(file, 0600) != 0 || close(file) != 0) fail();
+  if (fchmod(file.get(), 0600) != 0 || !file.close()) fail();
 }
 
 }  // namespace tavi

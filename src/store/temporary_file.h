@@ -4,6 +4,8 @@
 #include <string>
 #include <string_view>
 
+#include "platform/system/file_descriptor.h"
+
 namespace tavi {
 
 /// A file under a name of its own, in a private folder among the system's temporary ones; both go
@@ -20,11 +22,11 @@ class TemporaryFile {
 
  private:
   void write(std::string_view bytes);
-  void remove() const;
+  void remove();
 
   std::filesystem::path folder_;
   std::filesystem::path path_;
-  int lock_ = -1;  ///< the folder, locked (flock(2)) as long as it is in use
+  platform::system::FileDescriptor lock_;  ///< on the folder (flock(2)), as long as it is in use
 };
 
 }  // namespace tavi

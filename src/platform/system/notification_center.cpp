@@ -33,36 +33,25 @@ void postNotification(const std::string& name) {
     return;
   }
   // Opened for reading, so that closing it is no second event.
-  const int file = open(path.c_str(), O_RDONLY | O_CREAT | O_EXCL | O_CLOEXEC, S_IRUSR | S_IWUSR);
-  if (file >= 0) close(file);
+  const FileDescriptor made(
+      open(path.c_str(), O_RDONLY | O_CREAT | O_EXCL | O_CLOEXEC, S_IRUSR | S_IWUSR));
 }
 
 NotificationObserver::NotificationObserver(std::string name, std::function<void()> handler)
     : name_(std::move(name)), handler_(std::move(handler)) {
   const auto directory = applicationDataDirectory();
   if (!directory) throwSystemError(ENOENT);
-  inotify_ = inotify_init1(IN_NONBLOCK | IN_CLOEXEC);
-  if (inotify_ < 0) throwSystemError(errno);
-  if (inotify_add_watch(inotify_, directory->c_str(), kEvents) < 0) {
-    const int error = errno;
-    close(inotify_);
-    throwSystemError(error);
+  inotify_ = FileDescriptor(inotify_init1(IN_NONBLOCK | IN_CLOEXEC));
+  if (!inotify_ || inotify_add_watch(inotify_.get(), directory->c_str(), kEvents) < 0) {
+    throwSystemError(errno);
   }
-}
-
-NotificationObserver::~NotificationObserver() {
-  close(inotify_);
-}
-
-int NotificationObserver::descriptor() const {
-  return inotify_;
 }
 
 void NotificationObserver::deliver() {
   bool posted = false;
   alignas(inotify_event) char buffer[4096];
   for (;;) {
-    const ssize_t length = read(inotify_, buffer, sizeof buffer);
+    const ssize_t length = read(inotify_.get(), buffer, sizeof buffer);
     if (length < 0 && errno == EINTR) continue;
     if (length <= 0) break;
     for (const char* at = buffer; at < buffer + length;) {

@@ -4,6 +4,8 @@
 #include <memory>
 #include <string>
 
+#include "platform/system/file_descriptor.h"
+
 namespace platform::system {
 
 /// A bare named event between processes, without payload or acknowledgement. An event named NAME
@@ -19,17 +21,14 @@ class NotificationObserver {
  public:
   /// Throws std::system_error when the data directory cannot be watched.
   NotificationObserver(std::string name, std::function<void()> handler);
-  ~NotificationObserver();
-  NotificationObserver(const NotificationObserver&) = delete;
-  NotificationObserver& operator=(const NotificationObserver&) = delete;
 
-  int descriptor() const;
+  int descriptor() const { return inotify_.get(); }
   void deliver();
 
  private:
   std::string name_;
   std::function<void()> handler_;
-  int inotify_ = -1;
+  FileDescriptor inotify_;
 };
 
 }  // namespace platform::system

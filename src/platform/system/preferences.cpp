@@ -2,11 +2,11 @@
 
 #include <fcntl.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include <algorithm>
 
 #include "platform/system/directories.h"
+#include "platform/system/file_descriptor.h"
 #include "platform/system/property_list_formats.h"
 
 namespace platform::system {
@@ -14,39 +14,22 @@ namespace {
 
 constexpr std::size_t kLargestFile = std::size_t{16} << 20;
 
-class File {
- public:
-  /// Does not wait for the writer of a pipe.
-  explicit File(const std::filesystem::path& path)
-      : descriptor_(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)) {}
-  ~File() {
-    if (descriptor_ >= 0) close(descriptor_);
+/// All bytes of a regular file that is not too large. Does not wait for the writer of a pipe.
+std::optional<std::string> contents(const std::filesystem::path& path) {
+  const FileDescriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+  struct stat status {};
+  if (!file || fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode)) return std::nullopt;
+  const auto size = static_cast<std::size_t>(status.st_size);
+  if (size > kLargestFile) return std::nullopt;
+  std::string bytes(size, '\0');
+  std::size_t filled = 0;
+  while (filled < size) {
+    const auto count = readSome(file.get(), bytes.data() + filled, size - filled);
+    if (count <= 0) return std::nullopt;
+    filled += static_cast<std::size_t>(count);
   }
-  File(const File&) = delete;
-  File& operator=(const File&) = delete;
-
-  /// All bytes of a regular file that is not too large.
-  std::optional<std::string> contents() const {
-    struct stat status {};
-    if (descriptor_ < 0 || fstat(descriptor_, &status) != 0 || !S_ISREG(status.st_mode)) {
-      return std::nullopt;
-    }
-    const auto size = static_cast<std::size_t>(status.st_size);
-    if (size > kLargestFile) return std::nullopt;
-    std::string bytes(size, '\0');
-    std::size_t filled = 0;
-    while (filled < size) {
-      const ssize_t count = read(descriptor_, bytes.data() + filled, size - filled);
-      if (count < 0 && errno == EINTR) continue;
-      if (count <= 0) return std::nullopt;
-      filled += static_cast<std::size_t>(count);
-    }
-    return bytes;
-  }
-
- private:
-  int descriptor_;
-};
+  return bytes;
+}
 
 bool isYes(const std::string& text) {
   const auto is = [&text](std::string_view word) {
@@ -75,7 +58,7 @@ PropertyDictionary suite(std::string_view name) {
 }  // namespace
 
 std::optional<PropertyDictionary> readPropertyList(const std::filesystem::path& path) {
-  const auto bytes = File(path).contents();
+  const auto bytes = contents(path);
   return bytes ? parsePropertyList(*bytes) : std::nullopt;
 }
 

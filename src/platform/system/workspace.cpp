@@ -11,6 +11,8 @@
 #include <cerrno>
 #include <cstdint>
 
+#include "platform/system/file_descriptor.h"
+
 namespace platform::system {
 namespace {
 
@@ -43,9 +45,9 @@ class Surroundings {
 
 /// Whether the process ended in time.
 bool endsWithin(std::chrono::milliseconds patience, pid_t process) {
-  const int descriptor = static_cast<int>(syscall(SYS_pidfd_open, process, 0));
-  if (descriptor < 0) return true;  // an old kernel: waitpid(2) will wait
-  pollfd end{descriptor, POLLIN, 0};
+  const FileDescriptor descriptor(static_cast<int>(syscall(SYS_pidfd_open, process, 0)));
+  if (!descriptor) return true;  // an old kernel: waitpid(2) will wait
+  pollfd end{descriptor.get(), POLLIN, 0};
   const auto deadline = std::chrono::steady_clock::now() + patience;
   int ready = -1;
   do {
@@ -53,7 +55,6 @@ bool endsWithin(std::chrono::milliseconds patience, pid_t process) {
     const auto milliseconds = std::chrono::ceil<std::chrono::milliseconds>(left).count();
     ready = poll(&end, 1, static_cast<int>(std::max<std::int64_t>(0, milliseconds)));
   } while (ready < 0 && errno == EINTR);
-  close(descriptor);
   return ready != 0;
 }
 

@@ -12,42 +12,29 @@
 
 #include "platform/model/storage/sqlite.h"
 #include "platform/system/directories.h"
+#include "platform/system/file_descriptor.h"
 #include "platform/system/hashing.h"
 
 namespace tavimodel {
 namespace {
 
 namespace fs = std::filesystem;
+using platform::system::FileDescriptor;
 
 [[noreturn]] void fail(const fs::path& path, const char* what) {
   throw std::system_error(errno, std::generic_category(), std::string(what) + " " + path.string());
 }
 
-class Descriptor {
- public:
-  explicit Descriptor(int value) : value_(value) {}
-  ~Descriptor() {
-    if (value_ >= 0) close(value_);
-  }
-  Descriptor(const Descriptor&) = delete;
-  Descriptor& operator=(const Descriptor&) = delete;
-  int get() const { return value_; }
-  int release() { return std::exchange(value_, -1); }
-
- private:
-  int value_;
-};
-
 void syncFolder(const fs::path& path) {
-  const Descriptor folder(open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-  if (folder.get() < 0 || fsync(folder.get()) != 0) fail(path, "Could not write the folder");
+  const FileDescriptor folder(open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  if (!folder || fsync(folder.get()) != 0) fail(path, "Could not write the folder");
 }
 
 /// Creates the file and locks it. A sweep may take a file between the two: then it is made anew.
-int createLocked(const fs::path& path) {
+FileDescriptor createLocked(const fs::path& path) {
   while (true) {
-    Descriptor file(open(path.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600));
-    if (file.get() < 0) fail(path, "Could not create the file");
+    FileDescriptor file(open(path.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600));
+    if (!file) fail(path, "Could not create the file");
     // A umask may have taken rights from the owner, too.
     if (fchmod(file.get(), 0600) != 0) fail(path, "Could not create the file");
     if (flock(file.get(), LOCK_EX) != 0) fail(path, "Could not lock the file");
@@ -55,21 +42,21 @@ int createLocked(const fs::path& path) {
     struct stat byName {};
     if (fstat(file.get(), &byDescriptor) == 0 && stat(path.c_str(), &byName) == 0 &&
         byDescriptor.st_ino == byName.st_ino) {
-      return file.release();
+      return file;
     }
   }
 }
 
-/// Moves the file, locked before it comes under its new name. -1 where it cannot be moved: it lies
-/// on another file system, say, or is somebody else's under another name.
-int moveLocked(const fs::path& source, const fs::path& target) {
-  Descriptor file(open(source.c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC));
+/// Moves the file, locked before it comes under its new name. None where it cannot be moved: it
+/// lies on another file system, say, or is somebody else's under another name.
+FileDescriptor moveLocked(const fs::path& source, const fs::path& target) {
+  FileDescriptor file(open(source.c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC));
   struct stat status {};
-  if (file.get() < 0 || fstat(file.get(), &status) != 0) return -1;
-  if (!S_ISREG(status.st_mode) || status.st_nlink != 1) return -1;
-  if (flock(file.get(), LOCK_EX | LOCK_NB) != 0 || fchmod(file.get(), 0600) != 0) return -1;
-  if (rename(source.c_str(), target.c_str()) != 0) return -1;
-  return file.release();
+  if (!file || fstat(file.get(), &status) != 0) return {};
+  if (!S_ISREG(status.st_mode) || status.st_nlink != 1) return {};
+  if (flock(file.get(), LOCK_EX | LOCK_NB) != 0 || fchmod(file.get(), 0600) != 0) return {};
+  if (rename(source.c_str(), target.c_str()) != 0) return {};
+  return file;
 }
 
 std::int64_t sizeOf(int file, const fs::path& path) {
@@ -81,8 +68,8 @@ std::int64_t sizeOf(int file, const fs::path& path) {
 /// The kernel copies: the bytes do not come through this process.
 void copyBytes(const fs::path& source, int target, const fs::path& targetPath) {
   constexpr std::size_t most = std::size_t{1} << 30;
-  const Descriptor input(open(source.c_str(), O_RDONLY | O_CLOEXEC));
-  if (input.get() < 0) fail(source, "Could not read the file");
+  const FileDescriptor input(open(source.c_str(), O_RDONLY | O_CLOEXEC));
+  if (!input) fail(source, "Could not read the file");
   bool withinFileSystem = true;
   bool begun = false;
   while (true) {
@@ -114,10 +101,12 @@ FileStore::Staged FileStore::stage(const fs::path& source) {
   Staged result;
   result.storedName = platform::system::newUUID();
   const fs::path path = folder_ / "staged" / result.storedName;
-  const int moved = moveLocked(source, path);
-  const int descriptor = moved >= 0 ? moved : createLocked(path);
-  staged_.push_back({result.storedName, descriptor});
-  if (moved < 0) copyBytes(source, descriptor, path);
+  FileDescriptor file = moveLocked(source, path);
+  const bool isMoved = static_cast<bool>(file);
+  if (!isMoved) file = createLocked(path);
+  const int descriptor = file.get();
+  staged_.push_back({result.storedName, std::move(file)});
+  if (!isMoved) copyBytes(source, descriptor, path);
   result.size = sizeOf(descriptor, path);
   if (fsync(descriptor) != 0) fail(path, "Could not write the file");
   syncFolder(folder_ / "staged");
@@ -130,7 +119,6 @@ void FileStore::publishStaged() {
     // A file that cannot be moved is found where it is, and moved up by the next sweep.
     std::error_code ignored;
     fs::rename(folder_ / "staged" / file.storedName, folder_ / file.storedName, ignored);
-    close(file.descriptor);
   }
   staged_.clear();
 }
@@ -138,7 +126,6 @@ void FileStore::publishStaged() {
 void FileStore::discardStaged() {
   for (const OpenFile& file : staged_) {
     unlink((folder_ / "staged" / file.storedName).c_str());
-    close(file.descriptor);
   }
   staged_.clear();
 }
@@ -161,8 +148,8 @@ void FileStore::sweep(sqlite::Connection& connection, bool removedFiles) {
   try {
     std::error_code error;
     for (const fs::directory_entry& entry : fs::directory_iterator(folder_ / "staged", error)) {
-      const Descriptor file(open(entry.path().c_str(), O_RDONLY | O_CLOEXEC));
-      if (file.get() < 0 || flock(file.get(), LOCK_EX | LOCK_NB) != 0) continue;  // being written
+      const FileDescriptor file(open(entry.path().c_str(), O_RDONLY | O_CLOEXEC));
+      if (!file || flock(file.get(), LOCK_EX | LOCK_NB) != 0) continue;  // being written
       const std::string name = entry.path().filename();
       sqlite::Query row = connection.query("SELECT 1 FROM file WHERE storedName = ?1");
       row.bind(1, name);

@@ -7,6 +7,8 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/system/file_descriptor.h"
+
 namespace tavimodel {
 
 namespace sqlite {
@@ -53,7 +55,7 @@ class FileStore {
  private:
   struct OpenFile {
     std::string storedName;
-    int descriptor;
+    platform::system::FileDescriptor descriptor;  ///< holds the lock (flock(2))
   };
   std::filesystem::path folder_;
   std::vector<OpenFile> staged_;
