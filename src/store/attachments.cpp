@@ -17,6 +17,7 @@ namespace {
 namespace fs = std::filesystem;
 using tavimodel::KVNote;
 using tavimodel::KVNoteFile;
+using tavimodel::UnlinkedFiles;
 using zephyrdown::ZDKAST;
 
 struct CloseFile {
@@ -65,7 +66,7 @@ WriteResponse TaviDatabaseStore::addAttachment(const std::string& id, const std:
       KVNoteFile::getOrCreateFileFromURL(temporary.path(), note).filename.value_or(filename);
   ZDKAST tree = ZDKAST::fromMarkdown(note.text());
   tree.applyTextOperationResults(tree.appendText(linkTo(stored)));
-  updateText(note, tree.markdown());
+  updateText(note, tree.markdown(), UnlinkedFiles::keep);
   save();
   return respond(note, before);
 }
@@ -73,15 +74,15 @@ WriteResponse TaviDatabaseStore::addAttachment(const std::string& id, const std:
 WriteResponse TaviDatabaseStore::deleteAttachment(const std::string& id,
                                                   const std::string& filename) {
   KVNote& note = unlockedNoteWithID(id);
-  if (note.attachmentForFilename(filename) == nullptr) {
-    throw NoteStoreError::attachmentNotFound(filename);
-  }
+  const KVNoteFile* found = note.attachmentForFilename(filename);
+  if (found == nullptr) throw NoteStoreError::attachmentNotFound(filename);
+  const KVNoteFile file = *found;
   const NoteMetadata before = metadataOf(note);
   ZDKAST tree = ZDKAST::fromMarkdown(note.text());
-  tree.applyTextOperationResults(tree.removeLinkWithURL(filename));
-  updateText(note, tree.markdown());
-  // A file that no link named is still there.
-  if (const KVNoteFile* left = note.attachmentForFilename(filename)) note.removeFile(*left);
+  tree.applyTextOperationResults(
+      tree.removeLinks([&](std::string_view name) { return note.linkNames(name, file); }));
+  updateText(note, tree.markdown(), UnlinkedFiles::keep);
+  note.removeFile(file);
   save();
   return respond(note, before);
 }

@@ -92,7 +92,7 @@ class TaviDatabaseStore final : public NoteStore {
   tavimodel::KVNoteTag tagForPin(const std::string& tag);
 
   void save();
-  void updateText(tavimodel::KVNote& note, std::string text);
+  void updateText(tavimodel::KVNote& note, std::string text, tavimodel::UnlinkedFiles unlinked);
   WriteResponse rewrite(tavimodel::KVNote& note, std::string text, const RemovalGate& gate);
   void passGate(const NoteMetadata& before, const NoteMetadata& after, const RemovalGate& gate);
   Note newNote(const std::string& text, const std::vector<std::string>& tags, bool tagsAtBottom);

@@ -24,9 +24,21 @@ constexpr std::string_view prefix = "tavi-attach-";
   throw std::system_error(errno, std::generic_category(), "Could not write the temporary file");
 }
 
-void removeFolder(const fs::path& folder) {
-  std::error_code ignored;
-  fs::remove_all(folder, ignored);
+/// "tavi-attach-" and a UUID as `newUUID` writes it.
+bool isNameOfOurs(std::string_view name) {
+  if (!name.starts_with(prefix)) return false;
+  const std::string_view uuid = name.substr(prefix.size());
+  constexpr std::string_view pattern = "hhhhhhhh-hhhh-4hhh-hhhh-hhhhhhhhhhhh";
+  constexpr std::string_view digits = "0123456789ABCDEF";
+  return std::equal(uuid.begin(), uuid.end(), pattern.begin(), pattern.end(), [&](char c, char p) {
+    return p == 'h' ? digits.find(c) != digits.npos : c == p;
+  });
+}
+
+/// Removes the file and its folder; a folder that holds anything else stays.
+void removeFolder(const fs::path& folder, const fs::path& file) {
+  if (!file.empty()) unlink(file.c_str());
+  rmdir(folder.c_str());
 }
 
 /// The folder, locked (flock(2)), or none, and why in errno, when another process holds it or it is
@@ -40,6 +52,19 @@ FileDescriptor lockFolder(const fs::path& path, int how) {
   return {};
 }
 
+/// What a program that was killed has left in its folder: at most one regular file. False when
+/// the folder holds anything else, which is not ours to remove.
+bool findLeftFile(const fs::path& folder, fs::path& file) {
+  std::error_code error;
+  for (fs::directory_iterator entry(folder, error), end; entry != end && !error;
+       entry.increment(error)) {
+    const bool isRegular = entry->symlink_status(error).type() == fs::file_type::regular;
+    if (!isRegular || !file.empty()) return false;
+    file = entry->path();
+  }
+  return !error;
+}
+
 /// Removes the folders of programs that were killed: nobody has them locked.
 void sweep(const fs::path& temporary) {
   std::error_code error;
@@ -47,10 +72,12 @@ void sweep(const fs::path& temporary) {
        entry.increment(error)) {
     const fs::path& folder = entry->path();
     struct stat status {};
-    const bool ours = folder.filename().string().starts_with(prefix) &&
+    const bool ours = isNameOfOurs(folder.filename().string()) &&
                       lstat(folder.c_str(), &status) == 0 && status.st_uid == geteuid();
     if (!ours) continue;
-    if (const FileDescriptor lock = lockFolder(folder, LOCK_EX | LOCK_NB)) removeFolder(folder);
+    const FileDescriptor lock = lockFolder(folder, LOCK_EX | LOCK_NB);
+    fs::path file;
+    if (lock && findLeftFile(folder, file)) removeFolder(folder, file);
   }
 }
 
@@ -66,7 +93,7 @@ TemporaryFile::TemporaryFile(std::string_view bytes, const std::string& filename
     lock_ = lockFolder(folder_, LOCK_EX);
     if (lock_ || errno == ENOENT) continue;
     const int error = errno;
-    removeFolder(folder_);
+    rmdir(folder_.c_str());
     errno = error;
     fail();
   }
@@ -84,7 +111,7 @@ TemporaryFile::~TemporaryFile() {
 }
 
 void TemporaryFile::remove() {
-  removeFolder(folder_);
+  removeFolder(folder_, path_);
   lock_.reset();
 }
 

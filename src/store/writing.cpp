@@ -9,6 +9,7 @@
 #include "platform/markdown/ast.h"
 #include "platform/markdown/hashtag.h"
 #include "platform/model/objects/errors.h"
+#include "platform/text/ordering.h"
 #include "store/database_store.h"
 #include "store/note_conversion.h"
 #include "store/preferences.h"
@@ -17,6 +18,7 @@ namespace tavi {
 
 using tavimodel::KVNote;
 using tavimodel::KVNoteTag;
+using tavimodel::UnlinkedFiles;
 using zephyrdown::ZDKAST;
 using zephyrdown::ZDKHashtag;
 
@@ -50,6 +52,17 @@ std::string composeText(const std::string& title, const std::string& content,
   return text;
 }
 
+/// Canonically equivalent names are one name.
+bool haveSameNames(const std::set<std::string>& a, const std::set<std::string>& b) {
+  using Names = std::set<std::string_view, platform::text::CodePointLess>;
+  const Names left(a.begin(), a.end());
+  const Names right(b.begin(), b.end());
+  return std::equal(left.begin(), left.end(), right.begin(), right.end(),
+                    [](std::string_view x, std::string_view y) {
+                      return platform::text::compareByCodePoints(x, y) == 0;
+                    });
+}
+
 std::set<std::string> removedAttachments(const NoteMetadata& before, const NoteMetadata& after) {
   const std::set<std::string> had(before.attachments.begin(), before.attachments.end());
   const std::set<std::string> has(after.attachments.begin(), after.attachments.end());
@@ -74,8 +87,8 @@ void TaviDatabaseStore::save() {
   }
 }
 
-void TaviDatabaseStore::updateText(KVNote& note, std::string text) {
-  note.updateNoteWithText(std::move(text), !preserveModificationDate_);
+void TaviDatabaseStore::updateText(KVNote& note, std::string text, UnlinkedFiles unlinked) {
+  note.updateNoteWithText(std::move(text), !preserveModificationDate_, unlinked);
 }
 
 WriteResponse TaviDatabaseStore::respond(KVNote& note, const NoteMetadata& before) {
@@ -87,14 +100,14 @@ void TaviDatabaseStore::passGate(const NoteMetadata& before, const NoteMetadata&
   if (gate.force) return;
   const std::set<std::string> removed = removedAttachments(before, after);
   const std::set<std::string> expected = gate.expected.value_or(std::set<std::string>());
-  if (removed == expected) return;
+  if (haveSameNames(removed, expected)) return;
   context().rollback();
   throw NoteStoreError::attachmentRemovalGateFailed(removed, expected);
 }
 
 WriteResponse TaviDatabaseStore::rewrite(KVNote& note, std::string text, const RemovalGate& gate) {
   const NoteMetadata before = metadataOf(note);
-  updateText(note, std::move(text));
+  updateText(note, std::move(text), UnlinkedFiles::remove);
   const NoteMetadata after = metadataOf(note);
   passGate(before, after, gate);
   save();
@@ -161,7 +174,7 @@ WriteResponse TaviDatabaseStore::insertText(const std::string& id, const std::st
   ZDKAST tree = ZDKAST::fromMarkdown(note.text());
   tree.applyTextOperationResults(position == InsertPosition::end ? tree.appendText(text)
                                                                  : tree.prependText(text));
-  updateText(note, tree.markdown());
+  updateText(note, tree.markdown(), UnlinkedFiles::keep);
   save();
   return respond(note, before);
 }

@@ -1,5 +1,7 @@
 #include <filesystem>
 #include <fstream>
+#include <map>
+#include <random>
 
 #include "store_fixture.h"
 
@@ -79,6 +81,143 @@ TEST_F(Attachments, OfAnyNameAreFoundAgainByTheirLink) {
     EXPECT_EQ(metadata(id).attachments, Texts{}) << linked;
   }
   EXPECT_EQ(storedFiles(), 0U);
+}
+
+/// Pieces of Markdown that may swallow a link, or a tag, above or below them.
+std::string randomText(std::mt19937& random) {
+  static const Texts pieces{"`",           "```\n",
+                            "~~~\n",       "<!-- ",
+                            "-->",         "<b ",
+                            "<pre>\n",     "[",
+                            "](",          ")",
+                            "]: ",         "[a]: b\n",
+                            "| a | b |\n", "|---|---|\n",
+                            "> ",          "- ",
+                            "1. ",         "    ",
+                            "\t",          "\n",
+                            "\n\n",        "*",
+                            "\\",          "$$",
+                            "---\n",       "# H\n",
+                            "[^1]: x\n",   "#tag",
+                            "#tag/low",    "#two words#",
+                            "word ",       "<",
+                            "![](f1.png)", "[f2.txt](f2.txt)",
+                            "[[",          "]]",
+                            "{",           "\"",
+                            "'",           "&#10;",
+                            "\r\n"};
+  std::string text;
+  for (std::size_t i = random() % 12; i > 0; --i) text += pieces[random() % pieces.size()];
+  return text;
+}
+
+// Appending, tagging and attaching may turn a link into code or text. The file stays all the same:
+// only an edit that was declared, and the deleting of this very file, take one away.
+TEST_F(Attachments, AreLostByNoOperationThatDoesNotNameThem) {
+  for (unsigned seed = 1; seed <= 25; ++seed) {
+    std::mt19937 random(seed);
+    const auto one = [&](std::size_t in) { return random() % in == 0; };
+    const auto store = fresh();
+    const std::string id = store->createNoteFromText("# T\n" + randomText(random), {}).metadata.id;
+    std::map<std::string, std::string> expected;
+    std::string history = store->noteWithID(id).content;
+    const auto attach = [&] {
+      const std::string name = std::string("f") + (one(2) ? "1" : "`") + (one(2) ? ".png" : ".txt");
+      const std::string bytes = std::to_string(random());
+      const WriteResponse response = store->addAttachment(id, bytes, name);
+      for (const std::string& now : *response.attachments) expected.try_emplace(now, bytes);
+    };
+    attach();
+    for (int step = 0; step < 12; ++step) {
+      switch (random() % 7) {
+        case 0:
+        case 1:
+          store->insertText(id, randomText(random),
+                            one(2) ? InsertPosition::end : InsertPosition::beginning);
+          break;
+        case 2:
+          store->addTags(id, {"tag", "new"});
+          break;
+        case 3:
+          store->removeTags(id, {"tag", "new"});
+          break;
+        case 4:
+          store->renameTag("tag", "new");
+          break;
+        case 5:
+          attach();
+          break;
+        default:
+          if (expected.size() < 2) break;
+          store->deleteAttachment(id, expected.begin()->first);
+          expected.erase(expected.begin());
+      }
+      history += "\n== step " + std::to_string(step) + "\n" + store->noteWithID(id).content;
+      ASSERT_EQ(store->metadataWithID(id).attachments.size(), expected.size()) << seed << history;
+    }
+    const auto later = fresh();
+    for (const auto& [name, bytes] : expected) {
+      ASSERT_EQ(later->readAttachment(id, name), bytes) << seed << name << history;
+    }
+    ASSERT_EQ(later->listAttachments(id).size(), expected.size());
+    otherProgram("DELETE FROM note");
+  }
+}
+
+TEST_F(Attachments, AreKnownByAnyCanonicallyEquivalentName) {
+  const std::string decomposed = "cafe\xCC\x81.png";
+  const std::string composed = "caf\xC3\xA9.png";
+  const std::string id = create("# T\nbody");
+  const std::string before = text(id);
+  fresh()->addAttachment(id, "bytes", decomposed);
+  EXPECT_EQ(fresh()->readAttachment(id, composed), "bytes");
+  fresh()->overwriteNote(id, before + "\n![](" + composed + ")", {}, {});
+  EXPECT_EQ(metadata(id).attachments, Texts{decomposed});
+  EXPECT_EQ(fresh()->addAttachment(id, "2", composed).attachments,
+            (Texts{decomposed, "caf\xC3\xA9 2.png"}));
+  const std::string other = "# T\n![](<caf\xC3\xA9 2.png>)";
+  EXPECT_EQ(refusal([&] { fresh()->overwriteNote(id, other, {}, {.expected = {{composed}}}); }),
+            "not refused");
+  fresh()->addAttachment(id, "3", decomposed);
+  fresh()->insertText(id, "[x](" + composed + ")", InsertPosition::end);
+  fresh()->deleteAttachment(id, composed);
+  EXPECT_EQ(text(id), other);
+  EXPECT_EQ(metadata(id).attachments, Texts{"caf\xC3\xA9 2.png"});
+  // Another program may have attached two whose names differ only so: each has its own links.
+  otherProgram("INSERT INTO file (note, filename) SELECT id, '" + composed + "' FROM note");
+  otherProgram("INSERT INTO file (note, filename) SELECT id, '" + decomposed + "' FROM note");
+  fresh()->insertText(id, "[1](" + composed + ") [2](" + decomposed + ")", InsertPosition::end);
+  fresh()->deleteAttachment(id, composed);
+  EXPECT_EQ(text(id), other + "\n[2](" + decomposed + ")");
+}
+
+TEST_F(Attachments, SweepOnlyTheirOwnTemporaryFolders) {
+  const std::string id = create("# T");
+  const std::string own = "tavi-attach-0B9A6C1E-6076-437C-B7E8-566D8DF12420";
+  const auto make = [&](const std::string& name) {
+    const fs::path path = home.temporary() / name;
+    fs::create_directories(path.parent_path());
+    std::ofstream(path) << "x";
+    return path;
+  };
+  const fs::path left = make(own + "/photo.png");
+  const std::vector<fs::path> others{
+      make("tavi-attach-exports/mine.txt"),
+      make("tavi-attach-0B9A6C1E-6076-437C-B7E8-566D8DF12421/one"),
+      make("tavi-attach-0B9A6C1E-6076-437C-B7E8-566D8DF12421/two"),
+      make("tavi-attach-0B9A6C1E-6076-437C-B7E8-566D8DF12422/below/deep"),
+      make("tavi-attach-0b9a6c1e-6076-437c-b7e8-566d8df12423/small"),
+      make("tavi-attach-0B9A6C1E-6076-437C-B7E8-566D8DF12424 copy/x")};
+  const fs::path link = home.temporary() / "tavi-attach-0B9A6C1E-6076-437C-B7E8-566D8DF12425";
+  fs::create_directory_symlink(home.path(), link);
+  const fs::path holder = home.temporary() / "tavi-attach-0B9A6C1E-6076-437C-B7E8-566D8DF12426";
+  fs::create_directories(holder);
+  fs::create_symlink(home.database(), holder / "link");
+  fresh()->addAttachment(id, "x", "a");
+  EXPECT_FALSE(fs::exists(left.parent_path()));
+  for (const fs::path& path : others) EXPECT_TRUE(fs::exists(path)) << path;
+  EXPECT_TRUE(fs::is_symlink(link));
+  EXPECT_TRUE(fs::is_symlink(holder / "link"));
 }
 
 TEST_F(Attachments, GiveWayToAFileOfTheSameName) {

@@ -31,7 +31,11 @@ Operations ZDKAST::prependText(std::string_view text, SourceRange) const {
 }
 
 Operations ZDKAST::removeLinkWithURL(std::string_view url, SourceRange) const {
-  return plannedLinkRemoval(text_, document(), url);
+  return removeLinks([&](std::string_view filename) { return filename == url; });
+}
+
+Operations ZDKAST::removeLinks(const std::function<bool(std::string_view)>& goes) const {
+  return plannedLinkRemoval(text_, document(), goes);
 }
 
 Operations ZDKAST::addHashtag(std::string_view name, bool bottom) const {

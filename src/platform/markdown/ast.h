@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -75,6 +76,9 @@ class ZDKAST {
   /// Removes every link and image whose file name is `url` (as the name is, not encoded).
   std::vector<ZDKASTOperationResult> removeLinkWithURL(std::string_view url,
                                                        SourceRange selection = {}) const;
+  /// The same for each file name that `goes` accepts.
+  std::vector<ZDKASTOperationResult> removeLinks(
+      const std::function<bool(std::string_view filename)>& goes) const;
 
   /// Writes the hashtag where tags are placed: under the title, or as (or onto) the last line.
   std::vector<ZDKASTOperationResult> addHashtag(std::string_view name, bool bottom) const;

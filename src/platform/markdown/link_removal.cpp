@@ -6,24 +6,26 @@ namespace zephyrdown {
 namespace {
 
 using Files = std::vector<FileMention>;
+using NameTest = std::function<bool(std::string_view)>;
 
-/// Whether the label of `file` holds an image of a file of another name.
-bool holdsOtherFile(const Files& files, Files::const_iterator file) {
+/// Whether the label of `file` holds an image of a file that stays.
+bool holdsOtherFile(const Files& files, Files::const_iterator file, const NameTest& goes) {
   for (auto inner = std::next(file);
        inner != files.end() && inner->link.range.begin < file->label.end; ++inner) {
-    if (inner->link.filename != file->link.filename) return true;
+    if (!goes(inner->link.filename)) return true;
   }
   return false;
 }
 
-Operations plannedRound(std::string_view text, const Document& document, std::string_view name) {
+Operations plannedRound(std::string_view text, const Document& document, const NameTest& goes) {
   std::vector<SourceRange> whole;
   Operations unwrapped;
   const Files& files = document.files;
   for (auto file = files.begin(); file != files.end(); ++file) {
     const auto& [link, label] = *file;
-    if (link.filename != name || (!whole.empty() && link.range.begin < whole.back().end)) continue;
-    if (holdsOtherFile(files, file)) {
+    if (!whole.empty() && link.range.begin < whole.back().end) continue;
+    if (!goes(link.filename)) continue;
+    if (holdsOtherFile(files, file, goes)) {
       unwrapped.push_back({{link.range.begin, label.begin}, {}});
       unwrapped.push_back({{label.end, link.range.end}, {}});
     } else {
@@ -38,18 +40,18 @@ Operations plannedRound(std::string_view text, const Document& document, std::st
 }  // namespace
 
 Operations plannedLinkRemoval(std::string_view text, const Document& document,
-                              std::string_view name) {
+                              const NameTest& goes) {
   // Brackets around a link are text, and may be a link once it is gone. Few notes nest like that;
   // the bound is for those made to.
   constexpr int kMostRounds = 50;
-  Operations results = plannedRound(text, document, name);
+  Operations results = plannedRound(text, document, goes);
   if (results.empty()) return results;
   std::string changed = withOperations(text, results);
-  Operations more = plannedRound(changed, readDocument(changed), name);
+  Operations more = plannedRound(changed, readDocument(changed), goes);
   if (more.empty()) return results;
   for (int round = 0; !more.empty() && round < kMostRounds; ++round) {
     changed = withOperations(changed, more);
-    more = plannedRound(changed, readDocument(changed), name);
+    more = plannedRound(changed, readDocument(changed), goes);
   }
   return {difference(text, changed)};
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <string_view>
 
 #include "platform/markdown/document.h"
@@ -7,8 +8,9 @@
 
 namespace zephyrdown {
 
-/// Plans the removal of every link to the file. A label that shows an image of another file stays.
+/// Plans the removal of every link to a file whose name `goes` accepts. A label that shows an image
+/// of another file stays.
 Operations plannedLinkRemoval(std::string_view text, const Document& document,
-                              std::string_view name);
+                              const std::function<bool(std::string_view filename)>& goes);
 
 }  // namespace zephyrdown

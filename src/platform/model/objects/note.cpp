@@ -8,6 +8,7 @@
 #include "platform/model/objects/note_reader.h"
 #include "platform/model/storage/note_texts.h"
 #include "platform/system/hashing.h"
+#include "platform/text/ordering.h"
 
 namespace tavimodel {
 namespace {
@@ -17,35 +18,9 @@ double now() {
   return std::chrono::duration<double>(sinceEpoch).count();
 }
 
-using zephyrdown::FileLink;
-
-bool links(const std::vector<FileLink>& mentions, const std::string& filename) {
-  return std::any_of(mentions.begin(), mentions.end(),
-                     [&](const FileLink& link) { return link.filename == filename; });
-}
-
-/// The files that stay, in the order in which the new text mentions them; those that it does not
-/// mention behind.
-std::vector<KVNoteFile> reconciled(const std::vector<KVNoteFile>& files,
-                                   const std::vector<FileLink>& before,
-                                   const std::vector<FileLink>& after) {
-  std::vector<KVNoteFile> result;
-  for (const KVNoteFile& file : files) {
-    const std::string name = file.filename.value_or("");
-    if (!links(before, name) || links(after, name)) result.push_back(file);
-  }
-  const auto firstMention = [&](const KVNoteFile& file) {
-    return std::find_if(after.begin(), after.end(), [&](const FileLink& link) {
-      return link.filename == file.filename.value_or("");
-    });
-  };
-  std::stable_sort(result.begin(), result.end(), [&](const KVNoteFile& a, const KVNoteFile& b) {
-    return firstMention(a) < firstMention(b);
-  });
-  for (std::size_t i = 0; i < result.size(); ++i) {
-    result[i].position = static_cast<std::int64_t>(i);
-  }
-  return result;
+/// Canonically equivalent names are one name (Unicode 3.12, D70).
+bool isSameName(std::string_view a, std::string_view b) {
+  return platform::text::compareByCodePoints(a, b) == 0;
 }
 
 }  // namespace
@@ -118,10 +93,14 @@ const std::vector<KVNoteFile>& KVNote::orderedFiles() {
 }
 
 const KVNoteFile* KVNote::attachmentForFilename(std::string_view filename) {
+  const KVNoteFile* equivalent = nullptr;
   for (const KVNoteFile& file : orderedFiles()) {
     if (file.filename == filename) return &file;
+    if (equivalent == nullptr && file.filename && isSameName(*file.filename, filename)) {
+      equivalent = &file;
+    }
   }
-  return nullptr;
+  return equivalent;
 }
 
 std::optional<std::filesystem::path> KVNote::fileURL(const KVNoteFile& file) const {
@@ -129,24 +108,33 @@ std::optional<std::filesystem::path> KVNote::fileURL(const KVNoteFile& file) con
   return context_.files_.locate(*file.storedName);
 }
 
+bool KVNote::linkNames(std::string_view linked, const KVNoteFile& file) {
+  const std::string name = file.filename.value_or("");
+  if (linked == name) return true;
+  return isSameName(linked, name) && attachmentForFilename(linked)->filename != linked;
+}
+
 void KVNote::willChange() {
   if (state_.row.id == 0 || committed_) return;
   committed_ = std::make_unique<State>(state_);
 }
 
-void KVNote::updateNoteWithText(std::string text, bool updateModificationDate) {
-  const std::vector<FileLink> linkedBefore =
-      orderedFiles().empty() ? std::vector<FileLink>{}
-                             : zephyrdown::ZDKAST::fromMarkdown(this->text()).textSummary().files;
+void KVNote::updateNoteWithText(std::string text, bool updateModificationDate,
+                                UnlinkedFiles unlinked) {
+  using zephyrdown::ZDKAST;
   if (this->text() == text) return;
   tagsStrings();
+  std::vector<zephyrdown::FileLink> linkedBefore;
+  if (unlinked == UnlinkedFiles::remove && !orderedFiles().empty()) {
+    linkedBefore = ZDKAST::fromMarkdown(this->text()).textSummary().files;
+  }
   willChange();
-  const zephyrdown::ZDKTextSummary summary = zephyrdown::ZDKAST::fromMarkdown(text).textSummary();
+  const zephyrdown::ZDKTextSummary summary = ZDKAST::fromMarkdown(text).textSummary();
   state_.row.title = summary.title;
   state_.row.facts = TextFacts::of(text, summary);
   if (updateModificationDate) state_.row.modificationDate = now();
   state_.tags = summary.tags;
-  state_.files = reconciled(*state_.files, linkedBefore, summary.files);
+  state_.files = filesAfterChange(orderedFiles(), linkedBefore, summary.files, unlinked);
   state_.text = std::move(text);
 }
 

@@ -9,6 +9,7 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/model/objects/linked_files.h"
 #include "platform/model/objects/note_file.h"
 #include "platform/model/storage/note_row.h"
 
@@ -58,13 +59,15 @@ class KVNote {
   /// Names of the tags in which the note is pinned, without order.
   const std::vector<std::string>& pinnedInTags();
   const std::vector<KVNoteFile>& orderedFiles();
+  /// The file of this name or, without one, of a canonically equivalent one; null: there is none.
   const KVNoteFile* attachmentForFilename(std::string_view filename);
   /// Where a file's bytes lie, or nothing when they are not on this machine.
   std::optional<std::filesystem::path> fileURL(const KVNoteFile& file) const;
 
-  /// Replaces the text, and derives title, tags, to-dos and files from it at once. A file stays
-  /// unless the old text linked it and the new one does not.
-  void updateNoteWithText(std::string text, bool updateModificationDate);
+  /// Replaces the text, and derives title, tags, to-dos and the order of the files from it at once.
+  /// What happens to files whose links vanish is the caller's choice (see linked_files.h).
+  void updateNoteWithText(std::string text, bool updateModificationDate,
+                          UnlinkedFiles unlinked = UnlinkedFiles::keep);
   void trash();
   void restoreFromTrash();
   void archive();
@@ -75,6 +78,8 @@ class KVNote {
   void setTagsStrings(std::vector<std::string> tagNames);
   void pinInTag(const std::string& tagName);
   void unpinInTag(const std::string& tagName);
+  /// Whether a link of this name in the note's text is one to `file` (of this note).
+  bool linkNames(std::string_view linked, const KVNoteFile& file);
   /// Takes a file off the note, whether its text links it or not.
   void removeFile(const KVNoteFile& file);
 

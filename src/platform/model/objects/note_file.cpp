@@ -4,9 +4,11 @@
 
 #include <algorithm>
 #include <stdexcept>
+#include <unordered_set>
 
 #include "platform/model/objects/managed_object_context.h"
 #include "platform/system/file_types.h"
+#include "platform/text/folding.h"
 #include "platform/text/utf8.h"
 
 namespace tavimodel {
@@ -23,14 +25,19 @@ std::string onOneLine(const std::string& name) {
   return shown;
 }
 
-/// "photo.jpg", "photo 2.jpg", "photo 3.jpg": the first that the note does not have.
-std::string freeName(const std::string& wanted, KVNote& note) {
+/// "photo.jpg", "photo 2.jpg", "photo 3.jpg": the first that the note does not have. Canonically
+/// equivalent names count as one: some file systems keep them apart, others do not.
+std::string freeName(const std::string& wanted, const std::vector<KVNoteFile>& files) {
+  std::unordered_set<std::string> taken;
+  for (const KVNoteFile& file : files) {
+    if (file.filename) taken.insert(platform::text::canonicallyComposed(*file.filename));
+  }
   const std::string_view extension = platform::system::pathExtension(wanted);
   const std::string stem =
       wanted.substr(0, wanted.size() - (extension.empty() ? 0 : extension.size() + 1));
   const std::string suffix = wanted.substr(stem.size());
   std::string name = wanted;
-  for (int number = 2; note.attachmentForFilename(name) != nullptr; ++number) {
+  for (int number = 2; taken.contains(platform::text::canonicallyComposed(name)); ++number) {
     name = fmt::format("{} {}{}", stem, number, suffix);
   }
   return name;
@@ -57,7 +64,7 @@ const KVNoteFile& KVNoteFile::getOrCreateFileFromURL(const std::filesystem::path
   KVNoteFile file;
   file.filename = source.filename().string();
   checkName(*file.filename);
-  file.filename = freeName(*file.filename, note);
+  file.filename = freeName(*file.filename, note.orderedFiles());
   checkName(*file.filename);
   const FileStore::Staged staged = note.context_.files_.stage(source);
   file.storedName = staged.storedName;

@@ -19,7 +19,7 @@ void rewriteText(KVNote& note, const TextPlan& plan) {
   const auto results = plan(tree);
   if (results.empty()) return;
   tree.applyTextOperationResults(results);
-  note.updateNoteWithText(tree.markdown(), false);
+  note.updateNoteWithText(tree.markdown(), false, UnlinkedFiles::keep);
 }
 
 void relabel(KVNote& note, const NamePlan& plan) {
