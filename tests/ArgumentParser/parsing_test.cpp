@@ -160,7 +160,7 @@ TEST(Parsing, ReadsLettersBehindOneDashAsOneNameOrMany) {
       {{"list", "-vx"}, "fails: Unknown option '-vx'"},
       {{"list", "-vegan"}, "fails: Unknown option '-vegan'"},
       {{"list", "-vexn", "abc"}, "fails: Unknown option '-vexn'"},
-      {{"tags", "add", "1", "-home"}, "fails: Unknown option '-home'"},
+      {{"tags", "add", "1", "-hi"}, "fails: Unknown option '-hi'"},
       {{"edit", "- the list"}, "fails: Unknown option '- the list'"},
       {{"list", "-math", "--bogus"}, "fails: Unknown option '-math'"},
       {{"tags", "-ch"}, "prints: OVERVIEW: List tags."},
