@@ -5,6 +5,7 @@
 
 #include <csignal>
 #include <exception>
+#include <new>
 
 #include "ArgumentParser/command_line.h"
 #include "ArgumentParser/completion_request.h"
@@ -27,6 +28,7 @@
 #include "cli/help.h"
 #include "cli/standard_input.h"
 #include "cli/version.h"
+#include "domain/failure.h"
 #include "platform/system/workspace.h"
 #include "platform/text/utf8.h"
 #include "store/make_store.h"
@@ -94,6 +96,8 @@ std::optional<int> serve(const CommandType& root, const Arguments& arguments) {
   std::unique_ptr<ArgumentParser::ParsableCommand> command;
   try {
     command = ArgumentParser::parseAsRoot(root, arguments);
+  } catch (const std::bad_alloc&) {
+    throw;
   } catch (...) {
     return reporter.reportParseError(std::current_exception());
   }
@@ -106,7 +110,7 @@ std::optional<int> flushed(Session& session, std::optional<int> exitCode) {
     session.output.flush();
   } catch (const OutputClosed&) {
   } catch (const std::system_error& error) {
-    session.errors.append(std::string("Error: ") + error.what() + "\n");
+    session.errors.append("Error: " + failureMessage(error) + "\n");
     exitCode = 1;
   }
   try {
@@ -168,7 +172,10 @@ std::optional<int> TaviCLI::main(const std::vector<std::string>& arguments, Sess
   std::optional<int> exitCode = 0;
   try {
     exitCode = serve(commandType<TaviCLI>(), arguments);
-  } catch (const OutputClosed&) {  // within a long page of help
+  } catch (const OutputClosed&) {    // within a long page of help
+  } catch (const std::bad_alloc&) {  // around a command
+    const ErrorReporter reporter(commandType<TaviCLI>(), arguments);
+    exitCode = reporter.reportCommandError(std::current_exception());
   }
   exitCode = flushed(session, exitCode);
   session.store.reset();

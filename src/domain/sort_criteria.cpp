@@ -23,7 +23,7 @@ std::optional<Enum> valueOf(const std::array<std::string_view, size>& texts,
   return static_cast<Enum>(place - texts.begin());
 }
 
-std::string message(SortParseError::Kind kind, std::string_view offender) {
+std::string wording(SortParseError::Kind kind, std::string_view offender) {
   switch (kind) {
     case SortParseError::Kind::invalidField:
       return fmt::format("invalid sort field: {} (valid: {})", offender, fmt::join(kFields, ", "));
@@ -71,7 +71,7 @@ std::string_view rawText(SortOrder order) {
 }
 
 SortParseError::SortParseError(Kind kind, std::string_view offender)
-    : std::runtime_error(message(kind, offender)), kind_(kind) {}
+    : Failure(wording(kind, offender)), kind_(kind) {}
 
 SortCriteria parseSortCriteria(std::string_view text) {
   SortCriteria result;

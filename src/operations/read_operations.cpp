@@ -19,7 +19,7 @@ SortCriteria parsedSort(const std::optional<std::string>& sort) {
   try {
     return parseSortCriteria(sort ? *sort : "pinned,modified");
   } catch (const SortParseError& error) {
-    throw OperationError::invalidInput(error.what());
+    throw OperationError::invalidInput(error.message());
   }
 }
 
@@ -62,7 +62,7 @@ SearchNotesOp::Output search(const std::string& query, const ListRequest& reques
   if (request.limit == 0) return recordList<SearchResult>();
   return store.searchNotes(query, request);
 } catch (const InvalidQuery& error) {
-  throw OperationError::invalidInput(error.what());
+  throw OperationError::invalidInput(error.message());
 }
 
 // A search result without its match count.
