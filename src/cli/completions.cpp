@@ -10,7 +10,6 @@
 #include "operations/comma_list.h"
 #include "operations/pin_operations.h"
 #include "operations/tag_operations.h"
-#include "platform/markdown/hashtag.h"
 
 namespace tavi::completions {
 namespace {
@@ -36,8 +35,7 @@ Candidates ofNotes(std::string NoteMetadata::*text, std::optional<NoteLocation> 
 
 Candidates asTyped(Candidates names, const CompletionRequest& request) {
   if (!request.value.starts_with('#')) return names;
-  for (std::string& name : names)
-    name = zephyrdown::ZDKHashtag::hashtagStringForTagName(name).value_or(name);
+  for (std::string& name : names) name = TagParser::writtenForm(name).value_or(name);
   return names;
 }
 

@@ -6,6 +6,7 @@
 #include <array>
 #include <optional>
 
+#include "domain/raw_texts.h"
 #include "platform/text/utf8.h"
 
 namespace tavi {
@@ -14,14 +15,6 @@ namespace {
 // In the order of the enumerations.
 constexpr std::array<std::string_view, 4> kFields = {"pinned", "modified", "created", "title"};
 constexpr std::array<std::string_view, 2> kOrders = {"asc", "desc"};
-
-template <class Enum, std::size_t size>
-std::optional<Enum> valueOf(const std::array<std::string_view, size>& texts,
-                            std::string_view text) {
-  const auto place = std::find(texts.begin(), texts.end(), text);
-  if (place == texts.end()) return std::nullopt;
-  return static_cast<Enum>(place - texts.begin());
-}
 
 std::string wording(SortParseError::Kind kind, std::string_view offender) {
   switch (kind) {
@@ -64,10 +57,10 @@ SortOrder orderNamed(std::string_view text) {
 }  // namespace
 
 std::string_view rawText(SortField field) {
-  return kFields[static_cast<std::size_t>(field)];
+  return textOf(kFields, field);
 }
 std::string_view rawText(SortOrder order) {
-  return kOrders[static_cast<std::size_t>(order)];
+  return textOf(kOrders, order);
 }
 
 SortParseError::SortParseError(Kind kind, std::string_view offender)

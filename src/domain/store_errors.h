@@ -58,7 +58,7 @@ class NoteStoreError : public Failure {
 
   Case kind() const { return case_; }
   /// Such as "note_not_found". A failed batch edit has the code of the edit's own error.
-  std::string_view code() const;
+  std::string_view code() const { return code_; }
   /// Whether this, or the innermost error of a batch edit, is `stringNotFound`.
   bool isStringNotFound() const;
   /// The same case with the same words.
@@ -67,10 +67,12 @@ class NoteStoreError : public Failure {
   }
 
  private:
-  NoteStoreError(Case kind, std::string message) : Failure(std::move(message)), case_(kind) {}
+  NoteStoreError(Case kind, std::string_view code, std::string message)
+      : Failure(std::move(message)), case_(kind), code_(code) {}
   const NoteStoreError& innermost() const;
 
   Case case_;
+  std::string_view code_;
   std::shared_ptr<const NoteStoreError> underlying_;  // of batchEditFailed only
 };
 

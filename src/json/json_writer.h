@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-#include "json/byte_sink.h"
+#include "bytes/byte_sink.h"
 #include "json/json_value.h"
 
 namespace tavi {

@@ -6,7 +6,7 @@
 #include <string_view>
 #include <system_error>
 
-#include "json/byte_sink.h"
+#include "bytes/byte_sink.h"
 #include "platform/system/file_descriptor.h"
 
 namespace tavi::mcp {

@@ -3,7 +3,6 @@
 #include "domain/store_errors.h"
 #include "domain/tag_parser.h"
 #include "operations/note_resolver.h"
-#include "platform/markdown/hashtag.h"
 
 namespace tavi {
 namespace {
@@ -54,7 +53,7 @@ WriteResponse changePins(const Input& input, NoteStore& store, PinWrite everywhe
 std::string displayedPin(std::string_view pin) {
   if (pin.empty()) return std::string(global);
   if (pin == global || pin.starts_with('#')) return std::string(pin);
-  return zephyrdown::ZDKHashtag::hashtagStringForTagName(pin).value_or(std::string(pin));
+  return TagParser::writtenForm(pin).value_or(std::string(pin));
 }
 
 std::vector<std::string> ListPinsOp::execute(const Input& input, NoteStore& store) {
