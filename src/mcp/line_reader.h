@@ -15,12 +15,14 @@ class LineReader {
 
   /// The next line without its ending, which is "\n" or "\r\n"; the last one needs none. Ill-formed
   /// UTF-8 in it is replaced by U+FFFD. Good until the next call. Nothing at the end of input, for
-  /// which a failing read counts too.
+  /// which a failing read counts too. Throws std::bad_alloc for a line that memory cannot hold; the
+  /// call after that gives the line that follows.
   std::optional<std::string_view> next();
 
  private:
   bool fill();
   void makeRoom();
+  void skipLine();
   std::string_view repaired(std::string_view line);
 
   int descriptor_;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <new>
 #include <system_error>
 #include <utility>
 
@@ -93,7 +94,13 @@ void runServer(const ServerEnvironment& environment) try {
   MCPServer server(environment, MCPToolRegistry::tools(),
                    {baseline(environment.fingerprint), environment.fingerprint});
   LineReader lines(environment.input);
-  while (const auto line = lines.next()) server.handleLine(*line);
+  while (true) try {
+      const auto line = lines.next();
+      if (!line) return;
+      server.handleLine(*line);
+    } catch (const std::bad_alloc& failure) {
+      server.refuseLine(failure);
+    }
 } catch (const OutputLost& lost) {
   if (lost.why != std::errc::broken_pipe)
     throw std::system_error(lost.why, "Could not write the output");
@@ -115,9 +122,13 @@ void MCPServer::handleLine(std::string_view line) {
   } catch (const LineNestedTooDeep& error) {
     return writeError(error.id(), ErrorCode::parseError, error.what());
   } catch (const std::exception& error) {
-    return writeError({}, ErrorCode::parseError, failureMessage(error));
+    return refuseLine(error);
   }
   if (request) handle(*request);
+}
+
+void MCPServer::refuseLine(const std::exception& failure) {
+  writeError({}, ErrorCode::parseError, failureMessage(failure));
 }
 
 /// A notification is carried out like any request; only nobody hears of it.

@@ -42,6 +42,8 @@ class MCPServer {
   /// Handles one line of input: writes no line, its answer, or a notification and its answer.
   /// Throws OutputLost only.
   void handleLine(std::string_view line);
+  /// Answers a line that cannot be read. Throws OutputLost only.
+  void refuseLine(const std::exception& failure);
 
  private:
   /// The result of a request, to be written. Throws JSONRPCError.
