@@ -26,7 +26,7 @@ bool isLetterWithSign(std::string_view group) {
   return isShortName(letter) && isSingleCharacter(sign) && !isShortName(sign) && sign != "=";
 }
 
-/// What a token is, from its looks alone. Throws a ParserError for one that can be nothing.
+/// The kind of a token by its spelling alone. Throws a ParserError for a malformed one.
 Kind classify(std::string_view token) {
   const std::size_t dashes = std::min(token.find_first_not_of('-'), token.size());
   if (dashes == 0 || token == "-") return Kind::value;

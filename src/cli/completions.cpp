@@ -41,8 +41,8 @@ Candidates asTyped(Candidates names, const CompletionRequest& request) {
 
 /// What stands before the last piece of a list: "modified, " of "modified, ti".
 std::string_view piecesBefore(std::string_view list) {
-  const std::size_t behindComma = list.rfind(',') + 1;  // 0 without a comma
-  return list.substr(0, list.find_first_not_of(' ', behindComma));
+  const std::size_t afterComma = list.rfind(',') + 1;  // 0 without a comma
+  return list.substr(0, list.find_first_not_of(' ', afterComma));
 }
 
 }  // namespace

@@ -70,8 +70,7 @@ std::optional<int> run(ArgumentParser::ParsableCommand& command, const ErrorRepo
   }
 }
 
-/// What a shell is to offer. The user is typing: whatever goes wrong, there is nothing to offer and
-/// nothing to say.
+/// Prints the candidates for a shell. The user is typing: a failure of any kind prints nothing.
 int complete(const CommandType& root, const Arguments& arguments) try {
   ByteSink& output = Session::current().output;
   if (invalidArgument(arguments)) return 0;
@@ -115,7 +114,7 @@ std::optional<int> flushed(Session& session, std::optional<int> exitCode) {
   }
   try {
     session.errors.flush();
-  } catch (const std::system_error&) {  // there is no place left to tell it
+  } catch (const std::system_error&) {  // nowhere left to report it
   }
   return exitCode;
 }
@@ -154,7 +153,7 @@ std::optional<int> TaviCLI::main(const std::vector<std::string>& arguments) {
   // A reader that stops reading, as `head` does, ends the output and not what is under way. Not
   // SIG_IGN, which a program that we start would inherit.
   std::signal(SIGPIPE, [](int) {});
-  // A file that would grow beyond the user's limit is a failed write, to be told like any other.
+  // A file that would grow beyond the user's limit is a failed write, reported like any other.
   std::signal(SIGXFSZ, [](int) {});
   DescriptorSink output(STDOUT_FILENO);
   DescriptorSink errors(STDERR_FILENO);

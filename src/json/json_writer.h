@@ -13,8 +13,8 @@ namespace tavi {
 /// else \u00xx in lower case), and all else as UTF-8; `wire` also writes "/" as `\/`.
 enum class JSONStyle { commandLine, wire };
 
-/// Writes JSON (RFC 8259) as it is told, without blanks, into a sink; nothing is kept but the
-/// sink's buffer. Commas are the writer's business, nesting and the order of keys the caller's:
+/// Writes JSON (RFC 8259) into a sink, value by value and without blanks; memory is the sink's
+/// buffer alone. Commas are the writer's business, nesting and the order of keys the caller's:
 /// where keys must be sorted, write them in that order.
 ///
 ///   writer.beginObject();

@@ -11,7 +11,7 @@
 
 namespace tavi::mcp {
 
-/// Why an executable could not be told apart. what() is a sentence with the path.
+/// Why an executable has no fingerprint. what() is a sentence with the path.
 class BinaryFingerprintError : public std::exception {
  public:
   enum class Case { statFailed, readFailed, malformedMachO, executablePathUnavailable };

@@ -47,7 +47,7 @@ bool LineReader::fill() {
   return true;
 }
 
-/// Makes room behind what has been read. Only a buffer that is full grows, and it doubles, so that
+/// Makes room after what has been read. Only a buffer that is full grows, and it doubles, so that
 /// a long line is copied a constant number of times; after it the buffer shrinks again.
 void LineReader::makeRoom() {
   const std::size_t begun = end_ - begin_;

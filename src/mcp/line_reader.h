@@ -29,7 +29,7 @@ class LineReader {
   std::unique_ptr<char[]> buffer_;
   std::size_t capacity_ = 0;
   std::size_t begin_ = 0;    ///< of what has not been given out
-  std::size_t scanned_ = 0;  ///< up to here there is no line end behind begin_
+  std::size_t scanned_ = 0;  ///< no line break between begin_ and here
   std::size_t end_ = 0;      ///< of what has been read
   std::string repaired_;
 };

@@ -38,7 +38,7 @@ class Scanner {
  private:
   void skipBlanks() { at_ = std::min(text_.find_first_not_of(" \t\r\n", at_), text_.size()); }
 
-  /// From behind a string's opening quote to behind its closing one.
+  /// From after a string's opening quote to after its closing one. False where it does not end.
   bool skipString() {
     while ((at_ = text_.find_first_of("\"\\", at_)) != std::string_view::npos) {
       if (text_[at_] == '"') return ++at_, true;

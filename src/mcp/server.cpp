@@ -51,7 +51,7 @@ ResultWriter toolList(const std::vector<MCPTool>& tools) {
   };
 }
 
-/// Numbers such as 1e400 can be read, but are no JSON any more.
+/// Numbers such as 1e400 can be read, but not written as JSON.
 bool isEncodable(const json::value& value) {
   if (const json::array* elements = value.if_array())
     return std::ranges::all_of(*elements, isEncodable);
@@ -131,7 +131,7 @@ void MCPServer::refuseLine(const std::exception& failure) {
   writeError({}, ErrorCode::parseError, failureMessage(failure));
 }
 
-/// A notification is carried out like any request; only nobody hears of it.
+/// A notification is carried out like any request, but not answered.
 void MCPServer::handle(const ParsedRequest& request) try {
   const ResultWriter result = dispatch(request.method, request.params ? &*request.params : nullptr);
   if (request.id) writeResult(*request.id, result);

@@ -54,7 +54,7 @@ struct OperationMetadata {
   bool idempotentHint = false;   ///< the same call again has no further effect
 };
 
-/// The description of one input field: its JSON key, and what clients and the help are told.
+/// The description of one input field: its JSON key, and its text for clients and for help.
 struct FieldDoc {
   std::string_view name;
   std::string_view description;
@@ -101,7 +101,7 @@ struct FieldTraits<std::optional<Value>> : FieldTraits<Value> {
   static constexpr bool required = false;
 };
 
-/// A field as its schema tells it.
+/// A field as the schema describes it.
 struct FieldSchema {
   FieldDoc doc;
   FieldType type;
