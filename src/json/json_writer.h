@@ -70,17 +70,6 @@ class JSONWriter {
   bool commaDue_ = false;
 };
 
-/// What is written here becomes the text of a string of `writer`, between its beginString and
-/// endString. Flush before the latter.
-class JSONStringSink final : public ByteSink {
- public:
-  explicit JSONStringSink(JSONWriter& writer) : writer_(writer) {}
-
- private:
-  void accept(std::string_view bytes) override { writer_.stringPart(bytes); }
-  JSONWriter& writer_;
-};
-
 /// `text` as it stands between the quotes of a JSON string of the command line.
 std::string escapeJSON(std::string_view text);
 
