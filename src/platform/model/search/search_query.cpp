@@ -11,6 +11,7 @@
 #include "platform/model/search/date_directives.h"
 #include "platform/model/search/local_day.h"
 #include "platform/text/characters.h"
+#include "platform/text/controls.h"
 #include "platform/text/utf8.h"
 
 // A query is a sequence of words. A word is the first of these that it can be:
@@ -28,6 +29,7 @@
 namespace tavimodel {
 namespace {
 
+using platform::text::escapingControls;
 using Kind = SearchCondition::Kind;
 
 bool isASCIILetter(char c) {
@@ -186,7 +188,8 @@ class Parser {
     if (auto dates = readDates(name)) return dates;
     refuseWithoutValue(word, name);
     throw SearchSyntaxError(fmt::format(
-        "Unknown search directive: {0} — write \"{0}\" in quotes to search for the text", word));
+        "Unknown search directive: {0} — write \"{0}\" in quotes to search for the text",
+        escapingControls(word)));
   }
 
   std::optional<SearchCondition> readDates(std::string_view name) const {
@@ -212,8 +215,8 @@ class Parser {
     for (const auto& [begin, end, form, kind, example, finds] : dateDirectives) {
       const std::string_view bare = begin.substr(0, begin.find('('));
       if (end.empty() || name != bare) continue;
-      throw SearchSyntaxError(
-          fmt::format("Search directive without a value: {} — write it as @{}", word, example));
+      throw SearchSyntaxError(fmt::format("Search directive without a value: {} — write it as @{}",
+                                          escapingControls(word), example));
     }
   }
 
@@ -234,7 +237,7 @@ class Parser {
       throw SearchSyntaxError(
           fmt::format("Invalid number of days in the search query: '{}' — give a whole number, as "
                       "in @last7days",
-                      digits));
+                      escapingControls(digits)));
     }
     return value;
   }
@@ -251,7 +254,8 @@ class Parser {
     const auto begin = startOfDate(day, 0);
     if (!begin) {
       throw SearchSyntaxError(
-          fmt::format("Invalid date in the search query: '{}' — write it as YYYY-MM-DD", day));
+          fmt::format("Invalid date in the search query: '{}' — write it as YYYY-MM-DD",
+                      escapingControls(day)));
     }
     if (relation == '<') return {.kind = kind, .to = begin};
     if (relation == '>') return {.kind = kind, .from = startOfDate(day, 1)};
