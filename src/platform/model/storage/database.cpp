@@ -1,40 +1,40 @@
 #include "platform/model/storage/database.h"
 
-#include <sqlite3.h>
+#include <utility>
 
-#include <chrono>
-
-#include "platform/model/storage/folder_lock.h"
+#include "platform/model/storage/closing.h"
 #include "platform/model/storage/schema.h"
 #include "platform/model/storage/write_ahead_log.h"
 
 namespace tavimodel {
+namespace {
 
-Database::Database(const std::filesystem::path& folder, Access access, IndexUpdate updateIndex)
+/// A server that is never idle writes its log back when it is this long, in bytes: everybody who
+/// opens the database reads it.
+constexpr std::uintmax_t longLog = std::uintmax_t{4} << 20;
+
+}  // namespace
+
+Database::Database(const std::filesystem::path& folder, Access access, IndexUpdate updateIndex,
+                   KeptConnection* kept)
     : folder_(folder),
-      connection_(openDatabase(folder, access)),
+      kept_(kept),
+      opened_(kept != nullptr ? DatabaseIdentity::of(folder) : DatabaseIdentity{}),
+      connection_(kept != nullptr ? kept->take(folder) : nullptr),
       files_(folder / "files"),
       updateIndex_(updateIndex) {
+  if (connection_) return;
+  connection_ = openDatabase(folder, access);
   if (!connection_->isRefused()) repairLocks(*connection_);
 }
 
 Database::~Database() {
-  const bool canWrite = sqlite3_db_readonly(connection_->handle(), "main") == 0;
-  if (!canWrite || connection_->isRefused()) return;
-  tidy();
-  if (logSize(databaseIn(folder_)) == 0) return;
-  // Of two processes that close at once each would leave the log to the other.
-  const FolderLock oneAtATime(folder_, std::chrono::milliseconds(100));
-  sqlite3_wal_checkpoint_v2(connection_->handle(), nullptr, SQLITE_CHECKPOINT_TRUNCATE, nullptr,
-                            nullptr);
-  connection_.reset();
-}
-
-void Database::tidy() {
-  connection_->setBusyTimeout(0);
-  const OpenWork work = openWork(*connection_);
-  files_.sweep(*connection_, work.removedFiles);
-  catchUp(*connection_, work, updateIndex_);
+  if (kept_ != nullptr && logSize(databaseIn(folder_)) < longLog) {
+    kept_->keep(std::move(connection_), folder_, opened_);
+    return;
+  }
+  tidy(*connection_, files_, updateIndex_, closingBudget);
+  closeWhole(std::move(connection_), folder_);
 }
 
 }  // namespace tavimodel

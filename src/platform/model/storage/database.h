@@ -5,6 +5,7 @@
 
 #include "platform/model/storage/bookkeeping.h"
 #include "platform/model/storage/file_store.h"
+#include "platform/model/storage/kept_connection.h"
 #include "platform/model/storage/open_database.h"
 #include "platform/model/storage/sqlite.h"
 
@@ -15,8 +16,10 @@ class Database {
  public:
   using Access = DatabaseAccess;
 
-  /// Opens the database in the folder: see openDatabase.
-  Database(const std::filesystem::path& folder, Access access, IndexUpdate updateIndex);
+  /// Opens the database in the folder: see openDatabase. `kept`, of a server, lends its connection
+  /// and gets it back.
+  Database(const std::filesystem::path& folder, Access access, IndexUpdate updateIndex,
+           KeptConnection* kept = nullptr);
   /// Uses the occasion to keep the database tidy (see bookkeeping.h), writes the log back where no
   /// other connection is reading it, which leaves it empty, and closes the database.
   ~Database();
@@ -27,9 +30,9 @@ class Database {
   FileStore& files() { return files_; }
 
  private:
-  void tidy();
-
   std::filesystem::path folder_;
+  KeptConnection* kept_;
+  DatabaseIdentity opened_;  ///< for `kept_` only
   std::unique_ptr<sqlite::Connection> connection_;
   FileStore files_;
   IndexUpdate updateIndex_;

@@ -193,6 +193,11 @@ CREATE TRIGGER IF NOT EXISTS noteRewritten AFTER UPDATE OF title, text ON note
     WHERE note IN (OLD.id, NEW.id);
 END;
 
+CREATE TRIGGER IF NOT EXISTS noteLockChanged AFTER UPDATE OF encrypted ON note
+    WHEN NEW.encrypted <> OLD.encrypted BEGIN
+  UPDATE noteSummary SET searchRow = NULL WHERE note = NEW.id;
+END;
+
 CREATE TRIGGER IF NOT EXISTS noteDeleted AFTER DELETE ON note BEGIN
   DELETE FROM noteSummary WHERE note = OLD.id;
 END;
@@ -314,7 +319,7 @@ void repairLocks(sqlite::Connection& connection) {
   if (!connection.query(differing).step()) return;
   sqlite::Transaction transaction(connection, sqlite::Transaction::Kind::write);
   connection.execute(fmt::format("UPDATE noteSummary SET encrypted = 1 - encrypted, "
-                                 "version = random() WHERE note IN ({})",
+                                 "version = random(), searchRow = NULL WHERE note IN ({})",
                                  differing)
                          .c_str());
   transaction.commit();

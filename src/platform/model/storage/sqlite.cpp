@@ -203,6 +203,7 @@ void Connection::giveBack(sqlite3_stmt* statement) {
 void Connection::execute(const char* script) {
   if (isRefused()) throw Error(refusal_);
   ++statementsRun_;
+  hasRunScripts_ = true;
   if (sqlite3_exec(handle_, script, nullptr, nullptr, nullptr) != SQLITE_OK) fail();
 }
 

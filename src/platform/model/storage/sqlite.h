@@ -106,6 +106,10 @@ class Connection {
   std::string fileHeader(std::size_t size) const;
   /// Brings the log's file up to date on the disk: what others have committed without a sync, too.
   void syncLog();
+  /// Whether a script has been run, which may have changed settings or made temporary tables.
+  bool hasRunScripts() const { return hasRunScripts_; }
+  /// How many prepared statements are kept.
+  std::size_t statementsKept() const { return statements_.size(); }
   /// Statements run so far, for tests that count them.
   std::int64_t statementsRun() const { return statementsRun_; }
   sqlite3* handle() const { return handle_; }
@@ -123,6 +127,7 @@ class Connection {
   sqlite3* handle_ = nullptr;
   std::unordered_map<std::string_view, Cached> statements_;  // keyed by the statement's own text
   std::int64_t statementsRun_ = 0;
+  bool hasRunScripts_ = false;
   const char* beforeCommit_ = nullptr;
   std::string refusal_;
 };
