@@ -4,11 +4,24 @@
 
 #include "domain/store_errors.h"
 #include "platform/model/objects/core_data_stack.h"
+#include "platform/model/search/search_index.h"
+#include "platform/model/storage/kept_connection.h"
 #include "platform/system/directories.h"
 #include "store/database_store.h"
 #include "store/preferences.h"
 
 namespace tavi {
+
+StoreKeeper::StoreKeeper()
+    : kept_(std::make_unique<tavimodel::KeptConnection>(tavimodel::updateSearchIndex)) {}
+
+StoreKeeper::~StoreKeeper() = default;
+
+bool StoreKeeper::work() {
+  if (!TaviPreferences::isApplicationLockEnabled()) return kept_->work();
+  kept_->drop();
+  return false;
+}
 
 std::unique_ptr<NoteStore> makeStore(const StoreOptions& options) {
   if (TaviPreferences::isApplicationLockEnabled()) throw NoteStoreError::appLockEnabled();
@@ -17,7 +30,8 @@ std::unique_ptr<NoteStore> makeStore(const StoreOptions& options) {
   const auto folder = platform::system::applicationDataDirectory();
   if (!folder) throw NoteStoreError::storeUnavailable("cannot open Tavi database");
   auto stack = Stack::initStackOutputError(
-      *folder, reason, options.onlyReads ? Stack::Access::readOnly : Stack::Access::readWrite);
+      *folder, reason, options.onlyReads ? Stack::Access::readOnly : Stack::Access::readWrite,
+      options.keeper != nullptr ? options.keeper->kept_.get() : nullptr);
   if (!stack) throw NoteStoreError::storeUnavailable("cannot open Tavi database");
   return std::make_unique<TaviDatabaseStore>(std::move(stack), options.preserveModificationDate);
 }

@@ -21,6 +21,8 @@ class ServerProcess {
   std::string receive();
   std::string ask(std::string_view line) { return send(line), receive(); }
 
+  int id() const { return process_; }
+
   /// Closes the server's input and gives its exit status, -1 for an end by a signal.
   int finish();
 

@@ -20,7 +20,7 @@ class Search : public OpenedModel {
 
   void index() {
     context().reset();
-    catchUp(stack->connection(), {.notesNotIndexed = 1000}, updateSearchIndex);
+    catchUp(stack->connection(), updateSearchIndex, 1000);
   }
 
   /// Titles of what is found, ascending.
