@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <set>
@@ -104,7 +105,10 @@ class TaviDatabaseStore final : public NoteStore {
   WriteResponse rewrite(tavimodel::KVNote& note, std::string text, const RemovalGate& gate);
   void passGate(const NoteMetadata& before, const NoteMetadata& after, const RemovalGate& gate);
   Note newNote(const std::string& text, const std::vector<std::string>& tags, bool tagsAtBottom);
-  WriteResponse respond(tavimodel::KVNote& note, const NoteMetadata& before);
+  /// Makes a change of the note, lets it pass the gate, if any, and saves it. The response says
+  /// what it changed.
+  WriteResponse change(tavimodel::KVNote& note, const std::function<void()>& make,
+                       const RemovalGate* gate = nullptr);
 
   std::unique_ptr<tavimodel::KVCoreDataStackForExtensions> stack_;
   bool preserveModificationDate_;

@@ -8,6 +8,7 @@
 #include "domain/text_editor.h"
 #include "platform/markdown/ast.h"
 #include "platform/markdown/hashtag.h"
+#include "platform/markdown/operations.h"
 #include "platform/model/objects/errors.h"
 #include "platform/text/ordering.h"
 #include "store/database_store.h"
@@ -27,7 +28,7 @@ namespace {
 /// The tag line of a new note: the tags that its content does not hold already, joined by a blank.
 std::string tagLine(const std::vector<std::string>& tags, const std::string& content) {
   std::vector<std::string> written;
-  if (!content.empty() && !tags.empty()) written = ZDKAST::fromMarkdown(content).textSummary().tags;
+  if (!content.empty() && !tags.empty()) written = zephyrdown::textSummary(content).tags;
   const std::unordered_set<std::string> inContent(written.begin(), written.end());
   std::string line;
   for (const std::string& tag : tags) {
@@ -47,7 +48,7 @@ std::string headingOf(const std::string& title) {
 
 /// The title that a note of this text has.
 std::string titleOf(const std::string& text) {
-  return ZDKAST::fromMarkdown(text).textSummary().title;
+  return zephyrdown::textSummary(text).title;
 }
 
 std::string composeText(const std::string& title, const std::string& content,
@@ -100,8 +101,14 @@ void TaviDatabaseStore::updateText(KVNote& note, std::string text, UnlinkedFiles
   note.updateNoteWithText(std::move(text), !preserveModificationDate_, unlinked);
 }
 
-WriteResponse TaviDatabaseStore::respond(KVNote& note, const NoteMetadata& before) {
-  return WriteResponse::difference(before, metadataOf(note));
+WriteResponse TaviDatabaseStore::change(KVNote& note, const std::function<void()>& make,
+                                        const RemovalGate* gate) {
+  const NoteMetadata before = metadataOf(note);
+  make();
+  const NoteMetadata after = metadataOf(note);
+  if (gate != nullptr) passGate(before, after, *gate);
+  save();
+  return WriteResponse::difference(before, after);
 }
 
 void TaviDatabaseStore::passGate(const NoteMetadata& before, const NoteMetadata& after,
@@ -115,12 +122,8 @@ void TaviDatabaseStore::passGate(const NoteMetadata& before, const NoteMetadata&
 }
 
 WriteResponse TaviDatabaseStore::rewrite(KVNote& note, std::string text, const RemovalGate& gate) {
-  const NoteMetadata before = metadataOf(note);
-  updateText(note, std::move(text), UnlinkedFiles::remove);
-  const NoteMetadata after = metadataOf(note);
-  passGate(before, after, gate);
-  save();
-  return WriteResponse::difference(before, after);
+  return change(
+      note, [&] { updateText(note, std::move(text), UnlinkedFiles::remove); }, &gate);
 }
 
 WriteResponse TaviDatabaseStore::editNote(const std::string& id, const EditOperation& edit,
@@ -197,13 +200,14 @@ Note TaviDatabaseStore::createNoteIfAbsent(const std::string& title,
 WriteResponse TaviDatabaseStore::insertText(const std::string& id, const std::string& text,
                                             InsertPosition position) {
   KVNote& note = unlockedNoteWithID(id);
-  const NoteMetadata before = metadataOf(note);
-  ZDKAST tree = ZDKAST::fromMarkdown(note.text());
-  tree.applyTextOperationResults(position == InsertPosition::end ? tree.appendText(text)
-                                                                 : tree.prependText(text));
-  updateText(note, tree.markdown(), UnlinkedFiles::keep);
-  save();
-  return respond(note, before);
+  return change(note, [&] {
+    const bool atEnd = position == InsertPosition::end;
+    const auto insertion = [&](const ZDKAST& tree) {
+      return atEnd ? tree.appendText(text) : tree.prependText(text);
+    };
+    const auto results = insertion(ZDKAST::viewing(note.text()));
+    updateText(note, zephyrdown::withOperations(note.text(), results), UnlinkedFiles::keep);
+  });
 }
 
 }  // namespace tavi

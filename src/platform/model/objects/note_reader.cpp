@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include "platform/model/objects/large_text.h"
 #include "platform/text/folding.h"
 
 namespace tavimodel {
@@ -52,7 +53,8 @@ std::vector<NoteRow> NoteReader::rowsWithTitle(std::string_view title) {
   return rows;
 }
 
-std::string NoteReader::text(std::int64_t note) {
+std::string NoteReader::text(std::int64_t note, std::int64_t expectedLength) {
+  if (expectedLength >= largeText) return readLargeText(connection_, note).value_or("");
   sqlite::Query query = connection_.query("SELECT text FROM note WHERE id = ?1");
   query.bind(1, note);
   return query.step() ? std::string(query.text(0)) : std::string();

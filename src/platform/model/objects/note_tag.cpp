@@ -5,6 +5,7 @@
 #include <unordered_set>
 
 #include "platform/markdown/ast.h"
+#include "platform/markdown/operations.h"
 #include "platform/model/objects/managed_object_context.h"
 
 namespace tavimodel {
@@ -13,31 +14,25 @@ namespace {
 using zephyrdown::ZDKAST;
 using Operations = std::vector<zephyrdown::ZDKASTOperationResult>;
 
-bool contains(const std::vector<std::string>& names, const std::string& name) {
-  return std::find(names.begin(), names.end(), name) != names.end();
-}
-
-void apply(KVNote& note, ZDKAST& tree, const Operations& operations) {
-  tree.applyTextOperationResults(operations);
-  note.updateNoteWithText(tree.markdown(), false);
+void rewrite(KVNote& note, const Operations& operations) {
+  note.updateNoteWithText(zephyrdown::withOperations(note.text(), operations), false);
 }
 
 /// Rows say so, and may be wrong: another program wrote them, or the text was locked when the tag
 /// was renamed. Writing the text derives them afresh.
 bool hasRow(KVNote& note, const std::string& tag) {
-  return contains(note.tagsStrings(), tag);
+  const std::vector<std::string>& rows = note.tagsStrings();
+  return std::find(rows.begin(), rows.end(), tag) != rows.end();
 }
 
 void addTag(KVNote& note, const std::string& tag, bool bottom) {
-  ZDKAST tree = ZDKAST::fromMarkdown(note.text());
-  const Operations operations = tree.addHashtag(tag, bottom);
-  if (!operations.empty() || !hasRow(note, tag)) apply(note, tree, operations);
+  const Operations operations = ZDKAST::viewing(note.text()).addHashtag(tag, bottom);
+  if (!operations.empty() || !hasRow(note, tag)) rewrite(note, operations);
 }
 
 void removeTag(KVNote& note, const std::string& tag) {
-  ZDKAST tree = ZDKAST::fromMarkdown(note.text());
-  const Operations operations = tree.removeHashtag(tag);
-  if (!operations.empty() || hasRow(note, tag)) apply(note, tree, operations);
+  const Operations operations = ZDKAST::viewing(note.text()).removeHashtag(tag);
+  if (!operations.empty() || hasRow(note, tag)) rewrite(note, operations);
 }
 
 /// `tag`, or one below it.
@@ -61,10 +56,14 @@ std::vector<std::string> missingInText(KVNote& note, const ZDKAST& tree, const s
 }
 
 void renameTag(KVNote& note, const std::string& tag, const std::string& newName, bool bottom) {
-  ZDKAST tree = ZDKAST::fromMarkdown(note.text());
-  const std::vector<std::string> missing = missingInText(note, tree, tag);
-  const Operations operations = tree.renameHashtag(tag, newName);
-  if (!operations.empty() || !missing.empty()) apply(note, tree, operations);
+  Operations operations;
+  std::vector<std::string> missing;
+  {
+    const ZDKAST tree = ZDKAST::viewing(note.text());
+    missing = missingInText(note, tree, tag);
+    operations = tree.renameHashtag(tag, newName);
+  }
+  if (!operations.empty() || !missing.empty()) rewrite(note, operations);
   for (const std::string& name : missing) addTag(note, renamed(name, tag, newName), bottom);
 }
 

@@ -4,6 +4,7 @@
 #include <unordered_set>
 
 #include "platform/model/objects/errors.h"
+#include "platform/model/objects/large_text.h"
 #include "platform/text/folding.h"
 
 namespace tavimodel {
@@ -32,28 +33,33 @@ const std::vector<std::string>& orNone(const std::optional<std::vector<std::stri
 
 }  // namespace
 
-void NoteWriter::checkVersion(const KVNote& note) {
-  const KVNote::State& read = *note.committed_;
+void NoteWriter::checkVersion(const NoteState& read) {
+  const bool isLarge = read.text && static_cast<std::int64_t>(read.text->size()) >= largeText;
   sqlite::Query query = connection_.query(
-      "SELECT s.version, CAST(note.text AS TEXT) IS ?2 FROM noteSummary s JOIN note ON note.id = "
-      "s.note "
-      "WHERE s.note = ?1");
+      "SELECT s.version, ?2 IS NULL OR CAST(note.text AS TEXT) = ?2 FROM noteSummary s "
+      "JOIN note ON note.id = s.note WHERE s.note = ?1");
   query.bind(1, read.row.id);
-  if (read.text) query.bind(2, *read.text);
+  // A text that is absent was read as the empty one.
+  if (read.text && !read.text->empty() && !isLarge) {
+    query.bind(2, *read.text);
+  } else {
+    query.bindNull(2);
+  }
   if (!query.step()) {
     throw DomainError(NSCocoaErrorDomain, managedObjectMergeError, "The note has been removed.");
   }
   // The text is compared too: a version is the triggers' work, and a program may have turned
-  // triggers off. A text that is absent was read as the empty one.
-  const bool sameText = !read.text || query.integer(1) != 0 || read.text->empty();
+  // triggers off.
+  const bool sameText = isLarge ? isLargeText(connection_, read.row.id, *read.text)
+                                : !query.isNull(1) && query.integer(1) != 0;
   if (query.integer(0) != read.row.version || !sameText) {
     throw DomainError(NSCocoaErrorDomain, persistentStoreSaveConflictsError,
                       "The note has been changed by another process.");
   }
 }
 
-void NoteWriter::insert(KVNote& note) {
-  NoteRow& row = note.state_.row;
+void NoteWriter::insert(NoteState& note) {
+  NoteRow& row = note.row;
   sqlite::Query query = connection_.query(
       "INSERT INTO note (uniqueIdentifier, title, creationDate, modificationDate, trashed, "
       "archived, "
@@ -63,24 +69,22 @@ void NoteWriter::insert(KVNote& note) {
   query.bind(3, row.creationDate).bind(4, row.modificationDate);
   query.bind(5, std::int64_t{row.trashed}).bind(6, std::int64_t{row.archived});
   query.bind(7, std::int64_t{row.pinned});
-  query.bind(8, *note.state_.text);
+  query.bind(8, *note.text);
   query.run();
   row.id = connection_.lastInsertedRow();
-  writeFacts(note);
-  writeTags(row.id, orNone(note.state_.tags), none);
-  writePins(row.id, orNone(note.state_.pinnedInTags), none);
-  if (note.state_.files) writeFiles(note, {});
+  writeFacts(row);
+  writeTags(row.id, orNone(note.tags), none);
+  writePins(row.id, orNone(note.pinnedInTags), none);
+  if (note.files) writeFiles(note, {});
 }
 
-void NoteWriter::update(KVNote& note) {
-  KVNote::State& now = note.state_;
-  const KVNote::State& before = *note.committed_;
+void NoteWriter::update(NoteState& now, const NoteState& before) {
   updateAttributes(now.row, before.row);
-  if (now.text && before.text && *now.text != *before.text) {
+  if (now.text != before.text) {
     sqlite::Query query =
         connection_.query("UPDATE note SET text = ?2, modificationDate = ?3 WHERE id = ?1");
     query.bind(1, now.row.id).bind(2, *now.text).bind(3, now.row.modificationDate).run();
-    writeFacts(note);
+    writeFacts(now.row);
   } else {
     sqlite::Query query = connection_.query(
         "UPDATE note SET modificationDate = ?2 WHERE id = ?1 AND modificationDate IS NOT ?2");
@@ -91,7 +95,7 @@ void NoteWriter::update(KVNote& note) {
   }
   if (now.tags) writeTags(now.row.id, *now.tags, orNone(before.tags));
   if (now.pinnedInTags) writePins(now.row.id, *now.pinnedInTags, orNone(before.pinnedInTags));
-  if (now.files) writeFiles(note, before.files ? *before.files : std::vector<KVNoteFile>{});
+  if (now.files) writeFiles(now, before.files ? *before.files : std::vector<KVNoteFile>{});
 }
 
 void NoteWriter::updateAttributes(const NoteRow& now, const NoteRow& before) {
@@ -105,8 +109,7 @@ void NoteWriter::updateAttributes(const NoteRow& now, const NoteRow& before) {
   query.bind(4, std::int64_t{now.archived}).bind(5, std::int64_t{now.pinned}).run();
 }
 
-void NoteWriter::writeFacts(KVNote& note) {
-  NoteRow& row = note.state_.row;
+void NoteWriter::writeFacts(NoteRow& row) {
   const TextFacts& facts = *row.facts;
   bool keyUnknown = false;
   {
@@ -146,13 +149,13 @@ void NoteWriter::writeRelation(std::int64_t note, const Names& now, const Names&
   }
 }
 
-void NoteWriter::writeFiles(KVNote& note, const std::vector<KVNoteFile>& before) {
-  std::vector<KVNoteFile>& now = *note.state_.files;
+void NoteWriter::writeFiles(NoteState& note, const std::vector<KVNoteFile>& before) {
+  std::vector<KVNoteFile>& now = *note.files;
   std::unordered_map<std::int64_t, std::int64_t> positions;  // of the files that were there, by id
   for (const KVNoteFile& file : before) positions.emplace(file.id, file.position);
   for (KVNoteFile& file : now) {
     if (file.id == 0) {
-      insertFile(note.state_.row.id, file);
+      insertFile(note.row.id, file);
       continue;
     }
     const auto old = positions.extract(file.id);
