@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <set>
@@ -87,16 +88,27 @@ class TaviDatabaseStore final : public NoteStore {
   tavimodel::KVNote& unlockedNoteWithID(const std::string& id);
   /// The active notes of a title.
   std::vector<tavimodel::KVNote*> activeNotesWithTitle(const std::string& title);
+  /// Null when there is none. Throws `titleMatchesMultiple`.
+  tavimodel::KVNote* onlyActiveNoteWithTitle(const std::string& title);
+  /// The active note of the title, given as it was or as a note made with it (from `text`) shows
+  /// it: "Fix `foo`" is shown as "Fix foo". Null when there is none. Throws `titleMatchesMultiple`.
+  tavimodel::KVNote* noteMadeWithTitle(const std::string& title, const std::string& text);
   /// Throws `noNoteWithTitle` or `titleMatchesMultiple`.
   tavimodel::KVNote& noteForTitle(const std::string& title);
   tavimodel::KVNoteTag tagForPin(const std::string& tag);
+  /// The tag of the canonical name or, without one, a tag that another program wrote in a form that
+  /// is not canonical: as `text` has it, or one with the same canonical name.
+  std::optional<tavimodel::KVNoteTag> findTag(const std::string& text);
 
   void save();
   void updateText(tavimodel::KVNote& note, std::string text, tavimodel::UnlinkedFiles unlinked);
   WriteResponse rewrite(tavimodel::KVNote& note, std::string text, const RemovalGate& gate);
   void passGate(const NoteMetadata& before, const NoteMetadata& after, const RemovalGate& gate);
   Note newNote(const std::string& text, const std::vector<std::string>& tags, bool tagsAtBottom);
-  WriteResponse respond(tavimodel::KVNote& note, const NoteMetadata& before);
+  /// Makes a change of the note, lets it pass the gate, if any, and saves it. The response says
+  /// what it changed.
+  WriteResponse change(tavimodel::KVNote& note, const std::function<void()>& make,
+                       const RemovalGate* gate = nullptr);
 
   std::unique_ptr<tavimodel::KVCoreDataStackForExtensions> stack_;
   bool preserveModificationDate_;

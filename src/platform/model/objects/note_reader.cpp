@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include "platform/model/objects/large_text.h"
 #include "platform/model/storage/tag_tree.h"
 #include "platform/text/folding.h"
 
@@ -37,10 +38,11 @@ std::optional<NoteRow> NoteReader::rowWithIdentifier(std::string_view identifier
 
 std::vector<NoteRow> NoteReader::rowsWithTitle(std::string_view title) {
   // A key that is not known is one whose title SQL could not fold.
-  sqlite::Query query = connection_.query(
-      fmt::format("SELECT {} FROM noteSummary s WHERE s.titleKey = ?1 "
-                  "OR (s.searchRow IS NULL AND s.titleKey IS NULL) ORDER BY s.note",
-                  noteRowColumns));
+  sqlite::Query query =
+      connection_.query(fmt::format("SELECT {} FROM noteSummary s WHERE (s.titleKey = ?1 "
+                                    "OR (s.searchRow IS NULL AND s.titleKey IS NULL)) "
+                                    "AND ifnull(s.permanentlyDeleted, 0) = 0 ORDER BY s.note",
+                                    noteRowColumns));
   const std::string key = platform::text::foldedForSearch(title);
   query.bind(1, key);
   std::vector<NoteRow> rows;
@@ -52,7 +54,8 @@ std::vector<NoteRow> NoteReader::rowsWithTitle(std::string_view title) {
   return rows;
 }
 
-std::string NoteReader::text(std::int64_t note) {
+std::string NoteReader::text(std::int64_t note, std::int64_t expectedLength) {
+  if (expectedLength >= largeText) return readLargeText(connection_, note).value_or("");
   sqlite::Query query = connection_.query("SELECT text FROM note WHERE id = ?1");
   query.bind(1, note);
   return query.step() ? std::string(query.text(0)) : std::string();
