@@ -10,7 +10,9 @@
 
 namespace tavi {
 
-std::unique_ptr<NoteStore> makeStore(const StoreOptions& options) {
+namespace {
+
+std::unique_ptr<TaviDatabaseStore> open(const StoreOptions& options) {
   if (TaviPreferences::isApplicationLockEnabled()) throw NoteStoreError::appLockEnabled();
   using Stack = tavimodel::KVCoreDataStackForExtensions;
   std::string reason;  // not shown: the user can do nothing with the platform's own words
@@ -20,6 +22,16 @@ std::unique_ptr<NoteStore> makeStore(const StoreOptions& options) {
       *folder, reason, options.onlyReads ? Stack::Access::readOnly : Stack::Access::readWrite);
   if (!stack) throw NoteStoreError::storeUnavailable("cannot open Tavi database");
   return std::make_unique<TaviDatabaseStore>(std::move(stack), options.preserveModificationDate);
+}
+
+}  // namespace
+
+std::unique_ptr<NoteStore> makeStore(const StoreOptions& options) {
+  return open(options);
+}
+
+std::unique_ptr<ImportingStore> makeImportingStore() {
+  return open({});
 }
 
 }  // namespace tavi

@@ -36,9 +36,17 @@ std::vector<KVNote*> KVNote::notesWithTitle(std::string_view title, ManagedObjec
 }
 
 KVNote& KVNote::noteWithText(std::string text, ManagedObjectContext& context) {
+  const double created = now();
+  return noteWithText(std::move(text), {.creationDate = created, .modificationDate = created},
+                      context);
+}
+
+KVNote& KVNote::noteWithText(std::string text, Origin origin, ManagedObjectContext& context) {
   NoteRow row;
-  row.uniqueIdentifier = platform::system::newUUID();
-  row.creationDate = row.modificationDate = now();
+  row.uniqueIdentifier = origin.uniqueIdentifier.empty() ? platform::system::newUUID()
+                                                         : std::move(origin.uniqueIdentifier);
+  row.creationDate = origin.creationDate;
+  row.modificationDate = origin.modificationDate;
   KVNote& note = context.insert(std::move(row));
   const zephyrdown::ZDKTextSummary summary = zephyrdown::ZDKAST::fromMarkdown(text).textSummary();
   note.state_.row.title = summary.title;
