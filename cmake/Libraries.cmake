@@ -21,6 +21,7 @@ target_link_libraries(ext::icu INTERFACE Threads::Threads ${CMAKE_DL_LIBS} m)
 tavi_static_library(ext::nettle nettle/sha2.h nettle)
 tavi_static_library(ext::expat expat.h expat)
 tavi_static_library(ext::uuid uuid/uuid.h uuid)
+tavi_static_library(ext::yaml yaml.h yaml)
 
 # Debian ships md4c as a shared library only; scripts/setup fetches the source of that package. Where
 # it could not, the shared library does, and the program is linked against shared libraries.

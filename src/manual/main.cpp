@@ -6,6 +6,8 @@
 
 #include "cli/tavi_cli.h"
 #include "cli/version.h"
+#include "export/export_command.h"
+#include "import/import_command.h"
 #include "manual/manual_pages.h"
 
 namespace {
@@ -21,11 +23,15 @@ bool write(const std::string& path, const std::string& text) {
 
 int main(int count, char** arguments) {
   if (count != 2) return 64;
-  for (const auto& [name, text] : tavi::manual::manualPages(
-           ArgumentParser::commandType<tavi::TaviCLI>(), tavi::versionString())) {
-    const std::string path = std::string(arguments[1]) + "/" + name + ".1";
-    if (write(path, text)) continue;
-    std::perror(path.c_str());
-    return 1;
+  using ArgumentParser::commandType;
+  for (const auto& program :
+       {commandType<tavi::TaviCLI>(), commandType<tavi::import::ImportCommand>(),
+        commandType<tavi::exporting::ExportCommand>()}) {
+    for (const auto& [name, text] : tavi::manual::manualPages(program, tavi::versionString())) {
+      const std::string path = std::string(arguments[1]) + "/" + name + ".1";
+      if (write(path, text)) continue;
+      std::perror(path.c_str());
+      return 1;
+    }
   }
 }

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "domain/note_store.h"
+#include "domain/importing_store.h"
 #include "platform/model/objects/core_data_stack.h"
 #include "platform/model/objects/note_tag.h"
 
@@ -17,7 +17,7 @@ namespace tavi {
 ///
 /// A write is one pass: look the note up, change it in memory, check, one save. The model finds at
 /// the save what another process has changed in between.
-class TaviDatabaseStore final : public NoteStore {
+class TaviDatabaseStore final : public ImportingStore {
  public:
   TaviDatabaseStore(std::unique_ptr<tavimodel::KVCoreDataStackForExtensions> stack,
                     bool preserveModificationDate);
@@ -77,6 +77,10 @@ class TaviDatabaseStore final : public NoteStore {
                               const std::string& filename) override;
   WriteResponse deleteAttachment(const std::string& id, const std::string& filename) override;
   std::string readAttachment(const std::string& id, const std::string& filename) override;
+
+  // Importing: importing.cpp
+  bool importNote(const ImportedNote& note) override;
+  void saveImported() override;
 
   void reset() override;
 

@@ -23,7 +23,10 @@ bool StoreKeeper::work() {
   return false;
 }
 
-std::unique_ptr<NoteStore> makeStore(const StoreOptions& options) {
+namespace {
+
+std::unique_ptr<TaviDatabaseStore> open(const StoreOptions& options,
+                                        tavimodel::KeptConnection* kept) {
   if (TaviPreferences::isApplicationLockEnabled()) throw NoteStoreError::appLockEnabled();
   using Stack = tavimodel::KVCoreDataStackForExtensions;
   std::string reason;  // not shown: the user can do nothing with the platform's own words
@@ -31,9 +34,19 @@ std::unique_ptr<NoteStore> makeStore(const StoreOptions& options) {
   if (!folder) throw NoteStoreError::storeUnavailable("cannot open Tavi database");
   auto stack = Stack::initStackOutputError(
       *folder, reason, options.onlyReads ? Stack::Access::readOnly : Stack::Access::readWrite,
-      options.keeper != nullptr ? options.keeper->kept_.get() : nullptr);
+      kept);
   if (!stack) throw NoteStoreError::storeUnavailable("cannot open Tavi database");
   return std::make_unique<TaviDatabaseStore>(std::move(stack), options.preserveModificationDate);
+}
+
+}  // namespace
+
+std::unique_ptr<NoteStore> makeStore(const StoreOptions& options) {
+  return open(options, options.keeper != nullptr ? options.keeper->kept_.get() : nullptr);
+}
+
+std::unique_ptr<ImportingStore> makeImportingStore() {
+  return open({}, nullptr);
 }
 
 }  // namespace tavi

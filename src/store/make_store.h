@@ -2,7 +2,7 @@
 
 #include <memory>
 
-#include "domain/note_store.h"
+#include "domain/importing_store.h"
 
 namespace tavimodel {
 class KeptConnection;
@@ -40,5 +40,8 @@ struct StoreOptions {
 /// Throws NoteStoreError: `appLockEnabled` when the application is locked, before anything is
 /// opened, and `storeUnavailable` when the database cannot be had.
 std::unique_ptr<NoteStore> makeStore(const StoreOptions& options = {});
+
+/// The same store, for a program that brings whole notes in.
+std::unique_ptr<ImportingStore> makeImportingStore();
 
 }  // namespace tavi

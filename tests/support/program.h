@@ -24,11 +24,11 @@ std::filesystem::path& programPath();
 ProgramResult runProgram(const std::vector<std::string>& arguments, const std::string& input = {},
                          const char* program = programPath().c_str());
 
-/// Starts the built program with `input` on its standard input and its output thrown away, kills it
-/// (SIGKILL) when so many microseconds have passed, and gives its exit code, or -1 when the kill
-/// came first.
+/// Starts the program, or another, with `input` on its standard input and its output thrown away,
+/// kills it (SIGKILL) when so many microseconds have passed, and gives its exit code, or -1 when
+/// the kill came first.
 int runAndKill(const std::vector<std::string>& arguments, const std::filesystem::path& input,
-               int microseconds);
+               int microseconds, const char* program = programPath().c_str());
 
 /// Whether `body` passes in a process of its own: for what cannot be undone, such as a limit.
 bool passesInItsOwnProcess(const std::function<void()>& body);

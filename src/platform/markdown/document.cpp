@@ -12,6 +12,7 @@
 #include "platform/markdown/hashtag_grammar.h"
 #include "platform/markdown/lines.h"
 #include "platform/markdown/link_locator.h"
+#include "platform/markdown/outline.h"
 #include "platform/markdown/parser_input.h"
 #include "platform/markdown/parser_mending.h"
 #include "platform/markdown/title_builder.h"
@@ -92,14 +93,16 @@ BlockKind blockKind(MD_BLOCKTYPE type, const void* detail) {
 class DocumentReader {
  public:
   DocumentReader(std::string_view text, std::size_t bodyBegin, std::string_view input,
-                 const OffsetMap& offsets)
+                 const OffsetMap& offsets, Outline* outline)
       : text_(text),
         input_(input),
         inputBegin_(bodyBegin),
         offsets_(offsets),
         links_(text),
-        budget_(input.size() + kSmallText) {
+        budget_(input.size() + kSmallText),
+        outline_(outline) {
     document_.bodyBegin = inputBegin_;
+    if (outline_) *outline_ = {.bodyBegin = inputBegin_};
   }
 
   /// Nothing when a bound was passed.
@@ -146,7 +149,7 @@ class DocumentReader {
     if (type == MD_BLOCK_LI) readItem(*static_cast<MD_BLOCK_LI_DETAIL*>(detail));
     if (depth_++ == 0) {
       document_.blocks.push_back({blockKind(type, detail), {passed_, passed_}});
-      if (type == MD_BLOCK_H) title_.enterHeading();
+      if (type == MD_BLOCK_H) enterHeading(*static_cast<MD_BLOCK_H_DETAIL*>(detail));
     }
     block_ = type;
     return goOn();
@@ -158,6 +161,12 @@ class DocumentReader {
     endTitleLine();
     if (--depth_ == 0 && type == MD_BLOCK_H) title_.leaveHeading();
     return goOn();
+  }
+
+  void enterHeading(const MD_BLOCK_H_DETAIL& heading) {
+    title_.enterHeading();
+    if (outline_ && outline_->titleLevel == 0)
+      outline_->titleLevel = static_cast<int>(heading.level);
   }
 
   /// No span reaches beyond its block. The parser forgets to leave some: an address directly
@@ -244,11 +253,18 @@ class DocumentReader {
   }
 
   void addWikiLink(const LocatedLink& link) {
+    if (outline_)
+      outline_->links.push_back({LinkMention::Kind::wikiLink, link.range, link.label, {}, {}});
     const std::size_t length = link.label.end - link.label.begin;
     wikiLinks_.push_back(wikiMention(link.range, text_.substr(link.label.begin, length)));
   }
 
   void addFile(const LocatedLink& link, const MD_ATTRIBUTE& target, bool isImage) {
+    if (outline_) {
+      outline_->links.push_back({isImage ? LinkMention::Kind::image : LinkMention::Kind::link,
+                                 link.range, link.label, link.destination,
+                                 destination(link, target)});
+    }
     if (view(target).find('/') != std::string_view::npos) return;
     std::string name = fileNameOfDestination(destination(link, target));
     if (name.empty()) return;
@@ -270,6 +286,8 @@ class DocumentReader {
       const SourceRange range{*offset, *offset + piece.size()};
       links_.pass(range);
       if (isPlain && linkDepth_ == 0) addStretch(range);
+      if (type == MD_TEXT_HTML && outline_)
+        outline_->html.push_back({range, block_ == MD_BLOCK_HTML});
       pass(range);
     }
     if (title_.isOpen()) readTitle(type, offset ? text_.substr(*offset, piece.size()) : piece);
@@ -345,6 +363,10 @@ class DocumentReader {
       if (isBehindBackslash(link.range.begin)) continue;
       readHashtags({begin, link.range.begin}, stretch);
       begin = link.range.end;
+      if (outline_) {
+        const SourceRange label{link.range.begin + 2, link.range.end - 2};
+        outline_->links.push_back({LinkMention::Kind::wikiLink, link.range, label, {}, {}});
+      }
       wikiLinks_.push_back(std::move(link));
     }
     readHashtags({begin, stretch.range.end}, stretch);
@@ -377,6 +399,7 @@ class DocumentReader {
   std::size_t budget_;
   Document document_;
   TitleBuilder title_;
+  Outline* outline_;  // filled along the way where one is wanted
   std::vector<WikiMention> wikiLinks_;
   Glue glue_ = Glue::boundary;
   MD_BLOCKTYPE block_ = MD_BLOCK_DOC;
@@ -387,9 +410,7 @@ class DocumentReader {
   std::size_t targetBytes_ = 0;
 };
 
-}  // namespace
-
-Document readDocument(std::string_view text) {
+Document readDocument(std::string_view text, Outline* outline) {
   Document unread;
   unread.bodyBegin = bodyBegin(text);
   const std::string_view body = text.substr(unread.bodyBegin);
@@ -402,12 +423,28 @@ Document readDocument(std::string_view text) {
   const std::string_view input = mends.empty() ? shown : mended;
   const unsigned dialect =
       hasEndlessAddresses(input) ? kDialect & ~unsigned{MD_FLAG_PERMISSIVEAUTOLINKS} : kDialect;
-  if (auto document = DocumentReader(text, unread.bodyBegin, input, offsets).read(dialect))
+  if (auto document = DocumentReader(text, unread.bodyBegin, input, offsets, outline).read(dialect))
     return std::move(*document);
   const std::string plain = maskedForPlainReading(input);
-  auto document = DocumentReader(text, unread.bodyBegin, plain, offsets)
+  auto document = DocumentReader(text, unread.bodyBegin, plain, offsets, outline)
                       .read(dialect & ~unsigned{MD_FLAG_TABLES});
   return document ? std::move(*document) : unread;
+}
+
+}  // namespace
+
+Document readDocument(std::string_view text) {
+  return readDocument(text, nullptr);
+}
+
+Outline outlineOf(std::string_view text) {
+  Outline outline;
+  const Document document = readDocument(text, &outline);
+  for (const Block& block : document.blocks)
+    if (block.kind == BlockKind::table) outline.tables.push_back(block.text);
+  std::stable_sort(outline.links.begin(), outline.links.end(),
+                   [](const auto& a, const auto& b) { return a.range.begin < b.range.begin; });
+  return outline;
 }
 
 const TextStretch* stretchAt(const Document& document, std::size_t position) {

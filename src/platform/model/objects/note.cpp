@@ -50,9 +50,17 @@ std::vector<KVNote*> KVNote::notesWithTitle(std::string_view title, ManagedObjec
 }
 
 KVNote& KVNote::noteWithText(std::string text, ManagedObjectContext& context) {
+  const double created = now();
+  return noteWithText(std::move(text), {.creationDate = created, .modificationDate = created},
+                      context);
+}
+
+KVNote& KVNote::noteWithText(std::string text, Origin origin, ManagedObjectContext& context) {
   NoteRow row;
-  row.uniqueIdentifier = platform::system::newUUID();
-  row.creationDate = row.modificationDate = now();
+  row.uniqueIdentifier = origin.uniqueIdentifier.empty() ? platform::system::newUUID()
+                                                         : std::move(origin.uniqueIdentifier);
+  row.creationDate = origin.creationDate;
+  row.modificationDate = origin.modificationDate;
   NoteState state;
   const zephyrdown::ZDKTextSummary summary = zephyrdown::textSummary(text);
   row.title = summary.title;

@@ -28,6 +28,12 @@ class KVNote {
   static std::vector<KVNote*> notesWithTitle(std::string_view title, ManagedObjectContext& context);
   /// A new note of the text; title, tags and to-dos are derived from it.
   static KVNote& noteWithText(std::string text, ManagedObjectContext& context);
+  /// What a note that comes from elsewhere brings along. Dates: seconds since 1970-01-01 UTC.
+  struct Origin {
+    std::string uniqueIdentifier;  ///< of no note in the database; empty: a new random one
+    std::optional<double> creationDate, modificationDate;
+  };
+  static KVNote& noteWithText(std::string text, Origin origin, ManagedObjectContext& context);
 
   KVNote(ManagedObjectContext& context, HeldNote& held) : context_(context), held_(held) {}
   KVNote(const KVNote&) = delete;
