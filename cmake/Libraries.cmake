@@ -1,57 +1,62 @@
-# Outside libraries, each under one name `ext::...`, as archives: a process that runs for a
-# millisecond pays for every shared library it loads.
+# Outside libraries, each under one name `ext::...`. TAVI_STATIC decides for all of them at once:
+# Debian's archives, or Debian's shared libraries.
 
 find_package(Threads REQUIRED)
 find_package(Boost 1.81 REQUIRED)
 
-function(tavi_static_library target header)
+#   tavi_library(ext::icu unicode/uchar.h icui18n icuuc)   # a header of it, and the names to link
+function(tavi_library target header)
   add_library(${target} INTERFACE IMPORTED GLOBAL)
   find_path(${target}_include ${header} REQUIRED)
   target_include_directories(${target} SYSTEM INTERFACE ${${target}_include})
-  foreach(archive IN LISTS ARGN)
-    find_library(${target}_${archive} NAMES lib${archive}.a REQUIRED)
-    target_link_libraries(${target} INTERFACE ${${target}_${archive}})
+  foreach(name IN LISTS ARGN)
+    if(TAVI_STATIC)
+      set(file lib${name}.a)
+    else()
+      set(file lib${name}.so)
+    endif()
+    find_library(${target}_${file} NAMES ${file} REQUIRED)
+    target_link_libraries(${target} INTERFACE ${${target}_${file}})
   endforeach()
 endfunction()
 
-tavi_static_library(ext::sqlite sqlite3.h sqlite3)
+tavi_library(ext::sqlite sqlite3.h sqlite3)
 target_link_libraries(ext::sqlite INTERFACE Threads::Threads ${CMAKE_DL_LIBS} m)
-tavi_static_library(ext::icu unicode/uchar.h icui18n icuuc icudata)
+tavi_library(ext::icu unicode/uchar.h icui18n icuuc icudata)
 target_link_libraries(ext::icu INTERFACE Threads::Threads ${CMAKE_DL_LIBS} m)
-tavi_static_library(ext::nettle nettle/sha2.h nettle)
-tavi_static_library(ext::expat expat.h expat)
-tavi_static_library(ext::uuid uuid/uuid.h uuid)
-tavi_static_library(ext::yaml yaml.h yaml)
+tavi_library(ext::nettle nettle/sha2.h nettle)
+tavi_library(ext::expat expat.h expat)
+tavi_library(ext::uuid uuid/uuid.h uuid)
+tavi_library(ext::boost_json boost/json.hpp boost_json)
+tavi_library(ext::yaml yaml.h yaml)
 
-# Debian ships md4c as a shared library only; scripts/setup fetches the source of that package. Where
-# it could not, the shared library does, and the program is linked against shared libraries.
-add_library(ext::md4c INTERFACE IMPORTED GLOBAL)
-set(md4c_source "${CMAKE_SOURCE_DIR}/build/third-party/md4c-0.4.8/src")
-if(EXISTS "${md4c_source}/md4c.c")
-  set(TAVI_STATIC_LIBRARIES ON)
-  add_library(md4c STATIC "${md4c_source}/md4c.c")
-  target_compile_options(md4c PRIVATE -w)
-  if(TAVI_SANITIZE)
-    target_compile_options(md4c PRIVATE -fsanitize=address -fno-omit-frame-pointer)
-  endif()
-  target_include_directories(ext::md4c SYSTEM INTERFACE "${md4c_source}")
-  target_link_libraries(ext::md4c INTERFACE md4c)
-else()
-  set(TAVI_STATIC_LIBRARIES OFF)
-  find_path(md4c_include md4c.h REQUIRED)
-  find_library(md4c_library md4c REQUIRED)
-  target_include_directories(ext::md4c SYSTEM INTERFACE ${md4c_include})
-  target_link_libraries(ext::md4c INTERFACE ${md4c_library})
+if(NOT TAVI_STATIC)
+  tavi_library(ext::md4c md4c.h md4c)
+  tavi_library(ext::fmt fmt/format.h fmt)
+  return()
 endif()
 
-# Compiled once, in src/json/boost_json.cpp.
-add_library(ext::boost_json INTERFACE IMPORTED GLOBAL)
-target_include_directories(ext::boost_json SYSTEM INTERFACE ${Boost_INCLUDE_DIRS})
-
-# Headers and one source of ours, since Debian has no archive: with the headers alone each unit
-# compiles the whole library anew, which takes three times as long.
+# Debian ships these two as shared libraries only. For fmt the headers are enough: they hold the
+# whole library, which is compiled once here instead of in every unit.
 find_path(fmt_include fmt/format-inl.h REQUIRED)
 add_library(fmt_library STATIC "${CMAKE_SOURCE_DIR}/src/fmt_library.cpp")
 target_include_directories(fmt_library SYSTEM PUBLIC ${fmt_include})
 target_compile_options(fmt_library PRIVATE -ffunction-sections -fdata-sections)
 add_library(ext::fmt ALIAS fmt_library)
+
+# The parser's source is fetched from where the machine's packages come from.
+set(md4c_source "${CMAKE_SOURCE_DIR}/build/third-party/md4c-0.4.8/src")
+if(NOT EXISTS "${md4c_source}/md4c.c")
+  execute_process(COMMAND "${CMAKE_SOURCE_DIR}/scripts/fetch-md4c" RESULT_VARIABLE failure)
+  if(failure)
+    message(FATAL_ERROR "TAVI_STATIC=ON compiles the source of md4c, which could not be fetched. "
+      "Configure with -DTAVI_STATIC=OFF to build against shared libraries instead.")
+  endif()
+endif()
+add_library(md4c STATIC "${md4c_source}/md4c.c")
+target_compile_options(md4c PRIVATE -w)
+if(TAVI_SANITIZE)
+  target_compile_options(md4c PRIVATE -fsanitize=address -fno-omit-frame-pointer)
+endif()
+target_include_directories(md4c SYSTEM INTERFACE "${md4c_source}")
+add_library(ext::md4c ALIAS md4c)

@@ -1,4 +1,5 @@
-// write_manual FOLDER: writes the manual's pages into the folder, which is there.
+// write_manual FOLDER DATE: writes the manual's pages into man1 and the like below the folder,
+// which are there. DATE is that of the release, "2026-11-25".
 
 #include <cstdio>
 #include <memory>
@@ -22,14 +23,16 @@ bool write(const std::string& path, const std::string& text) {
 }  // namespace
 
 int main(int count, char** arguments) {
-  if (count != 2) return 64;
+  if (count != 3) return 64;
+  const std::string folder = arguments[1];
+  const tavi::manual::Release release{.version = tavi::versionString(), .date = arguments[2]};
   using ArgumentParser::commandType;
   for (const auto& program :
        {commandType<tavi::TaviCLI>(), commandType<tavi::import::ImportCommand>(),
         commandType<tavi::exporting::ExportCommand>()}) {
-    for (const auto& [name, text] : tavi::manual::manualPages(program, tavi::versionString())) {
-      const std::string path = std::string(arguments[1]) + "/" + name + ".1";
-      if (write(path, text)) continue;
+    for (const auto& page : tavi::manual::manualPages(program, release)) {
+      const std::string path = folder + "/" + page.path();
+      if (write(path, page.text)) continue;
       std::perror(path.c_str());
       return 1;
     }

@@ -220,22 +220,50 @@ void addExitStatus(Roff& page) {
   page.item(Roff::bold("64"), "The command line cannot be taken.");
 }
 
+void addFiles(Roff& page) {
+  page.section("FILES");
+  page.item(Roff::file("~/.local/share/tavi/tavi.sqlite"),
+            "The notes. The folder comes into being with the first command.");
+  page.item(Roff::file("~/.local/share/tavi/files/"), "The bytes of attachments.");
+  page.item(
+      Roff::file("~/.local/share/tavi/net.kelvaro.tavi.cli.didRequestRefresh"),
+      "An empty file. Its modification time is set by each command that succeeded, so that the "
+      "application looks at the notes again.");
+  page.item(Roff::file("~/Library/Preferences/X7Q2M5R8K1.net.kelvaro.tavi.plist"),
+            "The application's lock: while it is on, every command is refused. Read only.");
+  page.item(
+      Roff::file(
+          "~/Library/Containers/net.kelvaro.tavi/Data/Library/Preferences/net.kelvaro.tavi.plist"),
+      "Where the application puts tags in a note. Read only.");
+}
+
 void addEnvironment(Roff& page) {
   page.section("ENVIRONMENT");
+  page.item(Roff::bold("HOME"),
+            "The home directory; the user's entry in /etc/passwd when it is not set.");
+  page.item(Roff::bold("XDG_DATA_HOME"),
+            "Stands for ~/.local/share where it is set to an absolute path.");
+  page.item(Roff::bold("LC_ALL") + ", " + Roff::bold("LC_COLLATE") + ", " + Roff::bold("LANG"),
+            "The language by whose rules titles and tags are sorted: the first that is set.");
+  page.item(Roff::bold("TZ"), "The time zone of the days in a search.");
   page.item(
-      Roff::bold("XDG_DATA_HOME"),
-      "The folder that holds tavi/tavi.sqlite, the database, and tavi/files, the attachments; "
-      "~/.local/share when it is not set.");
+      Roff::bold("TMPDIR"),
+      "The folder where an attachment is collected before it is added; /tmp when it is not set.");
+  page.item(Roff::bold("PATH"), "Where xdg-open is looked for, which opens a note.");
   page.item(Roff::bold("COLUMNS"), "The width of help pages.");
+  page.item(Roff::bold("SHELL"),
+            "The shell for which a completion script is written when none is named.");
 }
 
 class Manual {
  public:
-  Manual(const ArgumentParser::CommandType& root, const std::string& version)
-      : root_(root), foot_(root.configuration().commandName + " " + version) {}
+  Manual(const ArgumentParser::CommandType& root, const Release& release)
+      : root_(root),
+        program_(root.configuration().commandName + " " + release.version),
+        date_(release.date) {}
 
   void add(const object& command) {
-    pages.push_back({pageName(pathOf(command)), page(command)});
+    pages.push_back({pageName(pathOf(command)), 1, page(command)});
     for (const object* child : shown(command, "subcommands")) add(*child);
   }
 
@@ -244,11 +272,10 @@ class Manual {
  private:
   std::string page(const object& command) const {
     const Path path = pathOf(command);
-    Roff page(pageName(path), foot_);
-    std::string abstract = text(command, "abstract");
-    page.section("NAME");
-    page.line(Roff::escaped(pageName(path)) + " \\- " +
-              Roff::escaped(abstract.substr(0, abstract.find_last_not_of('.') + 1)));
+    const std::string name = pageName(path);
+    Roff page({.name = name, .date = date_, .program = program_});
+    const std::string abstract = text(command, "abstract");
+    page.name(name, abstract.substr(0, abstract.find_last_not_of('.') + 1));
     page.section("SYNOPSIS");
     page.synopsis(fmt::format("{}", fmt::join(path, " ")), usage(command));
     page.section("DESCRIPTION");
@@ -259,21 +286,29 @@ class Manual {
     addArguments(page, command, false);
     FooterWriter(page).write(footerOf(root_, path));
     addExitStatus(page);
-    if (path.size() == 1) addEnvironment(page);
+    if (path.size() == 1) {
+      addFiles(page);
+      addEnvironment(page);
+    }
     addSeeAlso(page, command);
     return page.take();
   }
 
   const ArgumentParser::CommandType& root_;
-  std::string foot_;
+  std::string program_;
+  std::string date_;
 };
 
 }  // namespace
 
+std::string ManualPage::path() const {
+  return fmt::format("man{0}/{1}.{0}", section, name);
+}
+
 std::vector<ManualPage> manualPages(const ArgumentParser::CommandType& root,
-                                    const std::string& version) {
+                                    const Release& release) {
   const auto dump = parseJSON(ArgumentParser::dumpHelp({root}));
-  Manual manual(root, version);
+  Manual manual(root, release);
   manual.add(dump.as_object().at("command").as_object());
   return std::move(manual.pages);
 }

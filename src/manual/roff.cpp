@@ -2,10 +2,15 @@
 
 #include <fmt/format.h>
 
+#include <cctype>
+#include <utility>
+
 #include "ArgumentParser/characters.h"
 
 namespace tavi::manual {
 namespace {
+
+constexpr std::size_t longestLine = 80;  // what mandoc's style check lets pass
 
 /// The number of a character of two bytes or more in UTF-8.
 std::uint32_t codePoint(std::string_view character) {
@@ -38,6 +43,15 @@ std::string escapedCharacter(std::string_view character) {
   }
 }
 
+/// A text that is read and not copied: its hyphens and quotes may be printed as such.
+std::string quiet(std::string_view text) {
+  std::string result;
+  for (const std::string_view character : ArgumentParser::characters(text))
+    result +=
+        character == "-" || character == "'" ? std::string(character) : escapedCharacter(character);
+  return result;
+}
+
 /// An argument of a macro.
 std::string quoted(std::string_view markup) {
   std::string result = "\"";
@@ -54,41 +68,86 @@ std::string Roff::escaped(std::string_view text) {
   return result;
 }
 
-Roff::Roff(std::string_view name, std::string_view version) {
-  page_ = fmt::format(".TH {} 1 \"\" {} \"User Commands\"\n", quoted(escaped(name)),
-                      quoted(escaped(version)));
+std::string Roff::file(std::string_view path) {
+  std::string result = italic(path);
+  for (std::size_t at = result.find('/'); at != std::string::npos; at = result.find('/', at + 1))
+    result.insert(at + 1, "\\:");
+  return result;
+}
+
+Roff::Roff(const PageTitle& title) {
+  // Upper case by convention; those who want to copy the name find it below, as it is typed.
+  std::string name(title.name);
+  for (char& c : name) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+  page_ = fmt::format(".TH {} {} {} {} {}\n", quoted(escaped(name)), title.section,
+                      quoted(title.date), quoted(escaped(title.program)),
+                      quoted(title.section == 1 ? "User Commands" : "Conventions"));
   page_ += ".nr HY 0\n.ad l\n";  // no hyphens that are not in the text, and no rivers of blanks
 }
 
-/// A line that begins with a dot is a request. (A quote would be one too, and is always escaped.)
+void Roff::name(std::string_view name, std::string_view abstract) {
+  section("NAME");
+  line(fmt::format("{} \\- {}", name, quiet(abstract)));
+}
+
 void Roff::line(std::string_view markup) {
+  while (markup.size() > longestLine) {
+    const std::size_t blank = markup.substr(0, longestLine).rfind(' ');
+    if (blank == std::string_view::npos) break;
+    oneLine(markup.substr(0, blank));
+    markup.remove_prefix(blank + 1);
+  }
+  oneLine(markup);
+}
+
+/// A line that begins with a dot is a request. (A quote would be one too, and is always escaped.)
+void Roff::oneLine(std::string_view markup) {
   if (markup.starts_with('.')) page_ += "\\&";
   page_.append(markup).append("\n");
+  afterHeading_ = false;
 }
 
 void Roff::section(std::string_view title) {
   page_ += ".SH " + quoted(escaped(title)) + "\n";
+  afterHeading_ = true;
+}
+
+/// A heading begins a paragraph by itself.
+void Roff::beginParagraph() {
+  if (!afterHeading_) page_ += ".PP\n";
 }
 
 void Roff::paragraph(std::string_view text) {
-  page_ += ".PP\n";
+  beginParagraph();
   line(escaped(text));
 }
 
 void Roff::item(std::string_view label, std::string_view text) {
   page_ += ".TP\n";
-  line(label);
+  oneLine(label);
   if (!text.empty()) line(escaped(text));
 }
 
 void Roff::verbatim(std::string_view lines) {
-  page_ += ".PP\n.nf\n";
+  beginParagraph();
+  page_ += ".nf\n";
   while (!lines.empty()) {
     const std::size_t end = std::min(lines.find('\n'), lines.size());
-    line(escaped(lines.substr(0, end)));
+    verbatimLine(lines.substr(0, end));
     lines.remove_prefix(std::min(end + 1, lines.size()));
   }
   page_ += ".fi\n";
+}
+
+/// A long line goes on behind "\c", which joins it to the next.
+void Roff::verbatimLine(std::string_view text) {
+  std::string piece;
+  for (const std::string_view character : ArgumentParser::characters(text)) {
+    const std::string markup = escapedCharacter(character);
+    if (piece.size() + markup.size() + 2 > longestLine) oneLine(std::exchange(piece, "") + "\\c");
+    piece += markup;
+  }
+  oneLine(piece);
 }
 
 void Roff::synopsis(std::string_view command, std::string_view arguments) {

@@ -27,6 +27,7 @@ using support::forEachCommand;
 using ::testing::HasSubstr;
 
 const ArgumentParser::CommandType kRoot = ArgumentParser::commandType<TaviCLI>();
+const Release kRelease{.version = "1.0.0", .date = "2026-11-25"};
 
 /// What a script prints, errors included.
 std::string shell(const std::string& script) {
@@ -51,14 +52,15 @@ class ManualPages : public ::testing::Test {
     ::setenv("MANPAGER", "cat", 1);
   }
 
-  /// The page as it is read in a terminal, warnings included.
+  /// The page as it is read in a terminal, with what two formatters have against it.
   std::string shown(const std::string& page) {
-    const fs::path file = home.path() / "page.1";
+    file = home.path() / "page.1";
     std::ofstream(file) << page;
-    return shell("man --warnings -l " + file.string());
+    return shell("mandoc -T lint " + file.string() + "; man --warnings -l " + file.string());
   }
 
   support::ThrowawayHome home;
+  fs::path file;  ///< of the page shown last
 };
 
 /// Texts with single blanks for all their white space.
@@ -75,14 +77,21 @@ std::string pageName(const CommandStack& stack) {
 }
 
 TEST_F(ManualPages, SayWhatTheHelpSays) {
-  std::map<std::string, std::string> pages;
-  for (const auto& [name, text] : manualPages(kRoot, "1.0.0")) pages[name] = shown(text);
+  std::map<std::string, std::string> pages, whatis;
+  for (const auto& page : manualPages(kRoot, kRelease)) {
+    pages[page.name] = shown(page.text);
+    whatis[page.name] = shell("lexgrog " + file.string());
+  }
   std::size_t count = 0;
   forEachCommand({kRoot}, [&](const CommandStack& stack) {
     ++count;
     const std::string page = pages[pageName(stack)];
     EXPECT_THAT(page, ::testing::Not(HasSubstr("warning"))) << page;
+    EXPECT_THAT(page, ::testing::Not(HasSubstr("mandoc:"))) << page;
     const std::string words = squeezed(page);
+    // What whatis(1) will say: no escapes.
+    EXPECT_THAT(whatis[pageName(stack)], HasSubstr(" - ")) << pageName(stack);
+    EXPECT_THAT(whatis[pageName(stack)], ::testing::Not(HasSubstr("\\")));
     const ArgumentParser::DeclaredCommand declared(stack.back());
     for (const auto& argument : declared.arguments.definitions()) {
       EXPECT_THAT(words, HasSubstr(squeezed(argument.abstract)));
@@ -104,11 +113,11 @@ TEST_F(ManualPages, SayWhatTheHelpSays) {
 
 TEST_F(ManualPages, AreLaidOutAsManualsAre) {
   ::setenv("MANWIDTH", "80", 1);
-  const auto pages = manualPages(kRoot, "1.0.0");
+  const auto pages = manualPages(kRoot, kRelease);
   const auto page = std::ranges::find(pages, "tavicli-tags-add", &ManualPage::name);
   ASSERT_NE(page, pages.end());
   EXPECT_EQ(shown(page->text),
-            R"(tavicli-tags-add(1)              User Commands             tavicli-tags-add(1)
+            R"(TAVICLI-TAGS-ADD(1)              User Commands             TAVICLI-TAGS-ADD(1)
 
 NAME
        tavicli-tags-add - Add tags to a note
@@ -156,7 +165,7 @@ EXIT STATUS
 SEE ALSO
        tavicli(1), tavicli-tags(1)
 
-tavicli 1.0.0                                              tavicli-tags-add(1)
+tavicli 1.0.0                     2026-11-25               TAVICLI-TAGS-ADD(1)
 )");
 }
 
@@ -164,7 +173,7 @@ TEST_F(ManualPages, TakeNothingInATextForMarkup) {
   const std::string hostile = "\\fBa\\e \\n(.x `b` 'c' \"d\" ^~ --e - — → Ü [x] \\";
   for (const auto& text :
        std::vector<std::string>{hostile, ".SH x", "'br", ". x", "\\\"", ".\"", "..."}) {
-    Roff page("a-b", "c \"1\"");
+    Roff page({.name = "a-b", .date = "2026-11-25", .program = "c \"1\""});
     page.section("S " + text);
     page.paragraph(text);
     page.item(Roff::bold("a label: " + text), text);
@@ -199,7 +208,7 @@ TEST_F(Installed, IsFoundByManAndTheShells) {
                   "complete -p tavicli'"),
             "complete -o filenames -F _tavicli tavicli\n");
   if (isInstalled("zsh")) {
-    EXPECT_EQ(shell("zsh -fc 'fpath=($prefix/share/zsh/vendor-completions $fpath);"
+    EXPECT_EQ(shell("zsh -fc 'fpath=($prefix/share/zsh/site-functions $fpath);"
                     "autoload -Uz compinit; compinit -u -D; echo $_comps[tavicli]'"),
               "_tavicli\n");
   }
@@ -208,6 +217,15 @@ TEST_F(Installed, IsFoundByManAndTheShells) {
                       "\"tavicli search-\"'"),
                 HasSubstr("search-in\t"));
   }
+}
+
+// The static program carries a part of ICU's data only.
+TEST_F(Installed, SortsByTheRulesOfTheUsersLanguage) {
+  shell("for title in zebra öl ol; do $prefix/bin/tavicli create $title; done");
+  const std::string sorted =
+      "$prefix/bin/tavicli search --query -x --sort title:asc --fields title";
+  EXPECT_EQ(shell("LC_ALL=sv_SE.UTF-8 " + sorted), "ol\nzebra\nöl\n");
+  EXPECT_EQ(shell("LC_ALL=de_DE.UTF-8 " + sorted), "ol\nöl\nzebra\n");
 }
 
 }  // namespace

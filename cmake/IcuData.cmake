@@ -1,0 +1,32 @@
+# Debian's archive of ICU's data is 30 MB, and one object. A static program takes what it uses:
+#
+#   tavi_icu_data(tavicli)                # normalisation, properties, and sorting in all languages
+#   tavi_icu_data(tavi-import CONVERTERS) # and character encodings, another 5 MB
+#
+# Left out are translations, calendars, currencies, units, transliteration and the dictionaries of
+# line breaking.
+function(tavi_icu_data program)
+  cmake_parse_arguments(DATA "CONVERTERS" "" "" ${ARGN})
+  set(keep "^coll/|\\.nrm$|\\.icu$")
+  string(APPEND keep
+    "|^(root|res_index|pool|keyTypeData|likelySubtags|supplementalData|icustd|metadata)\\.res$")
+  set(data "${CMAKE_BINARY_DIR}/icu/sorting")
+  if(DATA_CONVERTERS)
+    string(APPEND keep "|\\.cnv$")
+    set(data "${CMAKE_BINARY_DIR}/icu/sorting_and_converters")
+  endif()
+  target_sources(${program} PRIVATE "${data}.S")
+  get_property(made DIRECTORY PROPERTY TAVI_ICU_DATA)
+  if(data IN_LIST made)
+    return()
+  endif()
+  set_property(DIRECTORY APPEND PROPERTY TAVI_ICU_DATA "${data}")
+  file(MAKE_DIRECTORY "${CMAKE_BINARY_DIR}/icu")
+  set(icu ext::icu)
+  add_custom_command(
+    OUTPUT "${data}.S"
+    COMMAND "${CMAKE_SOURCE_DIR}/cmake/icu-data" "${${icu}_libicudata.a}" "${keep}" "${data}"
+    DEPENDS "${CMAKE_SOURCE_DIR}/cmake/icu-data"
+    COMMENT "Cutting ICU's data"
+    VERBATIM)
+endfunction()
