@@ -55,13 +55,6 @@ class Notes : public ::testing::Test {
     return result;
   }
 
-  void lockTheApplication() {
-    fs::create_directories(home.path() / "Library/Preferences");
-    std::ofstream(home.path() / "Library/Preferences/X7Q2M5R8K1.net.kelvaro.tavi.plist")
-        << "<?xml version=\"1.0\"?><plist version=\"1.0\"><dict>"
-           "<key>applicationLockingEnabled</key><true/></dict></plist>";
-  }
-
   support::ThrowawayHome home;
   const Texts titles{"War and Peace", "What's \"$HOME\"?", "Hello!World", "a:b, c;d & e",
                      "back\\slash",   "un`paired $(date)", "Über [1] *",  "Warum"};
@@ -77,7 +70,7 @@ class Notes : public ::testing::Test {
 class CompletionInShells : public Notes, public ::testing::WithParamInterface<const char*> {
  protected:
   void SetUp() override {
-    if (!CompletingShell::isInstalled(GetParam())) GTEST_SKIP() << GetParam() << " is missing";
+    ASSERT_TRUE(CompletingShell::isInstalled(GetParam())) << "scripts/setup --test installs it";
     shell.emplace(GetParam(), TAVICLI_PROGRAM, home.path());
   }
   std::optional<CompletingShell> shell;
@@ -233,7 +226,7 @@ TEST_F(CompletionAnswer, IsNothingWheneverSomethingIsWrong) {
   EXPECT_EQ(answer({"attachments", "save"}, "--filename", {"attachments", "save", "-f", ""}), "");
   EXPECT_EQ(answer({"tags", "remove"}, "positional@1", {"tags", "remove", "nosuch", ""}), "");
 
-  lockTheApplication();
+  home.lockApplication();
   EXPECT_EQ(titlesAnswered(), "");
   fs::remove_all(home.path() / "Library");
   std::ofstream(home.database()) << std::string(100000, 'x');

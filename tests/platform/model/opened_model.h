@@ -23,7 +23,7 @@ class OpenedModel : public testing::Test {
 
   ManagedObjectContext& context() { return *stack->managedObjectContext(); }
 
-  support::ThrowawayHome home;
+  support::ThrowawayHome home{support::ThrowawayHome::On::memory};
   std::unique_ptr<KVCoreDataStackForExtensions> stack;
 };
 

@@ -1,0 +1,15 @@
+#pragma once
+
+#include <filesystem>
+#include <functional>
+#include <memory>
+
+#include "domain/note_store.h"
+
+namespace support {
+
+/// The store on the database in `folder`; calls `closed` when it is released.
+std::unique_ptr<tavi::NoteStore> watchedStore(const std::filesystem::path& folder,
+                                              std::function<void()> closed);
+
+}  // namespace support
