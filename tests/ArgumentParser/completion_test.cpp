@@ -30,7 +30,7 @@ class Completion : public testing::TestWithParam<CompletionShell> {
 
   void SetUp() override {
     const std::string shell(name(GetParam()));
-    if (!CompletingShell::isInstalled(shell)) GTEST_SKIP() << shell << " is not installed";
+    ASSERT_TRUE(CompletingShell::isInstalled(shell)) << "scripts/setup --test installs " << shell;
     shell_.emplace(shell, SHELF_PROGRAM, home_);
   }
 

@@ -71,7 +71,6 @@ class WorkingDay : public ::testing::Test {
   const std::string program = TAVICLI_PROGRAM;
   const fs::path home =
       fs::path(::testing::TempDir()) / ("working-day." + std::to_string(::getpid()));
-  const fs::path signal = home / ".local/share/tavi/net.kelvaro.tavi.cli.didRequestRefresh";
   std::unique_ptr<ServerProcess> server = std::make_unique<ServerProcess>(program, home, path());
   int lastID = 0;
   std::string id;
@@ -167,18 +166,6 @@ TEST_F(WorkingDay, ForgivesACarelessClientNothing) {
       refusal("overwrite_note", R"({"id":"$","content":"tea","baseHash":")" + hash() + "\"}"),
       StartsWith("Write would remove attachment `a.txt`."));
   EXPECT_EQ(call("list_attachments"), R"({"attachments":[{"filename":"a.txt","size":5}]})");
-}
-
-TEST_F(WorkingDay, SignalsTheApplicationAfterSuccessfulWritesOnly) {
-  create(R"({"content":"tea"})");
-  ASSERT_TRUE(fs::exists(signal));
-  const auto before = fs::last_write_time(signal) - std::chrono::hours(1);
-  fs::last_write_time(signal, before);
-  call("get_note");
-  refusal("add_tags", R"({"id":"$"})");
-  EXPECT_EQ(fs::last_write_time(signal), before);
-  call("append_to_note", R"({"id":"$","content":"milk"})");
-  EXPECT_NE(fs::last_write_time(signal), before);
 }
 
 TEST_F(WorkingDay, TellsOfAReplacedExecutable) {
