@@ -1,14 +1,14 @@
-# What every target of ours is compiled with. Libraries come in as SYSTEM, so that only our
-# own code is held to the warnings.
+# Compiler and linker options of all our targets. Libraries are included as SYSTEM, so that warnings
+# concern our own code only.
 
 find_program(CCACHE ccache)
 if(CCACHE)
   set(CMAKE_CXX_COMPILER_LAUNCHER "${CCACHE}")
 endif()
 
-# O3 makes the program larger and no command faster.
+# -O3 makes the program larger and no command faster.
 set(CMAKE_CXX_FLAGS_RELEASE "-O2 -DNDEBUG")
-# For the sanitizers: enough to run at a fair speed, and to name lines, at half the time to build.
+# For the sanitizers: fast enough, with line numbers, in half the build time of -O2 -g.
 set(CMAKE_CXX_FLAGS_RELWITHDEBINFO "-O1 -g1")
 
 add_library(tavi_compiler INTERFACE)
@@ -26,12 +26,12 @@ target_link_options(tavi_compiler INTERFACE -Wl,--gc-sections -Wl,--build-id)
 if(TAVI_SANITIZE)
   # fno-sanitize-recover: a finding of the undefined-behaviour sanitizer fails the test.
   set(sanitizers -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
-  # fuzzer-no-link: every room tells a fuzzer which ways it took (tavi_fuzz, in Room.cmake).
+  # fuzzer-no-link: rooms are instrumented with coverage for the fuzz targets (tavi_fuzz).
   target_compile_options(tavi_compiler INTERFACE ${sanitizers} -fsanitize=fuzzer-no-link)
   target_link_options(tavi_compiler INTERFACE ${sanitizers})
 else()
-  # A process that runs for a millisecond pays for every shared library it loads and for every
-  # address that is adjusted at its start.
+  # Loading shared libraries and relocating addresses would take a large share of a command that
+  # runs for a millisecond.
   target_link_options(tavi_compiler INTERFACE
     -static-libstdc++ -static-libgcc -no-pie -Wl,--as-needed)
 endif()

@@ -99,7 +99,7 @@ std::string ReadNoteContentOp::execute(const Input& input, NoteStore& store) {
 ListNotesOp::Output ListNotesOp::execute(const Input& input, NoteStore& store) {
   const ListRequest request = checkedRequest(input);
   if (input.tag) {
-    return std::visit([](auto&& results) -> Output { return withoutMatches(std::move(results)); },
+    return std::visit([](auto results) -> Output { return withoutMatches(std::move(results)); },
                       search(tagQuery(*input.tag), request, input.includeContent, store));
   }
   if (input.includeContent) {

@@ -11,7 +11,7 @@
 
 namespace tavi::testing {
 
-/// Runs of the program within the test's process.
+/// A test that runs command lines within its own process.
 class CommandLine : public StoreTest {
  protected:
   struct Result {
@@ -31,9 +31,9 @@ class CommandLine : public StoreTest {
 
   Result run(const std::vector<std::string>& arguments);
 
-  std::optional<std::string> input;  ///< what stands on standard input; absent: a terminal
+  std::optional<std::string> input;  ///< standard input; absent: a terminal
   bool outputIsTerminal = false;
-  std::optional<StoreOptions> opened;  ///< how the last run opened the store
+  std::optional<StoreOptions> opened;  ///< the options of the last run's store
   std::string openedURL;
 };
 

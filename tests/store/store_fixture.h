@@ -7,7 +7,7 @@
 
 namespace tavi {
 
-/// The code of the store's refusal.
+/// The code of the NoteStoreError that `action` throws, or "not refused".
 template <class Action>
 std::string refusal(Action action) {
   try {

@@ -15,20 +15,20 @@ namespace tavi {
 
 using Texts = std::vector<std::string>;
 
-/// The real store, on a database in a folder of the test's own.
+/// A test of the real store, on a database in a temporary home.
 class StoreTest : public ::testing::Test {
  protected:
-  /// A new store, as each command has one.
+  /// A new store, as each command opens one.
   std::unique_ptr<NoteStore> fresh(bool preserveModificationDate = false) {
     return makeStore({.preserveModificationDate = preserveModificationDate});
   }
-  /// The same, open until the next call: lists read from it.
+  /// A new store that stays open until the next call, since lists read from it.
   NoteStore& store() { return *(store_ = fresh()); }
 
   std::string create(const std::string& text) {
     return fresh()->createNoteFromText(text, {}).metadata.id;
   }
-  /// Creates a note with a known id, "ID-1", "ID-2" and so on, each dated a day after the last.
+  /// Creates a note and returns its id: "ID-1", "ID-2" and so on, each dated a day after the last.
   std::string add(const std::string& text, const Texts& tags = {}) {
     const std::string made = fresh()->createNoteFromText(text, tags).metadata.id;
     const std::string number = value("SELECT count(*) FROM note");
@@ -40,7 +40,7 @@ class StoreTest : public ::testing::Test {
   std::string text(const std::string& id) { return fresh()->noteWithID(id).content; }
   NoteMetadata metadata(const std::string& id) { return fresh()->metadataWithID(id); }
 
-  /// Another program, by plain SQL.
+  /// Runs SQL as another program.
   void otherProgram(const std::string& sql) { support::ForeignClient(home.database()).run(sql); }
   std::string value(const std::string& sql) {
     return support::ForeignClient(home.database()).value(sql);

@@ -10,11 +10,11 @@
 
 namespace support {
 
-/// A home folder of a test's own: HOME points to it, and it goes with the object. Temporary files
-/// of the program go into it too.
+/// A temporary home folder, removed with the object. HOME points to it, and TMPDIR to a folder in
+/// it.
 class ThrowawayHome {
  public:
-  enum class On { disk, memory };  ///< memory where the machine has it: nothing waits for a sync
+  enum class On { disk, memory };  ///< memory: tmpfs, if there is one, where syncs are free
   explicit ThrowawayHome(On medium = On::disk) {
     const bool memory = medium == On::memory && access("/dev/shm", W_OK) == 0;
     std::string name = memory ? "/dev/shm/tavi-home-XXXXXX" : "/tmp/tavi-home-XXXXXX";
@@ -33,7 +33,7 @@ class ThrowawayHome {
   ThrowawayHome(const ThrowawayHome&) = delete;
   ThrowawayHome& operator=(const ThrowawayHome&) = delete;
 
-  /// Sets the preference by which the application keeps other programs out.
+  /// Sets the application's preference that locks other programs out.
   void lockApplication() const {
     std::filesystem::create_directories(path_ / "Library/Preferences");
     std::ofstream(path_ / "Library/Preferences/X7Q2M5R8K1.net.kelvaro.tavi.plist")

@@ -8,7 +8,7 @@
 
 namespace support {
 
-/// The store on the database in `folder`; calls `closed` when it is released.
+/// Opens the store on the database in `folder`; calls `closed` when the store is destroyed.
 std::unique_ptr<tavi::NoteStore> watchedStore(const std::filesystem::path& folder,
                                               std::function<void()> closed);
 
