@@ -14,6 +14,6 @@ void TaviCLIBridge::requestAppRefresh() {
 }
 
 TaviCLIBridge::TaviCLIBridge(std::function<void()> refreshHandler)
-    : observer_(notificationName, std::move(refreshHandler)) {}
+    : observer_(notificationName, refreshHandler ? std::move(refreshHandler) : [] {}) {}
 
 }  // namespace tavi
