@@ -2,6 +2,7 @@
 #include <fstream>
 
 #include "domain/invalid_query.h"
+#include "platform/model/search_inventor.h"
 #include "store_fixture.h"
 
 namespace tavi {
@@ -135,6 +136,40 @@ TEST_F(Listing, CountsMatchesInTheRawText) {
   EXPECT_EQ(rows[0].matchCount, 4);
   EXPECT_EQ(all(store->searchNotes("#cat", {})).at(0).matchCount, 0);
   EXPECT_THROW(store->searchNotes("@nosuch", {}), InvalidQuery);
+  lock(id);
+  EXPECT_EQ(all(fresh()->searchNotes("@locked or cat", {})).at(0).matchCount, 0);
+}
+
+// Whatever is asked, the answer is the same for any text of a locked note.
+TEST_F(Reading, TellsNothingOfALockedText) {
+  tavimodel::Inventor invent;
+  for (int i = 0; i < 60; ++i) create(invent.text());
+  otherProgram(
+      "INSERT INTO file (note, filename, ocrText) SELECT id, 'a' || id % 3, text FROM note;"
+      "UPDATE note SET encrypted = 1 WHERE id % 3 = 0");
+  std::vector<std::string> queries;
+  for (int i = 0; i < 150; ++i) queries.push_back(invent.query() + (i % 2 == 0 ? "or @locked" : ""));
+  const auto answers = [&] {
+    std::vector<std::string> rows;
+    const auto store = fresh();
+    for (std::size_t i = 0; i < queries.size(); ++i) {
+      const ListRequest request{parseSortCriteria("pinned,title:asc"), i % 3 == 0 ? 7 : INT64_MAX};
+      rows.push_back(queries[i]);
+      rows.push_back(std::to_string(store->searchNotes(queries[i], request)->count()));
+      for (const auto& [note, matches] : all(store->searchNotesWithContent(queries[i], request))) {
+        rows.push_back(note.metadata.id + note.content + note.metadata.contentHash +
+                       std::to_string(matches) + std::to_string(note.metadata.contentLength) +
+                       std::to_string(note.metadata.todos + note.metadata.done) +
+                       std::to_string(note.metadata.attachments.size()));
+      }
+    }
+    return rows;
+  };
+  const std::vector<std::string> before = answers();
+  otherProgram(
+      "UPDATE note SET text = (SELECT text FROM note n WHERE n.id = note.id - 1) WHERE encrypted;"
+      "UPDATE file SET ocrText = (SELECT text FROM note WHERE id = note) WHERE note % 3 = 0");
+  EXPECT_EQ(answers(), before);
 }
 
 TEST_F(Reading, RefusesEverythingWhileTheApplicationIsLocked) {

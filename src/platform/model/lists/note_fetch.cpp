@@ -10,6 +10,7 @@
 #include "platform/model/lists/row_order.h"
 #include "platform/model/search/search_index.h"
 #include "platform/model/search/search_plan.h"
+#include "platform/model/storage/note_texts.h"
 #include "platform/model/storage/row_ids.h"
 
 namespace tavimodel {
@@ -35,7 +36,7 @@ class TextWalk {
  public:
   explicit TextWalk(sqlite::Connection& connection) : connection_(connection) {}
 
-  /// Empty where there is no such note. Good until the next call.
+  /// Empty for a locked note and for one that does not exist. Valid until the next call.
   std::string_view textOf(std::int64_t note) {
     constexpr int near = 4;
     for (int steps = 0; texts_ && steps < near && id_ < note; ++steps) step();
@@ -47,7 +48,8 @@ class TextWalk {
   void step() { id_ = texts_->step() ? texts_->integer(0) : INT64_MAX; }
   void leapTo(std::int64_t note) {
     texts_.reset();
-    texts_.emplace(connection_.query("SELECT id, text FROM note WHERE id >= ?1 ORDER BY id"));
+    texts_.emplace(connection_.query(
+        fmt::format("SELECT id, {} FROM note WHERE id >= ?1 ORDER BY id", readableText)));
     texts_->bind(1, note);
     step();
   }
@@ -174,20 +176,17 @@ class TermSearch {
 
   bool matchesByLookup(const sqlite::Query& row) {
     if (plan_.ocrOnly() || plan_.titlesOnly()) return matches(row, {});
-    sqlite::Query text = connection_.query("SELECT text FROM note WHERE id = ?1");
+    sqlite::Query text =
+        connection_.query(fmt::format("SELECT {} FROM note WHERE id = ?1", readableText));
     text.bind(1, row.integer(0));
     return matches(row, text.step() ? text.text(0) : std::string_view());
   }
 
   bool matches(const sqlite::Query& row, std::string_view text) {
+    if (!plan_.ocrOnly()) return plan_.matches(row.text(titleColumn), text, row, firstPlanColumn);
     const bool locked = row.integer(lockedColumn) != 0;
-    if (plan_.ocrOnly()) {
-      const std::string recognised = locked ? std::string() : recognisedText(row.integer(0));
-      return plan_.matches({}, recognised, row, firstPlanColumn);
-    }
-    // A locked note is found by its title only.
-    return plan_.matches(row.text(titleColumn), locked ? std::string_view() : text, row,
-                         firstPlanColumn);
+    const std::string recognised = locked ? std::string() : recognisedText(row.integer(0));
+    return plan_.matches({}, recognised, row, firstPlanColumn);
   }
 
   std::string recognisedText(std::int64_t note) {
