@@ -19,6 +19,9 @@ struct ListRequest {
   std::int64_t limit = INT64_MAX;        ///< greater than 0
   std::int64_t offset = 0;               ///< rows to skip, not negative
   std::optional<NoteLocation> location;  ///< absent: every location
+  /// Canonical name of a tag that the notes carry, or one below it; absent: any notes. Such a list
+  /// sorts titles as a search does.
+  std::optional<std::string> tag = std::nullopt;
   /// Whether the caller looks at hash, length, to-dos, pins and attachments: they cost reading.
   bool detailed = true;
 };

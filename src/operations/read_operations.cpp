@@ -46,11 +46,10 @@ ListRequest checkedRequest(const Input& input) {
   return request;
 }
 
-/// The written form of the tag, which as a query finds the tag and its children.
-std::string tagQuery(const std::string& tag) {
-  const std::string name = TagParser::canonicalName(tag);
+std::string tagName(const std::string& tag) {
+  std::string name = TagParser::canonicalName(tag);
   if (name.empty()) throw OperationError::invalidInput("tag must not be empty");
-  return TagParser::hashtag(name);
+  return name;
 }
 
 SearchNotesOp::Output search(const std::string& query, const ListRequest& request,
@@ -63,14 +62,6 @@ SearchNotesOp::Output search(const std::string& query, const ListRequest& reques
   return store.searchNotes(query, request);
 } catch (const InvalidQuery& error) {
   throw OperationError::invalidInput(error.what());
-}
-
-// A search result without its match count.
-RecordList<Note> withoutMatches(RecordList<SearchResultWithContent> results) {
-  return mapped<Note, SearchResultWithContent>(std::move(results), &SearchResultWithContent::note);
-}
-RecordList<NoteMetadata> withoutMatches(RecordList<SearchResult> results) {
-  return mapped<NoteMetadata, SearchResult>(std::move(results), &SearchResult::metadata);
 }
 
 }  // namespace
@@ -97,11 +88,8 @@ std::string ReadNoteContentOp::execute(const Input& input, NoteStore& store) {
 }
 
 ListNotesOp::Output ListNotesOp::execute(const Input& input, NoteStore& store) {
-  const ListRequest request = checkedRequest(input);
-  if (input.tag) {
-    return std::visit([](auto&& results) -> Output { return withoutMatches(std::move(results)); },
-                      search(tagQuery(*input.tag), request, input.includeContent, store));
-  }
+  ListRequest request = checkedRequest(input);
+  if (input.tag) request.tag = tagName(*input.tag);
   if (input.includeContent) {
     if (request.limit == 0) return recordList<Note>();
     return store.listNotesWithContent(request);

@@ -47,18 +47,20 @@ SortKey sortKey(SortField field) {
   return SortKey::pinned;
 }
 
-/// A list sorts titles by code points, a search as the user's locale does and without case.
+/// A list sorts titles by code points, a search and a list of a tag's notes as the user's locale
+/// does and without case.
 FetchRequest fetchRequest(const ListRequest& request, std::optional<Predicate> search,
-                          bool localized) {
+                          bool isSearch) {
   std::vector<Predicate> parts;
   if (auto location = locationPredicate(request.location)) parts.push_back(std::move(*location));
   parts.push_back(Predicate::withFormat("permanentlyDeleted == NO OR permanentlyDeleted == nil"));
   if (search) parts.push_back(std::move(*search));
+  if (request.tag) parts.push_back(KVNoteSearchManager::predicateForTag(*request.tag));
   FetchRequest fetch;
   fetch.predicate = Predicate::andPredicate(parts);
   for (const SortCriterion& criterion : request.sort) {
     fetch.sortDescriptors.push_back(
-        {sortKey(criterion.field), criterion.order == SortOrder::asc, localized});
+        {sortKey(criterion.field), criterion.order == SortOrder::asc, isSearch || request.tag});
   }
   fetch.fetchOffset = request.offset;
   fetch.fetchLimit = request.limit;

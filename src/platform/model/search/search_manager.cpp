@@ -22,6 +22,12 @@ std::optional<Predicate> KVNoteSearchManager::predicateForSearchString(std::stri
   return Predicate::matching(std::move(parsed));
 }
 
+Predicate KVNoteSearchManager::predicateForTag(std::string name) {
+  auto query = std::make_shared<SearchQuery>();
+  query->groups.push_back({{.kind = SearchCondition::Kind::tag, .text = std::move(name)}});
+  return Predicate::matching(std::move(query));
+}
+
 std::optional<SearchTermCounter> KVNoteSearchManager::defaultSearchRegexForSearchString(
     std::string_view query) {
   std::vector<std::string> terms;
