@@ -110,6 +110,54 @@ TEST_F(Listing, SortsAndPages) {
   EXPECT_EQ(titles("modified:asc", 5, 2), "C");
   EXPECT_EQ(titles("modified:asc", 5, 9), "");
   EXPECT_EQ(titles("modified", INT64_MAX, 1), "ba");
+  for (const std::int64_t limit : {std::int64_t{1}, INT64_MAX}) {
+    EXPECT_EQ(titles("modified", limit, INT64_MAX), "");
+  }
+}
+
+TEST_F(Listing, KeepsOneOrderOfNotesThatAreEqual) {
+  const std::string absent = create("# f"), empty = create("# g"), absentToo = create("# h");
+  otherProgram(
+      "UPDATE note SET title = NULL WHERE id IN (6, 8); UPDATE note SET title = '' WHERE id = 7;"
+      "UPDATE note SET trashed = 0, archived = 0, pinned = 0, permanentlyDeleted = 0,"
+      "creationDate = NULL, modificationDate = 7");
+  const Texts blank = {absentToo, empty, absent};
+  const Texts all = {absentToo, empty, absent, ids[4], ids[3], ids[2], ids[1], ids[0]};
+  const struct {
+    const char* sort;
+    Texts expected;
+  } cases[] = {
+      {"modified", all},
+      {"created:asc", all},
+      {"pinned,modified:asc", all},
+      {"title:asc,pinned", {blank[0], blank[1], blank[2], ids[1], ids[2], ids[0], ids[3], ids[4]}},
+      {"title", {ids[4], ids[3], ids[0], ids[2], ids[1], blank[0], blank[1], blank[2]}},
+  };
+  for (const auto& [sort, expected] : cases) {
+    for (const std::int64_t limit : {std::int64_t{8}, INT64_MAX}) {
+      const auto store = fresh();
+      const ListRequest request{parseSortCriteria(sort), limit};
+      Texts listed, found;
+      for (const auto& note : tavi::all(store->listNotes(request))) listed.push_back(note.id);
+      for (const auto& row : tavi::all(store->searchNotes("-nowhere", request)))
+        found.push_back(row.metadata.id);
+      EXPECT_EQ(listed, expected) << sort << " " << limit;
+      if (sort[0] != 't') EXPECT_EQ(found, expected) << sort << " " << limit;
+    }
+  }
+}
+
+TEST_F(Listing, FiltersByTagsThatNoQueryCanName) {
+  const std::string quoted = create("# quoted\n#say \"hi\"#");
+  const std::string below = create("# below\n#say \"hi\"/often#");
+  create("# say \"hi\"\n#say \"hi\" too#");
+  ListRequest request{parseSortCriteria("created:asc")};
+  request.tag = "say \"hi\"";
+  const auto listed = all(fresh()->listNotesWithContent(request));
+  ASSERT_EQ(listed.size(), 2U);
+  EXPECT_EQ(listed[0].metadata.id, quoted);
+  EXPECT_EQ(listed[1].metadata.id, below);
+  EXPECT_EQ(fresh()->listNotes(request)->count(), 2);
 }
 
 TEST_F(Listing, KeepsLocationsApart) {

@@ -17,8 +17,9 @@ struct SortDescriptor {
   bool localized = false;
 };
 
-/// Which notes to fetch, and in which order. Notes that are equal in every descriptor stand in the
-/// order of their making, in the direction of the last descriptor.
+/// Which notes to fetch, and in which order. Of notes that are equal in every descriptor the one
+/// that was made last comes first, whatever the descriptors' directions. An absent title is equal
+/// to an empty one, an absent date earlier than all others.
 struct FetchRequest {
   Predicate predicate;
   std::vector<SortDescriptor> sortDescriptors;

@@ -81,10 +81,9 @@ class TermSearch {
   std::optional<std::vector<std::int64_t>> byWalking(const FetchRequest& request,
                                                      std::int64_t patience) {
     const std::string order = orderClause(request);
-    const std::int64_t wanted = request.fetchLimit <= longestWalkedPage
-                                    ? request.fetchOffset + request.fetchLimit
-                                    : INT64_MAX;
-    if (order.empty() || wanted > longestWalkedPage) return std::nullopt;
+    if (order.empty() || request.fetchOffset > longestWalkedPage - request.fetchLimit)
+      return std::nullopt;
+    const std::int64_t wanted = request.fetchOffset + request.fetchLimit;
     std::vector<std::int64_t> found;
     std::int64_t looked = 0;
     sqlite::Query rows = select("noteSummary s", order);
@@ -205,11 +204,26 @@ class TermSearch {
   std::string base_;
 };
 
+/// An absent title and an empty one are equal, but SQL puts one before the other.
+bool canSQLSort(sqlite::Connection& connection, const FetchRequest& request) {
+  const auto& keys = request.sortDescriptors;
+  if (std::none_of(keys.begin(), keys.end(), [](auto& by) { return by.key == SortKey::title; })) {
+    return true;
+  }
+  constexpr std::string_view anywhere =
+      "SELECT 1 FROM noteSummary WHERE trashed IN (0, 1) AND archived IN (0, 1) AND title";
+  sqlite::Query both = connection.query(
+      fmt::format("SELECT EXISTS ({0} IS NULL) AND EXISTS ({0} = '')", anywhere));
+  both.step();
+  return both.integer(0) == 0;
+}
+
 /// A fetch that SQL decides by itself.
 NoteTable decidedBySQL(sqlite::Connection& connection, const FetchRequest& request,
                        const SearchPlan* plan) {
   const std::string order = orderClause(request);
-  const bool page = request.fetchLimit <= longestWalkedPage && !order.empty();
+  const bool page = request.fetchLimit <= longestWalkedPage && !order.empty() &&
+                    canSQLSort(connection, request);
   std::string from = plan != nullptr ? plan->source() : "noteSummary s";
   // A whole list is not fetched through an index: it would look every row up.
   const bool walk = !page && plan == nullptr;
