@@ -48,6 +48,8 @@ class NoteStore {
   virtual NoteMetadata metadataWithID(const std::string& id) = 0;
   virtual NoteMetadata metadataWithTitle(const std::string& title) = 0;
 
+  /// The searches throw std::invalid_argument, whose what() is the message for the user, for a
+  /// query that cannot mean anything, such as one with an unknown directive.
   virtual RecordList<SearchResult> searchNotes(const std::string& query,
                                                const ListRequest& request) = 0;
   /// `context` in characters; `limit` absent means all.

@@ -1,9 +1,9 @@
 #include "operations/read_operations.h"
 
 #include <algorithm>
+#include <stdexcept>
 #include <string_view>
 
-#include "domain/invalid_query.h"
 #include "domain/tag_parser.h"
 #include "operations/note_resolver.h"
 #include "platform/text/utf8.h"
@@ -60,7 +60,7 @@ SearchNotesOp::Output search(const std::string& query, const ListRequest& reques
   }
   if (request.limit == 0) return recordList<SearchResult>();
   return store.searchNotes(query, request);
-} catch (const InvalidQuery& error) {
+} catch (const std::invalid_argument& error) {
   throw OperationError::invalidInput(error.what());
 }
 

@@ -12,9 +12,9 @@
 namespace platform::text {
 namespace {
 
-constexpr const char* kPieces[] = {"a", "A", "ab", "b", "é", "e\u0301", "e", "\u0301", "ß",
-                                   "s", "日", "本", "가", "\u1100\u1161", "\u11A8", "K", "\u212A",
-                                   " ", "ﬁ", "f", "i", "\xFF"};
+constexpr const char* kPieces[] = {
+    "a",  "A",  "ab",           "b",      "é", "e\u0301", "e", "\u0301", "ß", "s", "日",
+    "本", "가", "\u1100\u1161", "\u11A8", "K", "\u212A",  " ", "ﬁ",      "f", "i", "\xFF"};
 
 std::string madeUp(std::mt19937& random, std::size_t most) {
   std::string text;

@@ -14,8 +14,7 @@ class Connection;
 
 /// The text of a row of `note`, for a SELECT list. NULL for a locked note: nobody who goes over the
 /// texts of many notes may learn anything about it.
-inline constexpr std::string_view readableText =
-    "CASE note.encrypted WHEN 0 THEN note.text END";
+inline constexpr std::string_view readableText = "CASE note.encrypted WHEN 0 THEN note.text END";
 
 /// Calls `visit` with the index of each id and the text of its note, in the order of `ids`, one
 /// text at a time: it is valid until `visit` returns. The text of a locked note is empty.
