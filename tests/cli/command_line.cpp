@@ -1,6 +1,6 @@
 #include "command_line.h"
 
-#include "json/byte_sink.h"
+#include "bytes/byte_sink.h"
 
 namespace tavi::testing {
 

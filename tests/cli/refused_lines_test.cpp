@@ -68,6 +68,7 @@ TEST_F(RefusedLines, ShowTheFaultTheArgumentAndTheUsageInTextAndInJSON) {
       {{"mcp-server", "--port", "1"}, {"mcp-server"}, "Unknown option '--port'"},
       {{"--format=csv", "list"}, {}, "Unknown option '--format'"},
       {{"list", "x", "-%=5"}, {}, "Invalid option: -%"},
+      {{"list", "--limit", "---x"}, {}, "Invalid option: ---x"},
       {{"list", "--limit", "-5"},
        {"list"},
        "Missing value for '--limit <limit>'",

@@ -69,10 +69,6 @@ std::vector<double> keysOf(const std::vector<NoteView>& rows, const SortDescript
   return keys;
 }
 
-bool tiesAscend(const FetchRequest& request) {
-  return request.sortDescriptors.empty() || request.sortDescriptors.back().ascending;
-}
-
 }  // namespace
 
 std::vector<std::size_t> sortedPage(const std::vector<NoteView>& rows,
@@ -93,12 +89,11 @@ std::vector<std::size_t> sortedPage(const std::vector<NoteView>& rows,
       entries[i].prefix = ordered(keys[0][i]);
     }
   }
-  const bool ascending = tiesAscend(request);
   const auto decidedByAll = [&](std::size_t a, std::size_t b) {
     for (const std::vector<double>& key : keys) {
       if (key[a] != key[b]) return key[a] < key[b];
     }
-    return ascending ? rows[a].id < rows[b].id : rows[a].id > rows[b].id;
+    return rows[a].id > rows[b].id;
   };
   std::sort(entries.begin(), entries.end(), [&](const Entry& a, const Entry& b) {
     if (a.prefix != b.prefix) return a.prefix < b.prefix;
@@ -128,8 +123,7 @@ std::string orderClause(const FetchRequest& request) {
     clause += column;
     clause += descriptor.ascending ? "" : " DESC";
   }
-  clause += clause.empty() ? " ORDER BY " : ", ";
-  return clause + (tiesAscend(request) ? "s.note" : "s.note DESC");
+  return clause + (clause.empty() ? " ORDER BY s.note DESC" : ", s.note DESC");
 }
 
 }  // namespace tavimodel
