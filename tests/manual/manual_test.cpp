@@ -41,7 +41,7 @@ std::string shell(const std::string& script) {
 class ManualPages : public ::testing::Test {
  protected:
   void SetUp() override {
-    ASSERT_EQ(std::system("command -v man zsh fish >/dev/null"), 0)
+    ASSERT_EQ(std::system("for p in man zsh fish; do command -v $p >/dev/null || exit 1; done"), 0)
         << "scripts/setup --test installs them";
     ::setenv("LC_ALL", "C.UTF-8", 1);
     ::setenv("MANWIDTH", "100", 1);
