@@ -119,6 +119,10 @@ TEST_P(CompletionInShells, OffersWhatTheCommandsTake) {
            {"tavicli list --tag ", everyTag},
            {"tavicli list --tag wo", {"work/draft"}},
            {"tavicli list --tag \\#r", {"#red planet#"}},
+           {"tavicli search '#", {"#space", "#red planet#", "#work/draft", "#past"}},
+           {"tavicli search -q \\!\\#wo", {"!#work/draft"}},
+           {"tavicli search @to", {"@today", "@todo"}},
+           {"tavicli search --query=-@untag", {"-@untagged"}},
            {"tavicli create x --tags past,sp", {"past,space"}},
            {"tavicli tags rename p", {"past"}},
            {"tavicli tags delete --name s", {"space"}},
@@ -159,6 +163,9 @@ TEST_P(CompletionInShells, QuotesTitlesForTheLine) {
            {"tavicli create x --tags past,r", "<create><x><--tags><past,red planet>"},
            {"tavicli list --sort=pinned,ti", "<list><--sort=pinned,title>"},
            {"tavicli tags remove -t Mars r", "<tags><remove><-t><Mars><red planet>"},
+           {"tavicli search 'a @unti", "<search><a @untitled>"},
+           {"tavicli search \"a -#red pl", "<search><a -#red planet#>"},
+           {"tavicli search a\\ or\\ \\#spa", "<search><a or #space>"},
            {"tavicli attachments save -t Mars -f my",
             "<attachments><save><-t><Mars><-f>"
             "<my photo.jpg>"},
@@ -200,6 +207,21 @@ TEST_F(CompletionAnswer, HasOneCandidateALine) {
   create({"Mars"}, "");
   EXPECT_EQ(titlesAnswered(), "Mars\n");
   EXPECT_EQ(answer({"create"}, "--tags", {"create", "--tags", ""}), "");
+}
+
+TEST_F(CompletionAnswer, CompletesTheLastTermOfAQuery) {
+  writeNotes();
+  for (const auto& [query, completed] : {std::pair{"#w", "#work/draft\n"},
+                                         {"a #red", "a #red planet#\n"},
+                                         {"#red plan", "#red planet#\n"},
+                                         {"#red planet# -!#p", "#red planet# -!#past\n"},
+                                         {"\"a #b\" -@ocr", "\"a #b\" -@ocr\n"},
+                                         {"\"a \\\" @oc", ""},
+                                         {"\"#red\" pl", ""},
+                                         {"@date(20", ""},
+                                         {"a", ""},
+                                         {"", ""}})
+    EXPECT_EQ(answer({"search"}, "--query", {"search", "-q", query}), completed) << query;
 }
 
 TEST_F(CompletionAnswer, KnowsTheNoteOfTheLineInEveryForm) {
