@@ -1,6 +1,9 @@
 #include "platform/model/storage/schema.h"
 
+#include <algorithm>
+#include <set>
 #include <stdexcept>
+#include <string>
 
 #include "platform/model/storage/sqlite.h"
 
@@ -207,6 +210,25 @@ bool holdsAnything(sqlite::Connection& connection) {
   return connection.query("SELECT 1 FROM sqlite_schema LIMIT 1").step();
 }
 
+/// The tables, indexes and triggers, each as it was written.
+std::set<std::string> objects(sqlite::Connection& connection) {
+  sqlite::Query query = connection.query("SELECT sql FROM sqlite_schema WHERE sql IS NOT NULL");
+  std::set<std::string> result;
+  while (query.step()) result.emplace(query.text(0));
+  return result;
+}
+
+/// A dump holds everything but the version, so a database restored from one is known by its schema.
+/// Whatever others have added to it may be there, too.
+bool hasCurrentSchema(sqlite::Connection& connection) {
+  sqlite::Connection current(":memory:", sqlite::Connection::Mode::readWrite);
+  current.execute(createTables);
+  current.execute(createTriggers);
+  const std::set<std::string> ours = objects(current);
+  const std::set<std::string> theirs = objects(connection);
+  return std::includes(theirs.begin(), theirs.end(), ours.begin(), ours.end());
+}
+
 }  // namespace
 
 void upgradeSchema(sqlite::Connection& connection) {
@@ -215,7 +237,8 @@ void upgradeSchema(sqlite::Connection& connection) {
     if (version > currentSchemaVersion) {
       throw std::runtime_error("The Tavi database was written by a newer version of this program.");
     }
-    if (version < currentSchemaVersion && (version != 0 || holdsAnything(connection))) {
+    if (version < currentSchemaVersion && (version != 0 || holdsAnything(connection)) &&
+        !hasCurrentSchema(connection)) {
       throw std::runtime_error("The file is a database, but not one of Tavi.");
     }
     return version == currentSchemaVersion;
@@ -227,8 +250,10 @@ void upgradeSchema(sqlite::Connection& connection) {
   connection.execute("PRAGMA page_size = 4096; PRAGMA journal_mode = WAL");
   sqlite::Transaction transaction(connection, sqlite::Transaction::Kind::write);
   if (isCurrent()) return;  // another process was quicker
-  connection.execute(createTables);
-  connection.execute(createTriggers);
+  if (!holdsAnything(connection)) {
+    connection.execute(createTables);
+    connection.execute(createTriggers);
+  }
   connection.execute("PRAGMA user_version = 1");
   transaction.commit();
   connection.execute("PRAGMA wal_checkpoint(TRUNCATE)");
