@@ -104,6 +104,7 @@ std::vector<const StoredNote*> MemoryNoteStore::page(const ListRequest& request,
   std::vector<const StoredNote*> rows;
   for (const StoredNote& note : notes_) {
     if (request.location && note.metadata.location != *request.location) continue;
+    if (request.tag && matchCount(note, "#" + *request.tag) == 0) continue;
     if (query.empty() || matchCount(note, query) > 0) rows.push_back(&note);
   }
   const SortCriterion& first = request.sort.at(0);

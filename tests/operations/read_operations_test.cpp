@@ -80,7 +80,6 @@ TEST_F(ReadOperations, ListNotesFiltersAndPages) {
   EXPECT_THAT(listed({.offset = 9}), IsEmpty());
   EXPECT_THAT(listed({.location = "archive"}), ElementsAre("Pluto"));
   EXPECT_THAT(listed({.tag = " #home# "}), ElementsAre("Earth"));
-  EXPECT_EQ(store.calls.back(), "searchNotes #home");
 }
 
 TEST_F(ReadOperations, ListNotesGivesTheFormThatWasAskedFor) {

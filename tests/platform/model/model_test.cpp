@@ -307,19 +307,17 @@ TEST_F(Model, CountsNotesByTheirPlaceThroughAllChanges) {
   client.run("UPDATE note SET permanentlyDeleted = 1 WHERE id = 4; DELETE FROM note WHERE id = 5");
   client.run("INSERT OR REPLACE INTO note (id, text) VALUES (6, 'x')");
   auto stack = open();
-  const auto count = [&](const char* format) {
-    FetchRequest request;
-    request.predicate = Predicate::andPredicate(
-        {Predicate::withFormat(format),
-         Predicate::withFormat("permanentlyDeleted == NO OR permanentlyDeleted == nil")});
+  const auto count = [&](Place place) {
+    const FetchRequest request{.place = place};
     const std::int64_t counted = stack->managedObjectContext()->count(request);
     EXPECT_EQ(counted,
               static_cast<std::int64_t>(stack->managedObjectContext()->fetch(request).size()));
     return counted;
   };
-  EXPECT_EQ(count("trashed == YES"), 2);
-  EXPECT_EQ(count("archived == YES"), 1);
-  EXPECT_EQ(count("trashed == NO AND archived == NO"), 1);
+  EXPECT_EQ(count(Place::trash), 2);
+  EXPECT_EQ(count(Place::archive), 1);
+  EXPECT_EQ(count(Place::notes), 1);
+  EXPECT_EQ(count(Place::anywhere), 4);
 }
 
 TEST_F(Model, MakesAncestorsTagsAndDropsTheDead) {

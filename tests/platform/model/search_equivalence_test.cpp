@@ -142,8 +142,7 @@ class SearchEquivalence : public OpenedModel {
     }
   }
 
-  static constexpr const char* kLocations[] = {"trashed == NO AND archived == NO", "trashed == YES",
-                                               "archived == YES"};
+  static constexpr Place kPlaces[] = {Place::notes, Place::trash, Place::archive, Place::anywhere};
   static bool isAt(std::size_t location, const PlainNote& note) {
     if (note.deleted) return false;
     return location == 0   ? !note.trashed && !note.archived
@@ -178,15 +177,12 @@ class SearchEquivalence : public OpenedModel {
   }
 
   void check(const PlainNotes& notes, const std::string& text) {
-    const std::size_t location = invent.below(5);
+    const std::size_t location = invent.below(4);
     SCOPED_TRACE(text + " at " + std::to_string(location));
     const auto query = std::make_shared<SearchQuery>(parseSearchQuery(text, Inventor::now));
-    std::vector<Predicate> parts{
-        Predicate::withFormat("permanentlyDeleted == NO OR permanentlyDeleted == nil"),
-        Predicate::matching(query)};
-    if (location < 3) parts.insert(parts.begin(), Predicate::withFormat(kLocations[location]));
     FetchRequest request;
-    request.predicate = Predicate::andPredicate(parts);
+    request.place = kPlaces[location];
+    request.search = query;
     request.sortDescriptors = {{SortKey::pinned, false}, {SortKey::modificationDate, false}};
     const std::vector<std::int64_t> wanted = expected(notes, *query, location);
     context().reset();

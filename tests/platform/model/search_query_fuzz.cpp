@@ -5,6 +5,7 @@
 #include <string>
 
 #include "platform/markdown/hashtag.h"
+#include "platform/model/search/condition_kinds.h"
 #include "platform/model/search/search_query.h"
 #include "platform/text/utf8.h"
 #include "support/fuzzing.h"
@@ -48,10 +49,6 @@ std::string quoted(std::string_view text) {
 }
 
 std::string written(const SearchCondition& condition) {
-  constexpr std::string_view kNames[] = {
-      "todo",   "done",     "task",        "tagged",    "untagged", "pinned",
-      "images", "files",    "attachments", "code",      "locked",   "readonly",
-      "empty",  "untitled", "wikilinks",   "backlinks", "ocr"};
   switch (condition.kind) {
     case Kind::term:
       return quoted(condition.text);
@@ -65,9 +62,7 @@ std::string written(const SearchCondition& condition) {
     case Kind::created:
       return writtenRange(condition);
     default:
-      return fmt::format(
-          "@{}",
-          kNames[static_cast<std::size_t>(condition.kind) - static_cast<std::size_t>(Kind::todo)]);
+      return fmt::format("@{}", kindOf(condition).directive);
   }
 }
 

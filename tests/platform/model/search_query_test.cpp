@@ -4,7 +4,12 @@
 
 #include <cstdlib>
 #include <ctime>
+#include <fstream>
+#include <iterator>
 #include <string>
+
+#include "platform/model/search/condition_kinds.h"
+#include "platform/model/search/directives.h"
 
 namespace tavimodel {
 namespace {
@@ -84,6 +89,25 @@ TEST(SearchQuery, NeverTakesAnUnknownDirectiveForAWord) {
     EXPECT_THROW(parseSearchQuery(text, 0), SearchSyntaxError) << text;
   }
   EXPECT_EQ(parsed("\"@nosuch\""), "'@nosuch'");
+  try {
+    parseSearchQuery("-@CDate", 0);
+    ADD_FAILURE();
+  } catch (const SearchSyntaxError& error) {
+    EXPECT_STREQ(error.what(),
+                 "Search directive without a value: @CDate — write it as @cdate(2026-01-31)");
+  }
+}
+
+TEST(SearchQuery, ReadsEveryDirectiveThatItsDocumentationLists) {
+  std::ifstream file(TAVI_SEARCH_PAGE);
+  const std::string page{std::istreambuf_iterator<char>(file), {}};
+  for (std::size_t i = 0; i < conditionKinds.size(); ++i) {
+    EXPECT_EQ(static_cast<std::size_t>(conditionKinds[i].kind), i) << "the table's order";
+  }
+  for (const auto& [word, finds] : searchDirectives()) {
+    EXPECT_NE(page.find("| `" + word + "` | " + finds + " |"), std::string::npos) << word;
+    EXPECT_NO_THROW(parseSearchQuery(word, 0)) << word;
+  }
 }
 
 TEST(SearchQuery, RefusesWhatNoReaderAsks) {

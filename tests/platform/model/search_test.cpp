@@ -3,8 +3,8 @@
 #include <set>
 
 #include "opened_model.h"
+#include "platform/model/search/note_search.h"
 #include "platform/model/search/search_index.h"
-#include "platform/model/search/search_manager.h"
 #include "platform/model/storage/bookkeeping.h"
 #include "support/foreign_client.h"
 
@@ -27,9 +27,7 @@ class Search : public OpenedModel {
   std::multiset<std::string> found(const std::string& query) {
     context().reset();
     FetchRequest request;
-    if (auto predicate = KVNoteSearchManager::predicateForSearchString(query)) {
-      request.predicate = *predicate;
-    }
+    request.search = readSearch(query).query;
     std::multiset<std::string> titles;
     const NoteTable notes = context().fetch(request);
     for (std::size_t i = 0; i < notes.size(); ++i) titles.emplace(notes[i].title);
@@ -143,12 +141,15 @@ TEST_F(Search, NegatesADirectiveAndNotWhereTermsAreLookedFor) {
 
 TEST_F(Search, CountsEveryTermThatIsNotNegated) {
   const auto count = [](const char* query, const char* text) {
-    const auto counter = KVNoteSearchManager::defaultSearchRegexForSearchString(query);
-    return counter ? counter->numberOfMatches(text) : -1;
+    const auto counted = readSearch(query).counted;
+    return counted ? counted->numberOfMatches(text) : -1;
   };
   EXPECT_EQ(count("cat", "Cat cat concat"), 3);
   EXPECT_EQ(count("cat or dog -bird", "cat dog bird"), 2);
   EXPECT_EQ(count("ab abc", "abc ab"), 2);
+  EXPECT_EQ(count("ba or aa", "baaa"), 2);
+  EXPECT_EQ(count("é e\u0301 É", "été"), 2) << "the same term";
+  EXPECT_EQ(count("a b c d e f g h i j k l m n o p q r s ab", "abc.ab.Z"), 3);
   EXPECT_EQ(count("#tag @todo -x", "x"), -1);
 }
 

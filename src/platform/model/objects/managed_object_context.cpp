@@ -27,7 +27,7 @@ NoteTable ManagedObjectContext::fetch(const FetchRequest& request) {
 }
 
 std::int64_t ManagedObjectContext::count(const FetchRequest& request) {
-  return NoteFetch(reading()).count(request.predicate);
+  return NoteFetch(reading()).count(request);
 }
 
 bool ManagedObjectContext::hasPinnedNote() {

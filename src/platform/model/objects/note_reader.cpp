@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include "platform/model/storage/tag_tree.h"
 #include "platform/text/folding.h"
 
 namespace tavimodel {
@@ -82,10 +83,10 @@ std::vector<KVNoteFile> NoteReader::files(std::int64_t note) {
 
 std::vector<NoteRow> NoteReader::rowsWithTag(std::string_view relation, std::string_view tag,
                                              bool children) {
-  sqlite::Query query = connection_.query(fmt::format(
-      "SELECT {} FROM noteSummary s WHERE s.note IN (SELECT note FROM {} WHERE tag IN "
-      "(SELECT id FROM tag WHERE title = ?1 {}))",
-      noteRowColumns, relation, children ? "OR (title > ?1 || '/' AND title < ?1 || '0')" : ""));
+  sqlite::Query query = connection_.query(
+      fmt::format("SELECT {} FROM noteSummary s WHERE s.note IN (SELECT note FROM {} WHERE tag IN "
+                  "(SELECT id FROM tag WHERE {}))",
+                  noteRowColumns, relation, children ? isInTagTree("title", "?1") : "title = ?1"));
   query.bind(1, tag);
   std::vector<NoteRow> rows;
   while (query.step()) rows.push_back(readNoteRow(query));

@@ -5,6 +5,7 @@
 
 #include "platform/markdown/ast.h"
 #include "platform/model/objects/managed_object_context.h"
+#include "platform/model/storage/tag_tree.h"
 
 namespace tavimodel {
 namespace {
@@ -63,8 +64,9 @@ std::vector<KVNoteTag> KVNoteTag::populatedNotesTags(ManagedObjectContext& conte
 }
 
 std::vector<KVNoteTag> KVNoteTag::tagsWithPins(ManagedObjectContext& context) {
-  const Predicate predicate = Predicate::withFormat("pinnedNotes.@count > 0");
-  sqlite::Query query = context.reading().query("SELECT title FROM tag WHERE " + predicate.sql());
+  sqlite::Query query = context.reading().query(
+      "SELECT title FROM tag WHERE EXISTS (SELECT 1 FROM pinnedInTag WHERE pinnedInTag.tag = "
+      "tag.id)");
   std::vector<KVNoteTag> tags;
   while (query.step()) tags.push_back({context, std::string(query.text(0))});
   return tags;
@@ -73,8 +75,8 @@ std::vector<KVNoteTag> KVNoteTag::tagsWithPins(ManagedObjectContext& context) {
 std::optional<KVNoteTag> KVNoteTag::tagWithName(std::string_view name,
                                                 ManagedObjectContext& context) {
   // A program that writes tags itself may have left the ancestors out.
-  sqlite::Query query = context.reading().query(
-      "SELECT 1 FROM tag WHERE title = ?1 OR (title > ?1 || '/' AND title < ?1 || '0') LIMIT 1");
+  sqlite::Query query =
+      context.reading().query("SELECT 1 FROM tag WHERE " + isInTagTree("title", "?1") + " LIMIT 1");
   query.bind(1, name);
   if (name.empty() || !query.step()) return std::nullopt;
   return KVNoteTag(context, std::string(name));
