@@ -16,11 +16,15 @@ std::string checkedName(const std::string& text, const char* label) {
   return name;
 }
 
-std::vector<std::string> checkedNames(const std::vector<std::string>& tags) {
+/// As `checkedName`, but a tag that exists may be removed though no hashtag can name it: another
+/// program has written it.
+std::string nameToRemove(const std::string& text, const char* label, NoteStore& store) {
+  const bool isOdd = !text.empty() && TagParser::canonicalName(text).empty();
+  return isOdd && store.tagExists(text) ? text : checkedName(text, label);
+}
+
+void requireTags(const std::vector<std::string>& tags) {
   if (tags.empty()) throw OperationError::invalidInput("Provide at least one tag");
-  std::vector<std::string> names;
-  for (const std::string& tag : tags) names.push_back(checkedName(tag, "Tag name"));
-  return names;
 }
 
 }  // namespace
@@ -32,12 +36,16 @@ std::vector<std::string> ListTagsOp::execute(const Input& input, NoteStore& stor
 }
 
 WriteResponse AddTagsOp::execute(const Input& input, NoteStore& store) {
-  const std::vector<std::string> names = checkedNames(input.tags);
+  requireTags(input.tags);
+  std::vector<std::string> names;
+  for (const std::string& tag : input.tags) names.push_back(checkedName(tag, "Tag name"));
   return store.addTags(OperationNoteResolver::resolveNoteID(input.id, input.title, store), names);
 }
 
 WriteResponse RemoveTagsOp::execute(const Input& input, NoteStore& store) {
-  const std::vector<std::string> names = checkedNames(input.tags);
+  requireTags(input.tags);
+  std::vector<std::string> names;
+  for (const std::string& tag : input.tags) names.push_back(nameToRemove(tag, "Tag name", store));
   return store.removeTags(OperationNoteResolver::resolveNoteID(input.id, input.title, store),
                           names);
 }
@@ -52,7 +60,7 @@ std::int64_t RenameTagOp::execute(const Input& input, NoteStore& store) {
 }
 
 std::int64_t DeleteTagOp::execute(const Input& input, NoteStore& store) {
-  return store.deleteTag(checkedName(input.tag, "Tag"));
+  return store.deleteTag(nameToRemove(input.tag, "Tag", store));
 }
 
 }  // namespace tavi
