@@ -96,6 +96,7 @@ class NoteStore {
   virtual WriteResponse deleteAttachment(const std::string& id, const std::string& filename) = 0;
   virtual std::string readAttachment(const std::string& id, const std::string& filename) = 0;
 
+  /// The notes that carry the tag or one below it: those that a rename of it changes.
   virtual std::int64_t tagNoteCount(const std::string& name) = 0;
   /// Pin contexts, "global" first: the note's, or every one in use.
   virtual std::vector<std::string> listPins(const std::optional<std::string>& id) = 0;

@@ -87,9 +87,17 @@ class TaviDatabaseStore : public NoteStore {
   tavimodel::KVNote& unlockedNoteWithID(const std::string& id);
   /// The active notes of a title.
   std::vector<tavimodel::KVNote*> activeNotesWithTitle(const std::string& title);
+  /// Null when there is none. Throws `titleMatchesMultiple`.
+  tavimodel::KVNote* onlyActiveNoteWithTitle(const std::string& title);
+  /// The active note of the title, given as it was or as a note made with it (from `text`) shows
+  /// it: "Fix `foo`" is shown as "Fix foo". Null when there is none. Throws `titleMatchesMultiple`.
+  tavimodel::KVNote* noteMadeWithTitle(const std::string& title, const std::string& text);
   /// Throws `noNoteWithTitle` or `titleMatchesMultiple`.
   tavimodel::KVNote& noteForTitle(const std::string& title);
   tavimodel::KVNoteTag tagForPin(const std::string& tag);
+  /// The tag of the canonical name or, without one, a tag that another program wrote in a form that
+  /// is not canonical: as `text` has it, or one with the same canonical name.
+  std::optional<tavimodel::KVNoteTag> findTag(const std::string& text);
 
   void save();
   void updateText(tavimodel::KVNote& note, std::string text, tavimodel::UnlinkedFiles unlinked);

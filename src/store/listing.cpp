@@ -100,7 +100,6 @@ class FetchedList final : public RecordSource<Record> {
       return;
     }
     for (std::size_t i = 0; i < table_->size(); ++i) {
-      table_->prefetch(i + 8);
       convert_((*table_)[i], {}, row);
       visit(row);
     }

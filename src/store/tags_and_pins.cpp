@@ -12,15 +12,24 @@ namespace tavi {
 using tavimodel::KVNote;
 using tavimodel::KVNoteTag;
 
+std::optional<KVNoteTag> TaviDatabaseStore::findTag(const std::string& text) {
+  const std::string name = TagParser::canonicalName(text);
+  if (auto tag = KVNoteTag::tagWithName(name, context())) return tag;
+  if (auto tag = KVNoteTag::tagWithName(text, context())) return tag;
+  if (name.empty()) return std::nullopt;
+  for (const KVNoteTag& tag : KVNoteTag::allTags(context())) {
+    if (TagParser::canonicalName(tag.title()) == name) return tag;
+  }
+  return std::nullopt;
+}
+
 WriteResponse TaviDatabaseStore::addTags(const std::string& id,
                                          const std::vector<std::string>& tags) {
   KVNote& note = unlockedNoteWithID(id);
   const NoteMetadata before = metadataOf(note);
   const bool atBottom = TaviPreferences::tagsAtBottom();
-  const std::set<std::string> present(before.tags.begin(), before.tags.end());
   for (const std::string& tag : tags) {
     const std::string name = TagParser::canonicalName(tag);
-    if (present.contains(name)) continue;
     KVNoteTag::getOrCreateTagWithName(name, context()).addTagToNotes({&note}, atBottom);
   }
   save();
@@ -32,24 +41,27 @@ WriteResponse TaviDatabaseStore::removeTags(const std::string& id,
   KVNote& note = unlockedNoteWithID(id);
   const NoteMetadata before = metadataOf(note);
   for (const std::string& tag : tags) {
-    const auto found = KVNoteTag::tagWithName(TagParser::canonicalName(tag), context());
-    if (found) found->deleteTagInNotes({&note});
+    // The text may mention a tag that has no row: another program wrote it.
+    const std::string name = TagParser::canonicalName(tag);
+    const auto found = findTag(tag);
+    const KVNoteTag named = found ? *found : KVNoteTag::getOrCreateTagWithName(name, context());
+    named.deleteTagInNotes({&note});
   }
   save();
   return respond(note, before);
 }
 
 std::int64_t TaviDatabaseStore::renameTag(const std::string& oldName, const std::string& newName) {
-  const auto tag = KVNoteTag::tagWithName(TagParser::canonicalName(oldName), context());
+  const auto tag = findTag(oldName);
   if (!tag) return 0;
-  const auto count = static_cast<std::int64_t>(tag->noteCount());
-  tag->renameTagWithTagNamed(TagParser::canonicalName(newName));
+  const auto count = static_cast<std::int64_t>(tag->noteCountWithChildren());
+  tag->renameTagWithTagNamed(TagParser::canonicalName(newName), TaviPreferences::tagsAtBottom());
   save();
   return count;
 }
 
 std::int64_t TaviDatabaseStore::deleteTag(const std::string& name) {
-  const auto tag = KVNoteTag::tagWithName(TagParser::canonicalName(name), context());
+  const auto tag = findTag(name);
   if (!tag) return 0;
   const auto count = static_cast<std::int64_t>(tag->noteCount());
   tag->deleteTag();
@@ -58,8 +70,8 @@ std::int64_t TaviDatabaseStore::deleteTag(const std::string& name) {
 }
 
 std::int64_t TaviDatabaseStore::tagNoteCount(const std::string& name) {
-  const auto tag = KVNoteTag::tagWithName(TagParser::canonicalName(name), context());
-  return tag ? static_cast<std::int64_t>(tag->noteCount()) : 0;
+  const auto tag = findTag(name);
+  return tag ? static_cast<std::int64_t>(tag->noteCountWithChildren()) : 0;
 }
 
 bool TaviDatabaseStore::tagExists(const std::string& name) {

@@ -27,7 +27,7 @@ namespace {
 /// The tag line of a new note: the tags that its content does not hold already, joined by a blank.
 std::string tagLine(const std::vector<std::string>& tags, const std::string& content) {
   std::vector<std::string> written;
-  if (!content.empty()) written = ZDKAST::fromMarkdown(content).textSummary().tags;
+  if (!content.empty() && !tags.empty()) written = ZDKAST::fromMarkdown(content).textSummary().tags;
   const std::unordered_set<std::string> inContent(written.begin(), written.end());
   std::string line;
   for (const std::string& tag : tags) {
@@ -41,11 +41,20 @@ std::string tagLine(const std::vector<std::string>& tags, const std::string& con
   return line;
 }
 
+std::string headingOf(const std::string& title) {
+  return "# " + title;
+}
+
+/// The title that a note of this text has.
+std::string titleOf(const std::string& text) {
+  return ZDKAST::fromMarkdown(text).textSummary().title;
+}
+
 std::string composeText(const std::string& title, const std::string& content,
                         const std::vector<std::string>& tags) {
   const std::string line = tagLine(tags, content);
   const bool atBottom = line.empty() || TaviPreferences::tagsAtBottom();
-  std::string text = "# " + title;
+  std::string text = headingOf(title);
   if (!atBottom) text += "\n" + line;
   if (!content.empty()) text += "\n\n" + content;
   if (atBottom && !line.empty()) text += "\n\n" + line;
@@ -156,15 +165,33 @@ Note TaviDatabaseStore::createNoteFromText(const std::string& text,
   return noteOf(note);
 }
 
+KVNote* TaviDatabaseStore::noteMadeWithTitle(const std::string& title, const std::string& text) {
+  if (KVNote* note = onlyActiveNoteWithTitle(title)) return note;
+  const std::string heading = headingOf(title);
+  const std::string shown = titleOf(heading);
+  if (!shown.empty()) return shown == title ? nullptr : onlyActiveNoteWithTitle(shown);
+  // The heading shows nothing, so the note's title comes from what follows it.
+  for (KVNote* note : activeNotesWithTitle(titleOf(text))) {
+    if (!note->encryptedValue() && note->text().starts_with(heading)) return note;
+  }
+  return nullptr;
+}
+
 Note TaviDatabaseStore::createNoteIfAbsent(const std::string& title,
                                            const std::optional<std::string>& content,
                                            const std::vector<std::string>& tags) {
-  const std::vector<KVNote*> existing = activeNotesWithTitle(title);
-  if (existing.size() > 1) {
-    throw NoteStoreError::titleMatchesMultiple(title, static_cast<std::int64_t>(existing.size()));
+  const std::string text = composeText(title, content.value_or(""), tags);
+  if (KVNote* existing = noteMadeWithTitle(title, text)) return noteOf(*existing);
+  // Another process may be making the note just now, so look again where nobody else can write.
+  context().lockForWriting();
+  if (KVNote* existing = noteMadeWithTitle(title, text)) {
+    Note found = noteOf(*existing);
+    context().rollback();
+    return found;
   }
-  if (existing.empty()) return createNote(title, content, tags);
-  return noteOf(*existing.front());
+  KVNote& note = KVNote::noteWithText(text, context());
+  save();
+  return noteOf(note);
 }
 
 WriteResponse TaviDatabaseStore::insertText(const std::string& id, const std::string& text,

@@ -112,6 +112,10 @@ TEST_P(CompletionInShells, OffersWhatTheCommandsTake) {
            {"tavicli list --tag ", everyTag},
            {"tavicli list --tag wo", {"work/draft"}},
            {"tavicli list --tag \\#r", {"#red planet#"}},
+           {"tavicli search '#", {"#space", "#red planet#", "#work/draft", "#past"}},
+           {"tavicli search -q \\!\\#wo", {"!#work/draft"}},
+           {"tavicli search @to", {"@today", "@todo"}},
+           {"tavicli search --query=-@untag", {"-@untagged"}},
            {"tavicli create x --tags past,sp", {"past,space"}},
            {"tavicli tags rename p", {"past"}},
            {"tavicli tags delete --name s", {"space"}},
@@ -130,11 +134,14 @@ TEST_P(CompletionInShells, OffersWhatTheCommandsTake) {
     EXPECT_EQ(shell->offered(line), expected) << line << "[TAB]";
 }
 
-TEST_P(CompletionInShells, PutsListsIntoTheLine) {
+TEST_P(CompletionInShells, PutsListsAndQueriesIntoTheLine) {
   writeNotes();
   EXPECT_EQ(shell->entered("tavicli create x --tags past,r"),
             "<create><x><--tags><past,red planet>");
   EXPECT_EQ(shell->entered("tavicli list --sort=pinned,ti"), "<list><--sort=pinned,title>");
+  EXPECT_EQ(shell->entered("tavicli search 'a @unti"), "<search><a @untitled>");
+  EXPECT_EQ(shell->entered("tavicli search \"a -#red pl"), "<search><a -#red planet#>");
+  EXPECT_EQ(shell->entered("tavicli search a\\ or\\ \\#spa"), "<search><a or #space>");
 }
 
 TEST_P(CompletionInShells, OffersNothingAndMakesNothingWithoutNotes) {
@@ -171,6 +178,21 @@ TEST_F(CompletionAnswer, HasOneCandidateALine) {
   create({"Mars"}, "");
   EXPECT_EQ(titlesAnswered(), "Mars\n");
   EXPECT_EQ(answer({"create"}, "--tags", {"create", "--tags", ""}), "");
+}
+
+TEST_F(CompletionAnswer, CompletesTheLastTermOfAQuery) {
+  writeNotes();
+  for (const auto& [query, completed] : {std::pair{"#w", "#work/draft\n"},
+                                         {"a #red", "a #red planet#\n"},
+                                         {"#red plan", "#red planet#\n"},
+                                         {"#red planet# -!#p", "#red planet# -!#past\n"},
+                                         {"\"a #b\" -@ocr", "\"a #b\" -@ocr\n"},
+                                         {"\"a \\\" @oc", ""},
+                                         {"\"#red\" pl", ""},
+                                         {"@date(20", ""},
+                                         {"a", ""},
+                                         {"", ""}})
+    EXPECT_EQ(answer({"search"}, "--query", {"search", "-q", query}), completed) << query;
 }
 
 TEST_F(CompletionAnswer, KnowsTheNoteOfTheLineInEveryForm) {

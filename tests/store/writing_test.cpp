@@ -1,6 +1,9 @@
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
+#include <mutex>
+#include <set>
+#include <thread>
 
 #include "domain/content_hash.h"
 #include "store_fixture.h"
@@ -61,6 +64,56 @@ TEST_F(Writing, CreatesIfAbsentOnlyWhenNoActiveNoteHasTheTitle) {
   EXPECT_NE(fresh()->createNoteIfAbsent("Here", "new", {}).metadata.id, id);
   create("# here");
   EXPECT_EQ(refusal([&] { fresh()->createNoteIfAbsent("Here", {}, {}); }), "title_ambiguous");
+}
+
+TEST_F(Writing, FindsTheNoteThatTheVeryTitleMade) {
+  for (const std::string title : {"Fix `foo` bug", "Plan ", "C #", "**Important** note", "#",
+                                  "two\nlines", "<!-- x -->", "&amp;", "[a](b)", "- [ ] task"}) {
+    const Note first = fresh()->createNoteIfAbsent(title, "body of " + title, {"tag"});
+    const Note second = fresh()->createNoteIfAbsent(title, "body of " + title, {"tag"});
+    EXPECT_EQ(second.metadata.id, first.metadata.id) << title;
+  }
+  EXPECT_EQ(fresh()->createNoteIfAbsent("&amp;", {}, {}).metadata.title, "&");
+  const std::string id = create("# Once");
+  create("# Once");
+  otherProgram("UPDATE note SET permanentlyDeleted = 1 WHERE id = (SELECT max(id) FROM note)");
+  EXPECT_EQ(fresh()->createNoteIfAbsent("Once", {}, {}).metadata.id, id);
+  EXPECT_EQ(fresh()->noteWithTitle("Once").metadata.id, id);
+}
+
+TEST_F(Writing, MakesOneNoteOfATitleThatManyAskForAtOnce) {
+  for (int round = 0; round < 5; ++round) {
+    const std::string title = "Race " + std::to_string(round);
+    std::set<std::string> ids;
+    std::mutex guard;
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 4; ++i) {
+      threads.emplace_back([&] {
+        const std::string id = fresh()->createNoteIfAbsent(title, {}, {}).metadata.id;
+        const std::lock_guard lock(guard);
+        ids.insert(id);
+      });
+    }
+    for (std::thread& thread : threads) thread.join();
+    EXPECT_EQ(ids.size(), 1U);
+  }
+}
+
+// Another program has changed the text and nothing else, or has stored it as a BLOB.
+TEST_F(Writing, DerivesAfreshFromTheSameText) {
+  const std::string id = noteWithFiles();
+  const std::string text = "# New\n[b.zip](b.zip) ![](a.png) #tag";
+  otherProgram("UPDATE note SET text = CAST('" + text + "' AS BLOB)");
+  fresh()->overwriteNote(id, text, {}, {});
+  const NoteMetadata now = metadata(id);
+  EXPECT_EQ(now.title, "New");
+  EXPECT_EQ(now.tags, Texts{"tag"});
+  EXPECT_EQ(now.attachments, (Texts{"b.zip", "a.png"}));
+  const std::string version = value("SELECT version FROM noteSummary");
+  fresh()->overwriteNote(id, text, {}, {});
+  EXPECT_EQ(value("SELECT version FROM noteSummary"), version) << "nothing was written";
+  fresh()->insertText(id, "more", InsertPosition::end);
+  EXPECT_EQ(this->text(id), text + "\nmore");
 }
 
 TEST_F(Writing, AnswersWithWhatChanged) {

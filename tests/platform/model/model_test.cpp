@@ -1,7 +1,10 @@
 #include <fmt/format.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sqlite3.h>
 
+#include <algorithm>
+#include <filesystem>
 #include <fstream>
 #include <memory>
 
@@ -193,16 +196,105 @@ TEST_F(Model, ReadsATextThatIsOnlyLookedAtAsTheNoteHasIt) {
   EXPECT_EQ(seen(note(*open(), id)), "");
 }
 
-TEST_F(Model, KeepsTagsPinsAndFilesOfANoteThatAStrangerReplaces) {
+/// Two notes with a tag, a pin and a file each.
+class Replaced : public Model {
+ protected:
+  void SetUp() override {
+    for (const char* name : {"one", "two"}) {
+      ids.push_back(create(fmt::format("# {0} #{0}", name)));
+      std::ofstream(home.temporary() / name) << name;
+      auto stack = open();
+      KVNoteFile::getOrCreateFileFromURL(home.temporary() / name, note(*stack, ids.back()));
+      note(*stack, ids.back()).pinInTag(name);
+      stack->managedObjectContext()->save();
+    }
+  }
+
+  std::size_t storedFiles() {
+    const auto files = std::filesystem::recursive_directory_iterator(home.data() / "files");
+    return static_cast<std::size_t>(std::count_if(
+        begin(files), end(files), [](const auto& entry) { return entry.is_regular_file(); }));
+  }
+
+  std::vector<std::string> ids;
+};
+
+TEST_F(Replaced, KeepsTagsPinsAndFilesHoweverAStrangerDoesIt) {
+  for (const char* sql :
+       {"INSERT OR REPLACE INTO note (uniqueIdentifier, text) SELECT uniqueIdentifier, 'new' FROM "
+        "note",
+        "INSERT OR REPLACE INTO note SELECT * FROM note",
+        "PRAGMA recursive_triggers = ON; INSERT OR REPLACE INTO note SELECT * FROM note",
+        "PRAGMA recursive_triggers = ON; INSERT OR REPLACE INTO note (uniqueIdentifier, text) "
+        "SELECT uniqueIdentifier, 'new' FROM note",
+        "CREATE TEMP TABLE kept AS SELECT * FROM note; BEGIN; DELETE FROM note; "
+        "INSERT INTO note SELECT * FROM kept; COMMIT",
+        "CREATE TEMP TABLE kept AS SELECT * FROM note; BEGIN; DELETE FROM note; "
+        "INSERT INTO note (uniqueIdentifier, text) SELECT uniqueIdentifier, text FROM kept "
+        "ORDER BY id DESC; COMMIT"}) {
+    SCOPED_TRACE(sql);
+    ForeignClient client(home.database());
+    client.run(sql);
+    for (int i = 0; i < 2; ++i) open();  // each clears up on closing
+    auto stack = open();
+    for (std::size_t i = 0; i < ids.size(); ++i) {
+      const std::string name = i == 0 ? "one" : "two";
+      KVNote& kept = note(*stack, ids[i]);
+      EXPECT_EQ(kept.tagsStrings(), std::vector<std::string>{name});
+      EXPECT_EQ(kept.pinnedInTags(), std::vector<std::string>{name});
+      ASSERT_EQ(kept.orderedFiles().size(), 1U);
+      EXPECT_TRUE(kept.fileURL(kept.orderedFiles()[0]));
+    }
+    EXPECT_EQ(client.value("SELECT count(*) FROM noteSummary"), "2");
+    EXPECT_EQ(client.value("SELECT value FROM counter WHERE name = 'notes0'"), "2");
+    EXPECT_EQ(client.value("SELECT count(*) FROM orphan"), "0");
+  }
+}
+
+TEST_F(Replaced, GoesWithAllThatItHadWhenItDoesNotComeBack) {
+  ForeignClient client(home.database());
+  client.run("DELETE FROM note WHERE id = 1");
+  EXPECT_EQ(storedFiles(), 2U) << "until a program of ours comes by";
+  open();
+  EXPECT_EQ(storedFiles(), 1U);
+  client.run("INSERT INTO note (id, text) VALUES (1, 'another')");
+  EXPECT_EQ(client.value("SELECT count(*) FROM noteTag WHERE note = 1"), "0");
+  EXPECT_EQ(client.value("SELECT (SELECT count(*) FROM orphan) + (SELECT count(*) FROM file)"),
+            "1");
+}
+
+// Another program's SQL may bypass the triggers; what it does to the flag decides all the same.
+TEST_F(Model, LocksANoteByItsFlagAloneWhateverTheTriggersDid) {
+  const std::string id = create("# a");
+  ForeignClient client(home.database());
+  const auto locked = [&] { return note(*open(), id).encryptedValue(); };
+  const auto listed = [&] {
+    auto stack = open();
+    return stack->managedObjectContext()->fetch({})[0].encrypted;
+  };
+  sqlite3_db_config(client.handle(), SQLITE_DBCONFIG_ENABLE_TRIGGER, 0, nullptr);
+  for (const bool flag : {true, false, true}) {
+    client.run(fmt::format("UPDATE note SET encrypted = {}", flag ? 1 : 0));
+    EXPECT_EQ(locked(), flag);
+    EXPECT_EQ(listed(), flag);
+  }
+  client.run("UPDATE noteSummary SET encrypted = 0");
+  EXPECT_TRUE(listed());
+}
+
+TEST_F(Model, BringsAVersion1DatabaseUpToDate) {
   const std::string id = create("# a #work");
   ForeignClient client(home.database());
-  client.run("INSERT INTO file (note, filename) SELECT id, 'a.png' FROM note");
-  client.run("INSERT OR REPLACE INTO note (uniqueIdentifier, text) VALUES ('" + id + "', 'new')");
-  auto stack = open();
-  EXPECT_EQ(note(*stack, id).tagsStrings(), std::vector<std::string>{"work"});
-  EXPECT_EQ(note(*stack, id).orderedFiles().size(), 1U);
-  EXPECT_EQ(client.value("SELECT count(*) FROM noteSummary"), "1");
-  EXPECT_EQ(client.value("SELECT value FROM counter WHERE name = 'notes0'"), "1");
+  client.run(
+      "DROP TABLE orphan; DROP INDEX noteLocked; DROP TRIGGER orphanAdopted; "
+      "DROP TRIGGER noteInserted; DROP TRIGGER summaryOrphaned; "
+      "CREATE TRIGGER noteInserted AFTER INSERT ON note BEGIN SELECT 1; END; "
+      "CREATE TRIGGER summaryOrphaned AFTER DELETE ON noteSummary BEGIN SELECT 1; END; "
+      "PRAGMA user_version = 1");
+  EXPECT_EQ(note(*open(), id).tagsStrings(), std::vector<std::string>{"work"});
+  EXPECT_EQ(client.value("PRAGMA user_version"), "2");
+  client.run("PRAGMA recursive_triggers = ON; INSERT OR REPLACE INTO note SELECT * FROM note");
+  EXPECT_EQ(note(*open(), id).tagsStrings(), std::vector<std::string>{"work"});
 }
 
 TEST_F(Model, CountsNotesByTheirPlaceThroughAllChanges) {

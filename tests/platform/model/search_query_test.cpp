@@ -89,6 +89,13 @@ TEST(SearchQuery, NeverTakesAnUnknownDirectiveForAWord) {
     EXPECT_THROW(parseSearchQuery(text, 0), SearchSyntaxError) << text;
   }
   EXPECT_EQ(parsed("\"@nosuch\""), "'@nosuch'");
+  try {
+    parseSearchQuery("-@CDate", 0);
+    ADD_FAILURE();
+  } catch (const SearchSyntaxError& error) {
+    EXPECT_STREQ(error.what(),
+                 "Search directive without a value: @CDate — write it as @cdate(2026-01-31)");
+  }
 }
 
 TEST(SearchQuery, ReadsEveryDirectiveThatItsDocumentationLists) {

@@ -44,15 +44,18 @@ bool isPage(const FetchRequest& request) {
   return request.fetchLimit <= longestWalkedPage;
 }
 
+bool isDriven(const SearchPlan* plan) {
+  return plan != nullptr && plan->drivenNotes().has_value();
+}
+
 /// A fetch that SQL decides by itself. `plan`: null where nothing is searched for.
 NoteTable decidedBySQL(sqlite::Connection& connection, const FetchRequest& request,
                        const SearchPlan* plan) {
   const std::string order = orderClause(request);
   const bool page = isPage(request) && !order.empty() && canSQLSort(connection, request);
   std::string from = plan != nullptr ? plan->source() : "noteSummary s";
-  // A whole list is not fetched through an index: it would look every row up.
-  const bool walk = !page && plan == nullptr;
-  if (walk) from += " NOT INDEXED";
+  // SQLite would fetch a whole list through an index of the location, and look every row up.
+  if (!page && !isDriven(plan)) from += " NOT INDEXED";
   NoteTable table(request.detailed);
   std::string sql = fmt::format("SELECT {} FROM {} WHERE {} AND {}", table.columns(), from,
                                 placeTest(request.place), plan != nullptr ? plan->where() : "1");
@@ -61,7 +64,9 @@ NoteTable decidedBySQL(sqlite::Connection& connection, const FetchRequest& reque
   }
   sqlite::Query query = connection.query(sql);
   if (plan != nullptr) plan->bind(query);
-  if (walk) table.reserve(static_cast<std::size_t>(NoteFetch(connection).count(request)));
+  if (!page && plan == nullptr) {
+    table.reserve(static_cast<std::size_t>(NoteFetch(connection).count(request)));
+  }
   while (query.step()) table.add(query);
   table.loadRelations(connection);
   if (!page) table.setOrder(sortedPage(table.rows(), request));
@@ -139,9 +144,9 @@ std::int64_t NoteFetch::count(const FetchRequest& request) {
   }
   const SearchPlan plan(*request.search, connection_, mostDriven);
   if (!plan.needsText()) {
-    sqlite::Query query =
-        connection_.query(fmt::format("SELECT count(*) FROM {} WHERE {} AND {}", plan.source(),
-                                      placeTest(request.place), plan.where()));
+    sqlite::Query query = connection_.query(
+        fmt::format("SELECT count(*) FROM {}{} WHERE {} AND {}", plan.source(),
+                    isDriven(&plan) ? "" : " NOT INDEXED", placeTest(request.place), plan.where()));
     plan.bind(query);
     return number(std::move(query));
   }

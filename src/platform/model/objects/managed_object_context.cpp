@@ -18,7 +18,8 @@ ManagedObjectContext::ManagedObjectContext(sqlite::Connection& connection, FileS
     : connection_(connection), files_(files) {}
 
 sqlite::Connection& ManagedObjectContext::reading() {
-  if (!snapshot_) snapshot_.emplace(connection_, sqlite::Transaction::Kind::read);
+  using sqlite::Transaction;
+  if (!snapshot_) snapshot_ = std::make_unique<Transaction>(connection_, Transaction::Kind::read);
   return connection_;
 }
 
@@ -43,6 +44,17 @@ void ManagedObjectContext::forEachText(
                     [&](std::size_t index, std::string_view text) { visit(table[index], text); });
 }
 
+void ManagedObjectContext::beginWriting() {
+  using sqlite::Transaction;
+  snapshot_ = std::make_unique<Transaction>(connection_, Transaction::Kind::write);
+  locked_ = true;
+}
+
+void ManagedObjectContext::lockForWriting() {
+  reset();
+  beginWriting();
+}
+
 bool ManagedObjectContext::hasChanges() const {
   return !inserted_.empty() || std::any_of(notes_.begin(), notes_.end(), [](const auto& entry) {
     return entry.second->hasChanges();
@@ -54,16 +66,18 @@ void ManagedObjectContext::save() {
   for (auto& [id, note] : notes_) {
     if (note->hasChanges()) changed.push_back(note.get());
   }
-  snapshot_.reset();
+  if (!locked_) snapshot_.reset();
   // Pages that do not fit are written to the log, and read from it, again and again.
   if (changed.size() > manyNotes) connection_.execute("PRAGMA cache_size = -65536");  // KiB
-  sqlite::Transaction transaction(connection_, sqlite::Transaction::Kind::write);
+  if (!locked_) beginWriting();
+  const std::unique_ptr<sqlite::Transaction> transaction = std::move(snapshot_);
+  locked_ = false;
   NoteWriter writer(connection_);
   for (const KVNote* note : changed) writer.checkVersion(*note);
   for (KVNote* note : changed) writer.update(*note);
   for (auto& note : inserted_) writer.insert(*note);
   writer.removeDeadTags();
-  transaction.commit();
+  transaction->commit();
 
   files_.publishStaged();
   for (KVNote* note : changed) note->committed_.reset();
@@ -75,6 +89,8 @@ void ManagedObjectContext::save() {
 }
 
 void ManagedObjectContext::rollback() {
+  if (locked_) snapshot_.reset();
+  locked_ = false;
   for (auto& [id, note] : notes_) {
     if (note->committed_) note->state_ = std::move(*std::exchange(note->committed_, nullptr));
   }
@@ -84,6 +100,7 @@ void ManagedObjectContext::rollback() {
 
 void ManagedObjectContext::reset() {
   snapshot_.reset();
+  locked_ = false;
   notes_.clear();
   inserted_.clear();
   files_.discardStaged();

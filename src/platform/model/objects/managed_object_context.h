@@ -39,6 +39,9 @@ class ManagedObjectContext {
   void forEachText(const NoteTable& table,
                    const std::function<void(const NoteView&, std::string_view)>& visit);
 
+  /// Forgets everything, and holds the database's write lock until the next save, rollback or
+  /// reset: what is read until then is what the save finds.
+  void lockForWriting();
   bool hasChanges() const;
   /// Throws DomainError for a save conflict, else sqlite::Error or std::system_error; of a save
   /// that failed nothing is stored.
@@ -55,6 +58,7 @@ class ManagedObjectContext {
 
   /// The connection for a read, in the context's snapshot.
   sqlite::Connection& reading();
+  void beginWriting();
   /// The object of a row: the one that is there already, or a new one.
   KVNote& noteOf(NoteRow row);
   KVNote& insert(NoteRow row);
@@ -65,7 +69,8 @@ class ManagedObjectContext {
 
   sqlite::Connection& connection_;
   FileStore& files_;
-  std::optional<sqlite::Transaction> snapshot_;
+  std::unique_ptr<sqlite::Transaction> snapshot_;
+  bool locked_ = false;  ///< the snapshot is a write transaction
   std::unordered_map<std::int64_t, std::unique_ptr<KVNote>> notes_;
   std::vector<std::unique_ptr<KVNote>> inserted_;
 };

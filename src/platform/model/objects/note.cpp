@@ -18,6 +18,20 @@ double now() {
   return std::chrono::duration<double>(sinceEpoch).count();
 }
 
+bool areSame(std::vector<std::string> a, std::vector<std::string> b) {
+  std::sort(a.begin(), a.end());
+  std::sort(b.begin(), b.end());
+  return a == b;
+}
+
+/// Whether `files` are those of `ordered`, at the same positions.
+bool havePositions(const std::vector<KVNoteFile>& files, const std::vector<KVNoteFile>& ordered) {
+  return std::equal(files.begin(), files.end(), ordered.begin(), ordered.end(),
+                    [](const KVNoteFile& a, const KVNoteFile& b) {
+                      return a.id == b.id && a.position == b.position;
+                    });
+}
+
 /// Canonically equivalent names are one name (Unicode 3.12, D70).
 bool isSameName(std::string_view a, std::string_view b) {
   return platform::text::compareByCodePoints(a, b) == 0;
@@ -122,19 +136,23 @@ void KVNote::willChange() {
 void KVNote::updateNoteWithText(std::string text, bool updateModificationDate,
                                 UnlinkedFiles unlinked) {
   using zephyrdown::ZDKAST;
-  if (this->text() == text) return;
-  tagsStrings();
+  const bool rewritten = this->text() != text;
+  const zephyrdown::ZDKTextSummary summary = ZDKAST::fromMarkdown(text).textSummary();
   std::vector<zephyrdown::FileLink> linkedBefore;
-  if (unlinked == UnlinkedFiles::remove && !orderedFiles().empty()) {
+  if (rewritten && unlinked == UnlinkedFiles::remove && !orderedFiles().empty()) {
     linkedBefore = ZDKAST::fromMarkdown(this->text()).textSummary().files;
   }
+  std::vector<KVNoteFile> files =
+      filesAfterChange(orderedFiles(), linkedBefore, summary.files, unlinked);
+  const bool agrees = title() == summary.title && areSame(tagsStrings(), summary.tags) &&
+                      havePositions(orderedFiles(), files);
+  if (!rewritten && agrees) return;
   willChange();
-  const zephyrdown::ZDKTextSummary summary = ZDKAST::fromMarkdown(text).textSummary();
   state_.row.title = summary.title;
   state_.row.facts = TextFacts::of(text, summary);
-  if (updateModificationDate) state_.row.modificationDate = now();
+  if (rewritten && updateModificationDate) state_.row.modificationDate = now();
   state_.tags = summary.tags;
-  state_.files = filesAfterChange(orderedFiles(), linkedBefore, summary.files, unlinked);
+  state_.files = std::move(files);
   state_.text = std::move(text);
 }
 
@@ -149,6 +167,7 @@ void KVNote::trash() {
 }
 void KVNote::restoreFromTrash() {
   setFlag(&NoteRow::trashed, false);
+  setFlag(&NoteRow::archived, false);
 }
 void KVNote::archive() {
   setFlag(&NoteRow::archived, true);

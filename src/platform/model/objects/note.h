@@ -25,7 +25,8 @@ class KVNote {
   /// The note with this identifier, in any location, or null.
   static KVNote* noteWithUniqueIdentifier(std::string_view identifier,
                                           ManagedObjectContext& context);
-  /// All notes with this title, but for case and canonical equivalence, in any location.
+  /// All notes with this title, but for case and canonical equivalence, in any location; without
+  /// those that are permanently deleted.
   static std::vector<KVNote*> notesWithTitle(std::string_view title, ManagedObjectContext& context);
   /// A new note of the text; title, tags and to-dos are derived from it.
   static KVNote& noteWithText(std::string text, ManagedObjectContext& context);
@@ -64,11 +65,13 @@ class KVNote {
   /// Where a file's bytes lie, or nothing when they are not on this machine.
   std::optional<std::filesystem::path> fileURL(const KVNoteFile& file) const;
 
-  /// Replaces the text, and derives title, tags, to-dos and the order of the files from it at once.
-  /// What happens to files whose links vanish is the caller's choice (see linked_files.h).
+  /// Replaces the text, and derives title, tags, to-dos and the order of the files from it at once,
+  /// also where the text is the same: another program may have left them out of step. What happens
+  /// to files whose links vanish is the caller's choice (see linked_files.h).
   void updateNoteWithText(std::string text, bool updateModificationDate,
                           UnlinkedFiles unlinked = UnlinkedFiles::keep);
   void trash();
+  /// To the notes, also where the note is archived besides.
   void restoreFromTrash();
   void archive();
   void unarchive();

@@ -37,10 +37,11 @@ std::optional<NoteRow> NoteReader::rowWithIdentifier(std::string_view identifier
 
 std::vector<NoteRow> NoteReader::rowsWithTitle(std::string_view title) {
   // A key that is not known is one whose title SQL could not fold.
-  sqlite::Query query = connection_.query(
-      fmt::format("SELECT {} FROM noteSummary s WHERE s.titleKey = ?1 "
-                  "OR (s.searchRow IS NULL AND s.titleKey IS NULL) ORDER BY s.note",
-                  noteRowColumns));
+  sqlite::Query query =
+      connection_.query(fmt::format("SELECT {} FROM noteSummary s WHERE (s.titleKey = ?1 "
+                                    "OR (s.searchRow IS NULL AND s.titleKey IS NULL)) "
+                                    "AND ifnull(s.permanentlyDeleted, 0) = 0 ORDER BY s.note",
+                                    noteRowColumns));
   const std::string key = platform::text::foldedForSearch(title);
   query.bind(1, key);
   std::vector<NoteRow> rows;

@@ -1,6 +1,7 @@
 #include "platform/model/objects/note_writer.h"
 
-#include <algorithm>
+#include <unordered_map>
+#include <unordered_set>
 
 #include "platform/model/objects/errors.h"
 #include "platform/text/folding.h"
@@ -8,8 +9,19 @@
 namespace tavimodel {
 namespace {
 
-bool contains(const std::vector<std::string>& names, const std::string& name) {
-  return std::find(names.begin(), names.end(), name) != names.end();
+using Names = std::vector<std::string>;
+
+/// Tags nested deeper, which only another program can have written, lack rows for their ancestors.
+constexpr int mostAncestors = 100;
+
+/// The names of `from` that `without` lacks.
+std::vector<std::string_view> difference(const Names& from, const Names& without) {
+  const std::unordered_set<std::string_view> excluded(without.begin(), without.end());
+  std::vector<std::string_view> result;
+  for (const std::string& name : from) {
+    if (!excluded.contains(name)) result.push_back(name);
+  }
+  return result;
 }
 
 const std::vector<std::string> none;
@@ -23,7 +35,8 @@ const std::vector<std::string>& orNone(const std::optional<std::vector<std::stri
 void NoteWriter::checkVersion(const KVNote& note) {
   const KVNote::State& read = *note.committed_;
   sqlite::Query query = connection_.query(
-      "SELECT s.version, note.text IS ?2 FROM noteSummary s JOIN note ON note.id = s.note "
+      "SELECT s.version, CAST(note.text AS TEXT) IS ?2 FROM noteSummary s JOIN note ON note.id = "
+      "s.note "
       "WHERE s.note = ?1");
   query.bind(1, read.row.id);
   if (read.text) query.bind(2, *read.text);
@@ -113,71 +126,78 @@ void NoteWriter::writeFacts(KVNote& note) {
 }
 
 void NoteWriter::writeTags(std::int64_t note, const Names& now, const Names& before) {
-  for (const std::string& name : before) {
-    if (contains(now, name)) continue;
-    link("DELETE FROM noteTag WHERE note = ?1 AND tag = ?2", note, tagID(name));
-    touchedTags_.insert(name);
-  }
-  for (const std::string& name : now) {
-    if (contains(before, name)) continue;
-    link("INSERT OR IGNORE INTO noteTag VALUES (?1, ?2)", note, tagID(name));
-  }
+  writeRelation(note, now, before, "DELETE FROM noteTag WHERE note = ?1 AND tag = ?2",
+                "INSERT OR IGNORE INTO noteTag VALUES (?1, ?2)");
 }
 
 void NoteWriter::writePins(std::int64_t note, const Names& now, const Names& before) {
-  for (const std::string& name : before) {
-    if (contains(now, name)) continue;
-    link("DELETE FROM pinnedInTag WHERE note = ?1 AND tag = ?2", note, tagID(name));
-    touchedTags_.insert(name);
+  writeRelation(note, now, before, "DELETE FROM pinnedInTag WHERE note = ?1 AND tag = ?2",
+                "INSERT OR IGNORE INTO pinnedInTag VALUES (?1, ?2)");
+}
+
+void NoteWriter::writeRelation(std::int64_t note, const Names& now, const Names& before,
+                               const char* unlink, const char* link) {
+  for (const std::string_view name : difference(before, now)) {
+    if (const auto tag = tagID(name)) connection_.query(unlink).bind(1, note).bind(2, *tag).run();
+    touchedTags_.emplace(name);
   }
-  for (const std::string& name : now) {
-    if (contains(before, name)) continue;
-    link("INSERT OR IGNORE INTO pinnedInTag VALUES (?1, ?2)", note, tagID(name));
+  for (const std::string_view name : difference(now, before)) {
+    connection_.query(link).bind(1, note).bind(2, tagIDMade(name)).run();
   }
 }
 
 void NoteWriter::writeFiles(KVNote& note, const std::vector<KVNoteFile>& before) {
   std::vector<KVNoteFile>& now = *note.state_.files;
-  for (const KVNoteFile& old : before) {
-    const bool stays = std::any_of(now.begin(), now.end(),
-                                   [&](const KVNoteFile& file) { return file.id == old.id; });
-    if (stays) continue;
-    connection_.query("DELETE FROM file WHERE id = ?1").bind(1, old.id).run();
-  }
+  std::unordered_map<std::int64_t, std::int64_t> positions;  // of the files that were there, by id
+  for (const KVNoteFile& file : before) positions.emplace(file.id, file.position);
   for (KVNoteFile& file : now) {
     if (file.id == 0) {
-      sqlite::Query query = connection_.query(
-          "INSERT INTO file (note, filename, fileSize, position, storedName) "
-          "VALUES (?1, ?2, ?3, ?4, ?5)");
-      query.bind(1, note.state_.row.id).bind(2, *file.filename);
-      query.bind(3, file.fileSizeValue).bind(4, file.position);
-      query.bind(5, *file.storedName).run();
-      file.id = connection_.lastInsertedRow();
+      insertFile(note.state_.row.id, file);
       continue;
     }
-    sqlite::Query query =
-        connection_.query("UPDATE file SET position = ?2 WHERE id = ?1 AND position <> ?2");
+    const auto old = positions.extract(file.id);
+    if (!old.empty() && old.mapped() == file.position) continue;
+    sqlite::Query query = connection_.query("UPDATE file SET position = ?2 WHERE id = ?1");
     query.bind(1, file.id).bind(2, file.position).run();
+  }
+  for (const auto& [id, position] : positions) {
+    connection_.query("DELETE FROM file WHERE id = ?1").bind(1, id).run();
   }
 }
 
-std::int64_t NoteWriter::tagID(const std::string& name) {
+void NoteWriter::insertFile(std::int64_t note, KVNoteFile& file) {
+  sqlite::Query query = connection_.query(
+      "INSERT INTO file (note, filename, fileSize, position, storedName) "
+      "VALUES (?1, ?2, ?3, ?4, ?5)");
+  query.bind(1, note).bind(2, *file.filename);
+  query.bind(3, file.fileSizeValue).bind(4, file.position);
+  query.bind(5, *file.storedName).run();
+  file.id = connection_.lastInsertedRow();
+}
+
+std::optional<std::int64_t> NoteWriter::tagID(std::string_view name) {
   sqlite::Query find = connection_.query("SELECT id FROM tag WHERE title = ?1");
   find.bind(1, name);
-  if (find.step()) return find.integer(0);
+  if (!find.step()) return std::nullopt;
+  return find.integer(0);
+}
+
+std::int64_t NoteWriter::tagIDMade(std::string_view name) {
+  if (const auto known = tagID(name)) return *known;
   connection_.query("INSERT INTO tag (title) VALUES (?1)").bind(1, name).run();
   const std::int64_t id = connection_.lastInsertedRow();
-  const std::size_t slash = name.rfind('/');
-  if (slash != std::string::npos) tagID(name.substr(0, slash));
+  for (int level = 0; level < mostAncestors; ++level) {
+    const std::size_t slash = name.rfind('/');
+    if (slash == name.npos) break;
+    name = name.substr(0, slash);
+    if (tagID(name)) break;
+    connection_.query("INSERT INTO tag (title) VALUES (?1)").bind(1, name).run();
+  }
   return id;
 }
 
-void NoteWriter::link(const char* sql, std::int64_t note, std::int64_t tag) {
-  connection_.query(sql).bind(1, note).bind(2, tag).run();
-}
-
 void NoteWriter::removeDeadTags() {
-  // "0" is the character behind "/": the range holds the names below this one.
+  // "0" is the character after "/": the range holds the names below this one.
   constexpr const char* removeIfDead =
       "DELETE FROM tag WHERE title = ?1 "
       "AND NOT EXISTS (SELECT 1 FROM noteTag WHERE noteTag.tag = tag.id) "
@@ -185,7 +205,7 @@ void NoteWriter::removeDeadTags() {
       "AND NOT EXISTS (SELECT 1 FROM tag child "
       "WHERE child.title > tag.title || '/' AND child.title < tag.title || '0')";
   for (std::string name : touchedTags_) {
-    while (true) {
+    for (int level = 0; level <= mostAncestors; ++level) {
       connection_.query(removeIfDead).bind(1, name).run();
       const std::size_t slash = name.rfind('/');
       if (slash == std::string::npos) break;

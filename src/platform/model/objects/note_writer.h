@@ -1,8 +1,10 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <set>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "platform/model/objects/note.h"
@@ -29,9 +31,13 @@ class NoteWriter {
   void writeFacts(KVNote& note);
   void writeTags(std::int64_t note, const Names& now, const Names& before);
   void writePins(std::int64_t note, const Names& now, const Names& before);
+  void writeRelation(std::int64_t note, const Names& now, const Names& before, const char* unlink,
+                     const char* link);
   void writeFiles(KVNote& note, const std::vector<KVNoteFile>& before);
-  std::int64_t tagID(const std::string& name);
-  void link(const char* sql, std::int64_t note, std::int64_t tag);
+  void insertFile(std::int64_t note, KVNoteFile& file);
+  std::optional<std::int64_t> tagID(std::string_view name);
+  /// The tag's id; the tag, and the ancestors that it lacks, are made where needed.
+  std::int64_t tagIDMade(std::string_view name);
 
   sqlite::Connection& connection_;
   std::set<std::string> touchedTags_;

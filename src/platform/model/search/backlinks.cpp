@@ -14,32 +14,55 @@
 namespace tavimodel {
 namespace {
 
-using NotesByTitle = std::unordered_map<std::string, std::vector<std::int64_t>>;
+using Notes = std::vector<std::int64_t>;
 
-NotesByTitle notesByTitle(sqlite::Connection& connection) {
-  NotesByTitle notes;
-  sqlite::Query titles = connection.query("SELECT note, title FROM noteSummary");
-  while (titles.step()) {
-    notes[platform::text::foldedForSearch(titles.text(1))].push_back(titles.integer(0));
+/// Looks notes up by their titles, as links have them: by the index of folded titles, and among the
+/// few whose folded titles are not known yet.
+class TitleLookup {
+ public:
+  explicit TitleLookup(sqlite::Connection& connection) : connection_(connection) {
+    sqlite::Query unknown = connection.query(
+        "SELECT note, title FROM noteSummary WHERE searchRow IS NULL AND titleKey IS NULL");
+    while (unknown.step()) {
+      unknown_[platform::text::foldedForSearch(unknown.text(1))].push_back(unknown.integer(0));
+    }
   }
-  return notes;
-}
 
-/// The notes called `target`. It may name a heading inside the note, "Title/Heading", and a title
-/// may have slashes: the longest title counts. Null for none.
-const std::vector<std::int64_t>* notesCalled(std::string_view target, const NotesByTitle& notes) {
-  for (std::size_t length = target.size(); length != std::string::npos && length > 0;
-       length = target.rfind('/', length - 1)) {
-    const auto found = notes.find(platform::text::foldedForSearch(target.substr(0, length)));
-    if (found != notes.end()) return &found->second;
+  /// The notes that a link names. It may name a heading inside the note, "Title/Heading", and a
+  /// title may have slashes: the longest title counts.
+  const Notes& notesCalled(std::string_view target) {
+    for (std::size_t length = target.size(); length != std::string::npos && length > 0;
+         length = target.rfind('/', length - 1)) {
+      const Notes& notes = notesWithTitle(target.substr(0, length));
+      if (!notes.empty()) return notes;
+    }
+    return none_;
   }
-  return nullptr;
-}
+
+ private:
+  const Notes& notesWithTitle(std::string_view title) {
+    const auto [known, isNew] = known_.try_emplace(platform::text::foldedForSearch(title));
+    if (!isNew) return known->second;
+    Notes& notes = known->second;
+    const std::string& key = known->first;
+    sqlite::Query query = connection_.query("SELECT note FROM noteSummary WHERE titleKey = ?1");
+    query.bind(1, key);
+    while (query.step()) notes.push_back(query.integer(0));
+    if (const auto more = unknown_.find(key); more != unknown_.end())
+      notes.insert(notes.end(), more->second.begin(), more->second.end());
+    return notes;
+  }
+
+  sqlite::Connection& connection_;
+  std::unordered_map<std::string, Notes> unknown_;
+  std::unordered_map<std::string, Notes> known_;  // what has been looked up, by folded title
+  Notes none_;
+};
 
 }  // namespace
 
 std::vector<std::int64_t> linkedNotes(sqlite::Connection& connection) {
-  const NotesByTitle notes = notesByTitle(connection);
+  TitleLookup titles(connection);
   std::vector<std::int64_t> linked;
   sqlite::Query texts = connection.query(
       fmt::format("SELECT note.id, {} FROM noteSummary s JOIN note ON note.id = s.note "
@@ -49,9 +72,7 @@ std::vector<std::int64_t> linkedNotes(sqlite::Connection& connection) {
   while (texts.step()) {
     const auto summary = zephyrdown::ZDKAST::fromMarkdown(std::string(texts.text(1))).textSummary();
     for (const std::string& target : summary.wikiLinks) {
-      const auto* called = notesCalled(target, notes);
-      if (called == nullptr) continue;
-      for (const std::int64_t note : *called) {
+      for (const std::int64_t note : titles.notesCalled(target)) {
         if (note != texts.integer(0)) linked.push_back(note);
       }
     }

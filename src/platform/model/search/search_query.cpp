@@ -185,6 +185,7 @@ class Parser {
       return SearchCondition{.kind = kind.kind};
     }
     if (auto dates = readDates(name)) return dates;
+    refuseWithoutValue(word, name);
     throw SearchSyntaxError(fmt::format(
         "Unknown search directive: {0} — write \"{0}\" in quotes to search for the text",
         platform::text::escapingControls(word)));
@@ -207,6 +208,15 @@ class Parser {
       }
     }
     return std::nullopt;
+  }
+
+  static void refuseWithoutValue(std::string_view word, std::string_view name) {
+    for (const auto& [begin, end, form, kind, example, finds] : dateDirectives) {
+      const std::string_view bare = begin.substr(0, begin.find('('));
+      if (end.empty() || name != bare) continue;
+      throw SearchSyntaxError(
+          fmt::format("Search directive without a value: {} — write it as @{}", word, example));
+    }
   }
 
   static std::optional<std::string_view> between(std::string_view word, std::string_view prefix,

@@ -40,7 +40,7 @@ OpenWork openWork(sqlite::Connection& connection) {
     // One statement, since every command runs it. Notes whose facts are not known are among those
     // that are not indexed.
     sqlite::Query work = connection.query(
-        "SELECT EXISTS (SELECT 1 FROM removedFile), "
+        "SELECT EXISTS (SELECT 1 FROM removedFile) OR EXISTS (SELECT 1 FROM orphan), "
         "(SELECT count(*) FROM (SELECT 1 FROM noteSummary WHERE searchRow IS NULL LIMIT ?1))");
     work.bind(1, imported).step();
     return {.removedFiles = work.integer(0) != 0, .notesNotIndexed = work.integer(1)};

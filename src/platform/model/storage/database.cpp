@@ -5,6 +5,7 @@
 #include <chrono>
 
 #include "platform/model/storage/folder_lock.h"
+#include "platform/model/storage/schema.h"
 #include "platform/model/storage/write_ahead_log.h"
 
 namespace tavimodel {
@@ -13,7 +14,9 @@ Database::Database(const std::filesystem::path& folder, Access access, IndexUpda
     : folder_(folder),
       connection_(openDatabase(folder, access)),
       files_(folder / "files"),
-      updateIndex_(updateIndex) {}
+      updateIndex_(updateIndex) {
+  if (!connection_->isRefused()) repairLocks(*connection_);
+}
 
 Database::~Database() {
   const bool canWrite = sqlite3_db_readonly(connection_->handle(), "main") == 0;

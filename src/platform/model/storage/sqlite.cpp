@@ -223,6 +223,14 @@ std::string Connection::fileHeader(std::size_t size) const {
   return bytes;
 }
 
+void Connection::syncLog() {
+  sqlite3_file* log = nullptr;
+  sqlite3_file_control(handle_, "main", SQLITE_FCNTL_JOURNAL_POINTER, &log);
+  if (log == nullptr || log->pMethods == nullptr) return;
+  const int code = log->pMethods->xSync(log, SQLITE_SYNC_NORMAL);
+  if (code != SQLITE_OK) throwError(handle_, code);
+}
+
 void Connection::fail() const {
   throwError(handle_, sqlite3_errcode(handle_));
 }

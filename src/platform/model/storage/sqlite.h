@@ -104,6 +104,8 @@ class Connection {
   /// The first bytes of the database file itself, whatever the log holds; empty where the file is
   /// shorter. Takes no lock.
   std::string fileHeader(std::size_t size) const;
+  /// Brings the log's file up to date on the disk: what others have committed without a sync, too.
+  void syncLog();
   /// Statements run so far, for tests that count them.
   std::int64_t statementsRun() const { return statementsRun_; }
   sqlite3* handle() const { return handle_; }
