@@ -27,7 +27,10 @@ class WorkingDay : public ::testing::Test {
     std::ofstream(home / "bin/xdg-open") << "#!/bin/sh\necho \"$1\" > \"$HOME/opened\"\n";
     fs::permissions(home / "bin/xdg-open", fs::perms::owner_all);
   }
-  ~WorkingDay() override { fs::remove_all(home); }
+  ~WorkingDay() override {
+    server.reset();  // it may still write
+    fs::remove_all(home);
+  }
 
   std::string path() const { return (home / "bin").string() + ":/usr/bin:/bin"; }
   std::string commandLine(std::vector<std::string> arguments, std::string_view input = "") {
