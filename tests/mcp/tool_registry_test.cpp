@@ -12,6 +12,7 @@ namespace tavi::mcp {
 namespace {
 
 using ::testing::ElementsAre;
+using ::testing::HasSubstr;
 using ::testing::StartsWith;
 
 class Tools : public StoreTest {
@@ -117,8 +118,10 @@ TEST_F(Tools, RefuseToOverwriteWithoutAHashBeforeTheyLook) {
 }
 
 TEST_F(Tools, TakeTagsAsAListOrAsAText) {
-  EXPECT_EQ(call("add_tags", with(R"("tags":"a, b,,c")")), R"({"tags":["a","b","c","planet"]})");
-  EXPECT_EQ(call("remove_tags", with(R"("tags":["a","b","c"])")), R"({"tags":["planet"]})");
+  EXPECT_THAT(call("add_tags", with(R"("tags":"a, b,,c")")),
+              HasSubstr(R"("tags":["a","b","c","planet"])"));
+  EXPECT_THAT(call("remove_tags", with(R"("tags":["a","b","c"])")),
+              HasSubstr(R"("tags":["planet"])"));
 }
 
 TEST_F(Tools, WrapTheirAnswersInObjects) {
