@@ -17,7 +17,7 @@ namespace tavi {
 ///
 /// A write is one pass: look the note up, change it in memory, check, one save. The model finds at
 /// the save what another process has changed in between.
-class TaviDatabaseStore final : public ImportingStore {
+class TaviDatabaseStore : public ImportingStore {
  public:
   TaviDatabaseStore(std::unique_ptr<tavimodel::KVCoreDataStackForExtensions> stack,
                     bool preserveModificationDate);

@@ -4,12 +4,12 @@
 #include <cstdlib>
 #include <memory>
 
-#include "opened_model.h"
-#include "plain_evaluation.h"
 #include "platform/model/objects/note_tag.h"
+#include "platform/model/objects/opened_model.h"
+#include "platform/model/search/plain_evaluation.h"
 #include "platform/model/search/search_index.h"
+#include "platform/model/search/search_inventor.h"
 #include "platform/model/storage/bookkeeping.h"
-#include "search_inventor.h"
 
 // The indexes, the short rows and the walks are shortcuts to one answer. Here it is compared with
 // the long way, on random notes and queries, after random changes by us and by a stranger.

@@ -6,7 +6,7 @@
 
 namespace tavimodel {
 
-/// Makes up notes, changes and queries.
+/// Generates random notes, changes and queries.
 class Inventor {
  public:
   std::size_t below(std::size_t limit) { return random_() % limit; }

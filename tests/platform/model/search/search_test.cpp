@@ -2,7 +2,7 @@
 
 #include <set>
 
-#include "opened_model.h"
+#include "platform/model/objects/opened_model.h"
 #include "platform/model/search/note_search.h"
 #include "platform/model/search/search_index.h"
 #include "platform/model/storage/bookkeeping.h"

@@ -9,7 +9,7 @@
 
 namespace tavimodel {
 
-/// A model on a throw-away home, open from the start.
+/// A test with an open model on a database in a temporary home.
 class OpenedModel : public testing::Test {
  protected:
   void SetUp() override { reopen(); }
@@ -23,7 +23,7 @@ class OpenedModel : public testing::Test {
 
   ManagedObjectContext& context() { return *stack->managedObjectContext(); }
 
-  support::ThrowawayHome home;
+  support::ThrowawayHome home{support::ThrowawayHome::On::memory};
   std::unique_ptr<KVCoreDataStackForExtensions> stack;
 };
 
