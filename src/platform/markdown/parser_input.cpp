@@ -33,10 +33,12 @@ void maskFootnotes(std::string_view body, std::optional<std::string>& copy) {
 
 /// The brackets inside of "[[label]](destination)", a link whose label holds brackets.
 void maskLabelsInBrackets(std::string_view body, std::optional<std::string>& copy) {
+  constexpr std::size_t kLongestTail = 1000;
   for (std::size_t end = body.find("]]("); end != npos; end = body.find("]](", end + 1)) {
     const std::size_t begin = body.substr(0, end).find_last_of("[]\r\n");
     if (begin == npos || begin == 0 || body.substr(begin - 1, 2) != "[[") continue;
-    if (isEscaped(body, begin - 1) || !isInlineTail(body, end + 2)) continue;
+    if (isEscaped(body, begin - 1)) continue;
+    if (!isInlineTail(body.substr(0, end + kLongestTail), end + 2)) continue;
     if (!copy) copy.emplace(body);
     (*copy)[begin] = (*copy)[end] = kPunctuation;
   }

@@ -151,6 +151,7 @@ TEST(Markdown, ReadsOnBehindTextsMadeToBeSlow) {
            repeated("*a **b ", kMany),
            repeated("[a](b.pdf)<!-- ", kMany),
            repeated("m@n.opwww.q.r ", kMany),
+           repeated("[[a]](", kMany),
        }) {
     ZDKAST tree = parsed("#first " + text + "\n\n#last");
     EXPECT_EQ(tree.textSummary().tags.back(), "last") << text.substr(0, 30);
