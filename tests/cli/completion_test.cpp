@@ -112,7 +112,7 @@ TEST_P(CompletionInShells, OffersWhatTheCommandsTake) {
            {"tavicli list --tag ", everyTag},
            {"tavicli list --tag wo", {"work/draft"}},
            {"tavicli list --tag \\#r", {"#red planet#"}},
-           {"tavicli search '#", {"#space", "#red planet#", "#work/draft", "#past"}},
+           {"tavicli search \\#", {"#space", "#red planet#", "#work/draft", "#past"}},
            {"tavicli search -q \\!\\#wo", {"!#work/draft"}},
            {"tavicli search @to", {"@today", "@todo"}},
            {"tavicli search --query=-@untag", {"-@untagged"}},
@@ -189,7 +189,7 @@ TEST_F(CompletionAnswer, CompletesTheLastTermOfAQuery) {
                                          {"\"a #b\" -@ocr", "\"a #b\" -@ocr\n"},
                                          {"\"a \\\" @oc", ""},
                                          {"\"#red\" pl", ""},
-                                         {"@date(20", ""},
+                                         {"@date(>", ""},
                                          {"a", ""},
                                          {"", ""}})
     EXPECT_EQ(answer({"search"}, "--query", {"search", "-q", query}), completed) << query;
