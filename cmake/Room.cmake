@@ -20,6 +20,13 @@ function(tavi_room path)
 
   string(REPLACE "/" "_" uses "${ROOM_USES}")
   list(TRANSFORM uses PREPEND tavi_)
+  set(arrows ${ROOM_USES})
+  list(SORT arrows)
+  list(JOIN arrows ", " arrows)
+  if(NOT arrows)
+    set(arrows "none")
+  endif()
+  set_property(GLOBAL APPEND PROPERTY TAVI_ROOMS "| ${path} | ${arrows} |")
   if(NOT ROOM_SOURCES)  # headers only
     add_library(tavi_${name} INTERFACE)
     target_include_directories(tavi_${name} INTERFACE "${exported}")

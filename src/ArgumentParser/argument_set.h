@@ -13,7 +13,8 @@ namespace ArgumentParser {
 
 class ParsableArguments;
 
-/// What may be said of an argument behind its declaration. Use it at once and do not keep it.
+/// Refines a declaration that was just made. Refers to an element of the set, which may move: use
+/// it at once and do not keep it.
 class Declaration {
  public:
   explicit Declaration(ArgumentDefinition& definition) : definition_(definition) {}

@@ -1,7 +1,10 @@
 #include "ArgumentParser/characters.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <numeric>
+#include <optional>
 
 namespace ArgumentParser {
 
@@ -16,6 +19,15 @@ std::size_t sequenceLength(unsigned char lead) {
 
 bool isContinuation(char byte) {
   return (static_cast<unsigned char>(byte) & 0xC0) == 0x80;
+}
+
+/// The code point of a control character (below U+0020, U+007F to U+009F) or a line separator.
+std::optional<unsigned> controlCode(std::string_view character) {
+  const auto last = static_cast<unsigned char>(character.back());
+  if (character.size() == 1 && (last < 0x20 || last == 0x7F)) return last;
+  if (character.size() == 2 && character.front() == '\xC2' && last < 0xA0) return last;
+  if (character == "\u2028" || character == "\u2029") return 0x2000u + (last & 0x3Fu);
+  return {};
 }
 
 }  // namespace
@@ -33,6 +45,24 @@ std::vector<std::string_view> characters(std::string_view text) {
   while (!text.empty()) {
     result.push_back(firstCharacter(text));
     text.remove_prefix(result.back().size());
+  }
+  return result;
+}
+
+std::string withoutControls(std::string_view text) {
+  std::string result;
+  for (const std::string_view character : characters(text)) {
+    if (character == "\n") {
+      result += "\\n";
+    } else if (character == "\r") {
+      result += "\\r";
+    } else if (character == "\t") {
+      result += "\\t";
+    } else if (const auto code = controlCode(character)) {
+      result += fmt::format("\\u{:04x}", *code);
+    } else {
+      result += character;
+    }
   }
   return result;
 }

@@ -14,6 +14,10 @@ std::string_view firstCharacter(std::string_view text);
 
 std::vector<std::string_view> characters(std::string_view text);
 
+/// With control characters and line separators as escapes: \n, \r, \t, else \u and four digits. So
+/// a message that quotes the text stays on its line and moves no cursor.
+std::string withoutControls(std::string_view text);
+
 std::size_t characterCount(std::string_view text);
 
 /// Unit costs for inserting, removing and replacing one character (Levenshtein).

@@ -30,7 +30,7 @@ std::unique_ptr<ParsableCommand> parseAsRoot(const CommandType& root,
 std::string message(const CommandType& root, const std::exception_ptr& error,
                     std::optional<int> columns = {});
 
-/// The whole text of an error, without a line break behind it.
+/// The whole text of an error, without a line break at its end.
 std::string fullMessage(const CommandType& root, const std::exception_ptr& error,
                         std::optional<int> columns = {});
 

@@ -6,6 +6,7 @@
 #include "ArgumentParser/completion_request.h"
 #include "ArgumentParser/help_command.h"
 #include "ArgumentParser/level_parser.h"
+#include "ArgumentParser/option_values.h"
 #include "ArgumentParser/parser_error.h"
 
 namespace ArgumentParser {
@@ -19,11 +20,20 @@ bool isOption(const Element& element, const Name& name) {
   return element.kind == Kind::option && element.name == name;
 }
 
+/// Whether every letter of a group has been used or is one of the flags: "-math" with an "h" in it
+/// is no request for help.
+bool isGroupOfKnownLetters(std::span<const Element> group, const Names& flags) {
+  return std::ranges::all_of(group.subspan(1), [&flags](const Element& letter) {
+    return letter.isUsed || std::ranges::count(flags, letter.name) > 0;
+  });
+}
+
 /// Whether one of the flags is among what is left of the line.
-bool isLeft(const SplitArguments& line, const Names& flags) {
+bool isLeft(SplitArguments& line, const Names& flags) {
   for (const Element* element : line.unused())
     for (const Name& flag : flags) {
       if (!isOption(*element, flag)) continue;
+      if (!isGroupOfKnownLetters(line.elementsAt(element->position), flags)) continue;
       if (!element->value) return true;
       throw ParserError(UnexpectedValueForOption{flag, std::string(*element->value)});
     }
@@ -42,13 +52,11 @@ CompletionShell shellOfEnvironment() {
   return shellNamed(text.substr(text.rfind('/') + 1));  // without a "/" from npos + 1, which is 0
 }
 
-/// Looks for the flag before anything is parsed. Behind an option, whose value it may prove to be,
-/// it counts when it is left over.
-void checkForCompletionScript(SplitArguments& line, bool isParsed) {
+/// The flag counts before anything is parsed.
+void checkForCompletionScript(SplitArguments& line) {
   const Name flag{Name::Kind::longName, "generate-completion-script"};
   for (const Element& element : line.elements()) {
-    if (!isOption(element, flag) || element.isUsed) continue;
-    if (!isParsed && line.standsBehindOption(element.position)) continue;
+    if (!isOption(element, flag)) continue;
     if (element.value) throw ParserError(CompletionScriptRequested{shellNamed(*element.value)});
     const std::size_t next = element.position + 1;
     const bool isNamed = line.hasToken(next) && line.elementsAt(next).front().kind == Kind::value;
@@ -57,21 +65,24 @@ void checkForCompletionScript(SplitArguments& line, bool isParsed) {
   }
 }
 
+/// What is wrong with an option of which this element is left. A group of letters is refused as a
+/// whole, unless nothing but signs is left of it.
+ParserError unknown(const Element& element, SplitArguments& line) {
+  const auto group = line.elementsAt(element.position);
+  const Element& whole = group.front();
+  const bool isSign = whole.isUsed && std::ranges::all_of(group, [](const Element& letter) {
+                        return letter.isUsed || !isShortName(letter.name.text);
+                      });
+  if (isSign) return NonAlphanumericShortOption{element.name.text, true};
+  return UnknownOption{whole.name};
+}
+
 /// What is wrong with a line of which this is left: the first option, else all the values.
-ParserError leftOver(const SplitArguments& line) {
+ParserError leftOver(SplitArguments& line) {
   UnexpectedExtraValues extra;
   for (const Element* element : line.unused()) {
-    const std::string& token = line.token(element->position);
-    const Name& name = element->name;
-    if (element->kind == Kind::value) {
-      extra.values.push_back(token);
-    } else if (element->kind == Kind::malformed) {
-      return malformation(token);
-    } else if (name.kind == Name::Kind::shortName && !isShortName(name.text)) {
-      return NonAlphanumericShortOption{name.text};
-    } else {
-      return UnknownOption{name};
-    }
+    if (element->kind == Kind::option) return unknown(*element, line);
+    extra.values.push_back(line.token(element->position));
   }
   return extra;
 }
@@ -83,8 +94,8 @@ std::unique_ptr<ParsableCommand> CommandParser::parse() {
   try {
     if (isCompletionRequest(tokens_))
       throw ParserError(CompletionScriptCustomResponse{completionAnswer(stack_.front(), tokens_)});
-    SplitArguments line(tokens_);
-    checkForCompletionScript(line, false);
+    SplitArguments line(tokens_, unconditionalValues(stack_.front(), tokens_));
+    checkForCompletionScript(line);
     return descend(line);
   } catch (ParserError& error) {
     CommandError failure(std::move(error), stack_);
@@ -100,7 +111,6 @@ std::unique_ptr<ParsableCommand> CommandParser::descend(SplitArguments& line) {
       stack_.push_back(*next);
       continue;
     }
-    checkForCompletionScript(line, true);
     checkForBuiltInFlags(line);
     if (!line.unused().empty()) throw leftOver(line);
     if (const auto* help = dynamic_cast<const HelpCommand*>(command.get()))
@@ -111,7 +121,7 @@ std::unique_ptr<ParsableCommand> CommandParser::descend(SplitArguments& line) {
 
 std::unique_ptr<ParsableCommand> CommandParser::parseCurrent(SplitArguments& line) const {
   DeclaredCommand current(stack_.back());
-  if (const auto missing = parseLevel(current.arguments, line)) {
+  if (const auto missing = parseLevel(current.arguments, helpNames(stack_), line)) {
     if (asksForHelp(line)) throw ParserError(HelpRequested{});
     throw ParserError(NoValue{*missing});
   }
@@ -142,14 +152,14 @@ std::optional<CommandType> CommandParser::namedSubcommand(std::string_view name)
   return {};
 }
 
-void CommandParser::checkForBuiltInFlags(const SplitArguments& line) const {
+void CommandParser::checkForBuiltInFlags(SplitArguments& line) const {
   if (line.unused().empty()) return;
   if (asksForHelp(line)) throw ParserError(HelpRequested{});
   if (isLeft(line, "--experimental-dump-help")) throw ParserError(DumpHelpRequested{});
   if (!version(stack_).empty() && isLeft(line, "--version")) throw ParserError(VersionRequested{});
 }
 
-bool CommandParser::asksForHelp(const SplitArguments& line) const {
+bool CommandParser::asksForHelp(SplitArguments& line) const {
   return isLeft(line, helpNames(stack_));
 }
 

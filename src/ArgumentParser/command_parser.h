@@ -26,8 +26,8 @@ class CommandParser {
   std::unique_ptr<ParsableCommand> parseCurrent(SplitArguments& line) const;
   std::optional<CommandType> nextSubcommand(SplitArguments& line) const;
   std::optional<CommandType> namedSubcommand(std::string_view name) const;
-  void checkForBuiltInFlags(const SplitArguments& line) const;
-  bool asksForHelp(const SplitArguments& line) const;
+  void checkForBuiltInFlags(SplitArguments& line) const;
+  bool asksForHelp(SplitArguments& line) const;
   [[noreturn]] void showHelp(const std::vector<std::string>& path);
 
   CommandStack stack_;

@@ -16,7 +16,7 @@ void checkTree(const CommandType& root);
 /// The children of the last command of the stack: its subcommands and, of a root, `help`.
 std::vector<CommandType> children(const CommandStack& stack);
 
-/// The flags that stand behind a command's own arguments: --version if a command of the stack has
+/// The flags that follow a command's own arguments in help: --version if a command of the stack has
 /// one, and help.
 std::vector<ArgumentDefinition> builtInFlags(const CommandStack& stack);
 
@@ -25,7 +25,7 @@ CommandStack stackTo(const CommandType& root, std::type_index type);
 
 std::string commandPath(const CommandStack& stack);  ///< "tool tags add"
 
-/// Of the deepest command that tells its own.
+/// Of the deepest command that declares its own, else -h and --help.
 Names helpNames(const CommandStack& stack);
 
 /// Of the deepest command that has one; empty for none.

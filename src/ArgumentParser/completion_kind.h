@@ -12,13 +12,13 @@ struct CompletionRequest {
   std::vector<std::string> words;  ///< from the program's name to the word at the cursor, which
                                    ///< is last and may be empty
   std::string value;               ///< what is typed of the value at the cursor: the last word, or
-                                   ///< what stands behind "--name=" in it
-  std::string shell;               ///< "bash", "zsh" or "fish"; empty when not told
+                                   ///< the part of it after "--name="
+  std::string shell;               ///< "bash", "zsh" or "fish"; empty when the script did not say
   std::string shellVersion;
 };
 
 /// Gives the candidates; the shell drops those that do not continue the word at the cursor. The
-/// variables that the command's arguments are bound to hold what the line gives in front of it. An
+/// variables that the command's arguments are bound to hold what the line gives before it. An
 /// error that it throws means that there are none.
 using CandidateFunction = std::function<std::vector<std::string>(const CompletionRequest&)>;
 

@@ -64,7 +64,7 @@ std::string candidateLines(const ArgumentDefinition& argument, const CompletionR
   std::string lines;
   try {
     for (const std::string& candidate : candidates(request)) {
-      if (candidate.find('\n') != candidate.npos) continue;  // cannot be told from two
+      if (candidate.find('\n') != candidate.npos) continue;  // would read as two candidates
       if (!anything && candidate.size() > 1 && candidate.front() == '-') continue;
       if (!lines.empty()) lines += '\n';
       lines += candidate;

@@ -5,7 +5,7 @@
 
 #include "ArgumentParser/command_line.h"
 
-/// The program's side of completion. A script that cannot tell the candidates for a value calls
+/// The program's side of completion. A script that does not know the candidates for a value calls
 ///
 ///   tool ---completion tags add -- --tag tool tags add --tag wo
 ///
@@ -17,7 +17,7 @@ namespace ArgumentParser {
 bool isCompletionRequest(const std::vector<std::string>& tokens);
 
 /// The candidates; empty as well when finding them fails. Throws a ParserError for a request
-/// that asks for nothing that the tree holds.
+/// that names no argument of the tree.
 std::string completionAnswer(const CommandType& root, const std::vector<std::string>& tokens);
 
 /// How a script names an argument in its request.

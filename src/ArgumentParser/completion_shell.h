@@ -6,6 +6,7 @@
 
 namespace ArgumentParser {
 
+/// The shells that a completion script can be written for.
 enum class CompletionShell { zsh, bash, fish };
 
 inline constexpr std::array<std::string_view, 3> completionShellNames{"zsh", "bash", "fish"};

@@ -9,7 +9,7 @@
 
 #include "ArgumentParser/command_line.h"
 
-/// The tree as the writers of completion scripts want it.
+/// The command tree in the form that the writers of completion scripts need.
 namespace ArgumentParser {
 
 struct CompletionArgument {
@@ -41,7 +41,7 @@ struct CompletionCommand {
   std::string subcommandPath() const;
   const CompletionCommand* defaultChild() const;
   std::vector<const CompletionArgument*> positionals() const;
-  /// The visible flags and options that may stand behind its name, those of the default child
+  /// The visible flags and options that may follow its name, those of the default child
   /// included.
   std::vector<OwnedArgument> options() const;
 };

@@ -50,9 +50,13 @@ std::string choiceAmong(const std::vector<std::string>& values) {
                      quoted({values.begin(), values.end() - 1}), values.back());
 }
 
+std::string shown(const Name& name) {
+  return withoutControls(name.written());
+}
+
 /// "--limit <limit>", with the name as typed; "<limit>" for a positional.
 std::string named(const std::optional<Name>& name, const ArgumentDefinition* definition) {
-  std::string text = name ? name->written() : "";
+  std::string text = name ? shown(*name) : "";
   if (!definition || definition->valueName.empty()) return text;
   if (!text.empty()) text += ' ';
   return text + "<" + definition->valueName + ">";
@@ -70,13 +74,13 @@ class ErrorDescriber {
   ErrorText operator()(const UnknownOption& error) const {
     const std::string nearest = nearestName(error.name, declared_.arguments);
     const std::string hint = nearest.empty() ? "" : fmt::format(". Did you mean '{}'?", nearest);
-    return {fmt::format("Unknown option '{}'{}", error.name.written(), hint), {}};
+    return {fmt::format("Unknown option '{}'{}", shown(error.name), hint), {}};
   }
   ErrorText operator()(const InvalidOption& error) const {
-    return {"Invalid option: " + error.text, {}};
+    return {"Invalid option: " + withoutControls(error.text), {}};
   }
   ErrorText operator()(const NonAlphanumericShortOption& error) const {
-    return {"Invalid option: -" + error.character, {}};
+    return {"Invalid option: -" + withoutControls(error.character), {}};
   }
   ErrorText operator()(const MissingValueForOption& error) const {
     const ArgumentDefinition* definition = declared_.arguments.find(error.name);
@@ -86,16 +90,18 @@ class ErrorDescriber {
   ErrorText operator()(const MissingValueOrUnknownCompositeOption& error) const {
     return {fmt::format("{}\n   or: {} in '{}'", (*this)(UnknownOption{error.composite}).message,
                         (*this)(MissingValueForOption{error.shortName}).message,
-                        error.composite.written()),
+                        shown(error.composite)),
             {}};
   }
   ErrorText operator()(const UnexpectedValueForOption& error) const {
     return {fmt::format("The option '{}' does not take any value, but '{}' was specified.",
-                        error.name.written(), error.value),
+                        shown(error.name), withoutControls(error.value)),
             {}};
   }
   ErrorText operator()(const UnexpectedExtraValues& error) const {
-    const std::string values = quoted(error.values);
+    std::vector<std::string> shownValues;
+    for (const std::string& value : error.values) shownValues.push_back(withoutControls(value));
+    const std::string values = quoted(shownValues);
     if (error.values.size() == 1) return {"Unexpected argument " + values, {}};
     return {fmt::format("{} unexpected arguments: {}", error.values.size(), values), {}};
   }
@@ -108,15 +114,17 @@ class ErrorDescriber {
   ErrorText operator()(const UnableToParseValue& error) const {
     const ArgumentDefinition& definition = this->definition(error.definition);
     const std::string form = named(error.name, &definition);
-    const std::string tail =
-        error.reason ? ": " + *error.reason : choiceAmong(definition.allValueStrings);
-    return {fmt::format("The value '{}' is invalid for '{}'{}", error.value, form, tail),
+    const std::string tail = error.reason ? ": " + withoutControls(*error.reason)
+                                          : choiceAmong(definition.allValueStrings);
+    return {fmt::format("The value '{}' is invalid for '{}'{}", withoutControls(error.value), form,
+                        tail),
             helpLine(form, &definition)};
   }
   ErrorText operator()(const UnsupportedShell& error) const {
-    const std::string fault =
-        error.name ? fmt::format("Can't generate completion scripts for '{}'.", *error.name)
-                   : "Can't autodetect a supported shell.";
+    const std::string fault = error.name
+                                  ? fmt::format("Can't generate completion scripts for '{}'.",
+                                                withoutControls(*error.name))
+                                  : "Can't autodetect a supported shell.";
     return {fmt::format("{}\nPlease use --generate-completion-script=<shell> with one of:\n    {}",
                         fault, fmt::join(completionShellNames, " ")),
             {}};

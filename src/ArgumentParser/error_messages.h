@@ -6,7 +6,7 @@
 
 namespace ArgumentParser {
 
-/// What a user is told of an error that is no request, about the last command of the stack.
+/// The wording of an error that is not a request; `stack` ends in the command that it concerns.
 struct ErrorText {
   std::string message;
   std::string help;  ///< form and meaning of the argument concerned; may be empty

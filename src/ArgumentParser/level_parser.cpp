@@ -11,9 +11,10 @@ using Kind = Element::Kind;
 
 class LevelParser {
  public:
-  LevelParser(const ArgumentSet& arguments, SplitArguments& line)
+  LevelParser(const ArgumentSet& arguments, const Names& flagsElsewhere, SplitArguments& line)
       : definitions_(arguments.definitions()),
         arguments_(arguments),
+        flagsElsewhere_(flagsElsewhere),
         line_(line),
         isGiven_(definitions_.size()) {}
 
@@ -23,6 +24,7 @@ class LevelParser {
 
  private:
   void parseOption(Element& element, const ArgumentDefinition& definition);
+  bool followsKnownLetters(const Element& element, std::span<const Element> group) const;
   std::string_view valueOf(const Element& option, const ArgumentDefinition& definition);
   [[noreturn]] void failWithoutValue(const Element& option);
   void store(const ArgumentDefinition& definition, const Name* name, std::string_view value);
@@ -32,6 +34,7 @@ class LevelParser {
 
   const std::vector<ArgumentDefinition>& definitions_;
   const ArgumentSet& arguments_;
+  const Names& flagsElsewhere_;
   SplitArguments& line_;
   std::vector<bool> isGiven_;
 };
@@ -46,8 +49,9 @@ void LevelParser::parseOptions() {
 }
 
 void LevelParser::parseOption(Element& element, const ArgumentDefinition& definition) {
-  // "-abc" has been told: either all of it is used here, or it is no name of its own.
   const auto group = line_.elementsAt(element.position);
+  if (!definition.isFlag() && !followsKnownLetters(element, group)) return;
+  // Splitting left "-abc" open; this settles that it is one option, or one for each letter.
   group.front().isUsed = true;
   element.isUsed = true;
   if (&element == &group.front()) line_.useToken(element.position);
@@ -60,6 +64,17 @@ void LevelParser::parseOption(Element& element, const ArgumentDefinition& defini
   }
 }
 
+/// Where a letter before this one is unknown, the group is no options at all, and takes no value.
+bool LevelParser::followsKnownLetters(const Element& element,
+                                      std::span<const Element> group) const {
+  if (group.size() == 1 || &element == &group.front()) return true;
+  const auto letters = group.subspan(1, static_cast<std::size_t>(&element - &group.front()) - 1);
+  return std::ranges::all_of(letters, [this](const Element& letter) {
+    return letter.isUsed || arguments_.find(letter.name) ||
+           std::ranges::count(flagsElsewhere_, letter.name) > 0;
+  });
+}
+
 /// A token is a value only of the option right in front of it: of "-ab x", the option "-b".
 std::string_view LevelParser::valueOf(const Element& option, const ArgumentDefinition& definition) {
   if (option.value) return *option.value;
@@ -69,7 +84,6 @@ std::string_view LevelParser::valueOf(const Element& option, const ArgumentDefin
   if (!isLast || !line_.hasToken(next)) failWithoutValue(option);
   if (definition.parsingStrategy == ParsingStrategy::standard) {
     const Element& value = line_.elementsAt(next).front();
-    if (value.kind == Kind::malformed) throw malformation(line_.token(next));
     if (value.kind != Kind::value || value.isUsed) failWithoutValue(option);
   }
   line_.useToken(next);
@@ -122,8 +136,9 @@ std::optional<std::size_t> LevelParser::firstMissing() const {
 
 }  // namespace
 
-std::optional<std::size_t> parseLevel(const ArgumentSet& arguments, SplitArguments& line) {
-  LevelParser parser(arguments, line);
+std::optional<std::size_t> parseLevel(const ArgumentSet& arguments, const Names& flagsElsewhere,
+                                      SplitArguments& line) {
+  LevelParser parser(arguments, flagsElsewhere, line);
   parser.parseOptions();
   parser.parsePositionals();
   return parser.firstMissing();

@@ -1,5 +1,6 @@
 #include "ArgumentParser/message_info.h"
 
+#include "ArgumentParser/characters.h"
 #include "ArgumentParser/completion_script.h"
 #include "ArgumentParser/error_messages.h"
 #include "ArgumentParser/help_generator.h"
@@ -63,7 +64,7 @@ class Converter {
     } catch (const ExitCode& exit) {
       return {Other{{}, exit.code()}};
     } catch (const std::exception& other) {
-      return {Other{other.what(), ExitCode::failure}};
+      return {Other{withoutControls(other.what()), ExitCode::failure}};
     } catch (...) {
       return {Other{"Unknown error", ExitCode::failure}};
     }

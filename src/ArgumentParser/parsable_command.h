@@ -42,7 +42,7 @@ class ParsableArguments {
 
   virtual void declare(ArgumentSet&) {}
 
-  /// The check behind parsing: a ValidationError tells the user what is wrong.
+  /// A check after parsing. Throws a ValidationError with a message for the user.
   virtual void validate() {}
 };
 

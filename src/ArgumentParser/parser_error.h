@@ -33,6 +33,7 @@ struct InvalidOption {
 };
 struct NonAlphanumericShortOption {
   std::string character;
+  bool isInGroup;  ///< beside a letter: -n?
 };
 struct MissingValueForOption {
   Name name;

@@ -19,6 +19,30 @@ std::string_view nameWithin(std::string_view option) {
   return option.substr(0, option.find('='));
 }
 
+/// One letter and one sign: "-n?".
+bool isLetterWithSign(std::string_view group) {
+  const std::string_view letter = firstCharacter(group);
+  const std::string_view sign = group.substr(letter.size());
+  return isShortName(letter) && isSingleCharacter(sign) && !isShortName(sign) && sign != "=";
+}
+
+/// The kind of a token by its spelling alone. Throws a ParserError for a malformed one.
+Kind classify(std::string_view token) {
+  const std::size_t dashes = std::min(token.find_first_not_of('-'), token.size());
+  if (dashes == 0 || token == "-") return Kind::value;
+  if (token == "--") return Kind::terminator;
+  const std::string_view text = token.substr(dashes);
+  const std::string_view name = nameWithin(text);
+  if (dashes > 2 || name.empty()) throw ParserError(InvalidOption{std::string(token)});
+  if (dashes == 2) return Kind::option;
+  if (isSingleCharacter(name) && !isShortName(name))
+    throw ParserError(NonAlphanumericShortOption{std::string(name), false});
+  if (isLetterWithSign(text))
+    throw ParserError(
+        NonAlphanumericShortOption{std::string(text.substr(firstCharacter(text).size())), true});
+  return Kind::option;
+}
+
 }  // namespace
 
 bool isShortName(std::string_view character) {
@@ -27,70 +51,42 @@ bool isShortName(std::string_view character) {
   return isLetter || (first >= '0' && first <= '9') || first >= 0x80;
 }
 
-ParserError malformation(std::string_view token) {
-  const std::string_view behindDash = token.substr(1);
-  if (isSingleCharacter(behindDash)) return NonAlphanumericShortOption{std::string(behindDash)};
-  const std::string_view name = nameWithin(behindDash);
-  if (isSingleCharacter(name) && name != "-") return NonAlphanumericShortOption{std::string(name)};
-  return InvalidOption{std::string(token)};
-}
-
-SplitArguments::SplitArguments(const std::vector<std::string>& tokens) : tokens_(tokens) {
+SplitArguments::SplitArguments(const std::vector<std::string>& tokens,
+                               const std::vector<bool>& isOptionValue)
+    : tokens_(tokens) {
   elements_.reserve(tokens.size());
   firstElement_.reserve(tokens.size());
-  bool isBehindTerminator = false;
+  bool isTerminated = false;
   for (std::size_t position = 0; position < tokens.size(); ++position) {
     firstElement_.push_back(elements_.size());
-    if (isBehindTerminator) {
-      elements_.push_back({.kind = Kind::value, .position = position});
-      continue;
+    const Kind kind = isTerminated              ? Kind::value
+                      : isOptionValue[position] ? Kind::optionValue
+                                                : classify(tokens[position]);
+    isTerminated = isTerminated || kind == Kind::terminator;
+    if (kind == Kind::option) {
+      splitOption(position);
+    } else {
+      elements_.push_back({.kind = kind, .position = position});
     }
-    split(position);
-    isBehindTerminator = elements_.back().kind == Kind::terminator;
-    if (elements_.back().kind == Kind::malformed && !standsBehindOption(position))
-      throw malformation(tokens[position]);
   }
 }
 
-void SplitArguments::split(std::size_t position) {
+void SplitArguments::splitOption(std::size_t position) {
   const std::string_view token = tokens_[position];
-  const std::size_t dashes = std::min(token.find_first_not_of('-'), token.size());
-  if (dashes == 0 || token == "-") {
-    elements_.push_back({.kind = Kind::value, .position = position});
-  } else if (token == "--") {
-    elements_.push_back({.kind = Kind::terminator, .position = position});
-  } else if (dashes > 2 || nameWithin(token.substr(dashes)).empty()) {
-    elements_.push_back({.kind = Kind::malformed, .position = position});
-  } else {
-    splitOption(position, dashes);
-  }
-}
-
-void SplitArguments::splitOption(std::size_t position, std::size_t dashes) {
-  const std::string_view text = std::string_view(tokens_[position]).substr(dashes);
+  const bool isLong = token.starts_with("--");
+  const std::string_view text = token.substr(isLong ? 2 : 1);
   const std::string_view name = nameWithin(text);
   Element option{.kind = Kind::option, .position = position};
   option.name = {Name::Kind::longName, std::string(name)};
   if (name.size() < text.size()) option.value = text.substr(name.size() + 1);
-  if (dashes == 2) {
-    elements_.push_back(option);
-    return;
-  }
-  const bool isSingle = isSingleCharacter(name);
-  option.name.kind = isSingle ? Name::Kind::shortName : Name::Kind::longWithSingleDash;
-  if (isSingle && !isShortName(name)) option.kind = Kind::malformed;
+  const bool isSingle = !isLong && isSingleCharacter(name);
+  if (!isLong) option.name.kind = isSingle ? Name::Kind::shortName : Name::Kind::longWithSingleDash;
   elements_.push_back(option);
-  if (isSingle || option.value) return;
+  if (isLong || isSingle || option.value) return;
   for (const std::string_view character : characters(name)) {
     option.name = {Name::Kind::shortName, std::string(character)};
     elements_.push_back(option);
   }
-}
-
-bool SplitArguments::standsBehindOption(std::size_t position) const {
-  if (position == 0) return false;
-  const Element& before = elements_[firstElement_[position] - 1];
-  return before.kind == Kind::option && !before.value;
 }
 
 std::span<Element> SplitArguments::elementsAt(std::size_t position) {

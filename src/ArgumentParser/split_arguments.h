@@ -12,20 +12,26 @@
 
 namespace ArgumentParser {
 
-/// A line cut into what its tokens may mean, before any command is known, and a mark on what has
-/// been used.
+/// A line split into what its tokens may mean, before any command has taken its arguments, and a
+/// mark on what has been used.
 ///
 ///   x  -  (empty)    a value
 ///   --name           an option
 ///   --name=value     an option with a value
 ///   -n  -n=value     the same with a short name
 ///   -abc             the option "-abc", else the options "-a", "-b" and "-c": four elements
-///   --               the terminator: all tokens behind it are values
-///   ---x  --=x  -?   malformed
+///   --               the terminator: all tokens after it are values
+///
+/// Malformed, and refused at once: `---x`, `--=x`, `-?`, and one letter with a sign, `-n?`.
 class SplitArguments {
  public:
   struct Element {
-    enum class Kind { value, option, terminator, malformed };
+    enum class Kind {
+      value,
+      optionValue,  ///< taken by the option before it, whatever it looks like; no positional
+      option,
+      terminator
+    };
 
     Kind kind = Kind::value;
     std::size_t position = 0;                    ///< of its token
@@ -34,10 +40,9 @@ class SplitArguments {
     bool isUsed = false;
   };
 
-  /// Throws a ParserError for a malformed token, unless it stands behind an option, whose value
-  /// it may prove to be.
-  /// Keeps a reference to the tokens.
-  explicit SplitArguments(const std::vector<std::string>& tokens);
+  /// `isOptionValue`: by position, as `unconditionalValues` gives it; such tokens are never
+  /// malformed. Keeps a reference to the tokens. Throws a ParserError.
+  SplitArguments(const std::vector<std::string>& tokens, const std::vector<bool>& isOptionValue);
 
   std::vector<Element>& elements() { return elements_; }
   const std::string& token(std::size_t position) const { return tokens_[position]; }
@@ -50,12 +55,8 @@ class SplitArguments {
   const Element* firstUnused() const;          ///< may be the terminator
   std::vector<const Element*> unused() const;  ///< without the terminator
 
-  /// Whether the token may be an option's value, from its place on the line.
-  bool standsBehindOption(std::size_t position) const;
-
  private:
-  void split(std::size_t position);
-  void splitOption(std::size_t position, std::size_t dashes);
+  void splitOption(std::size_t position);
 
   const std::vector<std::string>& tokens_;
   std::vector<Element> elements_;
@@ -64,8 +65,5 @@ class SplitArguments {
 
 /// A letter or a digit; every character beyond ASCII counts as a letter.
 bool isShortName(std::string_view character);
-
-/// What is wrong with a malformed token.
-ParserError malformation(std::string_view token);
 
 }  // namespace ArgumentParser

@@ -1,24 +1,26 @@
 #pragma once
 
-#include <stdexcept>
 #include <string>
+#include <utility>
+
+#include "domain/failure.h"
 
 namespace tavi {
 
-/// The command line's own usage error: what the parser cannot check. what() is the message.
-class TaviCLIError : public std::runtime_error {
+/// The command line's own usage error: what the parser cannot check.
+class TaviCLIError : public Failure {
  public:
-  static TaviCLIError usage(const std::string& message) { return TaviCLIError(message); }
+  static TaviCLIError usage(std::string message) { return TaviCLIError(std::move(message)); }
 
  private:
-  using std::runtime_error::runtime_error;
+  using Failure::Failure;
 };
 
 /// A failure that a command words itself, with its machine code; ends the run like a store error.
-class CommandFailure : public std::runtime_error {
+class CommandFailure : public Failure {
  public:
-  CommandFailure(std::string code, const std::string& message)
-      : std::runtime_error(message), code_(std::move(code)) {}
+  CommandFailure(std::string code, std::string message)
+      : Failure(std::move(message)), code_(std::move(code)) {}
   const std::string& code() const { return code_; }
 
  private:

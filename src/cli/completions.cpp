@@ -10,7 +10,6 @@
 #include "operations/comma_list.h"
 #include "operations/pin_operations.h"
 #include "operations/tag_operations.h"
-#include "platform/markdown/hashtag.h"
 
 namespace tavi::completions {
 namespace {
@@ -36,15 +35,14 @@ Candidates ofNotes(std::string NoteMetadata::*text, std::optional<NoteLocation> 
 
 Candidates asTyped(Candidates names, const CompletionRequest& request) {
   if (!request.value.starts_with('#')) return names;
-  for (std::string& name : names)
-    name = zephyrdown::ZDKHashtag::hashtagStringForTagName(name).value_or(name);
+  for (std::string& name : names) name = TagParser::writtenForm(name).value_or(name);
   return names;
 }
 
 /// What stands before the last piece of a list: "modified, " of "modified, ti".
 std::string_view piecesBefore(std::string_view list) {
-  const std::size_t behindComma = list.rfind(',') + 1;  // 0 without a comma
-  return list.substr(0, list.find_first_not_of(' ', behindComma));
+  const std::size_t afterComma = list.rfind(',') + 1;  // 0 without a comma
+  return list.substr(0, list.find_first_not_of(' ', afterComma));
 }
 
 }  // namespace

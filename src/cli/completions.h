@@ -6,9 +6,8 @@
 
 #include "ArgumentParser/completion_kind.h"
 
-/// What a shell offers for values that only the database knows. Candidates read it and nothing
-/// else: no database is made, no writer waited for. They throw what opening and reading throw, for
-/// the parser to pass over.
+/// Candidates for values that only the database knows. They only read it: no database is created
+/// and no writer waited for. They throw what opening and reading throw; the parser ignores that.
 namespace tavi::completions {
 
 using ArgumentParser::CandidateFunction;

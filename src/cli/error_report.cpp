@@ -1,11 +1,14 @@
 #include "cli/error_report.h"
 
 #include <algorithm>
+#include <new>
 #include <optional>
 
 #include "ArgumentParser/command_line.h"
+#include "ArgumentParser/parser_error.h"
 #include "cli/cli_error.h"
 #include "cli/session.h"
+#include "domain/failure.h"
 #include "domain/store_errors.h"
 #include "json/json_writer.h"
 #include "operations/operation.h"
@@ -35,6 +38,18 @@ void writeError(std::string_view code, std::string_view message) {
 void writeLine(ByteSink& sink, std::string_view text) {
   sink.append(text);
   sink.put('\n');
+}
+
+/// A query such as "-x?", of which the parser says what is wrong in other words.
+bool isGroupWithSign(const std::exception_ptr& error) {
+  try {
+    std::rethrow_exception(error);
+  } catch (const ArgumentParser::CommandError& failure) {
+    const auto* sign = std::get_if<ArgumentParser::NonAlphanumericShortOption>(&failure.error());
+    return sign && sign->isInGroup;
+  } catch (...) {
+    return false;
+  }
 }
 
 /// Two ways of searching that look right and are unknown options to the parser.
@@ -89,7 +104,7 @@ int ErrorReporter::reportAsParser(const std::exception_ptr& error) const {
 
 int ErrorReporter::reportParseError(const std::exception_ptr& error) const {
   const std::string text = ArgumentParser::message(root_, error);
-  if (text.find("Unknown option") != std::string::npos)
+  if (text.find("Unknown option") != std::string::npos || isGroupWithSign(error))
     if (const auto hint = searchHint(arguments_)) return reportUsage(*hint);
   if (!jsonErrorMode_) return reportAsParser(error);
   constexpr std::string_view prefix = "Error: ";
@@ -100,13 +115,15 @@ int ErrorReporter::reportCommandError(const std::exception_ptr& error) const {
   try {
     std::rethrow_exception(error);
   } catch (const NoteStoreError& failure) {
-    return report(failure.code(), failure.message(), businessError);
+    return report(failure.code(), failureMessage(failure), businessError);
   } catch (const CommandFailure& failure) {
-    return report(failure.code(), failure.what(), businessError);
+    return report(failure.code(), failureMessage(failure), businessError);
   } catch (const TaviCLIError& failure) {
-    return reportUsage(failure.what());
+    return reportUsage(failureMessage(failure));
   } catch (const OperationError& failure) {
-    return reportUsage(failure.what());
+    return reportUsage(failureMessage(failure));
+  } catch (const std::bad_alloc& failure) {
+    return report("internal", failureMessage(failure), businessError);
   } catch (...) {
     if (!jsonErrorMode_) return reportAsParser(error);
     return report("internal", ArgumentParser::message(root_, error), businessError);

@@ -5,8 +5,8 @@
 #include <optional>
 #include <string>
 
+#include "bytes/byte_sink.h"
 #include "domain/note_store.h"
-#include "json/byte_sink.h"
 #include "operations/location_operations.h"
 #include "store/make_store.h"
 

@@ -18,7 +18,7 @@ namespace tavi {
 
 namespace {
 
-/// What a regular file holds; 0 where that cannot be told.
+/// The size of standard input when it is a regular file, else 0.
 std::size_t fileSize() {
   struct stat status {};
   const bool regular = ::fstat(STDIN_FILENO, &status) == 0 && S_ISREG(status.st_mode);

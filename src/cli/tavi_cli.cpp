@@ -5,6 +5,7 @@
 
 #include <csignal>
 #include <exception>
+#include <new>
 
 #include "ArgumentParser/command_line.h"
 #include "ArgumentParser/completion_request.h"
@@ -27,6 +28,7 @@
 #include "cli/help.h"
 #include "cli/standard_input.h"
 #include "cli/version.h"
+#include "domain/failure.h"
 #include "platform/system/workspace.h"
 #include "platform/text/utf8.h"
 #include "store/make_store.h"
@@ -68,8 +70,7 @@ std::optional<int> run(ArgumentParser::ParsableCommand& command, const ErrorRepo
   }
 }
 
-/// What a shell is to offer. The user is typing: whatever goes wrong, there is nothing to offer and
-/// nothing to say.
+/// Prints the candidates for a shell. The user is typing: a failure of any kind prints nothing.
 int complete(const CommandType& root, const Arguments& arguments) try {
   ByteSink& output = Session::current().output;
   if (invalidArgument(arguments)) return 0;
@@ -94,6 +95,8 @@ std::optional<int> serve(const CommandType& root, const Arguments& arguments) {
   std::unique_ptr<ArgumentParser::ParsableCommand> command;
   try {
     command = ArgumentParser::parseAsRoot(root, arguments);
+  } catch (const std::bad_alloc&) {
+    throw;
   } catch (...) {
     return reporter.reportParseError(std::current_exception());
   }
@@ -106,12 +109,12 @@ std::optional<int> flushed(Session& session, std::optional<int> exitCode) {
     session.output.flush();
   } catch (const OutputClosed&) {
   } catch (const std::system_error& error) {
-    session.errors.append(std::string("Error: ") + error.what() + "\n");
+    session.errors.append("Error: " + failureMessage(error) + "\n");
     exitCode = 1;
   }
   try {
     session.errors.flush();
-  } catch (const std::system_error&) {  // there is no place left to tell it
+  } catch (const std::system_error&) {  // nowhere left to report it
   }
   return exitCode;
 }
@@ -150,7 +153,7 @@ std::optional<int> TaviCLI::main(const std::vector<std::string>& arguments) {
   // A reader that stops reading, as `head` does, ends the output and not what is under way. Not
   // SIG_IGN, which a program that we start would inherit.
   std::signal(SIGPIPE, [](int) {});
-  // A file that would grow beyond the user's limit is a failed write, to be told like any other.
+  // A file that would grow beyond the user's limit is a failed write, reported like any other.
   std::signal(SIGXFSZ, [](int) {});
   DescriptorSink output(STDOUT_FILENO);
   DescriptorSink errors(STDERR_FILENO);
@@ -168,7 +171,10 @@ std::optional<int> TaviCLI::main(const std::vector<std::string>& arguments, Sess
   std::optional<int> exitCode = 0;
   try {
     exitCode = serve(commandType<TaviCLI>(), arguments);
-  } catch (const OutputClosed&) {  // within a long page of help
+  } catch (const OutputClosed&) {    // within a long page of help
+  } catch (const std::bad_alloc&) {  // around a command
+    const ErrorReporter reporter(commandType<TaviCLI>(), arguments);
+    exitCode = reporter.reportCommandError(std::current_exception());
   }
   exitCode = flushed(session, exitCode);
   session.store.reset();

@@ -6,6 +6,7 @@
 #include <array>
 #include <optional>
 
+#include "domain/raw_texts.h"
 #include "platform/text/utf8.h"
 
 namespace tavi {
@@ -15,15 +16,7 @@ namespace {
 constexpr std::array<std::string_view, 4> kFields = {"pinned", "modified", "created", "title"};
 constexpr std::array<std::string_view, 2> kOrders = {"asc", "desc"};
 
-template <class Enum, std::size_t size>
-std::optional<Enum> valueOf(const std::array<std::string_view, size>& texts,
-                            std::string_view text) {
-  const auto place = std::find(texts.begin(), texts.end(), text);
-  if (place == texts.end()) return std::nullopt;
-  return static_cast<Enum>(place - texts.begin());
-}
-
-std::string message(SortParseError::Kind kind, std::string_view offender) {
+std::string wording(SortParseError::Kind kind, std::string_view offender) {
   switch (kind) {
     case SortParseError::Kind::invalidField:
       return fmt::format("invalid sort field: {} (valid: {})", offender, fmt::join(kFields, ", "));
@@ -37,8 +30,8 @@ std::string message(SortParseError::Kind kind, std::string_view offender) {
   return "sort string is empty";
 }
 
-/// "title:asc" or "title". Colons in front are passed over; the first one behind the field ends
-/// it, and all that follows is the order, empty for none.
+/// "title:asc" or "title". Leading colons are skipped; the first one after the field ends it, and
+/// the rest is the order, empty for none.
 struct Piece {
   explicit Piece(std::string_view text) {
     text.remove_prefix(std::min(text.find_first_not_of(':'), text.size()));
@@ -64,14 +57,14 @@ SortOrder orderNamed(std::string_view text) {
 }  // namespace
 
 std::string_view rawText(SortField field) {
-  return kFields[static_cast<std::size_t>(field)];
+  return textOf(kFields, field);
 }
 std::string_view rawText(SortOrder order) {
-  return kOrders[static_cast<std::size_t>(order)];
+  return textOf(kOrders, order);
 }
 
 SortParseError::SortParseError(Kind kind, std::string_view offender)
-    : std::runtime_error(message(kind, offender)), kind_(kind) {}
+    : Failure(wording(kind, offender)), kind_(kind) {}
 
 SortCriteria parseSortCriteria(std::string_view text) {
   SortCriteria result;

@@ -1,9 +1,10 @@
 #pragma once
 
-#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <vector>
+
+#include "domain/failure.h"
 
 namespace tavi {
 
@@ -22,8 +23,8 @@ using SortCriteria = std::vector<SortCriterion>;
 std::string_view rawText(SortField field);
 std::string_view rawText(SortOrder order);
 
-/// What is wrong with a sort string; `what()` is the message for the user.
-class SortParseError : public std::runtime_error {
+/// What is wrong with a sort string.
+class SortParseError : public Failure {
  public:
   enum class Kind { invalidField, invalidOrder, duplicateField, empty };
   SortParseError(Kind kind, std::string_view offender);

@@ -81,60 +81,63 @@ std::string gateMessage(const std::set<std::string>& removed,
 }  // namespace
 
 NoteStoreError NoteStoreError::noteNotFound(std::string_view id) {
-  return {Case::noteNotFound, fmt::format("Note not found: {}", id)};
+  return {Case::noteNotFound, "note_not_found", fmt::format("Note not found: {}", id)};
 }
 
 NoteStoreError NoteStoreError::noNoteWithTitle(std::string_view title) {
-  return {Case::noNoteWithTitle,
+  return {Case::noNoteWithTitle, "note_not_found",
           fmt::format("No note with title: {} (in notes — use note ID for trash/archive)", title)};
 }
 
 NoteStoreError NoteStoreError::titleMatchesMultiple(std::string_view /*title*/,
                                                     std::int64_t count) {
-  return {Case::titleMatchesMultiple,
+  return {Case::titleMatchesMultiple, "title_ambiguous",
           fmt::format("Title matches {} notes (excluding trash/archive) — use note ID to "
                       "disambiguate",
                       count)};
 }
 
 NoteStoreError NoteStoreError::stringNotFound(std::string_view noteID) {
-  return {Case::stringNotFound, fmt::format("String not found in note {}", noteID)};
+  return {Case::stringNotFound, "string_not_found",
+          fmt::format("String not found in note {}", noteID)};
 }
 
 NoteStoreError NoteStoreError::stringMatchesMultiple(std::string_view noteID, std::int64_t count) {
-  return {Case::stringMatchesMultiple,
+  return {Case::stringMatchesMultiple, "string_ambiguous",
           fmt::format("String matches {} locations in note {} — provide more surrounding context "
                       "in --find to disambiguate",
                       count, noteID)};
 }
 
 NoteStoreError NoteStoreError::attachmentNotFound(std::string_view filename) {
-  return {Case::attachmentNotFound, fmt::format("Attachment not found: {}", filename)};
+  return {Case::attachmentNotFound, "attachment_not_found",
+          fmt::format("Attachment not found: {}", filename)};
 }
 
 NoteStoreError NoteStoreError::noteIsLocked(std::string_view idOrTitle) {
-  return {Case::noteIsLocked, fmt::format("Note is locked: {}", idOrTitle)};
+  return {Case::noteIsLocked, "note_locked", fmt::format("Note is locked: {}", idOrTitle)};
 }
 
 NoteStoreError NoteStoreError::tagNotFound(std::string_view name) {
-  return {Case::tagNotFound, fmt::format("Tag not found: {}", name)};
+  return {Case::tagNotFound, "tag_not_found", fmt::format("Tag not found: {}", name)};
 }
 
 NoteStoreError NoteStoreError::tagsNotFound(const std::vector<std::string>& names) {
-  return {Case::tagsNotFound, fmt::format("Tags not found: {}", fmt::join(names, ", "))};
+  return {Case::tagsNotFound, "tag_not_found",
+          fmt::format("Tags not found: {}", fmt::join(names, ", "))};
 }
 
 NoteStoreError NoteStoreError::fileNotFound(std::string_view path) {
-  return {Case::fileNotFound, fmt::format("File not found: {}", path)};
+  return {Case::fileNotFound, "file_not_found", fmt::format("File not found: {}", path)};
 }
 
 NoteStoreError NoteStoreError::storeUnavailable(std::string_view message) {
-  return {Case::storeUnavailable, std::string(message)};
+  return {Case::storeUnavailable, "store_unavailable", std::string(message)};
 }
 
 NoteStoreError NoteStoreError::renameTargetExists(std::string_view newName,
                                                   std::int64_t mergeCount) {
-  return {Case::renameTargetExists,
+  return {Case::renameTargetExists, "conflict",
           fmt::format("Tag \"{}\" already exists. Renaming would merge {} {} into it. Pass --force "
                       "/ force=true to proceed.",
                       newName, mergeCount, mergeCount == 1 ? "note" : "notes")};
@@ -142,7 +145,7 @@ NoteStoreError NoteStoreError::renameTargetExists(std::string_view newName,
 
 NoteStoreError NoteStoreError::batchEditFailed(std::int64_t index, std::string_view find,
                                                const NoteStoreError& underlying) {
-  NoteStoreError error(Case::batchEditFailed,
+  NoteStoreError error(Case::batchEditFailed, underlying.code(),
                        fmt::format("Batch edit {} (find: \"{}\"): {}", index + 1, displayForm(find),
                                    underlying.message()));
   error.underlying_ = std::make_shared<NoteStoreError>(underlying);
@@ -151,59 +154,23 @@ NoteStoreError NoteStoreError::batchEditFailed(std::int64_t index, std::string_v
 
 NoteStoreError NoteStoreError::attachmentRemovalGateFailed(const std::set<std::string>& removed,
                                                            const std::set<std::string>& expected) {
-  return {Case::attachmentRemovalGateFailed, gateMessage(removed, expected)};
+  return {Case::attachmentRemovalGateFailed, "attachment_removal_blocked",
+          gateMessage(removed, expected)};
 }
 
 NoteStoreError NoteStoreError::hashMismatch() {
-  return {Case::hashMismatch, "Note has changed since last read — read again before writing"};
+  return {Case::hashMismatch, "hash_mismatch",
+          "Note has changed since last read — read again before writing"};
 }
 
 NoteStoreError NoteStoreError::concurrentModification() {
-  return {Case::concurrentModification,
+  return {Case::concurrentModification, "concurrent_modification",
           "Note was modified by another process during the operation — try again"};
 }
 
 NoteStoreError NoteStoreError::appLockEnabled() {
-  return {Case::appLockEnabled,
+  return {Case::appLockEnabled, "app_lock_enabled",
           "Tavi’s app lock is enabled; disable it in Tavi’s settings to use the CLI."};
-}
-
-std::string_view NoteStoreError::code() const {
-  switch (innermost().case_) {
-    case Case::noteNotFound:
-    case Case::noNoteWithTitle:
-      return "note_not_found";
-    case Case::titleMatchesMultiple:
-      return "title_ambiguous";
-    case Case::stringNotFound:
-      return "string_not_found";
-    case Case::stringMatchesMultiple:
-      return "string_ambiguous";
-    case Case::attachmentNotFound:
-      return "attachment_not_found";
-    case Case::noteIsLocked:
-      return "note_locked";
-    case Case::tagNotFound:
-    case Case::tagsNotFound:
-      return "tag_not_found";
-    case Case::fileNotFound:
-      return "file_not_found";
-    case Case::storeUnavailable:
-      return "store_unavailable";
-    case Case::renameTargetExists:
-      return "conflict";
-    case Case::attachmentRemovalGateFailed:
-      return "attachment_removal_blocked";
-    case Case::hashMismatch:
-      return "hash_mismatch";
-    case Case::concurrentModification:
-      return "concurrent_modification";
-    case Case::appLockEnabled:
-      return "app_lock_enabled";
-    case Case::batchEditFailed:
-      break;  // never the innermost
-  }
-  return "";
 }
 
 bool NoteStoreError::isStringNotFound() const {

@@ -1,18 +1,19 @@
 #pragma once
 
 #include <cstdint>
-#include <exception>
 #include <memory>
 #include <set>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "domain/failure.h"
+
 namespace tavi {
 
 /// The one error of the storage interface. Every value has a fixed message and a fixed machine
 /// code; both faces print them as they stand. Made by the functions below the class.
-class NoteStoreError : public std::exception {
+class NoteStoreError : public Failure {
  public:
   enum class Case {
     noteNotFound,
@@ -56,23 +57,22 @@ class NoteStoreError : public std::exception {
   static NoteStoreError appLockEnabled();
 
   Case kind() const { return case_; }
-  const std::string& message() const { return message_; }
-  const char* what() const noexcept override { return message_.c_str(); }
   /// Such as "note_not_found". A failed batch edit has the code of the edit's own error.
-  std::string_view code() const;
+  std::string_view code() const { return code_; }
   /// Whether this, or the innermost error of a batch edit, is `stringNotFound`.
   bool isStringNotFound() const;
   /// The same case with the same words.
   bool operator==(const NoteStoreError& other) const {
-    return case_ == other.case_ && message_ == other.message_;
+    return case_ == other.case_ && message() == other.message();
   }
 
  private:
-  NoteStoreError(Case kind, std::string message) : case_(kind), message_(std::move(message)) {}
+  NoteStoreError(Case kind, std::string_view code, std::string message)
+      : Failure(std::move(message)), case_(kind), code_(code) {}
   const NoteStoreError& innermost() const;
 
   Case case_;
-  std::string message_;
+  std::string_view code_;
   std::shared_ptr<const NoteStoreError> underlying_;  // of batchEditFailed only
 };
 

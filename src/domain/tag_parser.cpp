@@ -10,8 +10,12 @@ std::string TagParser::canonicalName(std::string_view text) {
   return ZDKHashtag::sanitizeTagName(text).value_or("");
 }
 
+std::optional<std::string> TagParser::writtenForm(std::string_view name) {
+  return ZDKHashtag::hashtagStringForTagName(name);
+}
+
 std::string TagParser::hashtag(std::string_view name) {
-  return ZDKHashtag::hashtagStringForTagName(name).value_or("#" + std::string(name));
+  return writtenForm(name).value_or("#" + std::string(name));
 }
 
 }  // namespace tavi

@@ -13,7 +13,7 @@ namespace tavi {
 /// Characters are extended grapheme clusters (Unicode UAX #29).
 struct TextSearcher {
   /// Ascending by offset, never overlapping; empty when the query is empty.
-  /// `context`: characters kept around the match, >= 0; half before it, the odd one behind it.
+  /// `context`: characters kept around the match, >= 0; half before it, the odd one after it.
   /// `limit`: greater than 0; absent means all.
   static std::vector<SearchMatch> search(std::string_view text, std::string_view query,
                                          std::int64_t context, std::optional<std::int64_t> limit);

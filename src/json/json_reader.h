@@ -1,6 +1,7 @@
 #pragma once
 
 #include <boost/json/value.hpp>
+#include <cstddef>
 #include <stdexcept>
 #include <string_view>
 
@@ -11,9 +12,16 @@ class JSONParseError : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
+/// A text that nests deeper than `deepestJSON`.
+class JSONNestedTooDeep : public JSONParseError {
+  using JSONParseError::JSONParseError;
+};
+
+inline constexpr std::size_t deepestJSON = 128;
+
 /// Reads one JSON value (RFC 8259) that fills `text` but for blanks. Throws JSONParseError, also
-/// for ill-formed UTF-8, for lone surrogate escapes, and below a depth of 128. Of a repeated key
-/// the last one counts.
+/// for ill-formed UTF-8. The escape of a lone surrogate stands for U+FFFD. Of a repeated key the
+/// last one counts.
 boost::json::value parseJSON(std::string_view text);
 
 }  // namespace tavi

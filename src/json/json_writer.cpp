@@ -6,7 +6,7 @@
 #include <cmath>
 #include <map>
 
-#include "json/byte_scan.h"
+#include "bytes/byte_set.h"
 #include "platform/text/utf8.h"
 
 namespace tavi {

@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-#include "json/byte_sink.h"
+#include "bytes/byte_sink.h"
 #include "json/json_value.h"
 
 namespace tavi {
@@ -13,8 +13,8 @@ namespace tavi {
 /// else \u00xx in lower case), and all else as UTF-8; `wire` also writes "/" as `\/`.
 enum class JSONStyle { commandLine, wire };
 
-/// Writes JSON (RFC 8259) as it is told, without blanks, into a sink; nothing is kept but the
-/// sink's buffer. Commas are the writer's business, nesting and the order of keys the caller's:
+/// Writes JSON (RFC 8259) into a sink, value by value and without blanks; memory is the sink's
+/// buffer alone. Commas are the writer's business, nesting and the order of keys the caller's:
 /// where keys must be sorted, write them in that order.
 ///
 ///   writer.beginObject();
@@ -68,17 +68,6 @@ class JSONWriter {
   ByteSink& sink_;
   JSONStyle style_;
   bool commaDue_ = false;
-};
-
-/// What is written here becomes the text of a string of `writer`, between its beginString and
-/// endString. Flush before the latter.
-class JSONStringSink final : public ByteSink {
- public:
-  explicit JSONStringSink(JSONWriter& writer) : writer_(writer) {}
-
- private:
-  void accept(std::string_view bytes) override { writer_.stringPart(bytes); }
-  JSONWriter& writer_;
 };
 
 /// `text` as it stands between the quotes of a JSON string of the command line.

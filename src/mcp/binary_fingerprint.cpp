@@ -2,18 +2,21 @@
 
 #include <fcntl.h>
 #include <fmt/format.h>
+#include <sys/auxv.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
-#include <climits>
 #include <cstring>
+#include <filesystem>
 
 #include "platform/system/file_descriptor.h"
 
 namespace tavi::mcp {
 namespace {
+
+namespace fs = std::filesystem;
 
 /// An open file, read a window at a time: headers are walked in small steps.
 class FileImage final : public ImageBytes {
@@ -57,11 +60,25 @@ class FileImage final : public ImageBytes {
   std::array<std::uint8_t, 4096> window_;
 };
 
-std::optional<std::string> ownExecutablePath() {
-  std::array<char, PATH_MAX> path;
-  const ssize_t length = ::readlink("/proc/self/exe", path.data(), path.size());
-  if (length <= 0 || static_cast<std::size_t>(length) == path.size()) return {};
-  return std::string(path.data(), static_cast<std::size_t>(length));
+constexpr const char* kRunningImage = "/proc/self/exe";
+
+/// The path that execve(2) was given, links and all, made absolute. Nothing when it leads elsewhere
+/// by now, or to the loader that was told to run the program.
+std::optional<fs::path> pathAsStarted() {
+  const auto* given = reinterpret_cast<const char*>(::getauxval(AT_EXECFN));
+  if (given == nullptr) return {};
+  std::error_code error;
+  const fs::path path = fs::absolute(given, error);
+  if (error || !fs::equivalent(path, kRunningImage, error) || error) return {};
+  return path;
+}
+
+std::optional<fs::path> ownExecutablePath() {
+  if (auto path = pathAsStarted()) return path;
+  std::error_code error;
+  const fs::path path = fs::read_symlink(kRunningImage, error);
+  if (error) return {};
+  return path;
 }
 
 }  // namespace
@@ -101,9 +118,12 @@ BinaryFingerprint BinaryFingerprint::ofFile(const std::string& path) {
 }
 
 BinaryFingerprint BinaryFingerprint::current() {
-  static const std::optional<std::string> path = ownExecutablePath();
+  static const std::optional<fs::path> path = ownExecutablePath();
   if (!path) throw BinaryFingerprintError::executablePathUnavailable();
-  return ofFile(*path);
+  std::error_code error;
+  const fs::path resolved = fs::canonical(*path, error);
+  if (error) throw BinaryFingerprintError::statFailed(path->string(), error.message());
+  return ofFile(resolved);
 }
 
 }  // namespace tavi::mcp

@@ -11,7 +11,7 @@
 
 namespace tavi::mcp {
 
-/// Why an executable could not be told apart. what() is a sentence with the path.
+/// Why an executable has no fingerprint. what() is a sentence with the path.
 class BinaryFingerprintError : public std::exception {
  public:
   enum class Case { statFailed, readFailed, malformedMachO, executablePathUnavailable };
@@ -42,8 +42,8 @@ struct BinaryFingerprint {
   /// Reads the file's attributes and a few of its headers. Throws BinaryFingerprintError.
   static BinaryFingerprint ofFile(const std::string& path);
 
-  /// Of the running program's own executable. Its path is asked for once, at the first call: for
-  /// a file that has been replaced meanwhile, the system would answer that it is gone.
+  /// Of the file that would run if the program were started again. The path that it was started by
+  /// is asked for once, at the first call; its links are resolved at every call.
   static BinaryFingerprint current();
 };
 

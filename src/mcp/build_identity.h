@@ -8,7 +8,7 @@
 
 namespace tavi::mcp {
 
-/// What tells one build of a program from another: 16 bytes that the linker wrote into the file.
+/// Identifies one build of a program: 16 bytes that the linker wrote into the file.
 using BuildUUID = std::array<std::uint8_t, 16>;
 
 /// Mach-O processor types: which slice of a fat file a reader looks at.

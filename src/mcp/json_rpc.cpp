@@ -3,7 +3,7 @@
 #include <limits>
 #include <utility>
 
-#include "json/json_reader.h"
+#include "mcp/nested_line.h"
 #include "platform/text/utf8.h"
 
 namespace tavi::mcp {
@@ -37,8 +37,24 @@ RequestID requestID(const json::value& id) {
   }
 }
 
+std::optional<RequestID> idOf(std::string_view line) try {
+  const auto written = writtenID(line);
+  if (!written) return {};
+  return requestID(parseJSON(*written));
+} catch (const JSONNestedTooDeep&) {
+  return nullptr;  // a list or an object, which counts as null
+} catch (const JSONParseError&) {
+  return {};
+}
+
+json::value parsedLine(std::string_view text) try {
+  return parseJSON(text);
+} catch (const JSONNestedTooDeep& fault) {
+  throw LineNestedTooDeep(fault, idOf(text));
+}
+
 json::value parseTopLevel(std::string_view text) {
-  json::value value = parseJSON(text);
+  json::value value = parsedLine(text);
   if (value.is_object()) return value;
   if (value.is_array()) throw JSONRPCError(ErrorCode::parseError, "invalid JSON");
   throw JSONParseError("not valid JSON: the text must be an object, not a single value");

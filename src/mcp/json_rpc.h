@@ -3,13 +3,14 @@
 #include <boost/json/object.hpp>
 #include <cstddef>
 #include <cstdint>
-#include <exception>
 #include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <variant>
 
+#include "domain/failure.h"
+#include "json/json_reader.h"
 #include "json/json_writer.h"
 
 /// JSON-RPC 2.0 (https://www.jsonrpc.org/specification), one object on one line; no batches.
@@ -27,20 +28,30 @@ enum class ErrorCode {
 }  // namespace JSONRPC
 
 /// What is wrong with a request itself.
-class JSONRPCError : public std::exception {
+class JSONRPCError : public Failure {
  public:
   JSONRPCError(JSONRPC::ErrorCode code, std::string message)
-      : code_(code), message_(std::move(message)) {}
+      : Failure(std::move(message)), code_(code) {}
   JSONRPC::ErrorCode code() const { return code_; }
-  const char* what() const noexcept override { return message_.c_str(); }
 
  private:
   JSONRPC::ErrorCode code_;
-  std::string message_;
 };
 
 /// A request without an id is a notification; an id of null is an id.
 using RequestID = std::variant<std::string, std::int64_t, std::nullptr_t>;
+
+/// A line whose values nest deeper than is read. It can still be answered by its id.
+class LineNestedTooDeep : public JSONNestedTooDeep {
+ public:
+  LineNestedTooDeep(const JSONNestedTooDeep& fault, std::optional<RequestID> id)
+      : JSONNestedTooDeep(fault), id_(std::move(id)) {}
+  /// Nothing where the line has none, or it cannot be found.
+  const std::optional<RequestID>& id() const { return id_; }
+
+ private:
+  std::optional<RequestID> id_;
+};
 
 struct ParsedRequest {
   std::optional<RequestID> id;
@@ -48,7 +59,8 @@ struct ParsedRequest {
   std::optional<boost::json::object> params;  ///< absent too when they are no object
 };
 
-/// Nothing for a blank line. Throws JSONRPCError, or JSONParseError for a line that is not JSON.
+/// Nothing for a blank line. Throws JSONRPCError, or JSONParseError for a line that is not JSON,
+/// LineNestedTooDeep among them.
 std::optional<ParsedRequest> parseRequest(std::string_view line);
 
 /// Writes a value, which is the result of a request.

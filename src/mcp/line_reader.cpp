@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <new>
 #include <utility>
 
 #include "platform/system/file_descriptor.h"
@@ -33,7 +34,12 @@ std::optional<std::string_view> LineReader::next() {
 }
 
 bool LineReader::fill() {
-  makeRoom();
+  try {
+    makeRoom();
+  } catch (const std::bad_alloc&) {
+    skipLine();
+    throw;
+  }
   const auto count =
       platform::system::readSome(descriptor_, buffer_.get() + end_, capacity_ - end_);
   if (count <= 0) return false;
@@ -41,7 +47,7 @@ bool LineReader::fill() {
   return true;
 }
 
-/// Makes room behind what has been read. Only a buffer that is full grows, and it doubles, so that
+/// Makes room after what has been read. Only a buffer that is full grows, and it doubles, so that
 /// a long line is copied a constant number of times; after it the buffer shrinks again.
 void LineReader::makeRoom() {
   const std::size_t begun = end_ - begin_;
@@ -57,6 +63,21 @@ void LineReader::makeRoom() {
   }
   begin_ = 0;
   scanned_ = end_ = begun;
+}
+
+/// Drops what has been read, and the rest of its line.
+void LineReader::skipLine() {
+  begin_ = scanned_ = end_ = 0;
+  while (capacity_ > 0) {
+    const auto count = platform::system::readSome(descriptor_, buffer_.get(), capacity_);
+    if (count <= 0) return;
+    const auto size = static_cast<std::size_t>(count);
+    const std::size_t lineEnd = std::string_view(buffer_.get(), size).find('\n');
+    if (lineEnd == std::string_view::npos) continue;
+    begin_ = scanned_ = lineEnd + 1;
+    end_ = size;
+    return;
+  }
 }
 
 std::string_view LineReader::repaired(std::string_view line) {

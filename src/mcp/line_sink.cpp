@@ -1,35 +1,83 @@
 #include "mcp/line_sink.h"
 
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
 #include <utility>
 
+#include "platform/system/directories.h"
+
 namespace tavi::mcp {
+namespace {
+
+using platform::system::FileDescriptor;
+
+/// None where the file system has no such files.
+FileDescriptor namelessFile() {
+  const auto folder = platform::system::temporaryDirectory();
+  return FileDescriptor(::open(folder.c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC, 0600));
+}
+
+[[noreturn]] void lose() {
+  throw OutputLost{{errno, std::generic_category()}};
+}
+
+}  // namespace
 
 void LineSink::finishLine() {
   put('\n');
   flush();
-  if (!begun_) writeOut(held_);
-  held_.clear();
-  begun_ = false;
+  writeOut(held_);
+  if (spilled_) writeOutSpilled();
+  writeOut(rest_);
+  forgetLine();
 }
 
-bool LineSink::abandonLine() {
-  dropping_ = true;
+void LineSink::abandonLine() {
   flush();
-  dropping_ = false;
-  held_.clear();
-  if (!begun_) return true;
-  finishLine();
-  return false;
+  forgetLine();
 }
 
 void LineSink::accept(std::string_view bytes) {
-  if (dropping_) return;
-  if (!begun_ && held_.size() + bytes.size() <= heldBack) {
+  const bool fits = !spilled_ && held_.size() + bytes.size() <= heldInMemory;
+  if (fits && rest_.empty()) {
     held_ += bytes;
-    return;
+  } else if (!rest_.empty() || !spill(bytes)) {
+    rest_ += bytes;
   }
-  if (!std::exchange(begun_, true)) writeOut(std::exchange(held_, {}));
-  writeOut(bytes);
+}
+
+/// False when the file cannot take the bytes; what it took of them does not count.
+bool LineSink::spill(std::string_view bytes) {
+  if (!spilled_) spilled_ = namelessFile();
+  if (!spilled_) return false;
+  std::uint64_t end = spilledSize_;
+  while (!bytes.empty()) {
+    const ssize_t count =
+        ::pwrite(spilled_.get(), bytes.data(), bytes.size(), static_cast<off_t>(end));
+    if (count < 0 && errno == EINTR) continue;
+    if (count <= 0) return false;
+    bytes.remove_prefix(static_cast<std::size_t>(count));
+    end += static_cast<std::uint64_t>(count);
+  }
+  spilledSize_ = end;
+  return true;
+}
+
+void LineSink::writeOutSpilled() {
+  std::array<char, bufferSize> piece;
+  for (std::uint64_t at = 0; at < spilledSize_;) {
+    const auto wanted =
+        static_cast<std::size_t>(std::min<std::uint64_t>(piece.size(), spilledSize_ - at));
+    const ssize_t count = ::pread(spilled_.get(), piece.data(), wanted, static_cast<off_t>(at));
+    if (count < 0 && errno == EINTR) continue;
+    if (count <= 0) lose();
+    writeOut({piece.data(), static_cast<std::size_t>(count)});
+    at += static_cast<std::uint64_t>(count);
+  }
 }
 
 void LineSink::writeOut(std::string_view bytes) try {
@@ -37,6 +85,13 @@ void LineSink::writeOut(std::string_view bytes) try {
   out_.flush();
 } catch (const std::system_error& failure) {
   throw OutputLost{failure.code()};
+}
+
+void LineSink::forgetLine() {
+  held_.clear();
+  spilled_.reset();
+  spilledSize_ = 0;
+  std::exchange(rest_, {});
 }
 
 }  // namespace tavi::mcp

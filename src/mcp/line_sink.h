@@ -1,11 +1,13 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <system_error>
 
-#include "json/byte_sink.h"
+#include "bytes/byte_sink.h"
+#include "platform/system/file_descriptor.h"
 
 namespace tavi::mcp {
 
@@ -15,29 +17,33 @@ struct OutputLost {
   std::error_code why;
 };
 
-/// Lines of output. The beginning of a line is held back, so that until then it can still become
-/// another; a line that fits goes out whole, in one write(2), when it is finished, and a longer
-/// one as it is written. All functions throw OutputLost.
+/// Lines of output. Nothing of a line goes out before it is finished, so until then it can still
+/// become another. What is kept back lies in memory, and beyond `heldInMemory` in a file without a
+/// name among the temporary ones. A line that was held in memory goes out in one write(2).
 class LineSink final : public ByteSink {
  public:
-  static constexpr std::size_t heldBack = 2 * 1024 * 1024;
+  static constexpr std::size_t heldInMemory = 2 * 1024 * 1024;
 
   explicit LineSink(int descriptor) : out_(descriptor) {}
 
+  /// Throws OutputLost.
   void finishLine();
 
-  /// Gives up the line that is being written. True when nothing of it has gone out; otherwise it
-  /// ends here, cut short.
-  bool abandonLine();
+  /// Gives up the line that is being written.
+  void abandonLine();
 
  private:
   void accept(std::string_view bytes) override;
+  bool spill(std::string_view bytes);
   void writeOut(std::string_view bytes);
+  void writeOutSpilled();
+  void forgetLine();
 
   DescriptorSink out_;
-  std::string held_;
-  bool begun_ = false;  ///< part of the line has gone out
-  bool dropping_ = false;
+  std::string held_;                          ///< the line's beginning
+  platform::system::FileDescriptor spilled_;  ///< what follows it, if any
+  std::uint64_t spilledSize_ = 0;             ///< bytes
+  std::string rest_;                          ///< what follows that, once the file takes no more
 };
 
 }  // namespace tavi::mcp

@@ -2,9 +2,11 @@
 
 #include <algorithm>
 #include <cmath>
+#include <new>
 #include <system_error>
 #include <utility>
 
+#include "domain/failure.h"
 #include "mcp/line_reader.h"
 #include "mcp/tool_result.h"
 
@@ -49,7 +51,7 @@ ResultWriter toolList(const std::vector<MCPTool>& tools) {
   };
 }
 
-/// Numbers such as 1e400 can be read, but are no JSON any more.
+/// Numbers such as 1e400 can be read, but not written as JSON.
 bool isEncodable(const json::value& value) {
   if (const json::array* elements = value.if_array())
     return std::ranges::all_of(*elements, isEncodable);
@@ -92,7 +94,13 @@ void runServer(const ServerEnvironment& environment) try {
   MCPServer server(environment, MCPToolRegistry::tools(),
                    {baseline(environment.fingerprint), environment.fingerprint});
   LineReader lines(environment.input);
-  while (const auto line = lines.next()) server.handleLine(*line);
+  while (true) try {
+      const auto line = lines.next();
+      if (!line) return;
+      server.handleLine(*line);
+    } catch (const std::bad_alloc& failure) {
+      server.refuseLine(failure);
+    }
 } catch (const OutputLost& lost) {
   if (lost.why != std::errc::broken_pipe)
     throw std::system_error(lost.why, "Could not write the output");
@@ -110,21 +118,27 @@ void MCPServer::handleLine(std::string_view line) {
   try {
     request = parseRequest(line);
   } catch (const JSONRPCError& error) {
-    return writeError({}, error.code(), error.what());
+    return writeError({}, error.code(), error.message());
+  } catch (const LineNestedTooDeep& error) {
+    return writeError(error.id(), ErrorCode::parseError, error.what());
   } catch (const std::exception& error) {
-    return writeError({}, ErrorCode::parseError, error.what());
+    return refuseLine(error);
   }
   if (request) handle(*request);
 }
 
-/// A notification is carried out like any request; only nobody hears of it.
+void MCPServer::refuseLine(const std::exception& failure) {
+  writeError({}, ErrorCode::parseError, failureMessage(failure));
+}
+
+/// A notification is carried out like any request, but not answered.
 void MCPServer::handle(const ParsedRequest& request) try {
   const ResultWriter result = dispatch(request.method, request.params ? &*request.params : nullptr);
   if (request.id) writeResult(*request.id, result);
 } catch (const JSONRPCError& error) {
-  if (request.id) writeError(request.id, error.code(), error.what());
+  if (request.id) writeError(request.id, error.code(), error.message());
 } catch (const std::exception& error) {
-  if (request.id) writeError(request.id, ErrorCode::internalError, error.what());
+  if (request.id) writeError(request.id, ErrorCode::internalError, failureMessage(error));
 }
 
 ResultWriter MCPServer::dispatch(std::string_view method, const json::object* params) {
@@ -147,7 +161,7 @@ ResultWriter MCPServer::callTool(const json::object* params) {
     call->store = environment_.createStore();
     call->answer = tool.call(arguments, *call->store);
   } catch (const std::exception& failure) {
-    return [=, message = std::string(failure.what())](JSONWriter& writer) {
+    return [=, message = failureMessage(failure)](JSONWriter& writer) {
       writeToolFailure(writer, message, stale);
     };
   }
@@ -165,16 +179,15 @@ const MCPTool& MCPServer::toolNamed(std::string_view name) const {
   return *found;
 }
 
-/// Only the answer of a tool can fail here: its rows are read while they are written. As long as
-/// nothing has gone out, that is a tool failure like any other. A line that is partly out ends
-/// there, broken; then a JSON-RPC error for the same id tells the client not to wait.
+/// Only the answer of a tool can fail here: its rows are read while they are written. That is a
+/// tool failure like any other, since nothing of a line goes out before it is finished.
 void MCPServer::writeResult(const RequestID& id, const ResultWriter& result) {
   try {
     encodeResult(out_, id, result);
   } catch (const std::exception& failure) {
-    if (!out_.abandonLine()) throw;
+    out_.abandonLine();
     encodeResult(out_, id, [&](JSONWriter& writer) {
-      writeToolFailure(writer, failure.what(), staleness_.staleFlag());
+      writeToolFailure(writer, failureMessage(failure), staleness_.staleFlag());
     });
   }
   out_.finishLine();

@@ -17,7 +17,7 @@
 /// The Model Context Protocol (https://modelcontextprotocol.io, 2025-06-18) over stdio.
 namespace tavi::mcp {
 
-/// What the server needs of the process it runs in.
+/// What the server needs from the process that it runs in.
 struct ServerEnvironment {
   std::function<std::unique_ptr<NoteStore>()> createStore;  ///< may throw; once per `tools/call`
   std::function<void()> postRefresh;  ///< after a tool that may have changed something
@@ -32,7 +32,7 @@ struct ServerEnvironment {
 /// std::system_error when the output cannot be written for another reason.
 void runServer(const ServerEnvironment& environment);
 
-/// Answers requests one at a time and keeps nothing between them, but that it has become stale.
+/// Answers requests one at a time. The only state between them is whether the server is stale.
 class MCPServer {
  public:
   /// `environment` must outlive the server; its `input` is not read here.
@@ -42,6 +42,8 @@ class MCPServer {
   /// Handles one line of input: writes no line, its answer, or a notification and its answer.
   /// Throws OutputLost only.
   void handleLine(std::string_view line);
+  /// Answers a line that cannot be read. Throws OutputLost only.
+  void refuseLine(const std::exception& failure);
 
  private:
   /// The result of a request, to be written. Throws JSONRPCError.

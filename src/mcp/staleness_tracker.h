@@ -9,7 +9,7 @@
 
 namespace tavi::mcp {
 
-/// What a client is told once the executable on disk is no longer the build that runs.
+/// The warning to a client once the executable on disk is no longer the build that runs.
 inline constexpr std::string_view kStaleWarning =
     "[tavicli] On-disk tavicli is newer than the running build. Tool results reflect the previous "
     "code. Restarting the MCP server, or the AI client, switches to the new version.";

@@ -24,7 +24,7 @@ struct MCPTool {
 };
 
 struct MCPToolRegistry {
-  /// All 24, in the order in which clients are told of them.
+  /// All 24, in the order of `tools/list`.
   static std::vector<MCPTool> tools();
 };
 

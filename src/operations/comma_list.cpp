@@ -16,4 +16,11 @@ std::vector<std::string> trimmedPieces(std::string_view text) {
   return pieces;
 }
 
+std::string joined(std::span<const std::string_view> texts, std::string_view separator) {
+  std::string result;
+  for (std::size_t i = 0; i < texts.size(); ++i)
+    result.append(i > 0 ? separator : "").append(texts[i]);
+  return result;
+}
+
 }  // namespace tavi

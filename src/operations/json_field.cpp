@@ -1,6 +1,8 @@
 #include "operations/json_field.h"
 
+#include <array>
 #include <boost/json/value.hpp>
+#include <charconv>
 #include <cmath>
 
 #include "operations/comma_list.h"
@@ -55,6 +57,13 @@ const boost::json::value& require(const JSONField& field, bool (boost::json::val
   return *field.value;
 }
 
+/// A number that no signed integer holds, in its shortest form.
+std::string written(const boost::json::value& number) {
+  if (!number.is_double()) return std::to_string(number.get_uint64());
+  std::array<char, 32> digits;
+  return {digits.begin(), std::to_chars(digits.begin(), digits.end(), number.get_double()).ptr};
+}
+
 std::string textOf(const boost::json::value& value) {
   return {value.get_string().begin(), value.get_string().end()};
 }
@@ -94,7 +103,7 @@ void read(const JSONField& field, std::int64_t& number) {
   constexpr double limit = 0x1p63;
   const double real = value.is_double() ? value.get_double() : limit;  // else above it: unsigned
   if (real != std::trunc(real) || real < -limit || real >= limit)
-    refuseData(field, "expected a whole number of 64 bits");
+    refuseData(field, "expected a whole number of 64 bits, found " + written(value));
   number = static_cast<std::int64_t>(real);
 }
 

@@ -41,7 +41,7 @@ void read(const JSONField& field, Base64Data& data);
 /// empty ones left out; absent is the empty list.
 void read(const JSONField& field, std::vector<std::string>& list);
 
-/// An array of strings only: this one tells absent from empty.
+/// An array of strings only. Absent stays apart from empty.
 void read(const JSONField& field, std::optional<std::vector<std::string>>& list);
 
 template <class Value>

@@ -97,7 +97,7 @@ struct OpenNoteOp {
             row(Fields::header, &Input::header), row(Fields::edit, &Input::edit),
             row(Fields::newWindow, &Input::newWindow), row(Fields::floating, &Input::floating));
 
-  /// Hands a URL to the desktop, and tells whether somebody took it.
+  /// Hands a URL to the desktop. True when a program took it.
   using URLOpener = std::function<bool(const std::string& url)>;
 
   /// The application is not waited for, and whether it has such a note is its own business.

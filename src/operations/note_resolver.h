@@ -7,8 +7,8 @@
 
 namespace tavi {
 
-/// Which note is meant: exactly one of an id and a title, and not a blank one. What fails here is
-/// OperationError; what the store answers to a title passes through.
+/// Finds the note that an input identifies by exactly one of an id and a title, neither blank.
+/// Throws OperationError; errors of the store for a title pass through.
 struct OperationNoteResolver {
   struct Identification {
     enum class Kind { id, title };

@@ -1,5 +1,9 @@
 #include "operations/operation.h"
 
+#include <array>
+
+#include "domain/raw_texts.h"
+
 namespace tavi {
 namespace {
 
@@ -15,17 +19,8 @@ JSONValue property(const FieldSchema& field) {
 }  // namespace
 
 std::string_view rawText(FieldType type) {
-  switch (type) {
-    case FieldType::string:
-      return "string";
-    case FieldType::integer:
-      return "integer";
-    case FieldType::boolean:
-      return "boolean";
-    case FieldType::array:
-      return "array";
-  }
-  return "";
+  constexpr std::array<std::string_view, 4> texts = {"string", "integer", "boolean", "array"};
+  return textOf(texts, type);
 }
 
 JSONValue schema(std::span<const FieldSchema> fields) {

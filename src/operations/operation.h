@@ -3,12 +3,13 @@
 #include <cstdint>
 #include <optional>
 #include <span>
-#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <tuple>
+#include <utility>
 #include <vector>
 
+#include "domain/failure.h"
 #include "json/json_value.h"
 #include "operations/json_field.h"
 
@@ -32,13 +33,15 @@
 /// (decodeInput<RenameTagOp>(json)); the command line takes its help from Fields.
 namespace tavi {
 
-/// Input that an operation refuses; what() is the message as the user sees it.
-class OperationError : public std::runtime_error {
+/// Input that an operation refuses.
+class OperationError : public Failure {
  public:
-  static OperationError invalidInput(const std::string& message) { return OperationError(message); }
+  static OperationError invalidInput(std::string message) {
+    return OperationError(std::move(message));
+  }
 
  private:
-  using std::runtime_error::runtime_error;
+  using Failure::Failure;
 };
 
 struct OperationMetadata {
@@ -51,7 +54,7 @@ struct OperationMetadata {
   bool idempotentHint = false;   ///< the same call again has no further effect
 };
 
-/// The description of one input field: its JSON key, and what clients and the help are told.
+/// The description of one input field: its JSON key, and its text for clients and for help.
 struct FieldDoc {
   std::string_view name;
   std::string_view description;
@@ -98,7 +101,7 @@ struct FieldTraits<std::optional<Value>> : FieldTraits<Value> {
   static constexpr bool required = false;
 };
 
-/// A field as its schema tells it.
+/// A field as the schema describes it.
 struct FieldSchema {
   FieldDoc doc;
   FieldType type;

@@ -3,7 +3,7 @@
 #include "domain/store_errors.h"
 #include "domain/tag_parser.h"
 #include "operations/note_resolver.h"
-#include "platform/markdown/hashtag.h"
+#include "operations/tag_name.h"
 
 namespace tavi {
 namespace {
@@ -15,8 +15,7 @@ constexpr std::string_view global = "global";
 std::vector<std::string> checkedTargets(const std::vector<std::string>& targets, NoteStore& store) {
   std::vector<std::string> names;
   for (const std::string& target : targets) {
-    names.push_back(target == global ? target : TagParser::canonicalName(target));
-    if (names.back().empty()) throw OperationError::invalidInput("Pin target must not be empty");
+    names.push_back(target == global ? target : checkedTagName(target, "Pin target"));
   }
   std::vector<std::string> missing;
   for (std::size_t i = 0; i < names.size(); ++i)
@@ -54,7 +53,7 @@ WriteResponse changePins(const Input& input, NoteStore& store, PinWrite everywhe
 std::string displayedPin(std::string_view pin) {
   if (pin.empty()) return std::string(global);
   if (pin == global || pin.starts_with('#')) return std::string(pin);
-  return zephyrdown::ZDKHashtag::hashtagStringForTagName(pin).value_or(std::string(pin));
+  return TagParser::writtenForm(pin).value_or(std::string(pin));
 }
 
 std::vector<std::string> ListPinsOp::execute(const Input& input, NoteStore& store) {

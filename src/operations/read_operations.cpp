@@ -6,6 +6,7 @@
 #include "domain/invalid_query.h"
 #include "domain/tag_parser.h"
 #include "operations/note_resolver.h"
+#include "operations/tag_name.h"
 #include "platform/text/utf8.h"
 
 namespace tavi {
@@ -19,7 +20,7 @@ SortCriteria parsedSort(const std::optional<std::string>& sort) {
   try {
     return parseSortCriteria(sort ? *sort : "pinned,modified");
   } catch (const SortParseError& error) {
-    throw OperationError::invalidInput(error.what());
+    throw OperationError::invalidInput(error.message());
   }
 }
 
@@ -48,9 +49,7 @@ ListRequest checkedRequest(const Input& input) {
 
 /// The written form of the tag, which as a query finds the tag and its children.
 std::string tagQuery(const std::string& tag) {
-  const std::string name = TagParser::canonicalName(tag);
-  if (name.empty()) throw OperationError::invalidInput("tag must not be empty");
-  return TagParser::hashtag(name);
+  return TagParser::hashtag(checkedTagName(tag, "tag"));
 }
 
 SearchNotesOp::Output search(const std::string& query, const ListRequest& request,
@@ -62,7 +61,7 @@ SearchNotesOp::Output search(const std::string& query, const ListRequest& reques
   if (request.limit == 0) return recordList<SearchResult>();
   return store.searchNotes(query, request);
 } catch (const InvalidQuery& error) {
-  throw OperationError::invalidInput(error.what());
+  throw OperationError::invalidInput(error.message());
 }
 
 // A search result without its match count.

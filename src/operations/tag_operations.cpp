@@ -1,25 +1,16 @@
 #include "operations/tag_operations.h"
 
 #include "domain/store_errors.h"
-#include "domain/tag_parser.h"
 #include "operations/note_resolver.h"
-#include "platform/text/utf8.h"
+#include "operations/tag_name.h"
 
 namespace tavi {
 namespace {
 
-/// The canonical name; a text that holds none is refused under `label`.
-std::string checkedName(const std::string& text, const char* label) {
-  const std::string name = TagParser::canonicalName(text);
-  if (platform::text::trimmingWhitespaceAndNewlines(name).empty())
-    throw OperationError::invalidInput(std::string(label) + " must not be empty");
-  return name;
-}
-
 std::vector<std::string> checkedNames(const std::vector<std::string>& tags) {
   if (tags.empty()) throw OperationError::invalidInput("Provide at least one tag");
   std::vector<std::string> names;
-  for (const std::string& tag : tags) names.push_back(checkedName(tag, "Tag name"));
+  for (const std::string& tag : tags) names.push_back(checkedTagName(tag, "Tag name"));
   return names;
 }
 
@@ -43,8 +34,8 @@ WriteResponse RemoveTagsOp::execute(const Input& input, NoteStore& store) {
 }
 
 std::int64_t RenameTagOp::execute(const Input& input, NoteStore& store) {
-  const std::string oldName = checkedName(input.oldName, "Old");
-  const std::string newName = checkedName(input.newName, "New");
+  const std::string oldName = checkedTagName(input.oldName, "Old");
+  const std::string newName = checkedTagName(input.newName, "New");
   const bool merges =
       oldName != newName && !input.force && store.tagExists(oldName) && store.tagExists(newName);
   if (merges) throw NoteStoreError::renameTargetExists(newName, store.tagNoteCount(oldName));
@@ -52,7 +43,7 @@ std::int64_t RenameTagOp::execute(const Input& input, NoteStore& store) {
 }
 
 std::int64_t DeleteTagOp::execute(const Input& input, NoteStore& store) {
-  return store.deleteTag(checkedName(input.tag, "Tag"));
+  return store.deleteTag(checkedTagName(input.tag, "Tag"));
 }
 
 }  // namespace tavi

@@ -129,7 +129,7 @@ struct RenameTagOp {
   static constexpr auto rows =
       table(row(Fields::oldName, &Input::oldName), row(Fields::newName, &Input::newName),
             row(Fields::force, &Input::force));
-  /// A rename into a tag that exists merges the two, which nothing can undo: without `force` it
+  /// A rename into a tag that exists merges the two, which cannot be undone: without `force` it
   /// is refused with `renameTargetExists`.
   static Output execute(const Input& input, NoteStore& store);
 };

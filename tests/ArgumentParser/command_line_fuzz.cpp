@@ -1,6 +1,7 @@
 #include <typeinfo>
 
 #include "ArgumentParser/command_line.h"
+#include "ArgumentParser/option_values.h"
 #include "ArgumentParser/parser_error.h"
 #include "ArgumentParser/split_arguments.h"
 #include "shelf.h"
@@ -50,7 +51,7 @@ void checkElements(const std::string& token, std::span<const Element> elements) 
 
 void checkSplit(const std::vector<std::string>& tokens) {
   try {
-    SplitArguments line(tokens);
+    SplitArguments line(tokens, unconditionalValues(commandType<shelf::Shelf>(), tokens));
     std::size_t count = 0;
     for (std::size_t position = 0; position < tokens.size(); ++position) {
       const auto elements = line.elementsAt(position);

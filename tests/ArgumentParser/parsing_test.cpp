@@ -75,6 +75,7 @@ TEST(Parsing, GivesAnOptionItsValueInEveryForm) {
       {{"list", "--limit", "5"}, "list sort=title limit=5 offset=0 format=tsv"},
       {{"list", "--limit=5"}, "list sort=title limit=5 offset=0 format=tsv"},
       {{"list", "-n", "5"}, "list sort=title limit=5 offset=0 format=tsv"},
+      {{"list", "-s="}, "list sort= offset=0 format=tsv"},
       {{"list", "-n=5"}, "list sort=title limit=5 offset=0 format=tsv"},
       {{"list", "--limit=-5"}, "list sort=title limit=-5 offset=0 format=tsv"},
       {{"list", "--limit", "+5"}, "list sort=title limit=5 offset=0 format=tsv"},
@@ -102,8 +103,13 @@ TEST(Parsing, LeavesWhatLooksLikeAnOptionToOptionsThatTakeAnything) {
       {{"edit", "--find", "--find", "--find", "x"}, "edit find=--find|x"},
       {{"edit", "--find", "-h"}, "edit find=-h"},
       {{"edit", "--find"}, "fails: Missing value for '--find <find>'"},
-      // The root has a flag of this name, and sees the token first.
+      // The root has a flag of this name, and parses before the command.
       {{"edit", "--find", "-v", "--replace", "--version"}, "edit find=-v replace=--version"},
+      {{"edit", "--find", "--version=2", "-f", "-v=1"}, "edit find=--version=2|-v=1"},
+      {{"edit", "-vf", "--all", "--find", "-x?"}, "edit find=--all|-x?"},
+      {{"-v", "edit", "-f", "---"}, "edit find=---"},
+      {{"list", "-n", "-v=1"},
+       "fails: The option '-v' does not take any value, but '1' was specified."},
   });
 }
 
@@ -150,8 +156,21 @@ TEST(Parsing, ReadsLettersBehindOneDashAsOneNameOrMany) {
       {{"list", "-n5"}, "fails: Unknown option '-n5'"},
       {{"list", "-nv", "5"}, "fails: Unknown option '-nv'"},
       {{"list", "-xyz"}, "fails: Unknown option '-xyz'"},
-      {{"list", "-vx"}, "fails: Unknown option '-x'"},
+      // Refused whole where one letter is unknown, and no request for help for an "h" in it.
+      {{"list", "-vx"}, "fails: Unknown option '-vx'"},
+      {{"list", "-vegan"}, "fails: Unknown option '-vegan'"},
+      {{"list", "-vexn", "abc"}, "fails: Unknown option '-vexn'"},
+      {{"tags", "add", "1", "-hi"}, "fails: Unknown option '-hi'"},
+      {{"edit", "- the list"}, "fails: Unknown option '- the list'"},
+      {{"list", "-math", "--bogus"}, "fails: Unknown option '-math'"},
+      {{"tags", "-ch"}, "prints: OVERVIEW: List tags."},
+      {{"list", "-hn", "5"}, "prints: OVERVIEW: List books."},
+      {{"list", "-hh"}, "prints: OVERVIEW: List books."},
       {{"list", "-v?"}, "fails: Invalid option: -?"},
+      {{"list", "-x?"}, "fails: Invalid option: -?"},
+      {{"list", "-n?", "5"}, "fails: Invalid option: -?"},
+      {{"list", "-vn?", "5"}, "fails: Unknown option '-vn?'"},
+      {{"tags", "-vc?"}, "fails: Invalid option: -?"},
       {{"list", "-#tag"}, "fails: Unknown option '-#tag'"},
       {{"list", "- [ ]"}, "fails: Unknown option '- [ ]'"},
       {{"list", "-ab=c"}, "fails: Unknown option '-ab'"},
@@ -171,7 +190,11 @@ TEST(Parsing, RefusesMalformedTokensBeforeAnythingElse) {
       {{"-?"}, "fails: Invalid option: -?"},
       {{"-?=x"}, "fails: Invalid option: -?"},
       {{"list", "--limit", "abc", "---x"}, "fails: Invalid option: ---x"},
-      {{"list", "--count", "---x"}, "fails: Invalid option: ---x"},
+      {{"list", "--count", "---x", "--limit", "abc"}, "fails: Invalid option: ---x"},
+      {{"list", "--bogus", "---x"}, "fails: Invalid option: ---x"},
+      {{"list", "--sort", "---x"}, "fails: Invalid option: ---x"},
+      {{"list", "--find", "---x"}, "fails: Invalid option: ---x"},
+      {{"edit", "--find=a", "---x"}, "fails: Invalid option: ---x"},
       {{"tags", "add", "--", "---x"}, "tags add id=---x"},
   });
 }

@@ -2,8 +2,8 @@
 
 #include <memory>
 
+#include "bytes/byte_sink.h"
 #include "domain/store_errors.h"
-#include "json/byte_sink.h"
 
 namespace tavi::testing {
 

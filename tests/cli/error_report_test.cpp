@@ -63,6 +63,31 @@ TEST_F(ErrorReport, HelpsWithSearchesThatLookRight) {
   EXPECT_TRUE(run({"search", "--bogus"}).errors.starts_with("Error: Unknown option '--bogus'"));
 }
 
+TEST_F(ErrorReport, StaysOnItsLineAndMovesNoCursor) {
+  const std::string escape =
+      "a\x1b[2J\n\xC2\x9B\xE2\x80\xA8"
+      "b";
+  const std::string shown = R"(a\u001b[2J\n\u009b\u2028b)";
+  EXPECT_EQ(run({"show", escape}), refused(1, "Note not found: " + shown));
+  EXPECT_EQ(run({"list", "--location", escape}), refused(64, "Invalid location: " + shown));
+  for (const auto& [line, message] :
+       {std::pair{std::vector<std::string>{"list", escape}, "Unexpected argument '" + shown + "'"},
+        {{"list", "--" + escape}, "Unknown option '--" + shown + "'"},
+        {{"list", "-" + escape}, "Unknown option '-" + shown + "'"},
+        {{"list", "---" + escape}, "Invalid option: ---" + shown},
+        {{"list", "-n", escape}, "The value '" + shown + "' is invalid for '-n <limit>'\n"},
+        {{"list", "--count=" + escape}, "does not take any value, but '" + shown + "' was"},
+        {{"--generate-completion-script", escape}, "scripts for '" + shown + "'.\nPlease"}})
+    EXPECT_NE(run(line).errors.find(message), std::string::npos) << run(line).errors;
+}
+
+TEST_F(ErrorReport, HelpsWithAQueryThatIsALetterWithASign) {
+  EXPECT_EQ(run({"search", "-x?"}),
+            refused(64, "Query starts with \"-\" — use --query to pass it"));
+  EXPECT_TRUE(
+      run({"list", "-x?"}).errors.starts_with("Error: Invalid option: -?\nUsage: tavicli "));
+}
+
 TEST_F(ErrorReport, RefusesArgumentsThatAreNoText) {
   EXPECT_EQ(run({"create", "a\xff"}), refused(64, "Argument 2 is not valid UTF-8"));
   EXPECT_FALSE(opened);

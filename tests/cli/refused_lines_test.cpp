@@ -193,8 +193,8 @@ TEST_F(RefusedLines, HoldATokenThatIsNothing) {
       {{"list", "x", "--=5"}, "tavicli", "Invalid option: --=5"},
       {{"list", "--sort", "x", "-?"}, "tavicli", "Invalid option: -?"},
       {{"list", "x", "-%=5"}, "tavicli", "Invalid option: -%"},
-      {{"list", "--count", "---x"}, "tavicli list", "Invalid option: ---x"},
-      {{"list", "--limit", "---x"}, "tavicli list", "Invalid option: ---x"},
+      {{"list", "--count", "---x"}, "tavicli", "Invalid option: ---x"},
+      {{"list", "--limit", "---x"}, "tavicli", "Invalid option: ---x"},
   };
   check(refusals);
   checkInJSON(refusals);
@@ -250,7 +250,7 @@ TEST_F(RefusedLines, LeaveAnOptionWithoutItsValue) {
       {{"list", "-n5"},
        "tavicli list",
        "Unknown option '-n5'\n   or: Missing value for '-n <limit>' in '-n5'"},
-      {{"list", "-tn", "5"}, "tavicli list", "Unknown option '-t'"},
+      {{"list", "-tn", "5"}, "tavicli list", "Unknown option '-tn'. Did you mean '--tag'?"},
       {{"list", "-vn"},
        "tavicli list",
        "Unknown option '-vn'\n   or: Missing value for '-n <limit>' in '-vn'"},

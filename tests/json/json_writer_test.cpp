@@ -108,20 +108,5 @@ TEST(JSONWriter, SortsTheMembersOfAValueOnTheWireAlone) {
             R"({"b":1,"a":{"z":true,"y":null},"b":"last"})");
 }
 
-TEST(JSONStringSink, NestsJSONInAString) {
-  const auto nested = [](JSONWriter& writer) {
-    writer.beginArray();
-    writer.beginString();
-    JSONStringSink sink(writer);
-    JSONWriter inner(sink, JSONStyle::wire);
-    inner.string("é/\"");
-    sink.flush();
-    writer.endString();
-    writer.integer(1);
-    writer.endArray();
-  };
-  EXPECT_EQ(written(JSONStyle::wire, nested), R"(["\"é\\\/\\\"\"",1])");
-}
-
 }  // namespace
 }  // namespace tavi

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <cstdint>
 #include <cstdlib>
 #include <new>
 #include <thread>
@@ -13,10 +14,12 @@
 
 namespace {
 std::atomic<std::size_t> arrayBytes = 0;  // allocated as arrays since the program began
-}
+std::atomic<std::size_t> largestArray = SIZE_MAX;
+}  // namespace
 
 void* operator new[](std::size_t size) {
   arrayBytes += size;
+  if (size > largestArray) throw std::bad_alloc();
   if (void* memory = std::malloc(size)) return memory;
   throw std::bad_alloc();
 }
@@ -79,6 +82,20 @@ TEST(LineReader, CopiesALongLineAConstantNumberOfTimes) {
   const std::size_t before = arrayBytes;
   EXPECT_THAT(linesOf(large), ElementsAre(large));
   EXPECT_LT(arrayBytes - before, 5 * large.size());
+}
+
+TEST(LineReader, PassesOverALineThatMemoryCannotHold) {
+  Pipe pipe;
+  std::jthread client([&] {
+    pipe.write("a\n" + std::string(3'000'000, 'x') + "\nb\n");
+    pipe.closeWriter();
+  });
+  LineReader reader(pipe.reader());
+  EXPECT_EQ(reader.next(), "a");
+  largestArray = 1'000'000;
+  EXPECT_THROW(reader.next(), std::bad_alloc);
+  largestArray = SIZE_MAX;
+  EXPECT_THAT(lines(reader), ElementsAre("b"));
 }
 
 TEST(LineReader, ReplacesIllFormedUTF8) {

@@ -38,34 +38,40 @@ TEST(LineSink, WritesALineThatFitsInOnePiece) {
   ::close(ends[0]), ::close(ends[1]);
 }
 
-TEST(LineSink, TakesBackALineOfWhichNothingIsOut) {
-  Pipe pipe;
-  LineSink sink(pipe.writer());
-  sink.append(std::string(LineSink::heldBack, 'x'));
-  EXPECT_TRUE(sink.abandonLine());
-  EXPECT_TRUE(sink.abandonLine());
-  sink.append("kept");
-  sink.finishLine();
-  EXPECT_EQ(pipe.readAvailable(), "kept\n");
+std::string numbers(int count) {
+  std::string text;
+  for (int i = 0; i < count; ++i) text += std::to_string(i) + ' ';
+  return text;
 }
 
-TEST(LineSink, EndsALineThatIsPartlyOut) {
-  Pipe pipe;
-  std::string received;
-  {
+class LongLines : public ::testing::TestWithParam<const char*> {
+ protected:
+  void SetUp() override { ::setenv("TMPDIR", GetParam(), 1); }
+  void TearDown() override { ::unsetenv("TMPDIR"); }
+
+  static std::string written(std::string_view line) {
+    Pipe pipe;
+    std::string received;
     std::jthread client([&] { received = pipe.readAll(); });
     LineSink sink(pipe.writer());
-    for (int i = 0; i < 3; ++i) sink.append(std::string(LineSink::heldBack, 'x'));
-    EXPECT_FALSE(sink.abandonLine());
-    sink.append("next");
-    sink.finishLine();
+    for (int i = 0; i < 2; ++i) sink.append(line), sink.abandonLine();
+    for (int i = 0; i < 2; ++i) sink.append(line), sink.finishLine();
     pipe.closeWriter();
+    client.join();
+    return received;
   }
-  const auto end = received.find('\n');
-  EXPECT_GE(end, LineSink::heldBack);
-  EXPECT_EQ(received.substr(0, end), std::string(end, 'x'));
-  EXPECT_EQ(received.substr(end), "\nnext\n");
+};
+
+TEST_P(LongLines, GoOutWholeOrNotAtAll) {
+  const std::string beyondMemory = numbers(1'000'000);
+  ASSERT_GT(beyondMemory.size(), 3 * LineSink::heldInMemory);
+  for (const std::string& line :
+       {std::string("short"), std::string(LineSink::heldInMemory, 'x'), beyondMemory})
+    EXPECT_TRUE(written(line) == line + "\n" + line + "\n") << line.size();
 }
+
+// Without a folder for the file, memory has to do.
+INSTANTIATE_TEST_SUITE_P(LineSink, LongLines, ::testing::Values("/tmp", "/nonexistent"));
 
 TEST(LineSink, TellsThatTheOutputIsLost) {
   ::signal(SIGPIPE, SIG_IGN);

@@ -194,6 +194,22 @@ TEST_F(WorkingDay, TellsOfAReplacedExecutable) {
   EXPECT_THAT(server->ask(request), HasSubstr("On-disk tavicli is newer"));
 }
 
+TEST_F(WorkingDay, TellsOfALinkThatLeadsToAnotherExecutable) {
+  for (const auto& [version, file] : {std::pair{"v1", program}, {"v2", std::string("/bin/sh")}}) {
+    fs::create_directory(home / version);
+    fs::copy_file(file, home / version / "tavicli");
+  }
+  fs::create_directory_symlink("v1", home / "current");
+  fs::create_symlink("current/tavicli", home / "tavicli");
+  server = std::make_unique<ServerProcess>(home / "tavicli", home, path());
+  server->ask(R"({"id":1,"method":"ping"})");
+  fs::create_directory_symlink("v2", home / "next");
+  fs::rename(home / "next", home / "current");
+  EXPECT_THAT(
+      server->ask(R"({"id":2,"method":"tools/call","params":{"name":"list_tags","arguments":{}}})"),
+      HasSubstr("notifications\\/message"));
+}
+
 TEST_F(WorkingDay, SaysNothingOfACopyOfTheSameBuild) {
   fs::copy_file(program, home / "tavicli");
   server = std::make_unique<ServerProcess>(home / "tavicli", home, path());

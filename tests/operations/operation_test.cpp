@@ -161,9 +161,10 @@ TEST(DecodeInput, NamesTheFaultyField) {
   EXPECT_EQ(fault.operator()<ListNotesOp>(R"({"limit":"x"})"),
             "invalid input: type mismatch in field limit: expected integer, found string");
   EXPECT_EQ(fault.operator()<ListNotesOp>(R"({"limit":1.5})"),
-            "invalid input: invalid input at limit: expected a whole number of 64 bits");
+            "invalid input: invalid input at limit: expected a whole number of 64 bits, found 1.5");
   EXPECT_EQ(fault.operator()<ListNotesOp>(R"({"limit":9223372036854775808})"),
-            "invalid input: invalid input at limit: expected a whole number of 64 bits");
+            "invalid input: invalid input at limit: expected a whole number of 64 bits, "
+            "found 9223372036854775808");
   EXPECT_EQ(
       fault.operator()<ListNotesOp>(R"({"includeContent":1})"),
       "invalid input: type mismatch in field includeContent: expected boolean, found integer");

@@ -50,6 +50,19 @@ TEST_F(TagOperations, AddAndRemoveCheckTheNamesBeforeTheNote) {
             "invalid input: Tag name must not be empty");
 }
 
+TEST_F(TagOperations, NameTheSignThatKeepsATagFromBeingWritten) {
+  for (const auto& [tag, fault] : {std::pair{"a#b", " must not contain '#': a#b"},
+                                   {" ##a`b#", " must not contain '`': a`b"},
+                                   {"\na\nb", " must not contain a line break: a\nb"},
+                                   {"!", " cannot be written as a hashtag: !"},
+                                   {" #/# ", " must not be empty"}}) {
+    EXPECT_EQ(
+        refusal([&, name = tag] { AddTagsOp::execute({.id = "ID-2", .tags = {name}}, store); }),
+        std::string("invalid input: Tag name") + fault);
+    EXPECT_EQ(rename("red", tag), std::string("invalid input: New") + fault);
+  }
+}
+
 TEST_F(TagOperations, RenameRefusesToMergeUnlessForced) {
   EXPECT_EQ(rename("planet", " #red"),
             "conflict: Tag \"red\" already exists. Renaming would merge 2 notes into it. "

@@ -20,7 +20,7 @@ completions::CandidateFunction attachmentsOf(const NoteOptions& note) {
   return [&note](auto&) { return completions::attachmentsOf({note.id, note.title}); };
 }
 
-/// Declared optional, so that its absence is told in words of ours, once the store is open.
+/// Declared optional, so that its absence gets our own message, once the store is open.
 const std::string& required(const std::optional<std::string>& filename) {
   if (!filename) throw TaviCLIError::usage("--filename is required");
   return *filename;

@@ -12,7 +12,7 @@
 namespace tavi {
 
 /// A note and a list of names: <note-id> <names> ..., or --title and the names alone. The parser
-/// cannot know that the first word behind a --title is a name already.
+/// cannot know that the first word after a --title is a name already.
 class NoteListCommand : public LeafCommand {
  public:
   void declare(ArgumentSet& args) override {

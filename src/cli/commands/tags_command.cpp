@@ -7,8 +7,8 @@
 #include "cli/output/output_formatter.h"
 #include "cli/output/record_writer.h"
 #include "cli/session.h"
+#include "domain/tag_parser.h"
 #include "operations/tag_operations.h"
-#include "platform/markdown/hashtag.h"
 
 namespace tavi {
 namespace {
@@ -18,7 +18,7 @@ constexpr std::string_view alternative = " (Alternative to positional.)";
 RecordList<TagRecord> records(const std::vector<std::string>& names) {
   std::vector<TagRecord> rows;
   for (const std::string& name : names)
-    rows.push_back({zephyrdown::ZDKHashtag::hashtagStringForTagName(name).value_or(name)});
+    rows.push_back({TagParser::writtenForm(name).value_or(name)});
   return recordList(std::move(rows));
 }
 

@@ -1,6 +1,6 @@
 #include "cli/output/escapes.h"
 
-#include "json/byte_scan.h"
+#include "bytes/byte_set.h"
 
 namespace tavi {
 

@@ -2,7 +2,7 @@
 
 #include <string_view>
 
-#include "json/byte_sink.h"
+#include "bytes/byte_sink.h"
 
 namespace tavi {
 

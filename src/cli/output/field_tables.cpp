@@ -109,7 +109,7 @@ FieldValue matches(const Record& record, Context) {
   return record.matchCount;
 }
 
-/// The metadata's fields and these behind them.
+/// The metadata's fields, then these.
 template <class Record, std::size_t count>
 constexpr auto metadataFieldsAnd(const FieldDescriptor<Record> (&further)[count]) {
   std::array<FieldDescriptor<Record>, 13 + count> fields{};

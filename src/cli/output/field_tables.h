@@ -8,7 +8,7 @@
 #include "cli/output/field_value.h"
 #include "domain/note_records.h"
 
-/// What can be printed of each kind of record, and what is printed by default.
+/// The fields that can be printed of each kind of record, and those printed by default.
 namespace tavi {
 
 /// A tag or a pin, wrapped so that it goes through the same writer as notes.

@@ -1,7 +1,7 @@
 #include "cli/output/field_value.h"
 
+#include "domain/tag_parser.h"
 #include "operations/pin_operations.h"
-#include "platform/markdown/hashtag.h"
 
 namespace tavi {
 namespace {
@@ -23,8 +23,7 @@ TextList FieldContext::list(const std::vector<std::string>& texts) {
 TextList FieldContext::writtenTags(const std::vector<std::string>& names) {
   list_.clear();
   for (const std::string& name : names) {
-    if (const auto& written = form(tags_, name, zephyrdown::ZDKHashtag::hashtagStringForTagName))
-      list_.push_back(*written);
+    if (const auto& written = form(tags_, name, TagParser::writtenForm)) list_.push_back(*written);
   }
   return list_;
 }

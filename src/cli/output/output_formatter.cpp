@@ -11,12 +11,6 @@ namespace {
 
 constexpr std::string_view content = "content";
 
-std::string joined(std::span<const std::string_view> names) {
-  std::string text;
-  for (std::string_view name : names) text.append(text.empty() ? "" : ", ").append(name);
-  return text;
-}
-
 }  // namespace
 
 std::optional<std::vector<std::string>> OutputFormatter::parseFieldList(
@@ -43,7 +37,8 @@ std::vector<std::size_t> OutputFormatter::selectedIndices(
   for (const std::string& name : selected) {
     const auto found = std::ranges::find(available, name);
     if (found == available.end()) {
-      throw TaviCLIError::usage("Unknown field: " + name + " (valid: " + joined(available) + ")");
+      throw TaviCLIError::usage("Unknown field: " + name + " (valid: " + joined(available, ", ") +
+                                ")");
     }
     indices.push_back(static_cast<std::size_t>(found - available.begin()));
   }

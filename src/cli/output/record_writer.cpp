@@ -4,6 +4,7 @@
 #include <charconv>
 
 #include "cli/output/escapes.h"
+#include "operations/comma_list.h"
 #include "platform/system/base64.h"
 
 namespace tavi {
@@ -20,12 +21,6 @@ void writeInteger(ByteSink& sink, std::int64_t number) {
   std::array<char, 24> digits;
   const auto end = std::to_chars(digits.begin(), digits.end(), number).ptr;
   sink.append({digits.begin(), end});
-}
-
-std::string joined(TextList list) {
-  std::string text;
-  for (std::size_t i = 0; i < list.size(); ++i) text.append(i > 0 ? "," : "").append(list[i]);
-  return text;
 }
 
 void writeTSVCell(ByteSink& sink, const FieldValue& value) {
@@ -50,7 +45,7 @@ void writeCSVCell(ByteSink& sink, const FieldValue& value) {
                  [&](std::string_view text) { writeEscapedCSV(sink, text); },
                  [&](std::int64_t number) { writeInteger(sink, number); },
                  [&](Instant instant) { sink.append(formatISO8601(instant)); },
-                 [&](TextList list) { writeEscapedCSV(sink, joined(list)); },
+                 [&](TextList list) { writeEscapedCSV(sink, joined(list, ",")); },
              },
              value);
 }

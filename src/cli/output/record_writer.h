@@ -6,10 +6,10 @@
 #include <string_view>
 #include <vector>
 
+#include "bytes/byte_sink.h"
 #include "cli/output/field_value.h"
 #include "cli/output/output_format.h"
 #include "domain/record_list.h"
-#include "json/byte_sink.h"
 #include "json/json_writer.h"
 
 namespace tavi {

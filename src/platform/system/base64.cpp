@@ -13,7 +13,7 @@ std::string base64Encoded(std::string_view bytes) {
 }
 
 std::optional<std::string> base64Decoded(std::string_view text) {
-  // nettle skips white space and takes what stands behind the padding; a standard text has neither,
+  // nettle skips white space and takes what follows the padding; a standard text has neither,
   // which shows in its length and in encoding the answer again.
   if (text.size() % 4 != 0) return std::nullopt;
   base64_decode_ctx context;

@@ -5,7 +5,7 @@
 
 namespace platform::system {
 
-/// HOME, else the password database's entry for the user; nothing when neither tells an absolute
+/// HOME, else the password database's entry for the user; nothing when neither is an absolute
 /// path.
 std::optional<std::filesystem::path> homeDirectory();
 

@@ -11,10 +11,10 @@ struct FileType {
   bool conformsToPDF = false;
 };
 
-/// By the extension behind the last dot, case left out; all false for none or an unknown one.
+/// By the extension after the last dot, ignoring case; all false for none or an unknown one.
 FileType fileTypeOf(std::string_view filename);
 
-/// The text behind the last dot of a file name, without the dot; empty for none, for a name that
+/// The text after the last dot of a file name, without the dot; empty for none, for a name that
 /// begins with its only dot, and for one that ends in a dot.
 std::string_view pathExtension(std::string_view filename);
 

@@ -1,5 +1,6 @@
 #include "platform/system/hashing.h"
 
+#include <nettle/base16.h>
 #include <nettle/sha2.h>
 #include <uuid/uuid.h>
 
@@ -16,14 +17,9 @@ SHA256Digest sha256(std::string_view bytes) {
 }
 
 std::string hexadecimal(std::string_view bytes) {
-  constexpr std::string_view kDigits = "0123456789abcdef";
-  std::string text;
-  text.reserve(2 * bytes.size());
-  for (const char c : bytes) {
-    const auto byte = static_cast<unsigned char>(c);
-    text.push_back(kDigits[byte >> 4]);
-    text.push_back(kDigits[byte & 0xF]);
-  }
+  std::string text(BASE16_ENCODE_LENGTH(bytes.size()), '\0');
+  base16_encode_update(text.data(), bytes.size(),
+                       reinterpret_cast<const std::uint8_t*>(bytes.data()));
   return text;
 }
 

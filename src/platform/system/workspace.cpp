@@ -69,7 +69,7 @@ bool succeeded(pid_t process) {
 }  // namespace
 
 bool openURL(const std::string& url) {
-  return openURLWithin(std::chrono::seconds(10), url);
+  return openURLWithin(std::chrono::seconds(2), url);
 }
 
 bool openURLWithin(std::chrono::milliseconds patience, const std::string& url) {

@@ -9,8 +9,8 @@ namespace platform::system {
 /// without a shell, in a session of its own and with its standard streams on /dev/null. False when
 /// there is no such program or it ends with anything but 0.
 ///
-/// Some desktops have it become the application itself. So one that is still at work after ten
-/// seconds counts as a yes, and goes on.
+/// Some desktops have it become the application itself. So one that is still at work after two
+/// seconds counts as a yes, and goes on; it is reaped at a later call.
 bool openURL(const std::string& url);
 /// The same with another patience.
 bool openURLWithin(std::chrono::milliseconds patience, const std::string& url);

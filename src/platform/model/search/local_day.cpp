@@ -1,6 +1,7 @@
 #include "platform/model/search/local_day.h"
 
 #include <charconv>
+#include <chrono>
 #include <cmath>
 #include <ctime>
 
@@ -38,11 +39,10 @@ std::optional<double> startOfDate(std::string_view date, int days) {
   const auto month = digits(date.substr(5, 2));
   const auto day = digits(date.substr(8, 2));
   if (!year || !month || !day) return std::nullopt;
-  static constexpr int lengths[] = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
-  if (*month < 1 || *month > 12) return std::nullopt;
-  const bool leap = (*year % 4 == 0 && *year % 100 != 0) || *year % 400 == 0;
-  const int length = *month == 2 && leap ? 29 : lengths[*month - 1];
-  if (*day < 1 || *day > length) return std::nullopt;
+  const std::chrono::year_month_day named(std::chrono::year(*year),
+                                          std::chrono::month(static_cast<unsigned>(*month)),
+                                          std::chrono::day(static_cast<unsigned>(*day)));
+  if (!named.ok()) return std::nullopt;
   return midnight(*year, *month, *day + days);
 }
 

@@ -1,4 +1,4 @@
-#include "json/byte_sink.h"
+#include "bytes/byte_sink.h"
 
 #include <poll.h>
 #include <unistd.h>
