@@ -32,12 +32,12 @@ target_link_options(tavi_compiler INTERFACE -Wl,--gc-sections -Wl,--build-id -Wl
 if(TAVI_SANITIZE)
   # fno-sanitize-recover: a finding of the undefined-behaviour sanitizer fails the test.
   set(sanitizers -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
-  # fuzzer-no-link: every room tells a fuzzer which ways it took (tavi_fuzz, in Room.cmake).
+  # fuzzer-no-link: rooms are instrumented with coverage for the fuzz targets (tavi_fuzz).
   target_compile_options(tavi_compiler INTERFACE ${sanitizers} -fsanitize=fuzzer-no-link)
   target_link_options(tavi_compiler INTERFACE ${sanitizers})
 elseif(TAVI_STATIC)
-  # A process that runs for a millisecond pays for every shared library it loads and for every
-  # address that is adjusted at its start.
+  # Loading shared libraries and relocating addresses would take a large share of a command that
+  # runs for a millisecond.
   target_link_options(tavi_compiler INTERFACE -static-libstdc++ -static-libgcc -no-pie)
 else()
   target_compile_options(tavi_compiler INTERFACE -fPIE)

@@ -15,13 +15,18 @@ function(tavi_icu_data program)
     string(APPEND keep "|\\.cnv$")
     set(data "${CMAKE_BINARY_DIR}/icu/sorting_and_converters")
   endif()
+  target_sources(${program} PRIVATE "${data}.S")
+  get_property(made DIRECTORY PROPERTY TAVI_ICU_DATA)
+  if(data IN_LIST made)
+    return()
+  endif()
+  set_property(DIRECTORY APPEND PROPERTY TAVI_ICU_DATA "${data}")
   file(MAKE_DIRECTORY "${CMAKE_BINARY_DIR}/icu")
   set(icu ext::icu)
   add_custom_command(
     OUTPUT "${data}.S"
     COMMAND "${CMAKE_SOURCE_DIR}/cmake/icu-data" "${${icu}_libicudata.a}" "${keep}" "${data}"
     DEPENDS "${CMAKE_SOURCE_DIR}/cmake/icu-data"
-    COMMENT "Cutting ICU's data for ${program}"
+    COMMENT "Cutting ICU's data"
     VERBATIM)
-  target_sources(${program} PRIVATE "${data}.S")
 endfunction()

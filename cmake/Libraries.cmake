@@ -28,6 +28,7 @@ tavi_library(ext::nettle nettle/sha2.h nettle)
 tavi_library(ext::expat expat.h expat)
 tavi_library(ext::uuid uuid/uuid.h uuid)
 tavi_library(ext::boost_json boost/json.hpp boost_json)
+tavi_library(ext::yaml yaml.h yaml)
 
 if(NOT TAVI_STATIC)
   tavi_library(ext::md4c md4c.h md4c)

@@ -1,10 +1,10 @@
-# A room is a folder under src/ and a static library. It is entered by its path from src/, as in
+# A room is a folder under src/ and a static library. Its headers are included by their path from
+# src/, as in
 #
 #   #include "domain/note_records.h"
 #
-# and only by rooms that name it under USES: each room exports a folder of its own in the build
-# tree that holds nothing but a link to its sources, so an include that the plan does not allow
-# finds no file.
+# and only by rooms that name it under USES: each room exports its own folder in the build tree,
+# which contains only a link to its sources, so any other include finds no file.
 #
 #   tavi_room(domain SOURCES content_hash.cpp ... USES platform/text ... LIBRARIES ext::fmt)
 #
@@ -35,33 +35,39 @@ function(tavi_room path)
   list(TRANSFORM ROOM_SOURCES PREPEND "${CMAKE_SOURCE_DIR}/src/${path}/")
   add_library(tavi_${name} STATIC ${ROOM_SOURCES})
   target_include_directories(tavi_${name} PUBLIC "${exported}")
-  # PRIVATE: what a room uses is not handed on. Whoever includes a header that names another
-  # room's types says so under its own USES.
+  # PRIVATE: a room's uses are not passed on. A room that includes a header which includes another
+  # room's headers lists that room under its own USES.
   target_link_libraries(tavi_${name} PRIVATE tavi_compiler ${uses} ${ROOM_LIBRARIES})
 endfunction()
 
-# The tests of one room: one program, one CTest entry per test.
+# The tests of one room: one program. It is one CTest entry, since starting a program costs more than
+# most tests; EACH makes every test an entry, so that slow ones run in parallel.
 #
 #   tavi_tests(domain SOURCES content_hash_test.cpp ... USES domain)
 function(tavi_tests path)
-  cmake_parse_arguments(TESTS "" "" "SOURCES;USES;LIBRARIES;PROPERTIES" ${ARGN})
+  cmake_parse_arguments(TESTS "EACH" "" "SOURCES;USES;LIBRARIES;PROPERTIES" ${ARGN})
   string(REPLACE "/" "_" name "${path}")
   add_executable(test_${name} ${TESTS_SOURCES})
   string(REPLACE "/" "_" uses "${TESTS_USES}")
   list(TRANSFORM uses PREPEND tavi_)
   target_include_directories(test_${name} PRIVATE "${CMAKE_SOURCE_DIR}/tests")
-  if(TAVI_SANITIZE)  # the rooms are what takes the time; a test compiles twice as fast
-    target_compile_options(test_${name} PRIVATE -O0)
-  endif()
+  # Only the rooms are optimised: a test compiles in half the time without it.
+  target_compile_options(test_${name} PRIVATE -O0)
   target_link_libraries(test_${name} PRIVATE tavi_compiler ${uses} ${TESTS_LIBRARIES}
     GTest::gmock GTest::gtest_main)
-  gtest_discover_tests(test_${name} TEST_PREFIX "${path}: " DISCOVERY_MODE PRE_TEST
-    PROPERTIES ${TESTS_PROPERTIES})
+  if(TESTS_EACH)
+    gtest_discover_tests(test_${name} TEST_PREFIX "${path}: " DISCOVERY_MODE PRE_TEST
+      PROPERTIES ${TESTS_PROPERTIES})
+    return()
+  endif()
+  add_test(NAME "${path}" COMMAND test_${name})
+  if(TESTS_PROPERTIES)
+    set_tests_properties("${path}" PROPERTIES ${TESTS_PROPERTIES})
+  endif()
 endfunction()
 
-# A program that gives a room whatever libFuzzer makes up, from the files of <name>_seeds/ on, and
-# checks what must hold of any bytes. The sanitizer build makes it and runs it for some seconds as a
-# test of its own; scripts/fuzz runs it for as long as is wanted.
+# A libFuzzer target, seeded with the files of <name>_seeds/, that checks properties of arbitrary
+# input. The sanitizer build runs it for some seconds as a test; scripts/fuzz runs it longer.
 #
 #   tavi_fuzz(markdown USES platform/markdown)   # markdown_fuzz.cpp
 set(TAVI_FUZZ_SECONDS 5 CACHE STRING "How long each fuzz target runs as a test")
@@ -76,7 +82,7 @@ function(tavi_fuzz name)
   target_include_directories(fuzz_${name} PRIVATE "${CMAKE_SOURCE_DIR}/tests")
   target_link_libraries(fuzz_${name} PRIVATE tavi_compiler ${uses} ${FUZZ_LIBRARIES})
   target_link_options(fuzz_${name} PRIVATE -fsanitize=fuzzer)
-  # New inputs go to the first folder, and what failed is kept beside it.
+  # New inputs go to the first folder; failing inputs are kept beside it.
   set(kept "${CMAKE_BINARY_DIR}/fuzz/${name}")
   file(MAKE_DIRECTORY "${kept}")
   add_test(NAME "fuzz: ${name}" COMMAND fuzz_${name} -max_total_time=${TAVI_FUZZ_SECONDS}

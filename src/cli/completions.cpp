@@ -10,6 +10,7 @@
 #include "operations/comma_list.h"
 #include "operations/pin_operations.h"
 #include "operations/tag_operations.h"
+#include "store/search_words.h"
 
 namespace tavi::completions {
 namespace {
@@ -37,6 +38,50 @@ Candidates asTyped(Candidates names, const CompletionRequest& request) {
   if (!request.value.starts_with('#')) return names;
   for (std::string& name : names) name = TagParser::writtenForm(name).value_or(name);
   return names;
+}
+
+/// Past the closing quote of the phrase that begins at `at`; the query's end where it is not
+/// closed.
+std::size_t endOfPhrase(std::string_view query, std::size_t at) {
+  for (++at; at < query.size(); ++at) {
+    if (query[at] == '"') return at + 1;
+    if (query[at] == '\\') ++at;
+  }
+  return query.size();
+}
+
+/// The places of a query where a term begins that runs to its end: of `a "b c" #d e` those of
+/// "#d e" and "e". A tag's name may hold blanks, so there may be several.
+std::vector<std::size_t> openTerms(std::string_view query) {
+  std::vector<std::size_t> places;
+  std::size_t at = 0;
+  while ((at = query.find_first_not_of(" \t\n-", at)) != std::string_view::npos) {
+    if (query[at] != '"') {
+      places.push_back(at);
+      at = std::min(query.find_first_of(" \t\n", at), query.size());
+      continue;
+    }
+    places.clear();  // a tag does not run across a phrase
+    at = endOfPhrase(query, at);
+  }
+  return places;
+}
+
+/// The tags as a query names them: with their children, "#work", or without, "!#work".
+Candidates tagTerms(const std::string& mark) {
+  Candidates terms;
+  for (const std::string& name : ListTagsOp::execute({}, storeForReading()))
+    if (const auto written = TagParser::writtenForm(name)) terms.push_back(mark + *written);
+  return terms;
+}
+
+Candidates termsLike(std::string_view typed) {
+  if (typed.starts_with('#')) return tagTerms("");
+  if (typed.starts_with("!#")) return tagTerms("!");
+  Candidates directives;
+  if (typed.starts_with('@'))
+    for (SearchWord& directive : searchWords()) directives.push_back(std::move(directive.word));
+  return directives;
 }
 
 /// What stands before the last piece of a list: "modified, " of "modified, ti".
@@ -85,6 +130,17 @@ Candidates attachmentsOf(const NoteOnLine& note) {
        ListAttachmentsOp::execute({.id = note.id, .title = note.title}, storeForReading()))
     names.push_back(std::move(attachment.filename));
   return names;
+}
+
+Candidates queries(const CompletionRequest& request) {
+  const std::string& query = request.value;
+  Candidates candidates;
+  for (const std::size_t place : openTerms(query)) {
+    const std::string_view typed = std::string_view(query).substr(place);
+    for (const std::string& term : termsLike(typed))
+      if (term.starts_with(typed)) candidates.push_back(query.substr(0, place) + term);
+  }
+  return candidates;
 }
 
 Candidates without(const std::vector<std::string>& given, Candidates candidates) {

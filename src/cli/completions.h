@@ -36,6 +36,10 @@ Candidates pinTargets(const CompletionRequest& request);
 /// None where no note is named.
 Candidates attachmentsOf(const NoteOnLine& note);
 
+/// Queries: the last term, where it begins with "#", "!#" or "@", after "-" too, becomes a tag or a
+/// directive of the search language.
+Candidates queries(const CompletionRequest& request);
+
 /// Candidates that the line does not have yet.
 Candidates without(const std::vector<std::string>& given, Candidates candidates);
 

@@ -1,9 +1,7 @@
 #include "cli/tavi_cli.h"
 
-#include <fcntl.h>
 #include <unistd.h>
 
-#include <csignal>
 #include <exception>
 #include <new>
 
@@ -27,6 +25,7 @@
 #include "cli/error_report.h"
 #include "cli/help.h"
 #include "cli/standard_input.h"
+#include "cli/standard_streams.h"
 #include "cli/version.h"
 #include "domain/failure.h"
 #include "platform/system/workspace.h"
@@ -119,15 +118,6 @@ std::optional<int> flushed(Session& session, std::optional<int> exitCode) {
   return exitCode;
 }
 
-/// Puts something in the place of standard streams that the caller closed: else the database would
-/// be opened there, and output written into it. Writing still fails, as it should.
-void keepStandardDescriptors() {
-  for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
-    // The lowest free descriptor is the one that open(2) takes.
-    if (::fcntl(descriptor, F_GETFD) == -1) (void)::open("/dev/null", O_RDONLY);
-  }
-}
-
 }  // namespace
 
 ArgumentParser::CommandConfiguration TaviCLI::configuration() {
@@ -149,12 +139,7 @@ void TaviCLI::declare(ArgumentParser::ArgumentSet& args) {
 }
 
 std::optional<int> TaviCLI::main(const std::vector<std::string>& arguments) {
-  keepStandardDescriptors();
-  // A reader that stops reading, as `head` does, ends the output and not what is under way. Not
-  // SIG_IGN, which a program that we start would inherit.
-  std::signal(SIGPIPE, [](int) {});
-  // A file that would grow beyond the user's limit is a failed write, reported like any other.
-  std::signal(SIGXFSZ, [](int) {});
+  prepareStreams();
   DescriptorSink output(STDOUT_FILENO);
   DescriptorSink errors(STDERR_FILENO);
   Session session{.output = output,

@@ -19,6 +19,9 @@ struct ListRequest {
   std::int64_t limit = INT64_MAX;        ///< greater than 0
   std::int64_t offset = 0;               ///< rows to skip, not negative
   std::optional<NoteLocation> location;  ///< absent: every location
+  /// Canonical name of a tag that the notes carry, or one below it; absent: any notes. Such a list
+  /// sorts titles as a search does.
+  std::optional<std::string> tag = std::nullopt;
   /// Whether the caller looks at hash, length, to-dos, pins and attachments: they cost reading.
   bool detailed = true;
 };
@@ -45,6 +48,8 @@ class NoteStore {
   virtual NoteMetadata metadataWithID(const std::string& id) = 0;
   virtual NoteMetadata metadataWithTitle(const std::string& title) = 0;
 
+  /// The searches throw std::invalid_argument, whose what() is the message for the user, for a
+  /// query that cannot mean anything, such as one with an unknown directive.
   virtual RecordList<SearchResult> searchNotes(const std::string& query,
                                                const ListRequest& request) = 0;
   /// `context` in characters; `limit` absent means all.
@@ -91,6 +96,7 @@ class NoteStore {
   virtual WriteResponse deleteAttachment(const std::string& id, const std::string& filename) = 0;
   virtual std::string readAttachment(const std::string& id, const std::string& filename) = 0;
 
+  /// The notes that carry the tag or one below it: those that a rename of it changes.
   virtual std::int64_t tagNoteCount(const std::string& name) = 0;
   /// Pin contexts, "global" first: the note's, or every one in use.
   virtual std::vector<std::string> listPins(const std::optional<std::string>& id) = 0;

@@ -43,23 +43,4 @@ RecordList<Record> recordList(std::vector<Record> rows = {}) {
   return std::make_unique<VectorSource<Record>>(std::move(rows));
 }
 
-/// The rows of `source`, each passed through `convert` as it is visited.
-template <class To, class From>
-RecordList<To> mapped(RecordList<From> source, std::function<To(const From&)> convert) {
-  class Mapped final : public RecordSource<To> {
-   public:
-    Mapped(RecordList<From> from, std::function<To(const From&)> by)
-        : source_(std::move(from)), convert_(std::move(by)) {}
-    std::int64_t count() override { return source_->count(); }
-    void forEach(const std::function<void(const To&)>& visit) override {
-      source_->forEach([&](const From& row) { visit(convert_(row)); });
-    }
-
-   private:
-    RecordList<From> source_;
-    std::function<To(const From&)> convert_;
-  };
-  return std::make_unique<Mapped>(std::move(source), std::move(convert));
-}
-
 }  // namespace tavi

@@ -7,6 +7,8 @@
 
 #include "cli/tavi_cli.h"
 #include "cli/version.h"
+#include "export/export_command.h"
+#include "import/import_command.h"
 #include "manual/manual_pages.h"
 
 namespace {
@@ -24,11 +26,15 @@ int main(int count, char** arguments) {
   if (count != 3) return 64;
   const std::string folder = arguments[1];
   const tavi::manual::Release release{.version = tavi::versionString(), .date = arguments[2]};
-  for (const auto& page :
-       tavi::manual::manualPages(ArgumentParser::commandType<tavi::TaviCLI>(), release)) {
-    const std::string path = folder + "/" + page.path();
-    if (write(path, page.text)) continue;
-    std::perror(path.c_str());
-    return 1;
+  using ArgumentParser::commandType;
+  for (const auto& program :
+       {commandType<tavi::TaviCLI>(), commandType<tavi::import::ImportCommand>(),
+        commandType<tavi::exporting::ExportCommand>()}) {
+    for (const auto& page : tavi::manual::manualPages(program, release)) {
+      const std::string path = folder + "/" + page.path();
+      if (write(path, page.text)) continue;
+      std::perror(path.c_str());
+      return 1;
+    }
   }
 }

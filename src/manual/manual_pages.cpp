@@ -191,6 +191,8 @@ class FooterWriter {
 };
 
 std::string footerOf(const ArgumentParser::CommandType& root, const Path& path) {
+  // A program of one command says all in its discussion.
+  if (root.configuration().subcommands.empty()) return {};
   const auto stack = resolveCommandPath(root, {path.begin() + 1, path.end()});
   if (!stack) return std::string(overviewText);
   const auto command = stack->back().make();
@@ -206,6 +208,7 @@ void addSeeAlso(Roff& page, const object& command) {
         reference({above.begin(), above.begin() + static_cast<std::ptrdiff_t>(length)}));
   for (const object* child : shown(command, "subcommands"))
     references.push_back(reference(pathOf(*child)));
+  if (references.empty()) references.push_back(reference({"tavicli"}));
   page.section("SEE ALSO");
   page.line(fmt::format("{}", fmt::join(references, ",\n")));
 }

@@ -1,5 +1,7 @@
 #include "mcp/line_reader.h"
 
+#include <poll.h>
+
 #include <algorithm>
 #include <cstring>
 #include <new>
@@ -33,6 +35,15 @@ std::optional<std::string_view> LineReader::next() {
   return repaired(rest);
 }
 
+void LineReader::useIdleTime() const {
+  if (!whileIdle_) return;
+  constexpr int pause = 20;  // milliseconds: a client at work sends the next line sooner
+  pollfd input{.fd = descriptor_, .events = POLLIN, .revents = 0};
+  for (int patience = pause; poll(&input, 1, patience) == 0; patience = 0) {
+    if (!whileIdle_()) return;
+  }
+}
+
 bool LineReader::fill() {
   try {
     makeRoom();
@@ -40,6 +51,7 @@ bool LineReader::fill() {
     skipLine();
     throw;
   }
+  useIdleTime();
   const auto count =
       platform::system::readSome(descriptor_, buffer_.get() + end_, capacity_ - end_);
   if (count <= 0) return false;

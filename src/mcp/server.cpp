@@ -93,7 +93,7 @@ std::optional<BinaryFingerprint> baseline(const StalenessTracker::Provider& fing
 void runServer(const ServerEnvironment& environment) try {
   MCPServer server(environment, MCPToolRegistry::tools(),
                    {baseline(environment.fingerprint), environment.fingerprint});
-  LineReader lines(environment.input);
+  LineReader lines(environment.input, environment.whileIdle);
   while (true) try {
       const auto line = lines.next();
       if (!line) return;

@@ -20,6 +20,9 @@ namespace tavi::mcp {
 /// What the server needs from the process that it runs in.
 struct ServerEnvironment {
   std::function<std::unique_ptr<NoteStore>()> createStore;  ///< may throw; once per `tools/call`
+  /// Called while no line comes, until it gives false or a line is there; it returns within some
+  /// milliseconds. May be empty.
+  std::function<bool()> whileIdle = {};
   std::function<void()> postRefresh;  ///< after a tool that may have changed something
   std::string version;
   int input = 0;

@@ -1,10 +1,9 @@
 #include "operations/read_operations.h"
 
 #include <algorithm>
+#include <stdexcept>
 #include <string_view>
 
-#include "domain/invalid_query.h"
-#include "domain/tag_parser.h"
 #include "operations/note_resolver.h"
 #include "operations/tag_name.h"
 #include "platform/text/utf8.h"
@@ -47,9 +46,8 @@ ListRequest checkedRequest(const Input& input) {
   return request;
 }
 
-/// The written form of the tag, which as a query finds the tag and its children.
-std::string tagQuery(const std::string& tag) {
-  return TagParser::hashtag(checkedTagName(tag, "tag"));
+std::string tagName(const std::string& tag) {
+  return checkedTagName(tag, "tag");
 }
 
 SearchNotesOp::Output search(const std::string& query, const ListRequest& request,
@@ -60,16 +58,8 @@ SearchNotesOp::Output search(const std::string& query, const ListRequest& reques
   }
   if (request.limit == 0) return recordList<SearchResult>();
   return store.searchNotes(query, request);
-} catch (const InvalidQuery& error) {
-  throw OperationError::invalidInput(error.message());
-}
-
-// A search result without its match count.
-RecordList<Note> withoutMatches(RecordList<SearchResultWithContent> results) {
-  return mapped<Note, SearchResultWithContent>(std::move(results), &SearchResultWithContent::note);
-}
-RecordList<NoteMetadata> withoutMatches(RecordList<SearchResult> results) {
-  return mapped<NoteMetadata, SearchResult>(std::move(results), &SearchResult::metadata);
+} catch (const std::invalid_argument& error) {
+  throw OperationError::invalidInput(error.what());
 }
 
 }  // namespace
@@ -96,11 +86,8 @@ std::string ReadNoteContentOp::execute(const Input& input, NoteStore& store) {
 }
 
 ListNotesOp::Output ListNotesOp::execute(const Input& input, NoteStore& store) {
-  const ListRequest request = checkedRequest(input);
-  if (input.tag) {
-    return std::visit([](auto&& results) -> Output { return withoutMatches(std::move(results)); },
-                      search(tagQuery(*input.tag), request, input.includeContent, store));
-  }
+  ListRequest request = checkedRequest(input);
+  if (input.tag) request.tag = tagName(*input.tag);
   if (input.includeContent) {
     if (request.limit == 0) return recordList<Note>();
     return store.listNotesWithContent(request);

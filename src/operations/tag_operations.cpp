@@ -1,17 +1,22 @@
 #include "operations/tag_operations.h"
 
 #include "domain/store_errors.h"
+#include "domain/tag_parser.h"
 #include "operations/note_resolver.h"
 #include "operations/tag_name.h"
 
 namespace tavi {
 namespace {
 
-std::vector<std::string> checkedNames(const std::vector<std::string>& tags) {
+void requireTags(const std::vector<std::string>& tags) {
   if (tags.empty()) throw OperationError::invalidInput("Provide at least one tag");
-  std::vector<std::string> names;
-  for (const std::string& tag : tags) names.push_back(checkedTagName(tag, "Tag name"));
-  return names;
+}
+
+/// As `checkedTagName`, but a tag that exists may be removed though no hashtag can name it: another
+/// program has written it.
+std::string nameToRemove(const std::string& text, const char* label, NoteStore& store) {
+  const bool isOdd = !text.empty() && TagParser::canonicalName(text).empty();
+  return isOdd && store.tagExists(text) ? text : checkedTagName(text, label);
 }
 
 }  // namespace
@@ -23,12 +28,16 @@ std::vector<std::string> ListTagsOp::execute(const Input& input, NoteStore& stor
 }
 
 WriteResponse AddTagsOp::execute(const Input& input, NoteStore& store) {
-  const std::vector<std::string> names = checkedNames(input.tags);
+  requireTags(input.tags);
+  std::vector<std::string> names;
+  for (const std::string& tag : input.tags) names.push_back(checkedTagName(tag, "Tag name"));
   return store.addTags(OperationNoteResolver::resolveNoteID(input.id, input.title, store), names);
 }
 
 WriteResponse RemoveTagsOp::execute(const Input& input, NoteStore& store) {
-  const std::vector<std::string> names = checkedNames(input.tags);
+  requireTags(input.tags);
+  std::vector<std::string> names;
+  for (const std::string& tag : input.tags) names.push_back(nameToRemove(tag, "Tag name", store));
   return store.removeTags(OperationNoteResolver::resolveNoteID(input.id, input.title, store),
                           names);
 }
@@ -43,7 +52,7 @@ std::int64_t RenameTagOp::execute(const Input& input, NoteStore& store) {
 }
 
 std::int64_t DeleteTagOp::execute(const Input& input, NoteStore& store) {
-  return store.deleteTag(checkedTagName(input.tag, "Tag"));
+  return store.deleteTag(nameToRemove(input.tag, "Tag", store));
 }
 
 }  // namespace tavi

@@ -6,6 +6,7 @@
 
 #include "domain/store_errors.h"
 #include "platform/markdown/ast.h"
+#include "platform/markdown/operations.h"
 #include "platform/system/file_types.h"
 #include "store/database_store.h"
 #include "store/note_conversion.h"
@@ -18,6 +19,7 @@ namespace fs = std::filesystem;
 using tavimodel::KVNote;
 using tavimodel::KVNoteFile;
 using tavimodel::UnlinkedFiles;
+using zephyrdown::withOperations;
 using zephyrdown::ZDKAST;
 
 struct CloseFile {
@@ -59,16 +61,14 @@ std::vector<AttachmentInfo> TaviDatabaseStore::listAttachments(const std::string
 WriteResponse TaviDatabaseStore::addAttachment(const std::string& id, const std::string& bytes,
                                                const std::string& filename) {
   KVNote& note = unlockedNoteWithID(id);
-  const NoteMetadata before = metadataOf(note);
   KVNoteFile::checkName(filename);
   const TemporaryFile temporary(bytes, filename);
-  const std::string stored =
-      KVNoteFile::getOrCreateFileFromURL(temporary.path(), note).filename.value_or(filename);
-  ZDKAST tree = ZDKAST::fromMarkdown(note.text());
-  tree.applyTextOperationResults(tree.appendText(linkTo(stored)));
-  updateText(note, tree.markdown(), UnlinkedFiles::keep);
-  save();
-  return respond(note, before);
+  return change(note, [&] {
+    const std::string stored =
+        KVNoteFile::getOrCreateFileFromURL(temporary.path(), note).filename.value_or(filename);
+    const auto results = ZDKAST::viewing(note.text()).appendText(linkTo(stored));
+    updateText(note, withOperations(note.text(), results), UnlinkedFiles::keep);
+  });
 }
 
 WriteResponse TaviDatabaseStore::deleteAttachment(const std::string& id,
@@ -77,14 +77,13 @@ WriteResponse TaviDatabaseStore::deleteAttachment(const std::string& id,
   const KVNoteFile* found = note.attachmentForFilename(filename);
   if (found == nullptr) throw NoteStoreError::attachmentNotFound(filename);
   const KVNoteFile file = *found;
-  const NoteMetadata before = metadataOf(note);
-  ZDKAST tree = ZDKAST::fromMarkdown(note.text());
-  tree.applyTextOperationResults(
-      tree.removeLinks([&](std::string_view name) { return note.linkNames(name, file); }));
-  updateText(note, tree.markdown(), UnlinkedFiles::keep);
-  note.removeFile(file);
-  save();
-  return respond(note, before);
+  return change(note, [&] {
+    const auto results = ZDKAST::viewing(note.text()).removeLinks([&](std::string_view name) {
+      return note.linkNames(name, file);
+    });
+    updateText(note, withOperations(note.text(), results), UnlinkedFiles::keep);
+    note.removeFile(file);
+  });
 }
 
 std::string TaviDatabaseStore::readAttachment(const std::string& id, const std::string& filename) {

@@ -1,12 +1,13 @@
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <set>
 #include <string>
 #include <vector>
 
-#include "domain/note_store.h"
+#include "domain/importing_store.h"
 #include "platform/model/objects/core_data_stack.h"
 #include "platform/model/objects/note_tag.h"
 
@@ -16,7 +17,7 @@ namespace tavi {
 ///
 /// A write is one pass: look the note up, change it in memory, check, one save. The model finds at
 /// the save what another process has changed in between.
-class TaviDatabaseStore final : public NoteStore {
+class TaviDatabaseStore : public ImportingStore {
  public:
   TaviDatabaseStore(std::unique_ptr<tavimodel::KVCoreDataStackForExtensions> stack,
                     bool preserveModificationDate);
@@ -77,6 +78,10 @@ class TaviDatabaseStore final : public NoteStore {
   WriteResponse deleteAttachment(const std::string& id, const std::string& filename) override;
   std::string readAttachment(const std::string& id, const std::string& filename) override;
 
+  // Importing: importing.cpp
+  bool importNote(const ImportedNote& note) override;
+  void saveImported() override;
+
   void reset() override;
 
  private:
@@ -87,16 +92,27 @@ class TaviDatabaseStore final : public NoteStore {
   tavimodel::KVNote& unlockedNoteWithID(const std::string& id);
   /// The active notes of a title.
   std::vector<tavimodel::KVNote*> activeNotesWithTitle(const std::string& title);
+  /// Null when there is none. Throws `titleMatchesMultiple`.
+  tavimodel::KVNote* onlyActiveNoteWithTitle(const std::string& title);
+  /// The active note of the title, given as it was or as a note made with it (from `text`) shows
+  /// it: "Fix `foo`" is shown as "Fix foo". Null when there is none. Throws `titleMatchesMultiple`.
+  tavimodel::KVNote* noteMadeWithTitle(const std::string& title, const std::string& text);
   /// Throws `noNoteWithTitle` or `titleMatchesMultiple`.
   tavimodel::KVNote& noteForTitle(const std::string& title);
   tavimodel::KVNoteTag tagForPin(const std::string& tag);
+  /// The tag of the canonical name or, without one, a tag that another program wrote in a form that
+  /// is not canonical: as `text` has it, or one with the same canonical name.
+  std::optional<tavimodel::KVNoteTag> findTag(const std::string& text);
 
   void save();
   void updateText(tavimodel::KVNote& note, std::string text, tavimodel::UnlinkedFiles unlinked);
   WriteResponse rewrite(tavimodel::KVNote& note, std::string text, const RemovalGate& gate);
   void passGate(const NoteMetadata& before, const NoteMetadata& after, const RemovalGate& gate);
   Note newNote(const std::string& text, const std::vector<std::string>& tags, bool tagsAtBottom);
-  WriteResponse respond(tavimodel::KVNote& note, const NoteMetadata& before);
+  /// Makes a change of the note, lets it pass the gate, if any, and saves it. The response says
+  /// what it changed.
+  WriteResponse change(tavimodel::KVNote& note, const std::function<void()>& make,
+                       const RemovalGate* gate = nullptr);
 
   std::unique_ptr<tavimodel::KVCoreDataStackForExtensions> stack_;
   bool preserveModificationDate_;

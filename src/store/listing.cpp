@@ -1,10 +1,9 @@
 #include <functional>
+#include <memory>
 #include <optional>
 #include <utility>
 
-#include "domain/invalid_query.h"
-#include "platform/model/search/search_manager.h"
-#include "platform/model/search/search_query.h"
+#include "platform/model/search/note_search.h"
 #include "store/database_store.h"
 #include "store/note_conversion.h"
 
@@ -12,25 +11,26 @@ namespace tavi {
 namespace {
 
 using tavimodel::FetchRequest;
-using tavimodel::KVNoteSearchManager;
 using tavimodel::ManagedObjectContext;
 using tavimodel::NoteTable;
 using tavimodel::NoteView;
-using tavimodel::Predicate;
-using tavimodel::SearchTermCounter;
+using tavimodel::Place;
+using tavimodel::searchForTag;
+using tavimodel::SearchQuery;
+using tavimodel::SearchTerms;
 using tavimodel::SortKey;
 
-std::optional<Predicate> locationPredicate(std::optional<NoteLocation> location) {
-  if (!location) return std::nullopt;
+Place placeOf(std::optional<NoteLocation> location) {
+  if (!location) return Place::anywhere;
   switch (*location) {
     case NoteLocation::notes:
-      return Predicate::withFormat("trashed == NO AND archived == NO");
+      return Place::notes;
     case NoteLocation::trash:
-      return Predicate::withFormat("trashed == YES");
+      return Place::trash;
     case NoteLocation::archive:
-      return Predicate::withFormat("archived == YES");
+      return Place::archive;
   }
-  return std::nullopt;
+  return Place::anywhere;
 }
 
 SortKey sortKey(SortField field) {
@@ -48,14 +48,11 @@ SortKey sortKey(SortField field) {
 }
 
 /// A list sorts titles by code points, a search as the user's locale does and without case.
-FetchRequest fetchRequest(const ListRequest& request, std::optional<Predicate> search,
+FetchRequest fetchRequest(const ListRequest& request, std::shared_ptr<const SearchQuery> search,
                           bool localized) {
-  std::vector<Predicate> parts;
-  if (auto location = locationPredicate(request.location)) parts.push_back(std::move(*location));
-  parts.push_back(Predicate::withFormat("permanentlyDeleted == NO OR permanentlyDeleted == nil"));
-  if (search) parts.push_back(std::move(*search));
   FetchRequest fetch;
-  fetch.predicate = Predicate::andPredicate(parts);
+  fetch.place = placeOf(request.location);
+  fetch.search = std::move(search);
   for (const SortCriterion& criterion : request.sort) {
     fetch.sortDescriptors.push_back(
         {sortKey(criterion.field), criterion.order == SortOrder::asc, localized});
@@ -64,6 +61,11 @@ FetchRequest fetchRequest(const ListRequest& request, std::optional<Predicate> s
   fetch.fetchLimit = request.limit;
   fetch.detailed = request.detailed;
   return fetch;
+}
+
+FetchRequest listRequest(const ListRequest& request) {
+  if (!request.tag) return fetchRequest(request, nullptr, false);
+  return fetchRequest(request, searchForTag(*request.tag), true);
 }
 
 /// The rows of one fetch, which is made when the first row is asked for; texts come one at a time,
@@ -98,7 +100,6 @@ class FetchedList final : public RecordSource<Record> {
       return;
     }
     for (std::size_t i = 0; i < table_->size(); ++i) {
-      table_->prefetch(i + 8);
       convert_((*table_)[i], {}, row);
       visit(row);
     }
@@ -119,25 +120,8 @@ RecordList<Record> fetched(ManagedObjectContext& context, FetchRequest request, 
                                                std::move(convert));
 }
 
-struct ParsedSearch {
-  std::optional<Predicate> predicate;
-  std::shared_ptr<const SearchTermCounter> counter;  ///< null: nothing to count
-
-  std::int64_t matchesIn(std::string_view text) const {
-    return counter ? counter->numberOfMatches(text) : 0;
-  }
-};
-
-ParsedSearch parsed(const std::string& query) {
-  try {
-    ParsedSearch search{KVNoteSearchManager::predicateForSearchString(query), nullptr};
-    if (auto counter = KVNoteSearchManager::defaultSearchRegexForSearchString(query)) {
-      search.counter = std::make_shared<SearchTermCounter>(std::move(*counter));
-    }
-    return search;
-  } catch (const tavimodel::SearchSyntaxError& error) {
-    throw InvalidQuery(error.what());
-  }
+std::int64_t matchesIn(std::string_view text, const SearchTerms* counted) {
+  return counted != nullptr ? counted->numberOfMatches(text) : 0;
 }
 
 void convert(const NoteView& note, std::string_view text, Note& row) {
@@ -149,35 +133,36 @@ void convert(const NoteView& note, std::string_view text, Note& row) {
 
 RecordList<NoteMetadata> TaviDatabaseStore::listNotes(const ListRequest& request) {
   return fetched<NoteMetadata>(
-      context(), fetchRequest(request, std::nullopt, false), false,
+      context(), listRequest(request), false,
       [](const NoteView& note, std::string_view, NoteMetadata& row) { convert(note, row); });
 }
 
 RecordList<Note> TaviDatabaseStore::listNotesWithContent(const ListRequest& request) {
   return fetched<Note>(
-      context(), fetchRequest(request, std::nullopt, false), true,
+      context(), listRequest(request), true,
       [](const NoteView& note, std::string_view text, Note& row) { convert(note, text, row); });
 }
 
 RecordList<SearchResult> TaviDatabaseStore::searchNotes(const std::string& query,
                                                         const ListRequest& request) {
-  const ParsedSearch search = parsed(query);
+  const tavimodel::NoteSearch search = tavimodel::readSearch(query);
   return fetched<SearchResult>(
-      context(), fetchRequest(request, search.predicate, true), search.counter != nullptr,
-      [search](const NoteView& note, std::string_view text, SearchResult& row) {
+      context(), fetchRequest(request, search.query, true), search.counted != nullptr,
+      [counted = search.counted](const NoteView& note, std::string_view text, SearchResult& row) {
         convert(note, row.metadata);
-        row.matchCount = search.matchesIn(text);
+        row.matchCount = matchesIn(text, counted.get());
       });
 }
 
 RecordList<SearchResultWithContent> TaviDatabaseStore::searchNotesWithContent(
     const std::string& query, const ListRequest& request) {
-  const ParsedSearch search = parsed(query);
+  const tavimodel::NoteSearch search = tavimodel::readSearch(query);
   return fetched<SearchResultWithContent>(
-      context(), fetchRequest(request, search.predicate, true), true,
-      [search](const NoteView& note, std::string_view text, SearchResultWithContent& row) {
+      context(), fetchRequest(request, search.query, true), true,
+      [counted = search.counted](const NoteView& note, std::string_view text,
+                                 SearchResultWithContent& row) {
         convert(note, text, row.note);
-        row.matchCount = search.matchesIn(text);
+        row.matchCount = matchesIn(text, counted.get());
       });
 }
 

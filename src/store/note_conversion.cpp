@@ -111,7 +111,7 @@ NoteMetadata metadataOf(KVNote& note) {
 }
 
 Note noteOf(KVNote& note) {
-  return {metadataOf(note), note.encryptedValue() ? std::string() : note.text()};
+  return {metadataOf(note), note.encryptedValue() ? std::string() : note.textOnce()};
 }
 
 }  // namespace tavi

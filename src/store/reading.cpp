@@ -27,13 +27,18 @@ std::vector<KVNote*> TaviDatabaseStore::activeNotesWithTitle(const std::string& 
   return notes;
 }
 
-KVNote& TaviDatabaseStore::noteForTitle(const std::string& title) {
+KVNote* TaviDatabaseStore::onlyActiveNoteWithTitle(const std::string& title) {
   const std::vector<KVNote*> notes = activeNotesWithTitle(title);
-  if (notes.empty()) throw NoteStoreError::noNoteWithTitle(title);
   if (notes.size() > 1) {
     throw NoteStoreError::titleMatchesMultiple(title, static_cast<std::int64_t>(notes.size()));
   }
-  return *notes.front();
+  return notes.empty() ? nullptr : notes.front();
+}
+
+KVNote& TaviDatabaseStore::noteForTitle(const std::string& title) {
+  KVNote* note = onlyActiveNoteWithTitle(title);
+  if (note == nullptr) throw NoteStoreError::noNoteWithTitle(title);
+  return *note;
 }
 
 Note TaviDatabaseStore::noteWithID(const std::string& id) {

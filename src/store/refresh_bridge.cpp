@@ -14,6 +14,7 @@ void TaviCLIBridge::requestAppRefresh() {
 }
 
 TaviCLIBridge::TaviCLIBridge(std::function<void()> refreshHandler)
-    : observer_(notificationName, std::move(refreshHandler)) {}
+    : observer_(
+          notificationName, refreshHandler ? std::move(refreshHandler) : [] {}) {}
 
 }  // namespace tavi

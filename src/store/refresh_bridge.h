@@ -13,8 +13,8 @@ class TaviCLIBridge {
   /// Sends the signal. Waits for nobody and cannot fail.
   static void requestAppRefresh();
 
-  /// Calls `refreshHandler` from `deliver()` for signals that have come since. Destroying the
-  /// bridge ends it. Throws std::system_error when there is nothing to listen on.
+  /// Calls `refreshHandler`, if there is one, from `deliver()` for signals that have come since.
+  /// Destroying the bridge ends it. Throws std::system_error when there is nothing to listen on.
   explicit TaviCLIBridge(std::function<void()> refreshHandler);
 
   /// Readable when a signal has come: for poll(2).

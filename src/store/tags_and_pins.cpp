@@ -12,44 +12,54 @@ namespace tavi {
 using tavimodel::KVNote;
 using tavimodel::KVNoteTag;
 
+std::optional<KVNoteTag> TaviDatabaseStore::findTag(const std::string& text) {
+  const std::string name = TagParser::canonicalName(text);
+  if (auto tag = KVNoteTag::tagWithName(name, context())) return tag;
+  if (auto tag = KVNoteTag::tagWithName(text, context())) return tag;
+  if (name.empty()) return std::nullopt;
+  for (const KVNoteTag& tag : KVNoteTag::allTags(context())) {
+    if (TagParser::canonicalName(tag.title()) == name) return tag;
+  }
+  return std::nullopt;
+}
+
 WriteResponse TaviDatabaseStore::addTags(const std::string& id,
                                          const std::vector<std::string>& tags) {
   KVNote& note = unlockedNoteWithID(id);
-  const NoteMetadata before = metadataOf(note);
   const bool atBottom = TaviPreferences::tagsAtBottom();
-  const std::set<std::string> present(before.tags.begin(), before.tags.end());
-  for (const std::string& tag : tags) {
-    const std::string name = TagParser::canonicalName(tag);
-    if (present.contains(name)) continue;
-    KVNoteTag::getOrCreateTagWithName(name, context()).addTagToNotes({&note}, atBottom);
-  }
-  save();
-  return respond(note, before);
+  return change(note, [&] {
+    for (const std::string& tag : tags) {
+      const std::string name = TagParser::canonicalName(tag);
+      KVNoteTag::getOrCreateTagWithName(name, context()).addTagToNotes({&note}, atBottom);
+    }
+  });
 }
 
 WriteResponse TaviDatabaseStore::removeTags(const std::string& id,
                                             const std::vector<std::string>& tags) {
   KVNote& note = unlockedNoteWithID(id);
-  const NoteMetadata before = metadataOf(note);
-  for (const std::string& tag : tags) {
-    const auto found = KVNoteTag::tagWithName(TagParser::canonicalName(tag), context());
-    if (found) found->deleteTagInNotes({&note});
-  }
-  save();
-  return respond(note, before);
+  return change(note, [&] {
+    for (const std::string& tag : tags) {
+      // The text may mention a tag that has no row: another program wrote it.
+      const std::string name = TagParser::canonicalName(tag);
+      const auto found = findTag(tag);
+      const KVNoteTag named = found ? *found : KVNoteTag::getOrCreateTagWithName(name, context());
+      named.deleteTagInNotes({&note});
+    }
+  });
 }
 
 std::int64_t TaviDatabaseStore::renameTag(const std::string& oldName, const std::string& newName) {
-  const auto tag = KVNoteTag::tagWithName(TagParser::canonicalName(oldName), context());
+  const auto tag = findTag(oldName);
   if (!tag) return 0;
-  const auto count = static_cast<std::int64_t>(tag->noteCount());
-  tag->renameTagWithTagNamed(TagParser::canonicalName(newName));
+  const auto count = static_cast<std::int64_t>(tag->noteCountWithChildren());
+  tag->renameTagWithTagNamed(TagParser::canonicalName(newName), TaviPreferences::tagsAtBottom());
   save();
   return count;
 }
 
 std::int64_t TaviDatabaseStore::deleteTag(const std::string& name) {
-  const auto tag = KVNoteTag::tagWithName(TagParser::canonicalName(name), context());
+  const auto tag = findTag(name);
   if (!tag) return 0;
   const auto count = static_cast<std::int64_t>(tag->noteCount());
   tag->deleteTag();
@@ -58,8 +68,8 @@ std::int64_t TaviDatabaseStore::deleteTag(const std::string& name) {
 }
 
 std::int64_t TaviDatabaseStore::tagNoteCount(const std::string& name) {
-  const auto tag = KVNoteTag::tagWithName(TagParser::canonicalName(name), context());
-  return tag ? static_cast<std::int64_t>(tag->noteCount()) : 0;
+  const auto tag = findTag(name);
+  return tag ? static_cast<std::int64_t>(tag->noteCountWithChildren()) : 0;
 }
 
 bool TaviDatabaseStore::tagExists(const std::string& name) {
@@ -68,14 +78,14 @@ bool TaviDatabaseStore::tagExists(const std::string& name) {
 
 WriteResponse TaviDatabaseStore::moveNote(const std::string& id, NoteLocation target) {
   KVNote& note = anyNoteWithID(id);
-  const NoteMetadata before = metadataOf(note);
-  if (before.location == target) return WriteResponse::difference(before, before);
-  if (before.location == NoteLocation::trash) note.restoreFromTrash();
-  if (before.location == NoteLocation::archive) note.unarchive();
-  if (target == NoteLocation::trash) note.trash();
-  if (target == NoteLocation::archive) note.archive();
-  save();
-  return respond(note, before);
+  const NoteLocation from = metadataOf(note).location;
+  return change(note, [&] {
+    if (from == target) return;
+    if (from == NoteLocation::trash) note.restoreFromTrash();
+    if (from == NoteLocation::archive) note.unarchive();
+    if (target == NoteLocation::trash) note.trash();
+    if (target == NoteLocation::archive) note.archive();
+  });
 }
 
 std::vector<std::string> TaviDatabaseStore::listPins(const std::optional<std::string>& id) {
@@ -90,18 +100,12 @@ std::vector<std::string> TaviDatabaseStore::listPins(const std::optional<std::st
 
 WriteResponse TaviDatabaseStore::pinNote(const std::string& id) {
   KVNote& note = anyNoteWithID(id);
-  const NoteMetadata before = metadataOf(note);
-  note.pin();
-  save();
-  return respond(note, before);
+  return change(note, [&] { note.pin(); });
 }
 
 WriteResponse TaviDatabaseStore::unpinNote(const std::string& id) {
   KVNote& note = anyNoteWithID(id);
-  const NoteMetadata before = metadataOf(note);
-  note.unpin();
-  save();
-  return respond(note, before);
+  return change(note, [&] { note.unpin(); });
 }
 
 KVNoteTag TaviDatabaseStore::tagForPin(const std::string& tag) {
@@ -114,19 +118,13 @@ KVNoteTag TaviDatabaseStore::tagForPin(const std::string& tag) {
 WriteResponse TaviDatabaseStore::pinNoteInTag(const std::string& id, const std::string& tag) {
   KVNote& note = anyNoteWithID(id);
   const KVNoteTag found = tagForPin(tag);
-  const NoteMetadata before = metadataOf(note);
-  note.pinInTag(found.title());
-  save();
-  return respond(note, before);
+  return change(note, [&] { note.pinInTag(found.title()); });
 }
 
 WriteResponse TaviDatabaseStore::unpinNoteInTag(const std::string& id, const std::string& tag) {
   KVNote& note = anyNoteWithID(id);
   const KVNoteTag found = tagForPin(tag);
-  const NoteMetadata before = metadataOf(note);
-  note.unpinInTag(found.title());
-  save();
-  return respond(note, before);
+  return change(note, [&] { note.unpinInTag(found.title()); });
 }
 
 }  // namespace tavi

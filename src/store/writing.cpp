@@ -8,6 +8,7 @@
 #include "domain/text_editor.h"
 #include "platform/markdown/ast.h"
 #include "platform/markdown/hashtag.h"
+#include "platform/markdown/operations.h"
 #include "platform/model/objects/errors.h"
 #include "platform/text/ordering.h"
 #include "store/database_store.h"
@@ -27,7 +28,7 @@ namespace {
 /// The tag line of a new note: the tags that its content does not hold already, joined by a blank.
 std::string tagLine(const std::vector<std::string>& tags, const std::string& content) {
   std::vector<std::string> written;
-  if (!content.empty()) written = ZDKAST::fromMarkdown(content).textSummary().tags;
+  if (!content.empty() && !tags.empty()) written = zephyrdown::textSummary(content).tags;
   const std::unordered_set<std::string> inContent(written.begin(), written.end());
   std::string line;
   for (const std::string& tag : tags) {
@@ -41,11 +42,20 @@ std::string tagLine(const std::vector<std::string>& tags, const std::string& con
   return line;
 }
 
+std::string headingOf(const std::string& title) {
+  return "# " + title;
+}
+
+/// The title that a note of this text has.
+std::string titleOf(const std::string& text) {
+  return zephyrdown::textSummary(text).title;
+}
+
 std::string composeText(const std::string& title, const std::string& content,
                         const std::vector<std::string>& tags) {
   const std::string line = tagLine(tags, content);
   const bool atBottom = line.empty() || TaviPreferences::tagsAtBottom();
-  std::string text = "# " + title;
+  std::string text = headingOf(title);
   if (!atBottom) text += "\n" + line;
   if (!content.empty()) text += "\n\n" + content;
   if (atBottom && !line.empty()) text += "\n\n" + line;
@@ -91,8 +101,14 @@ void TaviDatabaseStore::updateText(KVNote& note, std::string text, UnlinkedFiles
   note.updateNoteWithText(std::move(text), !preserveModificationDate_, unlinked);
 }
 
-WriteResponse TaviDatabaseStore::respond(KVNote& note, const NoteMetadata& before) {
-  return WriteResponse::difference(before, metadataOf(note));
+WriteResponse TaviDatabaseStore::change(KVNote& note, const std::function<void()>& make,
+                                        const RemovalGate* gate) {
+  const NoteMetadata before = metadataOf(note);
+  make();
+  const NoteMetadata after = metadataOf(note);
+  if (gate != nullptr) passGate(before, after, *gate);
+  save();
+  return WriteResponse::difference(before, after);
 }
 
 void TaviDatabaseStore::passGate(const NoteMetadata& before, const NoteMetadata& after,
@@ -106,12 +122,8 @@ void TaviDatabaseStore::passGate(const NoteMetadata& before, const NoteMetadata&
 }
 
 WriteResponse TaviDatabaseStore::rewrite(KVNote& note, std::string text, const RemovalGate& gate) {
-  const NoteMetadata before = metadataOf(note);
-  updateText(note, std::move(text), UnlinkedFiles::remove);
-  const NoteMetadata after = metadataOf(note);
-  passGate(before, after, gate);
-  save();
-  return WriteResponse::difference(before, after);
+  return change(
+      note, [&] { updateText(note, std::move(text), UnlinkedFiles::remove); }, &gate);
 }
 
 WriteResponse TaviDatabaseStore::editNote(const std::string& id, const EditOperation& edit,
@@ -156,27 +168,46 @@ Note TaviDatabaseStore::createNoteFromText(const std::string& text,
   return noteOf(note);
 }
 
+KVNote* TaviDatabaseStore::noteMadeWithTitle(const std::string& title, const std::string& text) {
+  if (KVNote* note = onlyActiveNoteWithTitle(title)) return note;
+  const std::string heading = headingOf(title);
+  const std::string shown = titleOf(heading);
+  if (!shown.empty()) return shown == title ? nullptr : onlyActiveNoteWithTitle(shown);
+  // The heading shows nothing, so the note's title comes from what follows it.
+  for (KVNote* note : activeNotesWithTitle(titleOf(text))) {
+    if (!note->encryptedValue() && note->text().starts_with(heading)) return note;
+  }
+  return nullptr;
+}
+
 Note TaviDatabaseStore::createNoteIfAbsent(const std::string& title,
                                            const std::optional<std::string>& content,
                                            const std::vector<std::string>& tags) {
-  const std::vector<KVNote*> existing = activeNotesWithTitle(title);
-  if (existing.size() > 1) {
-    throw NoteStoreError::titleMatchesMultiple(title, static_cast<std::int64_t>(existing.size()));
+  const std::string text = composeText(title, content.value_or(""), tags);
+  if (KVNote* existing = noteMadeWithTitle(title, text)) return noteOf(*existing);
+  // Another process may be making the note just now, so look again where nobody else can write.
+  context().lockForWriting();
+  if (KVNote* existing = noteMadeWithTitle(title, text)) {
+    Note found = noteOf(*existing);
+    context().rollback();
+    return found;
   }
-  if (existing.empty()) return createNote(title, content, tags);
-  return noteOf(*existing.front());
+  KVNote& note = KVNote::noteWithText(text, context());
+  save();
+  return noteOf(note);
 }
 
 WriteResponse TaviDatabaseStore::insertText(const std::string& id, const std::string& text,
                                             InsertPosition position) {
   KVNote& note = unlockedNoteWithID(id);
-  const NoteMetadata before = metadataOf(note);
-  ZDKAST tree = ZDKAST::fromMarkdown(note.text());
-  tree.applyTextOperationResults(position == InsertPosition::end ? tree.appendText(text)
-                                                                 : tree.prependText(text));
-  updateText(note, tree.markdown(), UnlinkedFiles::keep);
-  save();
-  return respond(note, before);
+  return change(note, [&] {
+    const bool atEnd = position == InsertPosition::end;
+    const auto insertion = [&](const ZDKAST& tree) {
+      return atEnd ? tree.appendText(text) : tree.prependText(text);
+    };
+    const auto results = insertion(ZDKAST::viewing(note.text()));
+    updateText(note, zephyrdown::withOperations(note.text(), results), UnlinkedFiles::keep);
+  });
 }
 
 }  // namespace tavi

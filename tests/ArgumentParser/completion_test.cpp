@@ -30,7 +30,7 @@ class Completion : public testing::TestWithParam<CompletionShell> {
 
   void SetUp() override {
     const std::string shell(name(GetParam()));
-    if (!CompletingShell::isInstalled(shell)) GTEST_SKIP() << shell << " is not installed";
+    ASSERT_TRUE(CompletingShell::isInstalled(shell)) << "scripts/setup --test installs " << shell;
     shell_.emplace(shell, SHELF_PROGRAM, home_);
   }
 
@@ -43,8 +43,8 @@ class Completion : public testing::TestWithParam<CompletionShell> {
 };
 
 TEST_P(Completion, OffersWhatMayStandAtTheCursor) {
-  const Texts titles{"War and Peace", "What's \"$HOME\"?", "Faust",      "a:b",
-                     "a;b & c",       "Über [1] *",        "back\\slash"};
+  const Texts titles{"War and Peace", "What's \"$HOME\"?", "Hello!World",       "a:b",
+                     "a;b & c",       "Über [1] *",        "un`paired $(date)", "back\\slash"};
   struct Case {
     std::string line;
     Texts offered;
@@ -113,6 +113,10 @@ TEST_P(Completion, QuotesWhatItPutsIntoTheLine) {
            {"shelf edit 'a;", "<edit><a;b & c>"},
            {"shelf edit Üb", "<edit><Über [1] *>"},
            {"shelf edit back", "<edit><back\\slash>"},
+           {"shelf edit Hello", "<edit><Hello!World>"},
+           {"shelf edit \"Hello", "<edit><Hello!World>"},
+           {"shelf edit un", "<edit><un`paired $(date)>"},
+           {"shelf edit \"un", "<edit><un`paired $(date)>"},
            {"shelf edit --title What", "<edit><--title><What's \"$HOME\"?>"},
            {"shelf edit --title=Wh", "<edit><--title=What's \"$HOME\"?>"},
            {"shelf list --sort ye", "<list><--sort><year of print>"},

@@ -237,17 +237,5 @@ TEST(Help, NamesExactlyWhatParses) {
   });
 }
 
-TEST(Help, OverrunsAWidthOnlyForOneWord) {
-  for (const int columns : {30, 40, 60, 80, 120})
-    forEachCommand({kShelf}, [columns](const CommandStack& stack) {
-      for (const std::string& line : support::linesOf(helpMessage(stack, columns))) {
-        if (line.size() <= static_cast<std::size_t>(columns) || line.starts_with("USAGE:"))
-          continue;
-        if (line.starts_with("  See '")) continue;
-        EXPECT_EQ(line.find(' ', 26), line.npos) << line;
-      }
-    });
-}
-
 }  // namespace
 }  // namespace ArgumentParser

@@ -2,8 +2,6 @@
 #include <fmt/ranges.h>
 #include <gtest/gtest.h>
 
-#include <random>
-
 #include "ArgumentParser/parser_error.h"
 #include "shelf.h"
 
@@ -291,64 +289,6 @@ TEST(Parsing, AsksForACompletionScriptBeforeAllElse) {
   unsetenv("SHELL");
   EXPECT_EQ(outcome({"--generate-completion-script"}),
             "fails: Can't autodetect a supported shell.");
-}
-
-TEST(Parsing, EndsInACommandOrAnAnswerWhateverTheLine) {
-  const Line vocabulary{"list",
-                        "ls",
-                        "edit",
-                        "tags",
-                        "add",
-                        "scan",
-                        "help",
-                        "x",
-                        "",
-                        "-",
-                        "--",
-                        "---",
-                        "---x",
-                        "-?",
-                        "-vc",
-                        "-n",
-                        "-nv",
-                        "-n=",
-                        "--=",
-                        "-h",
-                        "--help",
-                        "--find",
-                        "--find=",
-                        "--limit",
-                        "--limit=5",
-                        "--count",
-                        "--count=",
-                        "--sort",
-                        "--format",
-                        "json",
-                        "--bogus",
-                        "--version",
-                        "- [ ]",
-                        "\xC3",
-                        "-\xC3",
-                        "--experimental-dump-help",
-                        "--generate-completion-script",
-                        "zsh",
-                        "---completion",
-                        "positional@0"};
-  std::mt19937 random(1);
-  for (int round = 0; round < 3000; ++round) {
-    Line line;
-    for (auto count = random() % 8; count > 0; --count)
-      line.push_back(vocabulary[random() % vocabulary.size()]);
-    try {
-      EXPECT_NE(describe(*parseAsRoot(kShelf, line)), "?");
-    } catch (const CommandError&) {
-      const auto error = std::current_exception();
-      const int code = exitCode(kShelf, error);
-      EXPECT_TRUE(code == 0 || code == 64) << fmt::format("{}", fmt::join(line, " "));
-      const std::string text = fullMessage(kShelf, error, 80);
-      EXPECT_EQ(text.starts_with("Error: "), code == 64) << text;
-    }
-  }
 }
 
 TEST(Parsing, TakesManyValuesInLinearTime) {

@@ -14,8 +14,8 @@ namespace {
 std::vector<std::string> titles(const CompletionRequest& request) {
   for (const std::string& word : request.words)
     if (word == "nothing") throw ValidationError("no titles");
-  return {"War and Peace", "What's \"$HOME\"?", "Faust",       "a:b",
-          "a;b & c",       "Über [1] *",        "back\\slash", "-dash"};
+  return {"War and Peace", "What's \"$HOME\"?", "Hello!World", "a:b",  "a;b & c",
+          "Über [1] *",    "un`paired $(date)", "back\\slash", "-dash"};
 }
 
 /// What the program was told, for a look at the protocol from the other side.

@@ -9,7 +9,8 @@
 
 #include "ArgumentParser/command_line.h"
 
-/// A small program to parse for: a shelf of books, with every kind of command and argument.
+/// A small program for the parser's tests: a shelf of books, with every kind of command and
+/// argument.
 namespace shelf {
 
 using ArgumentParser::ArgumentSet;
@@ -94,7 +95,7 @@ struct Tags : ParsableCommand {
   static CommandConfiguration configuration();
 };
 
-/// The command with required arguments, and with a check of its own.
+/// A command with required arguments and with a `validate` function.
 struct Scan : ParsableCommand {
   std::string page;
   std::vector<std::string> pages;

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <regex>
+
 #include "shelf.h"
 
 namespace ArgumentParser {
@@ -30,96 +32,40 @@ struct Bells : ParsableCommand {
   }
 };
 
+std::string withoutIndents(const std::string& text) {
+  return std::regex_replace(text, std::regex("\n *"), "");
+}
+
 TEST(ToolInfo, DescribesACommandWithAllBelowIt) {
   try {
     parseAsRoot(commandType<Bells>(), {"ring", "x", "--experimental-dump-help"});
     FAIL();
   } catch (...) {
     EXPECT_EQ(exitCode(commandType<Bells>(), std::current_exception()), 0);
-    EXPECT_EQ(message(commandType<Bells>(), std::current_exception()), R"({
+    const std::string info = message(commandType<Bells>(), std::current_exception());
+    EXPECT_TRUE(info.starts_with(R"({
   "command": {
     "abstract": "Ring the \"bell\"\n\u0009now.",
     "aliases": [
       "r"
-    ],
-    "arguments": [
-      {
-        "completionKind": {
-          "custom": {}
-        },
-        "isOptional": false,
-        "isRepeating": false,
-        "kind": "positional",
-        "parsingStrategy": "default",
-        "shouldDisplay": true,
-        "valueName": "bell"
-      },
-      {
-        "abstract": "Light.",
-        "allValues": [
-          "red",
-          "blue"
-        ],
-        "completionKind": {
-          "list": {
-            "values": [
-              "red",
-              "blue"
-            ]
-          }
-        },
-        "isOptional": true,
-        "isRepeating": true,
-        "kind": "option",
-        "names": [
-          {
-            "kind": "short",
-            "name": "c"
-          },
-          {
-            "kind": "long",
-            "name": "color"
-          }
-        ],
-        "parsingStrategy": "unconditional",
-        "preferredName": {
-          "kind": "long",
-          "name": "color"
-        },
-        "shouldDisplay": true,
-        "valueName": "color"
-      },
-      {
-        "abstract": "Show help information.",
-        "isOptional": true,
-        "isRepeating": false,
-        "kind": "flag",
-        "names": [
-          {
-            "kind": "short",
-            "name": "h"
-          },
-          {
-            "kind": "long",
-            "name": "help"
-          }
-        ],
-        "parsingStrategy": "default",
-        "preferredName": {
-          "kind": "long",
-          "name": "help"
-        },
-        "shouldDisplay": true
-      }
-    ],
-    "commandName": "ring",
-    "shouldDisplay": true,
-    "superCommands": [
-      "bells"
-    ]
-  },
-  "serializationVersion": 0
-})");
+    ],)"))
+        << info;
+    EXPECT_EQ(
+        withoutIndents(info),
+        R"({"command": {"abstract": "Ring the \"bell\"\n\u0009now.","aliases": ["r"],)"
+        R"("arguments": [{"completionKind": {"custom": {}},"isOptional": false,)"
+        R"("isRepeating": false,"kind": "positional","parsingStrategy": "default",)"
+        R"("shouldDisplay": true,"valueName": "bell"},{"abstract": "Light.","allValues": ["red",)"
+        R"("blue"],"completionKind": {"list": {"values": ["red","blue"]}},"isOptional": true,)"
+        R"("isRepeating": true,"kind": "option","names": [{"kind": "short","name": "c"},)"
+        R"({"kind": "long","name": "color"}],"parsingStrategy": "unconditional",)"
+        R"("preferredName": {"kind": "long","name": "color"},"shouldDisplay": true,)"
+        R"("valueName": "color"},{"abstract": "Show help information.","isOptional": true,)"
+        R"("isRepeating": false,"kind": "flag","names": [{"kind": "short","name": "h"},)"
+        R"({"kind": "long","name": "help"}],"parsingStrategy": "default",)"
+        R"("preferredName": {"kind": "long","name": "help"},"shouldDisplay": true}],)"
+        R"("commandName": "ring","shouldDisplay": true,"superCommands": ["bells"]},)"
+        R"("serializationVersion": 0})");
   }
 }
 

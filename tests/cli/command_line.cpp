@@ -1,9 +1,6 @@
 #include "command_line.h"
 
-#include <memory>
-
 #include "bytes/byte_sink.h"
-#include "domain/store_errors.h"
 
 namespace tavi::testing {
 
@@ -14,9 +11,9 @@ CommandLine::Result CommandLine::run(const std::vector<std::string>& arguments) 
                   .errors = errors,
                   .makeStore =
                       [this](const StoreOptions& options) {
-                        if (appLock) throw NoteStoreError::appLockEnabled();
+                        auto store = makeStore(options);
                         opened = options;
-                        return std::make_unique<MemoryNoteStore>(store);
+                        return store;
                       },
                   .readStdinData = [this] { return input; },
                   .outputIsTerminal = [this] { return outputIsTerminal; },

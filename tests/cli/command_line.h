@@ -7,12 +7,12 @@
 #include <vector>
 
 #include "cli/tavi_cli.h"
-#include "memory_note_store.h"
+#include "support/store_test.h"
 
 namespace tavi::testing {
 
-/// Runs of the program within the test, on a store in memory.
-class CommandLine : public ::testing::Test {
+/// A test that runs command lines within its own process.
+class CommandLine : public StoreTest {
  protected:
   struct Result {
     int exitCode;
@@ -29,14 +29,11 @@ class CommandLine : public ::testing::Test {
     return {exitCode, "", "Error: " + message + "\n"};
   }
 
-  /// Runs the arguments on `store`.
   Result run(const std::vector<std::string>& arguments);
 
-  MemoryNoteStore store;
-  std::optional<std::string> input;  ///< what stands on standard input; absent: a terminal
+  std::optional<std::string> input;  ///< standard input; absent: a terminal
   bool outputIsTerminal = false;
-  bool appLock = false;                ///< the store refuses to open
-  std::optional<StoreOptions> opened;  ///< how the last run opened the store
+  std::optional<StoreOptions> opened;  ///< the options of the last run's store
   std::string openedURL;
 };
 

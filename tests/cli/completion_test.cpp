@@ -55,13 +55,6 @@ class Notes : public ::testing::Test {
     return result;
   }
 
-  void lockTheApplication() {
-    fs::create_directories(home.path() / "Library/Preferences");
-    std::ofstream(home.path() / "Library/Preferences/X7Q2M5R8K1.net.kelvaro.tavi.plist")
-        << "<?xml version=\"1.0\"?><plist version=\"1.0\"><dict>"
-           "<key>applicationLockingEnabled</key><true/></dict></plist>";
-  }
-
   support::ThrowawayHome home;
   const Texts titles{"War and Peace", "What's \"$HOME\"?", "Hello!World", "a:b, c;d & e",
                      "back\\slash",   "un`paired $(date)", "Über [1] *",  "Warum"};
@@ -77,7 +70,7 @@ class Notes : public ::testing::Test {
 class CompletionInShells : public Notes, public ::testing::WithParamInterface<const char*> {
  protected:
   void SetUp() override {
-    if (!CompletingShell::isInstalled(GetParam())) GTEST_SKIP() << GetParam() << " is missing";
+    ASSERT_TRUE(CompletingShell::isInstalled(GetParam())) << "scripts/setup --test installs it";
     shell.emplace(GetParam(), TAVICLI_PROGRAM, home.path());
   }
   std::optional<CompletingShell> shell;
@@ -119,6 +112,10 @@ TEST_P(CompletionInShells, OffersWhatTheCommandsTake) {
            {"tavicli list --tag ", everyTag},
            {"tavicli list --tag wo", {"work/draft"}},
            {"tavicli list --tag \\#r", {"#red planet#"}},
+           {"tavicli search '#", {"#space", "#red planet#", "#work/draft", "#past"}},
+           {"tavicli search -q \\!\\#wo", {"!#work/draft"}},
+           {"tavicli search @to", {"@today", "@todo"}},
+           {"tavicli search --query=-@untag", {"-@untagged"}},
            {"tavicli create x --tags past,sp", {"past,space"}},
            {"tavicli tags rename p", {"past"}},
            {"tavicli tags delete --name s", {"space"}},
@@ -137,33 +134,14 @@ TEST_P(CompletionInShells, OffersWhatTheCommandsTake) {
     EXPECT_EQ(shell->offered(line), expected) << line << "[TAB]";
 }
 
-TEST_P(CompletionInShells, QuotesTitlesForTheLine) {
+TEST_P(CompletionInShells, PutsListsAndQueriesIntoTheLine) {
   writeNotes();
-  struct Case {
-    std::string line;
-    std::string arguments;
-  };
-  for (const auto& [line, arguments] : std::initializer_list<Case>{
-           {"tavicli cat -t War\\ ", "<cat><-t><War and Peace>"},
-           {"tavicli cat -t What", "<cat><-t><What's \"$HOME\"?>"},
-           {"tavicli cat -t \"What", "<cat><-t><What's \"$HOME\"?>"},
-           {"tavicli cat -t 'What", "<cat><-t><What's \"$HOME\"?>"},
-           {"tavicli cat -t Hello", "<cat><-t><Hello!World>"},
-           {"tavicli cat -t 'Hello", "<cat><-t><Hello!World>"},
-           {"tavicli cat -t \"Hello", "<cat><-t><Hello!World>"},
-           {"tavicli cat --title=a:", "<cat><--title=a:b, c;d & e>"},
-           {"tavicli cat -t back", "<cat><-t><back\\slash>"},
-           {"tavicli cat -t un", "<cat><-t><un`paired $(date)>"},
-           {"tavicli cat -t \"un", "<cat><-t><un`paired $(date)>"},
-           {"tavicli cat -t Üb", "<cat><-t><Über [1] *>"},
-           {"tavicli create x --tags past,r", "<create><x><--tags><past,red planet>"},
-           {"tavicli list --sort=pinned,ti", "<list><--sort=pinned,title>"},
-           {"tavicli tags remove -t Mars r", "<tags><remove><-t><Mars><red planet>"},
-           {"tavicli attachments save -t Mars -f my",
-            "<attachments><save><-t><Mars><-f>"
-            "<my photo.jpg>"},
-       })
-    EXPECT_EQ(shell->entered(line), arguments) << line << "[TAB]";
+  EXPECT_EQ(shell->entered("tavicli create x --tags past,r"),
+            "<create><x><--tags><past,red planet>");
+  EXPECT_EQ(shell->entered("tavicli list --sort=pinned,ti"), "<list><--sort=pinned,title>");
+  EXPECT_EQ(shell->entered("tavicli search 'a @unti"), "<search><a @untitled>");
+  EXPECT_EQ(shell->entered("tavicli search \"a -#red pl"), "<search><a -#red planet#>");
+  EXPECT_EQ(shell->entered("tavicli search a\\ or\\ \\#spa"), "<search><a or #space>");
 }
 
 TEST_P(CompletionInShells, OffersNothingAndMakesNothingWithoutNotes) {
@@ -202,6 +180,21 @@ TEST_F(CompletionAnswer, HasOneCandidateALine) {
   EXPECT_EQ(answer({"create"}, "--tags", {"create", "--tags", ""}), "");
 }
 
+TEST_F(CompletionAnswer, CompletesTheLastTermOfAQuery) {
+  writeNotes();
+  for (const auto& [query, completed] : {std::pair{"#w", "#work/draft\n"},
+                                         {"a #red", "a #red planet#\n"},
+                                         {"#red plan", "#red planet#\n"},
+                                         {"#red planet# -!#p", "#red planet# -!#past\n"},
+                                         {"\"a #b\" -@ocr", "\"a #b\" -@ocr\n"},
+                                         {"\"a \\\" @oc", ""},
+                                         {"\"#red\" pl", ""},
+                                         {"@date(20", ""},
+                                         {"a", ""},
+                                         {"", ""}})
+    EXPECT_EQ(answer({"search"}, "--query", {"search", "-q", query}), completed) << query;
+}
+
 TEST_F(CompletionAnswer, KnowsTheNoteOfTheLineInEveryForm) {
   writeNotes();
   const std::string names = "my photo.jpg\nmap.png\n";
@@ -233,7 +226,7 @@ TEST_F(CompletionAnswer, IsNothingWheneverSomethingIsWrong) {
   EXPECT_EQ(answer({"attachments", "save"}, "--filename", {"attachments", "save", "-f", ""}), "");
   EXPECT_EQ(answer({"tags", "remove"}, "positional@1", {"tags", "remove", "nosuch", ""}), "");
 
-  lockTheApplication();
+  home.lockApplication();
   EXPECT_EQ(titlesAnswered(), "");
   fs::remove_all(home.path() / "Library");
   std::ofstream(home.database()) << std::string(100000, 'x');

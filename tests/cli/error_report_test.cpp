@@ -31,7 +31,7 @@ TEST_F(ErrorReport, IsPlainOrJSONWithTheSameExitCode) {
 }
 
 TEST_F(ErrorReport, ComesFromTheStoreBeforeAnyCheckOfOurs) {
-  appLock = true;
+  home.lockApplication();
   const std::string message =
       "Tavi’s app lock is enabled; disable it in Tavi’s settings to use the CLI.";
   EXPECT_EQ(run({"edit", "x"}), refused(1, message));

@@ -29,7 +29,6 @@ using support::pathBelowRoot;
 using support::wordsOf;
 using ::testing::EndsWith;
 using ::testing::HasSubstr;
-using ::testing::Not;
 
 const ArgumentParser::CommandType kRoot = ArgumentParser::commandType<TaviCLI>();
 
@@ -77,24 +76,6 @@ TEST(HelpPages, NameEveryArgumentAtAnyWidth) {
         EXPECT_THAT(page, HasSubstr("\n  " + argument.label())) << width;
     }
   });
-}
-
-TEST(HelpPages, NameOnlyOptionsThatParse) {
-  std::size_t tried = 0;
-  forEachCommand({kRoot}, [&](const CommandStack& stack) {
-    for (const std::string& name : support::namesOnPage(ArgumentParser::helpMessage(stack, 200))) {
-      auto arguments = pathBelowRoot(stack);
-      arguments.push_back(name);
-      ++tried;
-      try {
-        ArgumentParser::parseAsRoot(kRoot, arguments);
-      } catch (...) {
-        EXPECT_THAT(ArgumentParser::message(kRoot, std::current_exception()),
-                    Not(HasSubstr("Unknown option")));
-      }
-    }
-  });
-  EXPECT_GT(tried, 100U);
 }
 
 class PrintedHelp : public testing::CommandLine {

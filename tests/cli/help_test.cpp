@@ -2,6 +2,8 @@
 
 #include <gmock/gmock.h>
 
+#include <sstream>
+
 #include "cli/version.h"
 #include "command_line.h"
 
@@ -95,35 +97,12 @@ TEST_F(Help, ListsEveryCommandInTheFullReference) {
   EXPECT_TRUE(reference.starts_with(page({})));
   const std::string rule = "\n" + std::string(72, '-') + "\n";
   std::size_t at = 0;
-  for (const char* title : {"CAT",
-                            "SHOW",
-                            "LIST",
-                            "SEARCH",
-                            "SEARCH-IN",
-                            "EDIT",
-                            "OVERWRITE",
-                            "CREATE",
-                            "APPEND",
-                            "TAGS",
-                            "TAGS LIST",
-                            "TAGS ADD",
-                            "TAGS REMOVE",
-                            "TAGS RENAME",
-                            "TAGS DELETE",
-                            "PIN",
-                            "PIN LIST",
-                            "PIN ADD",
-                            "PIN REMOVE",
-                            "TRASH",
-                            "ARCHIVE",
-                            "RESTORE",
-                            "OPEN",
-                            "ATTACHMENTS",
-                            "ATTACHMENTS LIST",
-                            "ATTACHMENTS ADD",
-                            "ATTACHMENTS DELETE",
-                            "ATTACHMENTS SAVE",
-                            "MCP-SERVER"}) {
+  std::istringstream titles(
+      "CAT,SHOW,LIST,SEARCH,SEARCH-IN,EDIT,OVERWRITE,CREATE,APPEND,TAGS,TAGS LIST,TAGS ADD,"
+      "TAGS REMOVE,TAGS RENAME,TAGS DELETE,PIN,PIN LIST,PIN ADD,PIN REMOVE,TRASH,ARCHIVE,RESTORE,"
+      "OPEN,ATTACHMENTS,ATTACHMENTS LIST,ATTACHMENTS ADD,ATTACHMENTS DELETE,ATTACHMENTS SAVE,"
+      "MCP-SERVER");
+  for (std::string title; std::getline(titles, title, ',');) {
     const std::size_t found = reference.find(rule + "TAVICLI " + title + "\n\nOVERVIEW: ", at);
     ASSERT_NE(found, std::string::npos) << title;
     at = found + 1;

@@ -8,10 +8,8 @@ using testing::CommandLine;
 /// The commands about tags, pins and attachments.
 class ListCommands : public CommandLine {
  protected:
-  using Texts = std::vector<std::string>;
-
-  void SetUp() override { store.add("Mars", "red").metadata.tags = {"a", "multi word"}; }
-  NoteMetadata& mars() { return store.find("ID-1").metadata; }
+  ListCommands() { add("# Mars\nred\n#a #multi word#"); }
+  Texts tags() { return metadata("ID-1").tags; }
 };
 
 TEST_F(ListCommands, TagsAreListed) {
@@ -27,15 +25,15 @@ TEST_F(ListCommands, TagsAreAddedAndRemovedByIdOrTitle) {
   EXPECT_EQ(run({"tags", "add", "ID-1", "b", "#c"}), printed(""));
   EXPECT_EQ(run({"tags", "add", "d", "--title", "mars", "e"}), printed(""));
   EXPECT_EQ(run({"tags", "remove", "-t", "Mars", "multi word"}), printed(""));
-  EXPECT_EQ(mars().tags, (Texts{"a", "b", "c", "d", "e"}));
+  EXPECT_EQ(tags(), (Texts{"a", "b", "c", "d", "e"}));
   EXPECT_EQ(run({"tags", "add", "ID-1"}), refused(64, "Provide at least one tag"));
 }
 
 TEST_F(ListCommands, TagsAreRenamedAndDeleted) {
   EXPECT_EQ(run({"tags", "rename", "a", "--to", "b"}), printed(""));
   EXPECT_EQ(run({"tags", "delete", "--name", "multi word"}), printed(""));
-  EXPECT_EQ(mars().tags, Texts{"b"});
-  store.addTag("c");
+  EXPECT_EQ(tags(), Texts{"b"});
+  add("# Venus\n#c");
   EXPECT_EQ(run({"tags", "rename", "b", "c"}).exitCode, 1);
   EXPECT_EQ(run({"tags", "rename", "b", "c", "--force"}), printed(""));
   EXPECT_EQ(run({"tags", "rename", "--from", "a"}), refused(64, "New tag name is required"));

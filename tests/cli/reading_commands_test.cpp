@@ -7,10 +7,10 @@ using testing::CommandLine;
 
 class ReadingCommands : public CommandLine {
  protected:
-  void SetUp() override {
-    store.add("Mars", "red planet\nred").metadata.tags = {"planet"};
-    store.add("Venus", "hot").metadata.locked = true;
-    store.add("Pluto", "cold").metadata.location = NoteLocation::trash;
+  ReadingCommands() {
+    add("# Mars\nred #planet\nred");
+    lock(add("# Venus\nhot"));
+    store().moveNote(add("# Pluto\ncold"), NoteLocation::trash);
   }
 };
 
@@ -19,7 +19,7 @@ TEST_F(ReadingCommands, ShowPrintsMetadataOrTheWholeNote) {
   EXPECT_EQ(run({"show", "-t", "VENUS", "--fields", "title,hash", "--format=json"}),
             printed("{\"title\":\"Venus\",\"hash\":null}\n"));
   EXPECT_EQ(run({"show", "ID-1", "--fields", "content", "--format", "csv"}),
-            printed("content\n\"red planet\nred\"\n"));
+            printed("content\n\"# Mars\nred #planet\nred\"\n"));
   EXPECT_EQ(run({"show", "ID-2", "--fields", "content"}), refused(1, "Note is locked: ID-2"));
   EXPECT_EQ(run({"show", "ID-9", "--fields", "nosuch"}), refused(1, "Note not found: ID-9"));
   EXPECT_EQ(run({"show", "--fields", "nosuch"}), refused(64, "Note ID or title is required"));
@@ -27,19 +27,19 @@ TEST_F(ReadingCommands, ShowPrintsMetadataOrTheWholeNote) {
 }
 
 TEST_F(ReadingCommands, CatPrintsTheTextAsItStands) {
-  EXPECT_EQ(run({"cat", "ID-1"}), printed("red planet\nred"));
-  EXPECT_EQ(run({"cat", "--title", "mars", "-o", "4", "-n=6"}), printed("planet"));
+  EXPECT_EQ(run({"cat", "ID-1"}), printed("# Mars\nred #planet\nred"));
+  EXPECT_EQ(run({"cat", "--title", "mars", "-o", "12", "-n=6"}), printed("planet"));
   EXPECT_EQ(run({"cat", "ID-1", "--format", "json"}),
-            printed("{\"content\":\"red planet\\nred\"}\n"));
+            printed("{\"content\":\"# Mars\\nred #planet\\nred\"}\n"));
   EXPECT_EQ(run({"cat", "ID-1", "--limit=-1"}), refused(64, "Limit must be non-negative"));
 }
 
 TEST_F(ReadingCommands, ListPrintsRowsOrTheirNumber) {
-  EXPECT_EQ(run({"list"}), printed("ID-1\tMars\t#planet\nID-2\tVenus\t\n"));
+  EXPECT_EQ(run({"list"}), printed("ID-2\tVenus\t\nID-1\tMars\t#planet\n"));
   EXPECT_EQ(run({"list", "-l", "all", "-s", "title", "-n", "2", "--fields", "title"}),
             printed("Venus\nPluto\n"));
   EXPECT_EQ(run({"list", "--tag", "planet", "--fields", "id,content"}),
-            printed("ID-1\tred planet\\nred\n"));
+            printed("ID-1\t# Mars\\nred #planet\\nred\n"));
   EXPECT_EQ(run({"list", "--count", "--fields", "nosuch"}), printed("2\n"));
   EXPECT_EQ(run({"list", "--count", "--offset", "0", "--format", "json"}),
             printed("{\"count\":2}\n"));
@@ -63,9 +63,9 @@ TEST_F(ReadingCommands, ListAndSearchSayWhenTheyFoundNothing) {
 TEST_F(ReadingCommands, SearchTakesItsQueryInEitherForm) {
   EXPECT_EQ(run({"search", "red"}), printed("ID-1\tMars\t#planet\t2\n"));
   EXPECT_EQ(run({"search", "--query", "red", "--fields", "content,matches"}),
-            printed("red planet\\nred\t2\n"));
+            printed("# Mars\\nred #planet\\nred\t2\n"));
   EXPECT_EQ(run({"search", "red", "--count"}), printed("1\n"));
-  EXPECT_EQ(run({"search", "-q", "-x"}), (Result{0, "", "No notes found.\n"}));
+  EXPECT_EQ(run({"search", "-q", "-venus", "--count"}), printed("1\n"));
   EXPECT_EQ(run({"search"}), refused(64, "Query is required"));
   EXPECT_EQ(run({"search", "red", "--query", "red"}),
             refused(64, "Specify the query as a positional argument or --query, not both"));
@@ -73,8 +73,8 @@ TEST_F(ReadingCommands, SearchTakesItsQueryInEitherForm) {
 
 TEST_F(ReadingCommands, SearchInFindsWithinOneNote) {
   EXPECT_EQ(run({"search-in", "ID-1", "--string", "RED", "--context", "0"}),
-            printed("0\tred\n11\tred\n"));
-  EXPECT_EQ(run({"search-in", "ID-1", "-s", "\\nred", "--count"}), printed("1\n"));
+            printed("7\tred\n19\tred\n"));
+  EXPECT_EQ(run({"search-in", "ID-1", "-s", "\\nred", "--count"}), printed("2\n"));
   EXPECT_EQ(run({"search-in", "ID-1", "-s", "--string"}), printed(""));
   EXPECT_EQ(run({"search-in", "ID-1"}), refused(64, "--string is required"));
   EXPECT_EQ(run({"search-in", "ID-1", "-s", "x", "--count", "-n", "1"}),

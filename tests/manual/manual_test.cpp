@@ -39,14 +39,11 @@ std::string shell(const std::string& script) {
   return output;
 }
 
-bool isInstalled(const std::string& program) {
-  return std::system(("command -v " + program + " >/dev/null").c_str()) == 0;
-}
-
 class ManualPages : public ::testing::Test {
  protected:
   void SetUp() override {
-    if (!isInstalled("man")) GTEST_SKIP() << "man is not installed";
+    ASSERT_EQ(std::system("for p in man zsh fish; do command -v $p >/dev/null || exit 1; done"), 0)
+        << "scripts/setup --test installs them";
     ::setenv("LC_ALL", "C.UTF-8", 1);
     ::setenv("MANWIDTH", "100", 1);
     ::setenv("MANPAGER", "cat", 1);
@@ -207,16 +204,12 @@ TEST_F(Installed, IsFoundByManAndTheShells) {
   EXPECT_EQ(shell("bash -c '. $prefix/share/bash-completion/completions/tavicli;"
                   "complete -p tavicli'"),
             "complete -o filenames -F _tavicli tavicli\n");
-  if (isInstalled("zsh")) {
-    EXPECT_EQ(shell("zsh -fc 'fpath=($prefix/share/zsh/site-functions $fpath);"
-                    "autoload -Uz compinit; compinit -u -D; echo $_comps[tavicli]'"),
-              "_tavicli\n");
-  }
-  if (isInstalled("fish")) {
-    EXPECT_THAT(shell("PATH=$prefix/bin:$PATH XDG_DATA_DIRS=$prefix/share fish -c 'complete -C "
-                      "\"tavicli search-\"'"),
-                HasSubstr("search-in\t"));
-  }
+  EXPECT_EQ(shell("zsh -fc 'fpath=($prefix/share/zsh/site-functions $fpath);"
+                  "autoload -Uz compinit; compinit -u -D; echo $_comps[tavicli]'"),
+            "_tavicli\n");
+  EXPECT_THAT(shell("PATH=$prefix/bin:$PATH XDG_DATA_DIRS=$prefix/share fish -c 'complete -C "
+                    "\"tavicli search-\"'"),
+              HasSubstr("search-in\t"));
 }
 
 // The static program carries a part of ICU's data only.

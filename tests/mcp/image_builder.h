@@ -10,7 +10,7 @@
 
 namespace tavi::mcp::testing {
 
-/// Bytes put together field by field.
+/// Builds binary data field by field.
 class Bytes {
  public:
   explicit Bytes(std::endian order) : order_(order) {}
@@ -58,7 +58,7 @@ inline std::string uuidCommand(std::string_view uuid = kUUIDText) {
   return Bytes(std::endian::little).words({27, 24}).text(uuid);
 }
 
-/// A thin 64-bit Mach-O file of these load commands.
+/// A thin 64-bit Mach-O file with these load commands.
 inline std::string thinMachO(std::uint32_t count, std::string_view commands) {
   return Bytes(std::endian::little)
       .words({0xFEEDFACF, kMachOProcessorX86_64, 3, 2, count})
@@ -66,7 +66,7 @@ inline std::string thinMachO(std::uint32_t count, std::string_view commands) {
       .text(commands);
 }
 
-/// A 64-bit little-endian ELF file with a build id, and `filling` behind it.
+/// A 64-bit little-endian ELF file with a build id, followed by `filling`.
 inline std::string elfFile(std::string_view buildID, std::string_view filling = "") {
   const auto size = static_cast<std::uint32_t>(buildID.size());
   return Bytes(std::endian::little)

@@ -9,7 +9,7 @@
 
 namespace tavi::mcp::testing {
 
-/// A pipe whose ends are closed with it. Holds a megabyte before a writer has to wait.
+/// A pipe that closes its ends when destroyed. A writer blocks once it holds a megabyte.
 class Pipe {
  public:
   Pipe() {
@@ -33,7 +33,7 @@ class Pipe {
     }
     return true;
   }
-  /// Everything up to the end of input.
+  /// Reads to the end of input.
   std::string readAll() const {
     std::string all;
     char piece[65536];
@@ -41,7 +41,7 @@ class Pipe {
       all.append(piece, static_cast<std::size_t>(count));
     return all;
   }
-  /// What is there already.
+  /// Reads what has arrived so far, without blocking.
   std::string readAvailable() const {
     ::fcntl(reader(), F_SETFL, O_NONBLOCK);
     std::string all = readAll();

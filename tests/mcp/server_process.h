@@ -8,12 +8,12 @@
 
 namespace tavi::mcp::testing {
 
-/// `program mcp-server` as a client runs it: pipes for its streams, and an environment of HOME and
-/// PATH alone.
+/// `program mcp-server` as a client runs it: over pipes, with nothing but HOME and PATH in the
+/// environment.
 class ServerProcess {
  public:
   ServerProcess(const std::string& program, const std::string& home, const std::string& path);
-  /// Ends the process if it is still there.
+  /// Kills the process if it still runs.
   ~ServerProcess();
 
   void send(std::string_view line) { input_.write(std::string(line) + "\n"); }
@@ -21,7 +21,9 @@ class ServerProcess {
   std::string receive();
   std::string ask(std::string_view line) { return send(line), receive(); }
 
-  /// Closes the server's input and gives its exit status, -1 for an end by a signal.
+  int id() const { return process_; }
+
+  /// Closes the server's input and returns its exit status, or -1 if a signal ended it.
   int finish();
 
  private:
@@ -30,7 +32,7 @@ class ServerProcess {
   int process_ = -1;
 };
 
-/// Runs a program to its end with `input`. Its output and nothing of its errors.
+/// Runs a program with `input` and returns its standard output.
 std::string outputOf(const std::vector<std::string>& command, const std::string& home,
                      std::string_view input = "");
 

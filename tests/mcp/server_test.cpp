@@ -8,14 +8,14 @@
 #include <thread>
 
 #include "domain/store_errors.h"
-#include "memory_note_store.h"
 #include "pipe.h"
+#include "support/throwaway_home.h"
+#include "support/watched_store.h"
 
 namespace tavi::mcp {
 namespace {
 
 using namespace std::chrono_literals;
-using tavi::testing::MemoryNoteStore;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using testing::Pipe;
@@ -63,17 +63,6 @@ MCPTool longTool(int rows, std::size_t rowSize, std::function<void(int)> visit) 
 /// A server of a few tools of the tests' own, and what happens around it, in order.
 class Server : public ::testing::Test {
  protected:
-  class WatchedStore : public MemoryNoteStore {
-   public:
-    explicit WatchedStore(std::vector<std::string>& events) : events_(events) {
-      events_.push_back("open");
-    }
-    ~WatchedStore() override { events_.push_back("close"); }
-
-   private:
-    std::vector<std::string>& events_;
-  };
-
   /// The lines written for one line of input.
   std::string answerTo(std::string_view line) {
     server.handleLine(line);
@@ -84,12 +73,14 @@ class Server : public ::testing::Test {
                     "\"}}");
   }
 
+  support::ThrowawayHome home{support::ThrowawayHome::On::memory};
   Pipe output;
   std::vector<std::string> events;
   StalenessTracker::Clock::time_point now{};
   BinaryFingerprint onDisk{.path = "/usr/bin/tavicli", .mtime = {}, .size = 1, .uuid = {1}};
   std::function<std::unique_ptr<NoteStore>()> open = [this] {
-    return std::make_unique<WatchedStore>(events);
+    events.push_back("open");
+    return support::watchedStore(home.data(), [this] { events.push_back("close"); });
   };
   ServerEnvironment environment{.createStore = [this] { return open(); },
                                 .postRefresh = [this] { events.push_back("refresh"); },

@@ -2,39 +2,39 @@
 
 #include <gtest/gtest.h>
 
-#include "memory_note_store.h"
 #include "refusal.h"
+#include "support/store_test.h"
 
 namespace tavi {
 namespace {
 
-using testing::MemoryNoteStore;
 using testing::refusal;
 
-TEST(MoveOperations, MoveALockedNoteByTitleAndBackById) {
-  MemoryNoteStore store;
-  store.add("Mars").metadata.locked = true;
-  EXPECT_EQ(ArchiveNoteOp::execute({.title = "mars"}, store).location, NoteLocation::archive);
-  EXPECT_EQ(TrashNoteOp::execute({.id = "ID-1"}, store).location, NoteLocation::trash);
-  EXPECT_EQ(TrashNoteOp::execute({.id = "ID-1"}, store).location, std::nullopt);
-  EXPECT_EQ(refusal([&] { RestoreNoteOp::execute({.title = "Mars"}, store); }),
+class LocationOperations : public StoreTest {
+ protected:
+  std::string openedURL(const OpenNoteInput& input) {
+    std::string opened;
+    OpenNoteOp::execute(input, store(), [&](const std::string& url) {
+      opened = url;
+      return true;
+    });
+    return opened;
+  }
+};
+
+TEST_F(LocationOperations, MoveALockedNoteByTitleAndBackById) {
+  lock(add("# Mars"));
+  EXPECT_EQ(ArchiveNoteOp::execute({.title = "mars"}, store()).location, NoteLocation::archive);
+  EXPECT_EQ(TrashNoteOp::execute({.id = "ID-1"}, store()).location, NoteLocation::trash);
+  EXPECT_EQ(TrashNoteOp::execute({.id = "ID-1"}, store()).location, std::nullopt);
+  EXPECT_EQ(refusal([&] { RestoreNoteOp::execute({.title = "Mars"}, store()); }),
             "note_not_found: No note with title: Mars "
             "(in notes — use note ID for trash/archive)");
-  EXPECT_EQ(RestoreNoteOp::execute({.id = "ID-1"}, store).location, NoteLocation::notes);
+  EXPECT_EQ(RestoreNoteOp::execute({.id = "ID-1"}, store()).location, NoteLocation::notes);
 }
 
-std::string openedURL(const OpenNoteInput& input) {
-  MemoryNoteStore store;
-  store.add("Mars").metadata.locked = true;
-  std::string opened;
-  OpenNoteOp::execute(input, store, [&](const std::string& url) {
-    opened = url;
-    return true;
-  });
-  return opened;
-}
-
-TEST(OpenNote, NamesTheNoteAndWhatToDo) {
+TEST_F(LocationOperations, OpenNamesTheNoteAndWhatToDo) {
+  lock(add("# Mars"));
   const std::string base = "tavi://x-callback-url/open-note?id=";
   EXPECT_EQ(openedURL({.title = "mars"}), base + "ID-1");
   EXPECT_EQ(openedURL({.id = "no such/note?"}), base + "no%20such/note?");
@@ -46,12 +46,11 @@ TEST(OpenNote, NamesTheNoteAndWhatToDo) {
       base + "A&header=x&edit=yes&new_window=yes&float=yes");
 }
 
-TEST(OpenNote, TellsWhenNobodyTookTheURL) {
-  MemoryNoteStore store;
+TEST_F(LocationOperations, OpenFailsWhenNobodyTakesTheURL) {
   const auto refuse = [](const std::string&) { return false; };
-  EXPECT_EQ(refusal([&] { OpenNoteOp::execute({.id = "A"}, store, refuse); }),
+  EXPECT_EQ(refusal([&] { OpenNoteOp::execute({.id = "A"}, store(), refuse); }),
             "store_unavailable: Could not open Tavi. Is the app installed?");
-  EXPECT_EQ(refusal([&] { OpenNoteOp::execute({.id = "A", .header = "\xff"}, store, refuse); }),
+  EXPECT_EQ(refusal([&] { OpenNoteOp::execute({.id = "A", .header = "\xff"}, store(), refuse); }),
             "invalid input: Could not construct open-note URL");
 }
 

@@ -2,18 +2,18 @@
 
 #include <gtest/gtest.h>
 
-#include "memory_note_store.h"
 #include "refusal.h"
+#include "support/store_test.h"
 
 namespace tavi {
 namespace {
 
-using testing::MemoryNoteStore;
 using testing::refusal;
 using Resolver = OperationNoteResolver;
 using Text = std::optional<std::string>;
+using NoteResolver = StoreTest;
 
-TEST(NoteResolver, WantsExactlyOneIdentificationThatIsNotBlank) {
+TEST_F(NoteResolver, WantsExactlyOneIdentificationThatIsNotBlank) {
   for (const auto& [id, title, message] : {
            std::tuple{Text(""), Text("Mars"), "Provide note ID or title, not both"},
            {Text(), Text(), "Note ID or title is required"},
@@ -25,18 +25,15 @@ TEST(NoteResolver, WantsExactlyOneIdentificationThatIsNotBlank) {
   }
 }
 
-TEST(NoteResolver, HandsAnIdOnAsItIsWithoutAskingTheStore) {
-  MemoryNoteStore store;
-  EXPECT_EQ(Resolver::resolveNoteID(" no such ", {}, store), " no such ");
-  EXPECT_TRUE(store.calls.empty());
+TEST_F(NoteResolver, PassesAnIdOnAsItIs) {
+  EXPECT_EQ(Resolver::resolveNoteID(" no such ", {}, store()), " no such ");
 }
 
-TEST(NoteResolver, LooksATitleUpAsTheOperationTreatsLockedNotes) {
-  MemoryNoteStore store;
-  store.add("Mars").metadata.locked = true;
-  EXPECT_EQ(refusal([&] { Resolver::resolveNoteID({}, "mars", store); }),
+TEST_F(NoteResolver, LooksATitleUpAsTheOperationTreatsLockedNotes) {
+  lock(add("# Mars"));
+  EXPECT_EQ(refusal([&] { Resolver::resolveNoteID({}, "mars", store()); }),
             "note_locked: Note is locked: mars");
-  EXPECT_EQ(Resolver::resolveNoteIDEvenIfLocked({}, "mars", store), "ID-1");
+  EXPECT_EQ(Resolver::resolveNoteIDEvenIfLocked({}, "mars", store()), "ID-1");
 }
 
 }  // namespace

@@ -3,8 +3,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "memory_note_store.h"
 #include "refusal.h"
+#include "support/store_test.h"
 
 namespace tavi {
 namespace {
@@ -13,7 +13,7 @@ using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using testing::refusal;
 
-class ReadOperations : public ::testing::Test {
+class ReadOperations : public StoreTest {
  protected:
   /// The titles of a list that came without content.
   static std::vector<std::string> titles(const ListNotesOp::Output& output) {
@@ -23,25 +23,24 @@ class ReadOperations : public ::testing::Test {
     return titles;
   }
   std::vector<std::string> listed(const ListNotesInput& input) {
-    return titles(ListNotesOp::execute(input, store));
+    return titles(ListNotesOp::execute(input, store()));
   }
-
-  testing::MemoryNoteStore store;
 };
 
 TEST_F(ReadOperations, GetNoteReadsTheTextOnlyWhenAsked) {
-  store.add("Mars", "red").metadata.locked = true;
-  EXPECT_TRUE(std::get<NoteMetadata>(GetNoteOp::execute({.title = "mars"}, store)).locked);
-  EXPECT_EQ(refusal([&] { GetNoteOp::execute({.title = "mars", .includeContent = true}, store); }),
-            "note_locked: Note is locked: mars");
+  lock(add("# Mars"));
+  EXPECT_TRUE(std::get<NoteMetadata>(GetNoteOp::execute({.title = "mars"}, store())).locked);
+  EXPECT_EQ(
+      refusal([&] { GetNoteOp::execute({.title = "mars", .includeContent = true}, store()); }),
+      "note_locked: Note is locked: mars");
 
-  store.find("ID-1").metadata.locked = false;
-  const auto output = GetNoteOp::execute({.id = "ID-1", .includeContent = true}, store);
-  EXPECT_EQ(std::get<Note>(output).content, "red");
+  otherProgram("UPDATE note SET encrypted = 0");
+  const auto output = GetNoteOp::execute({.id = "ID-1", .includeContent = true}, store());
+  EXPECT_EQ(std::get<Note>(output).content, "# Mars");
 }
 
 TEST_F(ReadOperations, ReadNoteContentGivesBytesOrNothingWhereACharacterWouldBeCut) {
-  store.add("Greek", "αβ!");
+  add("αβ!");
   using Number = std::optional<std::int64_t>;
   for (const auto& [offset, limit, expected] : {
            std::tuple{Number(), Number(), "αβ!"},
@@ -55,46 +54,43 @@ TEST_F(ReadOperations, ReadNoteContentGivesBytesOrNothingWhereACharacterWouldBeC
            {Number(99), Number(1), ""},  // behind it
            {Number(4), Number(INT64_MAX), "!"},
        }) {
-    EXPECT_EQ(ReadNoteContentOp::execute({.id = "ID-1", .offset = offset, .limit = limit}, store),
+    EXPECT_EQ(ReadNoteContentOp::execute({.id = "ID-1", .offset = offset, .limit = limit}, store()),
               expected);
   }
 }
 
 TEST_F(ReadOperations, ReadNoteContentChecksItsNumbersFirst) {
-  EXPECT_EQ(refusal([&] { ReadNoteContentOp::execute({.offset = -1, .limit = -1}, store); }),
+  EXPECT_EQ(refusal([&] { ReadNoteContentOp::execute({.offset = -1, .limit = -1}, store()); }),
             "invalid input: Offset must be non-negative");
-  EXPECT_EQ(refusal([&] { ReadNoteContentOp::execute({.limit = -1}, store); }),
+  EXPECT_EQ(refusal([&] { ReadNoteContentOp::execute({.limit = -1}, store()); }),
             "invalid input: Limit must be non-negative");
 }
 
 TEST_F(ReadOperations, ListNotesFiltersAndPages) {
-  store.add("Mars");
-  store.add("Venus");
-  store.add("Earth").metadata.tags = {"home/blue"};
-  store.add("Pluto").metadata.location = NoteLocation::archive;
+  for (const char* text : {"# Mars", "# Venus", "# Earth\n#home/blue", "# Pluto"}) add(text);
+  store().moveNote("ID-4", NoteLocation::archive);
 
-  EXPECT_THAT(listed({}), ElementsAre("Mars", "Venus", "Earth"));
+  EXPECT_THAT(listed({}), ElementsAre("Earth", "Venus", "Mars"));
   EXPECT_THAT(listed({.sort = "title:asc", .location = "all"}),
               ElementsAre("Earth", "Mars", "Pluto", "Venus"));
   EXPECT_THAT(listed({.limit = 1, .offset = 1}), ElementsAre("Venus"));
   EXPECT_THAT(listed({.offset = 9}), IsEmpty());
   EXPECT_THAT(listed({.location = "archive"}), ElementsAre("Pluto"));
   EXPECT_THAT(listed({.tag = " #home# "}), ElementsAre("Earth"));
-  EXPECT_EQ(store.calls.back(), "searchNotes #home");
 }
 
 TEST_F(ReadOperations, ListNotesGivesTheFormThatWasAskedFor) {
-  store.add("Mars", "red").metadata.tags = {"planet"};
+  add("# Mars\n#planet");
   for (const std::optional<std::string>& tag : {std::optional<std::string>(), {"planet"}}) {
-    const auto output = ListNotesOp::execute({.includeContent = true, .tag = tag}, store);
+    const auto output = ListNotesOp::execute({.includeContent = true, .tag = tag}, store());
     std::get<RecordList<Note>>(output)->forEach(
-        [](const Note& note) { EXPECT_EQ(note.content, "red"); });
+        [](const Note& note) { EXPECT_EQ(note.content, "# Mars\n#planet"); });
     EXPECT_EQ(std::get<RecordList<Note>>(output)->count(), 1);
   }
-  EXPECT_EQ(
-      std::get<RecordList<Note>>(ListNotesOp::execute({.limit = 0, .includeContent = true}, store))
-          ->count(),
-      0);
+  EXPECT_EQ(std::get<RecordList<Note>>(
+                ListNotesOp::execute({.limit = 0, .includeContent = true}, store()))
+                ->count(),
+            0);
 }
 
 TEST_F(ReadOperations, ListNotesChecksInOrder) {
@@ -107,38 +103,37 @@ TEST_F(ReadOperations, ListNotesChecksInOrder) {
            {ListNotesInput{.location = "All", .tag = ""}, "Invalid location: All"},
            {ListNotesInput{.limit = 0, .tag = " # "}, "tag must not be empty"},
        }) {
-    EXPECT_EQ(refusal([&, &input = input] { ListNotesOp::execute(input, store); }),
+    EXPECT_EQ(refusal([&, &input = input] { ListNotesOp::execute(input, store()); }),
               std::string("invalid input: ") + message);
   }
-  EXPECT_TRUE(store.calls.empty());
 }
 
-TEST_F(ReadOperations, ALimitOfZeroAsksNoStore) {
+TEST_F(ReadOperations, ALimitOfZeroFindsNothingAndAsksNothing) {
+  add("# Mars\n#work x");
   EXPECT_THAT(listed({.limit = 0}), IsEmpty());
   EXPECT_THAT(listed({.limit = 0, .tag = "work"}), IsEmpty());
-  const auto results = SearchNotesOp::execute({.query = "x", .limit = 0}, store);
+  // The store would refuse this query, and this note.
+  const auto results = SearchNotesOp::execute({.query = "@nosuch", .limit = 0}, store());
   EXPECT_EQ(std::get<RecordList<SearchResult>>(results)->count(), 0);
-  EXPECT_THAT(SearchInNoteOp::execute({.id = "none", .string = "x", .limit = 0}, store), IsEmpty());
-  EXPECT_TRUE(store.calls.empty());
+  EXPECT_THAT(SearchInNoteOp::execute({.id = "none", .string = "x", .limit = 0}, store()),
+              IsEmpty());
 }
 
 TEST_F(ReadOperations, SearchNotesHandsTheQueryOnAsItIs) {
-  store.add("Mars", "a red planet, red");
-  const auto results = SearchNotesOp::execute({.query = " red"}, store);
-  std::get<RecordList<SearchResult>>(results)->forEach(
-      [](const SearchResult& result) { EXPECT_EQ(result.matchCount, 2); });
-  EXPECT_EQ(store.calls.back(), "searchNotes  red");
-  EXPECT_EQ(refusal([&] { SearchNotesOp::execute({.query = " \n", .sort = "size"}, store); }),
+  add("# Mars\na red planet, red");
+  const auto results = SearchNotesOp::execute({.query = "\" red\""}, store());
+  EXPECT_EQ(all(std::get<RecordList<SearchResult>>(results)).at(0).matchCount, 2);
+  EXPECT_EQ(refusal([&] { SearchNotesOp::execute({.query = " \n", .sort = "size"}, store()); }),
             "invalid input: Query is required");
 }
 
 TEST_F(ReadOperations, SearchInNoteChecksItsNumbersFirst) {
-  store.add("Mars", "red, Red");
-  EXPECT_EQ(SearchInNoteOp::execute({.id = "ID-1", .string = "red"}, store).size(), 2U);
-  EXPECT_THAT(SearchInNoteOp::execute({.id = "ID-1", .string = ""}, store), IsEmpty());
-  EXPECT_EQ(refusal([&] { SearchInNoteOp::execute({.context = -1, .limit = -1}, store); }),
+  add("red, Red");
+  EXPECT_EQ(SearchInNoteOp::execute({.id = "ID-1", .string = "red"}, store()).size(), 2U);
+  EXPECT_THAT(SearchInNoteOp::execute({.id = "ID-1", .string = ""}, store()), IsEmpty());
+  EXPECT_EQ(refusal([&] { SearchInNoteOp::execute({.context = -1, .limit = -1}, store()); }),
             "invalid input: Limit must be non-negative");
-  EXPECT_EQ(refusal([&] { SearchInNoteOp::execute({.context = -1}, store); }),
+  EXPECT_EQ(refusal([&] { SearchInNoteOp::execute({.context = -1}, store()); }),
             "invalid input: Context must be non-negative");
 }
 

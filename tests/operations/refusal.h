@@ -9,7 +9,7 @@
 
 namespace tavi::testing {
 
-/// What an action answers: "" when it succeeds, "invalid input: ..." or "<code>: ...".
+/// The error that `action` throws, as "invalid input: ..." or "<code>: ..."; "" if it succeeds.
 template <class Action>
 std::string refusal(const Action& action) {
   try {

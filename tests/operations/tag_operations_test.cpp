@@ -3,8 +3,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "memory_note_store.h"
 #include "refusal.h"
+#include "support/store_test.h"
 
 namespace tavi {
 namespace {
@@ -12,40 +12,38 @@ namespace {
 using ::testing::ElementsAre;
 using testing::refusal;
 
-class TagOperations : public ::testing::Test {
+class TagOperations : public StoreTest {
  protected:
-  void SetUp() override {
-    store.add("Mars").metadata.tags = {"planet", "red"};
-    store.add("Venus").metadata.tags = {"planet"};
+  TagOperations() {
+    add("# Mars\n#planet #red");
+    add("# Venus\n#planet");
   }
   std::string rename(const std::string& from, const std::string& to, bool force = false) {
     return refusal(
-        [&] { RenameTagOp::execute({.oldName = from, .newName = to, .force = force}, store); });
+        [&] { RenameTagOp::execute({.oldName = from, .newName = to, .force = force}, store()); });
   }
-
-  testing::MemoryNoteStore store;
 };
 
 TEST_F(TagOperations, ListTagsOfOneNoteOrOfAll) {
-  store.find("ID-2").metadata.locked = true;
-  EXPECT_THAT(ListTagsOp::execute({}, store), ElementsAre("planet", "red"));
-  EXPECT_THAT(ListTagsOp::execute({.title = "venus"}, store), ElementsAre("planet"));
-  EXPECT_EQ(refusal([&] { ListTagsOp::execute({.id = ""}, store); }),
+  lock("ID-2");
+  EXPECT_THAT(ListTagsOp::execute({}, store()), ElementsAre("planet", "red"));
+  EXPECT_THAT(ListTagsOp::execute({.title = "venus"}, store()), ElementsAre("planet"));
+  EXPECT_EQ(refusal([&] { ListTagsOp::execute({.id = ""}, store()); }),
             "invalid input: Note ID must not be empty");
 }
 
 TEST_F(TagOperations, AddAndRemoveTakeNamesInAnyForm) {
-  const auto added = AddTagsOp::execute({.id = "ID-2", .tags = {"#hot ", "planet"}}, store);
+  const auto added = AddTagsOp::execute({.id = "ID-2", .tags = {"#hot ", "planet"}}, store());
   EXPECT_THAT(*added.tags, ElementsAre("hot", "planet"));
-  const auto removed = RemoveTagsOp::execute({.id = "ID-2", .tags = {"#hot", "cold"}}, store);
+  const auto removed = RemoveTagsOp::execute({.id = "ID-2", .tags = {"#hot", "cold"}}, store());
   EXPECT_THAT(*removed.tags, ElementsAre("planet"));
 }
 
 TEST_F(TagOperations, AddAndRemoveCheckTheNamesBeforeTheNote) {
-  EXPECT_EQ(refusal([&] { AddTagsOp::execute({}, store); }),
+  EXPECT_EQ(refusal([&] { AddTagsOp::execute({}, store()); }),
             "invalid input: Provide at least one tag");
   EXPECT_EQ(refusal([&] {
-              RemoveTagsOp::execute({.tags = {"red", "#"}}, store);
+              RemoveTagsOp::execute({.tags = {"red", "#"}}, store());
             }),
             "invalid input: Tag name must not be empty");
 }
@@ -57,7 +55,7 @@ TEST_F(TagOperations, NameTheSignThatKeepsATagFromBeingWritten) {
                                    {"!", " cannot be written as a hashtag: !"},
                                    {" #/# ", " must not be empty"}}) {
     EXPECT_EQ(
-        refusal([&, name = tag] { AddTagsOp::execute({.id = "ID-2", .tags = {name}}, store); }),
+        refusal([&, name = tag] { AddTagsOp::execute({.id = "ID-2", .tags = {name}}, store()); }),
         std::string("invalid input: Tag name") + fault);
     EXPECT_EQ(rename("red", tag), std::string("invalid input: New") + fault);
   }
@@ -67,23 +65,24 @@ TEST_F(TagOperations, RenameRefusesToMergeUnlessForced) {
   EXPECT_EQ(rename("planet", " #red"),
             "conflict: Tag \"red\" already exists. Renaming would merge 2 notes into it. "
             "Pass --force / force=true to proceed.");
-  EXPECT_TRUE(store.calls.empty());
-  EXPECT_EQ(RenameTagOp::execute({.oldName = "planet", .newName = "red", .force = true}, store), 2);
+  EXPECT_EQ(text("ID-2"), "# Venus\n#planet");
+  EXPECT_EQ(RenameTagOp::execute({.oldName = "planet", .newName = "red", .force = true}, store()),
+            2);
 }
 
 TEST_F(TagOperations, RenameGoesAheadWhereNothingIsMerged) {
   EXPECT_EQ(rename("red", "#red"), "");  // onto itself
   EXPECT_EQ(rename("none", "red"), "");  // there is no such tag
   EXPECT_EQ(rename("red", "Red"), "");
-  EXPECT_THAT(store.calls, ElementsAre("renameTag", "renameTag", "renameTag"));
+  EXPECT_EQ(text("ID-1"), "# Mars\n#planet #Red");
 }
 
 TEST_F(TagOperations, RenameAndDeleteWantNames) {
   EXPECT_EQ(rename("#", ""), "invalid input: Old must not be empty");
   EXPECT_EQ(rename("red", " "), "invalid input: New must not be empty");
-  EXPECT_EQ(refusal([&] { DeleteTagOp::execute({.tag = "# "}, store); }),
+  EXPECT_EQ(refusal([&] { DeleteTagOp::execute({.tag = "# "}, store()); }),
             "invalid input: Tag must not be empty");
-  EXPECT_EQ(DeleteTagOp::execute({.tag = "#planet"}, store), 2);
+  EXPECT_EQ(DeleteTagOp::execute({.tag = "#planet"}, store()), 2);
 }
 
 }  // namespace

@@ -1,3 +1,5 @@
+#include <sys/stat.h>
+
 #include <filesystem>
 #include <fstream>
 #include <map>
@@ -273,6 +275,31 @@ TEST_F(Attachments, SayWhenTheBytesAreGone) {
   EXPECT_EQ(refusal([&] { fresh()->readAttachment(id, "gone.bin"); }), "store_unavailable");
   EXPECT_EQ(refusal([&] { fresh()->readAttachment(id, "climb.bin"); }), "store_unavailable");
   EXPECT_EQ(refusal([&] { fresh()->readAttachment(id, "other"); }), "attachment_not_found");
+}
+
+// Whatever a stranger puts into the folder is not followed, not waited for and not removed.
+TEST_F(Attachments, AreRegularFilesOnly) {
+  const std::string id = create("# T");
+  const fs::path files = home.data() / "files", secret = home.path() / "secret";
+  std::ofstream(secret) << "not an attachment";
+  for (const char* name : {"a.bin", "b.bin"}) fresh()->addAttachment(id, "bytes", name);
+  const auto stored = [&](const std::string& name) {
+    return files / value("SELECT storedName FROM file WHERE filename = '" + name + "'");
+  };
+  const fs::path pipe = stored("a.bin"), link = stored("b.bin");
+  fs::remove(pipe);
+  fs::remove(link);
+  for (const fs::path& path : {pipe, files / "staged/pipe"})
+    ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);
+  for (const fs::path& path : {link, files / "staged/link"}) fs::create_symlink(secret, path);
+  for (const char* name : {"a.bin", "b.bin"}) {
+    EXPECT_EQ(refusal([&] { fresh()->readAttachment(id, name); }), "store_unavailable");
+  }
+  otherProgram("DELETE FROM file");
+  fresh()->listTags({});
+  EXPECT_EQ(value("SELECT count(*) FROM removedFile"), "0");
+  EXPECT_TRUE(fs::exists(secret) && fs::is_symlink(link) && fs::is_fifo(pipe));
+  EXPECT_TRUE(fs::is_symlink(files / "staged/link") && fs::is_fifo(files / "staged/pipe"));
 }
 
 TEST_F(Attachments, OfWritersThatDiedAreSweptUp) {

@@ -1,7 +1,7 @@
 #include <filesystem>
 #include <fstream>
 
-#include "domain/invalid_query.h"
+#include "platform/model/search_inventor.h"
 #include "store_fixture.h"
 
 namespace tavi {
@@ -109,6 +109,56 @@ TEST_F(Listing, SortsAndPages) {
   EXPECT_EQ(titles("modified:asc", 5, 2), "C");
   EXPECT_EQ(titles("modified:asc", 5, 9), "");
   EXPECT_EQ(titles("modified", INT64_MAX, 1), "ba");
+  for (const std::int64_t limit : {std::int64_t{1}, INT64_MAX}) {
+    EXPECT_EQ(titles("modified", limit, INT64_MAX), "");
+  }
+}
+
+TEST_F(Listing, KeepsOneOrderOfNotesThatAreEqual) {
+  const std::string absent = create("# f"), empty = create("# g"), absentToo = create("# h");
+  otherProgram(
+      "UPDATE note SET title = NULL WHERE id IN (6, 8); UPDATE note SET title = '' WHERE id = 7;"
+      "UPDATE note SET trashed = 0, archived = 0, pinned = 0, permanentlyDeleted = 0,"
+      "creationDate = NULL, modificationDate = 7");
+  const Texts blank = {absentToo, empty, absent};
+  const Texts all = {absentToo, empty, absent, ids[4], ids[3], ids[2], ids[1], ids[0]};
+  const struct {
+    const char* sort;
+    Texts expected;
+  } cases[] = {
+      {"modified", all},
+      {"created:asc", all},
+      {"pinned,modified:asc", all},
+      {"title:asc,pinned", {blank[0], blank[1], blank[2], ids[1], ids[2], ids[0], ids[3], ids[4]}},
+      {"title", {ids[4], ids[3], ids[0], ids[2], ids[1], blank[0], blank[1], blank[2]}},
+  };
+  for (const auto& [sort, expected] : cases) {
+    for (const std::int64_t limit : {std::int64_t{8}, INT64_MAX}) {
+      const auto store = fresh();
+      const ListRequest request{parseSortCriteria(sort), limit};
+      Texts listed, found;
+      for (const auto& note : tavi::all(store->listNotes(request))) listed.push_back(note.id);
+      for (const auto& row : tavi::all(store->searchNotes("-nowhere", request)))
+        found.push_back(row.metadata.id);
+      EXPECT_EQ(listed, expected) << sort << " " << limit;
+      if (sort[0] != 't') {
+        EXPECT_EQ(found, expected) << sort << " " << limit;
+      }
+    }
+  }
+}
+
+TEST_F(Listing, FiltersByTagsThatNoQueryCanName) {
+  const std::string quoted = create("# quoted\n#say \"hi\"#");
+  const std::string below = create("# below\n#say \"hi\"/often#");
+  create("# say \"hi\"\n#say \"hi\" too#");
+  ListRequest request{parseSortCriteria("created:asc")};
+  request.tag = "say \"hi\"";
+  const auto listed = all(fresh()->listNotesWithContent(request));
+  ASSERT_EQ(listed.size(), 2U);
+  EXPECT_EQ(listed[0].metadata.id, quoted);
+  EXPECT_EQ(listed[1].metadata.id, below);
+  EXPECT_EQ(fresh()->listNotes(request)->count(), 2);
 }
 
 TEST_F(Listing, KeepsLocationsApart) {
@@ -134,7 +184,42 @@ TEST_F(Listing, CountsMatchesInTheRawText) {
   ASSERT_EQ(rows.size(), 1U);
   EXPECT_EQ(rows[0].matchCount, 4);
   EXPECT_EQ(all(store->searchNotes("#cat", {})).at(0).matchCount, 0);
-  EXPECT_THROW(store->searchNotes("@nosuch", {}), InvalidQuery);
+  EXPECT_THROW(store->searchNotes("@nosuch", {}), std::invalid_argument);
+  lock(id);
+  EXPECT_EQ(all(fresh()->searchNotes("@locked or cat", {})).at(0).matchCount, 0);
+}
+
+// Whatever is asked, the answer is the same for any text of a locked note.
+TEST_F(Reading, TellsNothingOfALockedText) {
+  tavimodel::Inventor invent;
+  for (int i = 0; i < 60; ++i) create(invent.text());
+  otherProgram(
+      "INSERT INTO file (note, filename, ocrText) SELECT id, 'a' || id % 3, text FROM note;"
+      "UPDATE note SET encrypted = 1 WHERE id % 3 = 0");
+  std::vector<std::string> queries;
+  for (int i = 0; i < 150; ++i)
+    queries.push_back(invent.query() + (i % 2 == 0 ? "or @locked" : ""));
+  const auto answers = [&] {
+    std::vector<std::string> rows;
+    const auto store = fresh();
+    for (std::size_t i = 0; i < queries.size(); ++i) {
+      const ListRequest request{parseSortCriteria("pinned,title:asc"), i % 3 == 0 ? 7 : INT64_MAX};
+      rows.push_back(queries[i]);
+      rows.push_back(std::to_string(store->searchNotes(queries[i], request)->count()));
+      for (const auto& [note, matches] : all(store->searchNotesWithContent(queries[i], request))) {
+        rows.push_back(note.metadata.id + note.content + note.metadata.contentHash +
+                       std::to_string(matches) + std::to_string(note.metadata.contentLength) +
+                       std::to_string(note.metadata.todos + note.metadata.done) +
+                       std::to_string(note.metadata.attachments.size()));
+      }
+    }
+    return rows;
+  };
+  const std::vector<std::string> before = answers();
+  otherProgram(
+      "UPDATE note SET text = (SELECT text FROM note n WHERE n.id = note.id - 1) WHERE encrypted;"
+      "UPDATE file SET ocrText = (SELECT text FROM note WHERE id = note) WHERE note % 3 = 0");
+  EXPECT_EQ(answers(), before);
 }
 
 TEST_F(Reading, RefusesEverythingWhileTheApplicationIsLocked) {

@@ -40,6 +40,10 @@ TEST(RefreshBridge, CarriesTheSignalFromOneProcessToAnother) {
   std::ofstream(home.data() / "another.name") << "";
   signalled(bridge, 200);
   EXPECT_EQ(received, 0) << "a bridge receives only its own name";
+
+  TaviCLIBridge withoutHandler(nullptr);
+  TaviCLIBridge::requestAppRefresh();
+  EXPECT_TRUE(signalled(withoutHandler, 5000)) << "and one without a handler does nothing";
 }
 
 }  // namespace

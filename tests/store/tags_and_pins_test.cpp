@@ -25,7 +25,8 @@ TEST_F(TagsAndPins, RenamesWithChildrenAndPinsEverywhereButInCode) {
   const std::string c = create("# C\n#workshop");
   fresh()->pinNoteInTag(a, "work");
   otherProgram("UPDATE note SET modificationDate = 1000");
-  EXPECT_EQ(fresh()->renameTag("#work", "job"), 1);
+  EXPECT_EQ(fresh()->tagNoteCount("work"), 2);
+  EXPECT_EQ(fresh()->renameTag("#work", "job"), 2);
   EXPECT_EQ(text(a), "# A\n#job and `#work`");
   EXPECT_EQ(tags(b), (Texts{"job/draft", "other"}));
   EXPECT_EQ(tags(c), Texts{"workshop"});
@@ -46,7 +47,6 @@ TEST_F(TagsAndPins, MergesWithoutADoubledMention) {
 TEST_F(TagsAndPins, DeletesATagAndLeavesItsChildren) {
   const std::string a = create("# A\ntext #work more");
   const std::string b = create("# B\n#work/draft");
-  EXPECT_EQ(fresh()->tagNoteCount("work"), 1);
   EXPECT_EQ(fresh()->deleteTag("work"), 1);
   EXPECT_EQ(tags(a), Texts{});
   EXPECT_EQ(tags(b), Texts{"work/draft"});
@@ -68,6 +68,54 @@ TEST_F(TagsAndPins, ChangesOnlyTheRecordOfALockedNote) {
   EXPECT_EQ(value("SELECT text FROM note WHERE encrypted = 1"),
             "# T\n#work #work/draft #job #other");
   EXPECT_EQ(value("SELECT group_concat(DISTINCT modificationDate) FROM note"), "1000.0");
+}
+
+// Another program may write rows or texts alone, and a text stays as it is where a tag is renamed
+// while its note is locked.
+TEST_F(TagsAndPins, BringRowsAndTextIntoStep) {
+  const auto note = [&](const std::string& text, const Texts& rows) {
+    const std::string id = create("");
+    otherProgram("UPDATE note SET text = '" + text + "' WHERE uniqueIdentifier = '" + id + "'");
+    for (const std::string& row : rows) {
+      otherProgram("INSERT OR IGNORE INTO tag (title) VALUES ('" + row + "')");
+      otherProgram(
+          "INSERT INTO noteTag SELECT note.id, tag.id FROM note, tag WHERE "
+          "uniqueIdentifier = '" +
+          id + "' AND tag.title = '" + row + "'");
+    }
+    return id;
+  };
+  const std::string onlyRow = note("# T", {"work"});
+  fresh()->removeTags(onlyRow, {"work"});
+  EXPECT_EQ(tags(onlyRow), Texts{});
+  const std::string onlyText = note("# T\n#work", {});
+  fresh()->removeTags(onlyText, {"work"});
+  EXPECT_EQ(text(onlyText), "# T");
+
+  const std::string rowAlone = note("# T", {"work"});
+  const std::string textAlone = note("# T\n#work", {});
+  for (const std::string& id : {rowAlone, textAlone}) {
+    fresh()->addTags(id, {"work"});
+    EXPECT_EQ(tags(id), Texts{"work"});
+    EXPECT_NE(text(id).find("#work"), std::string::npos);
+  }
+  const std::string low = note("# T\n#home", {"home", "work/low"});
+  EXPECT_EQ(fresh()->renameTag("work", "job"), 3);
+  EXPECT_EQ(text(low), "# T\n#home #job/low");
+  EXPECT_EQ(tags(low), (Texts{"home", "job/low"}));
+  EXPECT_EQ(fresh()->renameTag("home", "home"), 1);
+  const std::string gone = note("# T", {"job"});
+  EXPECT_EQ(fresh()->deleteTag("job"), 3);
+  EXPECT_EQ(tags(gone), Texts{});
+
+  for (const std::string odd : {"a*b", "a#b", "  c", "d  e", "f\n", "g//h", "e\xCC\x81"}) {
+    const std::string one = note("# T", {odd});
+    fresh()->removeTags(one, {odd});
+    EXPECT_EQ(tags(one), Texts{}) << odd;
+    const std::string all = note("# T", {odd});
+    EXPECT_EQ(fresh()->deleteTag(odd), 1) << odd;
+    EXPECT_EQ(tags(all), Texts{}) << odd;
+  }
 }
 
 TEST_F(TagsAndPins, RenamesATagIntoOneBelowIt) {
@@ -102,6 +150,8 @@ TEST_F(TagsAndPins, MovesThroughTheNotesInOneSave) {
   const std::string version = value("SELECT version FROM noteSummary");
   EXPECT_FALSE(fresh()->moveNote(id, NoteLocation::archive).location);
   EXPECT_EQ(value("SELECT version FROM noteSummary"), version) << "nothing was written";
+  EXPECT_EQ(fresh()->moveNote(id, NoteLocation::notes).location, NoteLocation::notes);
+  otherProgram("UPDATE note SET trashed = 1, archived = 1");
   EXPECT_EQ(fresh()->moveNote(id, NoteLocation::notes).location, NoteLocation::notes);
 }
 

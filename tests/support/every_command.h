@@ -8,10 +8,10 @@
 
 #include "ArgumentParser/command_line.h"
 
-/// For tests of what holds of every command, whatever is declared.
+/// For tests that check a property of every command.
 namespace support {
 
-/// Calls `visit` with the stack's command and all below it, from above, in their order.
+/// Calls `visit` with the stack's command and all its descendants, parents first.
 inline void forEachCommand(const ArgumentParser::CommandStack& stack,
                            const std::function<void(const ArgumentParser::CommandStack&)>& visit) {
   visit(stack);
@@ -22,7 +22,7 @@ inline void forEachCommand(const ArgumentParser::CommandStack& stack,
   }
 }
 
-/// The names behind the program's: "tags", "add".
+/// The command's path without the program's name: "tags", "add".
 inline std::vector<std::string> pathBelowRoot(const ArgumentParser::CommandStack& stack) {
   std::vector<std::string> names;
   for (auto command = stack.begin() + 1; command != stack.end(); ++command)

@@ -8,8 +8,9 @@
 
 namespace support {
 
-/// Another program that shares the database and knows nothing of ours: plain SQL on a connection of
-/// its own, with the schema untrusted as careful clients have it.
+/// Another program that shares the database: plain SQL over its own connection, with
+/// `trusted_schema` off, as careful clients set it. Throws std::runtime_error with SQLite's
+/// message.
 class ForeignClient {
  public:
   explicit ForeignClient(const std::filesystem::path& database) {
@@ -25,7 +26,7 @@ class ForeignClient {
     if (sqlite3_exec(handle_, sql.c_str(), nullptr, nullptr, nullptr) != SQLITE_OK) fail();
   }
 
-  /// The first column of the first row, as text; empty for none.
+  /// The first column of the first row, as text; empty when there is no row.
   std::string value(const std::string& sql) {
     std::string result;
     const auto keep = [](void* out, int, char** values, char**) {

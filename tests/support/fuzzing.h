@@ -4,15 +4,15 @@
 #include <cstdint>
 #include <string_view>
 
-/// What the targets of libFuzzer share. Each defines `LLVMFuzzerTestOneInput`.
+/// Shared by the libFuzzer targets, each of which defines `LLVMFuzzerTestOneInput`.
 namespace support {
 
-/// Stops the fuzzer, which then prints the way here and keeps the input.
+/// Aborts; the fuzzer then prints the stack and saves the input.
 inline void require(bool holds) {
   if (!holds) __builtin_trap();
 }
 
-/// The input lies in a block of exactly its size, so that reading past it is caught.
+/// A copy in a block of exactly its size, so that the sanitizer catches reads past its end.
 inline std::string_view fuzzed(const std::uint8_t* data, std::size_t size) {
   return {reinterpret_cast<const char*>(data), size};
 }

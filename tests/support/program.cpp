@@ -103,12 +103,12 @@ ProgramResult runProgram(const std::vector<std::string>& arguments, const std::s
 }
 
 int runAndKill(const std::vector<std::string>& arguments, const std::filesystem::path& input,
-               int microseconds) {
+               int microseconds, const char* program) {
   const pid_t child = fork();
   if (child == 0) {
     const int in = open(input.c_str(), O_RDONLY);
     const int nowhere = open("/dev/null", O_WRONLY);
-    become(TAVICLI_PROGRAM, arguments, in, nowhere, nowhere);
+    become(program, arguments, in, nowhere, nowhere);
   }
   usleep(static_cast<useconds_t>(microseconds));
   kill(child, SIGKILL);

@@ -7,7 +7,7 @@
 
 namespace support {
 
-/// A program in a terminal of its own, typed at and read from.
+/// A program in a pseudo-terminal, which the test types into and reads from.
 class Terminal {
  public:
   using Environment = std::map<std::string, std::string>;
@@ -20,7 +20,7 @@ class Terminal {
 
   void type(std::string_view keys);
 
-  /// What is printed from now on, up to and with `mark`; throws if it does not come in time.
+  /// The output from now on, up to and including `mark`; throws if it does not appear in time.
   std::string readUntil(std::string_view mark);
 
  private:

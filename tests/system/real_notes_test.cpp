@@ -5,13 +5,11 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
-#include <map>
 #include <regex>
 #include <set>
 #include <string>
 #include <vector>
 
-#include "platform/text/utf8.h"
 #include "support/program.h"
 #include "support/throwaway_home.h"
 
@@ -28,24 +26,13 @@ std::string contents(const fs::path& path) {
   return {std::istreambuf_iterator<char>(file), {}};
 }
 
-/// Every Markdown file that came with the machine's other programs, as valid UTF-8 and not blank.
+/// The Markdown files of the package that scripts/setup unpacks, and the project's own.
 std::vector<std::string> foundTexts() {
-  constexpr std::size_t enough = 300;
-  std::set<std::string> texts;
-  for (const char* root :
-       {"/usr/lib/node_modules", "/usr/local/lib/node_modules", "/usr/share/nodejs",
-        "/usr/share/doc", "/usr/share/cmake-3.25", "/usr/lib/python3", "/usr/share/perl"}) {
-    std::error_code error;
-    const auto options = fs::directory_options::skip_permission_denied;
-    for (fs::recursive_directory_iterator entry(root, options, error), end;
-         !error && entry != end && texts.size() < enough; entry.increment(error)) {
-      if (entry->path().extension() != ".md" || !entry->is_regular_file(error)) continue;
-      std::string text = contents(entry->path());
-      const bool blank = text.find_first_not_of(" \t\r\n") == std::string::npos;
-      if (!blank && platform::text::isValidUTF8(text)) texts.insert(std::move(text));
-    }
-  }
-  return {texts.begin(), texts.end()};
+  std::vector<std::string> texts;
+  for (const char* root : {TAVI_MARKDOWN_PACKAGE, TAVI_DOCS})
+    for (const auto& entry : fs::recursive_directory_iterator(root))
+      if (entry.path().extension() == ".md") texts.push_back(contents(entry.path()));
+  return texts;
 }
 
 std::string lowered(std::string text) {
@@ -86,6 +73,7 @@ class RealNotes : public testing::Test {
   static void SetUpTestSuite() {
     home = new support::ThrowawayHome;
     texts = foundTexts();
+    ASSERT_GT(texts.size(), 50U) << "scripts/setup --test brings them";
     for (const std::string& text : texts) {
       const auto made = runProgram({"create", "--fields", "id"}, text);
       ASSERT_EQ(made.exitCode, 0) << made.errors;
@@ -93,9 +81,6 @@ class RealNotes : public testing::Test {
     }
   }
   static void TearDownTestSuite() { delete home; }
-  void SetUp() override {
-    if (texts.size() < 20) GTEST_SKIP() << "this machine has only " << texts.size() << " texts";
-  }
 
   static inline support::ThrowawayHome* home = nullptr;
   static inline std::vector<std::string> texts;

@@ -249,6 +249,10 @@ TEST_F(FailingCalls, LeaveTheStateBeforeOrAfter) {
       {"trash", id},
   };
   for (const auto& command : commands) {
+    constexpr int none = 10'000;
+    ASSERT_EQ(runFailing(command, none, EIO).exitCode, 0);
+    const std::string after = state();
+    const std::size_t filesAfter = storedFiles();
     for (const int error : {ENOSPC, EIO}) {
       const std::regex cause(error == ENOSPC ? "full|No space|cannot open"
                                              : "nput/output|cannot open");
@@ -257,7 +261,12 @@ TEST_F(FailingCalls, LeaveTheStateBeforeOrAfter) {
         ASSERT_LT(call, 200);
         const ProgramResult result = runFailing(command, call, error);
         if (!hasFailed()) break;
-        if (result.exitCode == 0) continue;  // the work was done; what failed was tidying up
+        if (result.exitCode == 0) {  // what failed was tidying up, which the next command does
+          EXPECT_EQ(state(), after) << command[0] << ", call " << call;
+          EXPECT_EQ(runProgram({"cat", id}).exitCode, 0);
+          EXPECT_EQ(storedFiles(), filesAfter) << command[0] << ", call " << call;
+          continue;
+        }
         expectOneSentence(result, "");
         EXPECT_TRUE(std::regex_search(result.errors, cause))
             << command[0] << ", call " << call << ": " << result.errors;

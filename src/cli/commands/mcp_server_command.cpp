@@ -13,7 +13,9 @@ CommandConfiguration MCPServerCommand::configuration() {
 }
 
 void MCPServerCommand::run() {
-  mcp::runServer({.createStore = [] { return Session::current().makeStore({}); },
+  StoreKeeper keeper;
+  mcp::runServer({.createStore = [&] { return Session::current().makeStore({.keeper = &keeper}); },
+                  .whileIdle = [&] { return keeper.work(); },
                   .postRefresh = TaviCLIBridge::requestAppRefresh,
                   .version = versionString()});
 }

@@ -8,10 +8,11 @@ CommandConfiguration SearchCommand::configuration() {
 
 void SearchCommand::declare(ArgumentSet& args) {
   const std::string_view query = SearchNotesOp::Fields::query.description;
-  args.argument(queryArg_, "query-arg").help(query);
+  args.argument(queryArg_, "query-arg").help(query).completes(completions::queries);
   args.option(query_, {"-q", "--query"})
       .takesAnything()
-      .help(help(query, " Use this form for queries starting with -."));
+      .help(help(query, " Use this form for queries starting with -."))
+      .completes(completions::queries);
   args.group(listing_);
   args.flag(count_, "--count").help("Print only the total number of matching notes.");
   args.group(options_);

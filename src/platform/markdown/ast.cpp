@@ -12,22 +12,30 @@
 namespace zephyrdown {
 
 ZDKAST ZDKAST::fromMarkdown(std::string text) {
-  return ZDKAST(std::move(text));
+  ZDKAST tree;
+  tree.owned_ = std::move(text);
+  return tree;
+}
+
+ZDKAST ZDKAST::viewing(std::string_view text) {
+  ZDKAST tree;
+  tree.viewed_ = text;
+  return tree;
 }
 
 const Document& ZDKAST::document() const {
-  if (!document_) document_ = std::make_shared<const Document>(readDocument(text_));
+  if (!document_) document_ = std::make_shared<const Document>(readDocument(source()));
   return *document_;
 }
 
 Operations ZDKAST::appendText(std::string_view text, SourceRange) const {
   if (text.empty()) return {};
-  return plannedAppend(text_, Layout(text_, document()), text);
+  return plannedAppend(source(), Layout(source(), document()), text);
 }
 
 Operations ZDKAST::prependText(std::string_view text, SourceRange) const {
   if (text.empty()) return {};
-  return plannedPrepend(text_, Layout(text_, document()), text);
+  return plannedPrepend(source(), Layout(source(), document()), text);
 }
 
 Operations ZDKAST::removeLinkWithURL(std::string_view url, SourceRange) const {
@@ -35,25 +43,25 @@ Operations ZDKAST::removeLinkWithURL(std::string_view url, SourceRange) const {
 }
 
 Operations ZDKAST::removeLinks(const std::function<bool(std::string_view)>& goes) const {
-  return plannedLinkRemoval(text_, document(), goes);
+  return plannedLinkRemoval(source(), document(), goes);
 }
 
 Operations ZDKAST::addHashtag(std::string_view name, bool bottom) const {
-  return plannedTag(text_, document(), name, bottom);
+  return plannedTag(source(), document(), name, bottom);
 }
 
 Operations ZDKAST::removeHashtag(std::string_view name) const {
-  return plannedTagRemoval(text_, document(), name);
+  return plannedTagRemoval(source(), document(), name);
 }
 
 Operations ZDKAST::renameHashtag(std::string_view from, std::string_view to) const {
-  return plannedTagRename(text_, document(), from, to);
+  return plannedTagRename(source(), document(), from, to);
 }
 
 void ZDKAST::applyTextOperationResults(const Operations& results) {
   if (results.empty()) return;
-  text_ = withOperations(text_, results);
   document_.reset();
+  owned_ = withOperations(source(), results);
 }
 
 ZDKTextSummary ZDKAST::textSummary() const {
@@ -71,6 +79,15 @@ ZDKTextSummary ZDKAST::textSummary() const {
     if (known.insert(tag.name).second) summary.tags.push_back(tag.name);
   }
   return summary;
+}
+
+ZDKTextSummary textSummary(std::string_view text) {
+  return ZDKAST::viewing(text).textSummary();
+}
+
+const std::string& ZDKAST::markdown() const {
+  if (!owned_) owned_ = std::string(viewed_);
+  return *owned_;
 }
 
 std::vector<HashtagMention> ZDKAST::hashtags() const {

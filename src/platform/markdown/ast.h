@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -60,6 +61,8 @@ class ZDKAST {
  public:
   /// Any bytes are a Markdown text, so this always gives a tree.
   static ZDKAST fromMarkdown(std::string text);
+  /// The tree of a text that outlives it, and is not copied.
+  static ZDKAST viewing(std::string_view text);
 
   /// A link to a file: the label escaped, the URL percent-encoded where Markdown needs it, and for
   /// `preview` the comment that asks the application to show the file in place.
@@ -92,17 +95,22 @@ class ZDKAST {
   /// Applies results planned on this very tree. Ranges must not overlap.
   void applyTextOperationResults(const std::vector<ZDKASTOperationResult>& results);
 
-  const std::string& markdown() const { return text_; }
+  const std::string& markdown() const;
   ZDKTextSummary textSummary() const;
   /// Every hashtag that stands in the text, in order.
   std::vector<HashtagMention> hashtags() const;
 
  private:
-  explicit ZDKAST(std::string text) : text_(std::move(text)) {}
+  ZDKAST() = default;
+  std::string_view source() const { return owned_ ? std::string_view(*owned_) : viewed_; }
   const Document& document() const;
 
-  std::string text_;
-  mutable std::shared_ptr<const Document> document_;  // of text_; absent until it is needed
+  mutable std::optional<std::string> owned_;  // absent: the text is somebody else's
+  std::string_view viewed_;
+  mutable std::shared_ptr<const Document> document_;  // of the text; absent until it is needed
 };
+
+/// What the text holds: the same as that of its tree, without a copy of the text.
+ZDKTextSummary textSummary(std::string_view text);
 
 }  // namespace zephyrdown

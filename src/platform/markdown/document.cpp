@@ -12,7 +12,9 @@
 #include "platform/markdown/hashtag_grammar.h"
 #include "platform/markdown/lines.h"
 #include "platform/markdown/link_locator.h"
+#include "platform/markdown/outline.h"
 #include "platform/markdown/parser_input.h"
+#include "platform/markdown/parser_mending.h"
 #include "platform/markdown/title_builder.h"
 #include "platform/markdown/wiki_links.h"
 
@@ -90,13 +92,17 @@ BlockKind blockKind(MD_BLOCKTYPE type, const void* detail) {
 /// Listens to the parser.
 class DocumentReader {
  public:
-  DocumentReader(std::string_view text, std::string_view input)
+  DocumentReader(std::string_view text, std::size_t bodyBegin, std::string_view input,
+                 const OffsetMap& offsets, Outline* outline)
       : text_(text),
         input_(input),
-        inputBegin_(text.size() - input.size()),
+        inputBegin_(bodyBegin),
+        offsets_(offsets),
         links_(text),
-        budget_(input.size() + kSmallText) {
+        budget_(input.size() + kSmallText),
+        outline_(outline) {
     document_.bodyBegin = inputBegin_;
+    if (outline_) *outline_ = {.bodyBegin = inputBegin_};
   }
 
   /// Nothing when a bound was passed.
@@ -139,10 +145,11 @@ class DocumentReader {
     endSpans();
     if (type == MD_BLOCK_DOC) return goOn();
     if (type == MD_BLOCK_CODE) document_.hasCode = true;
+    endTitleLine();
     if (type == MD_BLOCK_LI) readItem(*static_cast<MD_BLOCK_LI_DETAIL*>(detail));
     if (depth_++ == 0) {
       document_.blocks.push_back({blockKind(type, detail), {passed_, passed_}});
-      if (type == MD_BLOCK_H) title_.enterHeading();
+      if (type == MD_BLOCK_H) enterHeading(*static_cast<MD_BLOCK_H_DETAIL*>(detail));
     }
     block_ = type;
     return goOn();
@@ -151,9 +158,15 @@ class DocumentReader {
   int leaveBlock(MD_BLOCKTYPE type) {
     endSpans();
     if (type == MD_BLOCK_DOC) return goOn();
-    title_.endLine();
+    endTitleLine();
     if (--depth_ == 0 && type == MD_BLOCK_H) title_.leaveHeading();
     return goOn();
+  }
+
+  void enterHeading(const MD_BLOCK_H_DETAIL& heading) {
+    title_.enterHeading();
+    if (outline_ && outline_->titleLevel == 0)
+      outline_->titleLevel = static_cast<int>(heading.level);
   }
 
   /// No span reaches beyond its block. The parser forgets to leave some: an address directly
@@ -164,10 +177,16 @@ class DocumentReader {
     links_.endBlock();
   }
 
+  void endTitleLine() {
+    const bool wasOpen = !title_.hasLine();
+    title_.endLine();
+    if (wasOpen && title_.hasLine()) document_.titleEnd = passed_;
+  }
+
   void readItem(const MD_BLOCK_LI_DETAIL& item) {
     if (item.is_task == 0) return;
     ++(item.task_mark == ' ' ? document_.todoIncomplete : document_.todoCompleted);
-    const std::size_t mark = inputBegin_ + item.task_mark_offset;
+    const std::size_t mark = inputBegin_ + offsets_.original(item.task_mark_offset);
     links_.pass({mark - 1, mark + 2});
   }
 
@@ -234,11 +253,18 @@ class DocumentReader {
   }
 
   void addWikiLink(const LocatedLink& link) {
+    if (outline_)
+      outline_->links.push_back({LinkMention::Kind::wikiLink, link.range, link.label, {}, {}});
     const std::size_t length = link.label.end - link.label.begin;
     wikiLinks_.push_back(wikiMention(link.range, text_.substr(link.label.begin, length)));
   }
 
   void addFile(const LocatedLink& link, const MD_ATTRIBUTE& target, bool isImage) {
+    if (outline_) {
+      outline_->links.push_back({isImage ? LinkMention::Kind::image : LinkMention::Kind::link,
+                                 link.range, link.label, link.destination,
+                                 destination(link, target)});
+    }
     if (view(target).find('/') != std::string_view::npos) return;
     std::string name = fileNameOfDestination(destination(link, target));
     if (name.empty()) return;
@@ -254,18 +280,21 @@ class DocumentReader {
   }
 
   int readText(MD_TEXTTYPE type, std::string_view piece) {
+    const bool isPlain = type == MD_TEXT_NORMAL || type == MD_TEXT_ENTITY;
     const auto offset = offsetOf(piece);
     if (offset) {
       const SourceRange range{*offset, *offset + piece.size()};
       links_.pass(range);
-      if (type == MD_TEXT_NORMAL && linkDepth_ == 0) addStretch(range);
+      if (isPlain && linkDepth_ == 0) addStretch(range);
+      if (type == MD_TEXT_HTML && outline_)
+        outline_->html.push_back({range, block_ == MD_BLOCK_HTML});
       pass(range);
     }
     if (title_.isOpen()) readTitle(type, offset ? text_.substr(*offset, piece.size()) : piece);
     if (type == MD_TEXT_BR || type == MD_TEXT_SOFTBR) {
       glue_ = Glue::boundary;
     } else {
-      glue_ = type == MD_TEXT_NORMAL ? Glue::text : Glue::other;
+      glue_ = isPlain ? Glue::text : Glue::other;
     }
     if (type == MD_TEXT_HTML) glue_ = Glue::boundary;
     return goOn();
@@ -275,14 +304,14 @@ class DocumentReader {
     switch (type) {
       case MD_TEXT_BR:
       case MD_TEXT_SOFTBR:
-        return title_.endLine();
+        return endTitleLine();
       case MD_TEXT_ENTITY:
         return title_.appendEntity(piece);
       case MD_TEXT_HTML:
         if (block_ != MD_BLOCK_HTML) return;
-        return piece == "\n" ? title_.endLine() : title_.appendHTML(piece);
+        return piece == "\n" ? endTitleLine() : title_.appendHTML(piece);
       case MD_TEXT_CODE:
-        return piece == "\n" ? title_.endLine() : title_.append(piece);
+        return piece == "\n" ? endTitleLine() : title_.append(piece);
       case MD_TEXT_NULLCHAR:
         return title_.append("\uFFFD");
       default:
@@ -296,7 +325,7 @@ class DocumentReader {
       stretches.back().range.end = range.end;
       return;
     }
-    const bool isEscape = range.begin > passed_ && isEscaped(range.begin);
+    const bool isEscape = range.begin > passed_ && isBehindBackslash(range.begin);
     stretches.push_back({range, glue_ == Glue::boundary && !isEscape});
   }
 
@@ -312,11 +341,13 @@ class DocumentReader {
     const bool isInside = piece.data() != nullptr && !before(piece.data(), input_.data()) &&
                           before(piece.data(), input_.data() + input_.size());
     if (!isInside) return std::nullopt;
-    return inputBegin_ + static_cast<std::size_t>(piece.data() - input_.data());
+    const auto offset = static_cast<std::size_t>(piece.data() - input_.data());
+    return inputBegin_ + offsets_.original(offset);
   }
 
   Document finish() {
     document_.title = title_.title();
+    if (title_.hasHeading()) document_.titleEnd.reset();
     std::sort(document_.files.begin(), document_.files.end(),
               [](const FileMention& a, const FileMention& b) {
                 return a.link.range.begin < b.link.range.begin;
@@ -329,9 +360,13 @@ class DocumentReader {
   void readStretch(const TextStretch& stretch) {
     std::size_t begin = stretch.range.begin;
     for (WikiMention& link : longWikiLinks(text_, stretch.range)) {
-      if (isEscaped(link.range.begin)) continue;
+      if (isBehindBackslash(link.range.begin)) continue;
       readHashtags({begin, link.range.begin}, stretch);
       begin = link.range.end;
+      if (outline_) {
+        const SourceRange label{link.range.begin + 2, link.range.end - 2};
+        outline_->links.push_back({LinkMention::Kind::wikiLink, link.range, label, {}, {}});
+      }
       wikiLinks_.push_back(std::move(link));
     }
     readHashtags({begin, stretch.range.end}, stretch);
@@ -342,7 +377,9 @@ class DocumentReader {
     findHashtags(text_, range, opens, document_.hashtags);
   }
 
-  bool isEscaped(std::size_t position) const { return position > 0 && text_[position - 1] == '\\'; }
+  bool isBehindBackslash(std::size_t position) const {
+    return position > 0 && text_[position - 1] == '\\';
+  }
 
   void listWikiLinks() {
     std::sort(wikiLinks_.begin(), wikiLinks_.end(),
@@ -357,10 +394,12 @@ class DocumentReader {
   std::string_view text_;
   std::string_view input_;  // what the parser reads: the body, with some marks masked
   std::size_t inputBegin_;
+  const OffsetMap& offsets_;
   LinkLocator links_;
   std::size_t budget_;
   Document document_;
   TitleBuilder title_;
+  Outline* outline_;  // filled along the way where one is wanted
   std::vector<WikiMention> wikiLinks_;
   Glue glue_ = Glue::boundary;
   MD_BLOCKTYPE block_ = MD_BLOCK_DOC;
@@ -371,21 +410,41 @@ class DocumentReader {
   std::size_t targetBytes_ = 0;
 };
 
-}  // namespace
-
-Document readDocument(std::string_view text) {
+Document readDocument(std::string_view text, Outline* outline) {
   Document unread;
   unread.bodyBegin = bodyBegin(text);
   const std::string_view body = text.substr(unread.bodyBegin);
   if (body.size() > std::numeric_limits<MD_SIZE>::max() / 2) return unread;
   const std::optional<std::string> masked = maskedForParser(body);
-  const std::string_view input = masked ? std::string_view(*masked) : body;
+  const std::string_view shown = masked ? std::string_view(*masked) : body;
+  const std::vector<Mend> mends = mendsForParser(shown);
+  const OffsetMap offsets(mends);
+  const std::string mended = mends.empty() ? std::string() : withMends(shown, mends);
+  const std::string_view input = mends.empty() ? shown : mended;
   const unsigned dialect =
       hasEndlessAddresses(input) ? kDialect & ~unsigned{MD_FLAG_PERMISSIVEAUTOLINKS} : kDialect;
-  if (auto document = DocumentReader(text, input).read(dialect)) return std::move(*document);
+  if (auto document = DocumentReader(text, unread.bodyBegin, input, offsets, outline).read(dialect))
+    return std::move(*document);
   const std::string plain = maskedForPlainReading(input);
-  auto document = DocumentReader(text, plain).read(dialect & ~unsigned{MD_FLAG_TABLES});
+  auto document = DocumentReader(text, unread.bodyBegin, plain, offsets, outline)
+                      .read(dialect & ~unsigned{MD_FLAG_TABLES});
   return document ? std::move(*document) : unread;
+}
+
+}  // namespace
+
+Document readDocument(std::string_view text) {
+  return readDocument(text, nullptr);
+}
+
+Outline outlineOf(std::string_view text) {
+  Outline outline;
+  const Document document = readDocument(text, &outline);
+  for (const Block& block : document.blocks)
+    if (block.kind == BlockKind::table) outline.tables.push_back(block.text);
+  std::stable_sort(outline.links.begin(), outline.links.end(),
+                   [](const auto& a, const auto& b) { return a.range.begin < b.range.begin; });
+  return outline;
 }
 
 const TextStretch* stretchAt(const Document& document, std::size_t position) {

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -31,7 +32,8 @@ struct Block {
   SourceRange text;
 };
 
-/// Plain text on one line outside of code, links, HTML and autolinks; broken by markup.
+/// Plain text on one line outside of code, links, HTML and autolinks; broken by markup. Entities
+/// are plain text.
 struct TextStretch {
   SourceRange range;
   bool opens;  ///< a "#" as its first byte may start a hashtag
@@ -46,6 +48,8 @@ struct FileMention {
 struct Document {
   std::size_t bodyBegin = 0;  ///< behind a byte order mark and front matter
   std::string title;
+  /// Behind the title's last text, where it is the first line of text and no heading.
+  std::optional<std::size_t> titleEnd;
   std::vector<HashtagMention> hashtags;
   std::vector<FileMention> files;  ///< ascending by begin
   std::vector<std::string> wikiLinks;

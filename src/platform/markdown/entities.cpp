@@ -1,35 +1,17 @@
 #include "platform/markdown/entities.h"
 
 #include <algorithm>
-#include <array>
 #include <charconv>
 
 #include "platform/markdown/ascii.h"
+#include "platform/markdown/named_entities.h"
 #include "platform/text/utf8.h"
 
 namespace zephyrdown {
 namespace {
 
-struct NamedEntity {
-  std::string_view name;
-  char32_t scalar;
-};
-
-// The ones that people type. Markdown knows 2,231; the others stay as they are written.
-constexpr std::array kNamedEntities = {
-    NamedEntity{"amp", '&'},       NamedEntity{"apos", '\''},    NamedEntity{"bull", 0x2022},
-    NamedEntity{"cent", 0xA2},     NamedEntity{"copy", 0xA9},    NamedEntity{"darr", 0x2193},
-    NamedEntity{"deg", 0xB0},      NamedEntity{"euro", 0x20AC},  NamedEntity{"gt", '>'},
-    NamedEntity{"hellip", 0x2026}, NamedEntity{"laquo", 0xAB},   NamedEntity{"larr", 0x2190},
-    NamedEntity{"ldquo", 0x201C},  NamedEntity{"lsquo", 0x2018}, NamedEntity{"lt", '<'},
-    NamedEntity{"mdash", 0x2014},  NamedEntity{"middot", 0xB7},  NamedEntity{"nbsp", 0xA0},
-    NamedEntity{"ndash", 0x2013},  NamedEntity{"para", 0xB6},    NamedEntity{"pound", 0xA3},
-    NamedEntity{"quot", '"'},      NamedEntity{"raquo", 0xBB},   NamedEntity{"rarr", 0x2192},
-    NamedEntity{"rdquo", 0x201D},  NamedEntity{"reg", 0xAE},     NamedEntity{"rsquo", 0x2019},
-    NamedEntity{"sect", 0xA7},     NamedEntity{"shy", 0xAD},     NamedEntity{"szlig", 0xDF},
-    NamedEntity{"times", 0xD7},    NamedEntity{"trade", 0x2122}, NamedEntity{"uarr", 0x2191},
-    NamedEntity{"yen", 0xA5},
-};
+constexpr std::string_view kAlphanumeric =
+    "0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz";
 
 bool isScalar(unsigned value) {
   return value > 0 && value <= 0x10FFFF && (value < 0xD800 || value > 0xDFFF);
@@ -45,33 +27,61 @@ char32_t numericEntity(std::string_view digits) {
   return result.ec == std::errc{} && isScalar(value) ? char32_t{value} : char32_t{0xFFFD};
 }
 
-/// The length of the entity at the begin of `text`, or 0.
-std::size_t entityLength(std::string_view text) {
-  constexpr std::string_view kNameCharacters =
-      "0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz";
-  constexpr std::size_t kLongest = 50;
-  const std::size_t name = text.starts_with("&#") ? 2 : 1;
-  const std::size_t end = text.substr(0, kLongest).find_first_not_of(kNameCharacters, name);
-  if (end == std::string_view::npos || end == name || text[end] != ';') return 0;
-  return end + 1;
+/// Whether "&#" followed by `digits` and ";" is an entity: at most 7 decimal or 6 hexadecimal
+/// digits.
+bool isNumber(std::string_view digits) {
+  const bool hexadecimal = digits.starts_with('x') || digits.starts_with('X');
+  if (hexadecimal) digits.remove_prefix(1);
+  const std::string_view known = hexadecimal ? "0123456789ABCDEFabcdef" : "0123456789";
+  return !digits.empty() && digits.size() <= (hexadecimal ? 6 : 7) &&
+         digits.find_first_not_of(known) == std::string_view::npos;
+}
+
+/// The scalars of a name: "2242+338".
+std::u32string scalarsOf(std::string_view hexadecimal) {
+  std::u32string scalars;
+  while (!hexadecimal.empty()) {
+    const std::string_view digits = hexadecimal.substr(0, hexadecimal.find('+'));
+    unsigned value = 0;
+    std::from_chars(digits.data(), digits.data() + digits.size(), value, 16);
+    scalars += char32_t{value};
+    hexadecimal.remove_prefix(std::min(digits.size() + 1, hexadecimal.size()));
+  }
+  return scalars;
 }
 
 }  // namespace
 
+Entity entityAt(std::string_view text, std::size_t at) {
+  constexpr std::size_t kLongest = 50;
+  const std::string_view here = text.substr(at, kLongest);
+  if (!here.starts_with('&')) return {};
+  const bool isNumeric = here.starts_with("&#");
+  const std::size_t begin = isNumeric ? 2 : 1;
+  const std::size_t end = here.find_first_not_of(kAlphanumeric, begin);
+  if (end == std::string_view::npos || here[end] != ';') return {};
+  const std::string_view name = here.substr(begin, end - begin);
+  if (!isNumeric) {
+    std::u32string scalars = scalarsOf(scalarsOfNamedEntity(name));
+    return scalars.empty() ? Entity{} : Entity{end + 1, std::move(scalars)};
+  }
+  return isNumber(name) ? Entity{end + 1, {numericEntity(name)}} : Entity{};
+}
+
+Entity entityBefore(std::string_view text, std::size_t end) {
+  constexpr std::size_t kLongest = 50;
+  if (end == 0 || text[end - 1] != ';') return {};
+  const std::size_t begin = text.substr(0, end - 1).find_last_not_of(kAlphanumeric);
+  if (begin == std::string_view::npos || end - begin > kLongest) return {};
+  const std::size_t at = text[begin] == '#' && begin > 0 ? begin - 1 : begin;
+  Entity entity = entityAt(text.substr(0, end), at);
+  return at + entity.length == end ? entity : Entity{};
+}
+
 void appendEntity(std::string& out, std::string_view entity) {
-  const std::string_view name = entity.substr(1, entity.size() - 2);
-  if (name.starts_with('#')) {
-    platform::text::appendScalar(out, numericEntity(name.substr(1)));
-    return;
-  }
-  const auto* known = std::lower_bound(
-      kNamedEntities.begin(), kNamedEntities.end(), name,
-      [](const NamedEntity& entry, std::string_view wanted) { return entry.name < wanted; });
-  if (known == kNamedEntities.end() || known->name != name) {
-    out.append(entity);
-  } else {
-    platform::text::appendScalar(out, known->scalar);
-  }
+  const Entity known = entityAt(entity, 0);
+  if (known.length == 0) out.append(entity);
+  for (const char32_t scalar : known.scalars) platform::text::appendScalar(out, scalar);
 }
 
 std::string unescaped(std::string_view raw) {
@@ -81,9 +91,9 @@ std::string unescaped(std::string_view raw) {
     if (raw[at] == '\\' && at + 1 < raw.size() && isASCIIPunctuation(byteOf(raw[at + 1]))) {
       result += raw[at + 1];
       at += 2;
-    } else if (const std::size_t length = raw[at] == '&' ? entityLength(raw.substr(at)) : 0) {
-      appendEntity(result, raw.substr(at, length));
-      at += length;
+    } else if (const Entity entity = entityAt(raw, at); entity.length > 0) {
+      appendEntity(result, raw.substr(at, entity.length));
+      at += entity.length;
     } else {
       result += raw[at++];
     }

@@ -4,6 +4,8 @@
 #include <array>
 
 #include "platform/markdown/ascii.h"
+#include "platform/markdown/entities.h"
+#include "platform/markdown/lines.h"
 #include "platform/text/characters.h"
 #include "platform/text/folding.h"
 #include "platform/text/utf8.h"
@@ -20,8 +22,13 @@ struct ScalarRange {
   char32_t first, last;
 };
 
-// Marks outside ASCII that end a word as a comma or a bracket does. A table and not the general
-// category, which counts "·" and "№" among them too.
+// A longer or deeper name is plain text: each level is a tag of its own, so that a name of n levels
+// costs n names.
+constexpr std::size_t kLongestName = 256;  // bytes
+constexpr std::ptrdiff_t kMostLevels = 32;
+
+// Marks outside ASCII that end a word as a comma or a bracket does, besides Unicode's
+// Terminal_Punctuation. A table and not the general category, which counts "·" and "№" among them.
 constexpr std::array kSentencePunctuation = {
     ScalarRange{0x00A1, 0x00A1}, ScalarRange{0x00AB, 0x00AB}, ScalarRange{0x00BB, 0x00BB},
     ScalarRange{0x00BF, 0x00BF}, ScalarRange{0x0589, 0x0589}, ScalarRange{0x060C, 0x060C},
@@ -38,7 +45,8 @@ bool isSentencePunctuation(char32_t scalar) {
   const auto* range =
       std::lower_bound(kSentencePunctuation.begin(), kSentencePunctuation.end(), scalar,
                        [](const ScalarRange& entry, char32_t value) { return entry.last < value; });
-  return range != kSentencePunctuation.end() && range->first <= scalar;
+  if (range != kSentencePunctuation.end() && range->first <= scalar) return true;
+  return platform::text::isTerminalPunctuation(scalar);
 }
 
 bool isControl(char32_t c) {
@@ -98,25 +106,63 @@ bool holdsOnlyNameCharacters(std::string_view name) {
   return speaks;
 }
 
+/// A character of a text, in which an entity counts as the character that it stands for.
+struct Character {
+  char32_t value;
+  std::size_t next;  ///< behind it
+  bool wellFormed;   ///< not a byte that is no UTF-8
+};
+
+Character characterAt(std::string_view text, std::size_t at) {
+  if (text[at] == '&' && !isEscaped(text, at)) {
+    const Entity entity = entityAt(text, at);
+    if (entity.length > 0) return {entity.scalars.front(), at + entity.length, true};
+  }
+  const auto scalar = decodeScalar(text, at);
+  return {scalar.value, scalar.next, scalar.wellFormed};
+}
+
+/// The character that ends at `end`, which is above 0.
+char32_t characterBefore(std::string_view text, std::size_t end) {
+  const Entity entity = entityBefore(text, end);
+  if (entity.length > 0 && !isEscaped(text, end - entity.length)) return entity.scalars.back();
+  return decodeScalar(text, platform::text::previousScalar(text, end)).value;
+}
+
+std::string withoutEntities(std::string_view text) {
+  std::string result;
+  for (std::size_t at = 0; at < text.size();) {
+    const std::size_t next = text[at] == '&' ? characterAt(text, at).next : at + 1;
+    if (next > at + 1) {
+      appendEntity(result, text.substr(at, next - at));
+    } else {
+      result += text[at];
+    }
+    at = next;
+  }
+  return result;
+}
+
 /// Whether a tag may start directly behind the text that ends at `at`, which is above `begin`.
 /// Not inside a word, and not where "#" is a fragment, a colour or an operator. An asterisk
 /// may stand there whether it is emphasis or not.
 bool mayStandBefore(std::string_view text, std::size_t at) {
-  const auto last = byteOf(text[at - 1]);
-  if (last < 0x80) return std::string_view(" \t\v\f([{\"',;|*~").find(text[at - 1]) != npos;
-  const char32_t scalar = decodeScalar(text, platform::text::previousScalar(text, at)).value;
-  const bool endsEmoji = scalar == 0xFE0F || scalar == 0x20E3;
-  return endsEmoji || !platform::text::isAlphanumeric(scalar);
+  const char32_t last = characterBefore(text, at);
+  if (last < 0x80) {
+    return std::string_view(" \t\n\v\f\r([{\"',;|*~").find(static_cast<char>(last)) != npos;
+  }
+  const bool endsEmoji = last == 0xFE0F || last == 0x20E3;
+  return endsEmoji || !platform::text::isAlphanumeric(last);
 }
 
 /// Reads single hashtags of one stretch.
 class Scanner {
  public:
-  Scanner(std::string_view text, std::size_t end) : text_(text), end_(end) {}
+  explicit Scanner(std::string_view text) : text_(text) {}
 
   /// The hashtag whose "#" is at `hash`.
   std::optional<HashtagMention> read(std::size_t hash) const {
-    if (hash + 1 >= end_ || !startsName(hash + 1)) return std::nullopt;
+    if (hash + 1 >= text_.size() || !startsName(hash + 1)) return std::nullopt;
     auto mention = readClosed(hash);
     return mention ? mention : readWord(hash);
   }
@@ -124,30 +170,37 @@ class Scanner {
  private:
   /// "#" with a combining mark is another character: a keycap.
   bool startsName(std::size_t at) const {
-    const char32_t scalar = decodeScalar(text_, at).value;
+    const char32_t scalar = characterAt(text_, at).value;
     if (scalar < 0x80) return scalar != '#' && scalar != '/' && !isWhitespace(scalar);
     return !isWhitespace(scalar) && !platform::text::extendsCharacter(scalar);
   }
 
   std::optional<HashtagMention> readClosed(std::size_t hash) const {
-    const std::size_t close = text_.substr(0, end_).find('#', hash + 1);
+    const std::size_t close = nextHash(hash + 1);
     if (close == npos || close == hash + 1 || !closes(close)) return std::nullopt;
-    auto name = canonicalTagName(text_.substr(hash + 1, close - hash - 1));
+    auto name = canonicalTagName(withoutEntities(text_.substr(hash + 1, close - hash - 1)));
     if (!name) return std::nullopt;
     return HashtagMention{{hash, close + 1}, std::move(*name)};
   }
 
+  /// The next "#" that is no part of an entity such as "&#8212;".
+  std::size_t nextHash(std::size_t from) const {
+    std::size_t hash = text_.find('#', from);
+    while (hash != npos && characterAt(text_, hash - 1).next > hash)
+      hash = text_.find('#', hash + 1);
+    return hash;
+  }
+
   bool closes(std::size_t close) const {
-    const std::size_t before = platform::text::previousScalar(text_, close);
-    if (isWhitespace(decodeScalar(text_, before).value)) return false;
-    if (close + 1 >= end_) return true;
-    const auto next = decodeScalar(text_, close + 1);
+    if (isWhitespace(characterBefore(text_, close))) return false;
+    if (close + 1 >= text_.size()) return true;
+    const Character next = characterAt(text_, close + 1);
     return next.value != '#' && !(next.wellFormed && isTagCharacter(next.value));
   }
 
   std::optional<HashtagMention> readWord(std::size_t hash) const {
     const std::size_t wordEnd = endOfWord(hash + 1);
-    const std::string_view word = text_.substr(hash + 1, wordEnd - hash - 1);
+    const std::string word = withoutEntities(text_.substr(hash + 1, wordEnd - hash - 1));
     const bool speaks =
         std::any_of(word.begin(), word.end(), [](char c) { return carriesWord(byteOf(c)); });
     if (!speaks) return std::nullopt;
@@ -157,8 +210,8 @@ class Scanner {
   }
 
   std::size_t endOfWord(std::size_t at) const {
-    while (at < end_) {
-      const auto scalar = decodeScalar(text_, at);
+    while (at < text_.size()) {
+      const Character scalar = characterAt(text_, at);
       const bool inside = scalar.value == '.' ? isInnerDot(at) : isTagCharacter(scalar.value);
       if (!inside || !scalar.wellFormed) break;
       at = scalar.next;
@@ -168,11 +221,11 @@ class Scanner {
 
   /// The dot of "#v1.2", not that of "#done."
   bool isInnerDot(std::size_t at) const {
-    return at + 1 < end_ && platform::text::isAlphanumeric(decodeScalar(text_, at + 1).value);
+    return at + 1 < text_.size() &&
+           platform::text::isAlphanumeric(characterAt(text_, at + 1).value);
   }
 
   std::string_view text_;
-  std::size_t end_;
 };
 
 }  // namespace
@@ -199,14 +252,16 @@ std::optional<std::string> canonicalTagName(std::string_view text) {
     name += level;
     begin = end + 1;
   }
-  if (!holdsOnlyNameCharacters(name)) return std::nullopt;
+  const bool isBounded =
+      name.size() <= kLongestName && std::count(name.begin(), name.end(), '/') < kMostLevels;
+  if (!isBounded || !holdsOnlyNameCharacters(name)) return std::nullopt;
   return name;
 }
 
 void findHashtags(std::string_view text, SourceRange stretch, bool opens,
                   std::vector<HashtagMention>& found) {
-  const Scanner scanner(text, stretch.end);
   const std::string_view upToEnd = text.substr(0, stretch.end);
+  const Scanner scanner(upToEnd);
   std::size_t behindTag = npos;  // "#a🎉#b" is one tag, as "#a#b" is
   for (std::size_t hash = upToEnd.find('#', stretch.begin); hash != npos;) {
     const bool mayStart = hash == stretch.begin ? opens : mayStandBefore(text, hash);

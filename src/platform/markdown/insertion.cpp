@@ -1,5 +1,8 @@
 #include "platform/markdown/insertion.h"
 
+#include <algorithm>
+#include <optional>
+
 #include "platform/markdown/lines.h"
 #include "platform/markdown/seam.h"
 
@@ -22,6 +25,7 @@ class Piece {
   Piece(std::string_view text, std::string_view inserted)
       : lineBreak_(lineBreakStyle(text)), inserted_(inserted) {}
 
+  bool breaksInLF() const { return lineBreak_ == "\n"; }
   void breakLine() { result_ += lineBreak_; }
   void addLine(std::string_view line) {
     result_ += line;
@@ -47,55 +51,127 @@ class Piece {
   std::string result_;
 };
 
-/// Above the body.
-Operations plannedAbove(std::string_view text, const Layout& layout, std::string_view inserted) {
-  const std::size_t position = layout.bodyBegin();
-  Piece piece(text, inserted);
-  if (layout.bodyGoesOn() && needBlankLine(paragraphSide(), upperSideOf(inserted))) {
-    piece.breakLine();
+/// The lines put around an inserted text.
+struct Parting {
+  bool above = false;  ///< a blank line
+  bool below = false;
+};
+
+/// The first parting that holds: `wanted`, else one with more blank lines; absent where none does.
+template <typename Holds>
+std::optional<Parting> partingThatHolds(Parting wanted, const Holds& holds) {
+  for (const Parting more : {Parting{false, false}, {true, false}, {false, true}, {true, true}}) {
+    const Parting parting{wanted.above || more.above, wanted.below || more.below};
+    if (holds(parting)) return parting;
   }
-  piece.addText();
-  const Side bottom = lowerSideOf(inserted);
-  if (const std::string closing = closingLine(inserted, bottom); !closing.empty()) {
-    piece.endIn(1);
-    piece.addLine(closing);
-    return std::move(piece).at(position);
-  }
-  const Side below = layout.bodyGoesOn() ? paragraphSide() : upperSideOf(text.substr(position));
-  const bool hasCutIn = layout.bodyCutsIn() && bottom.kind == BlockKind::paragraph;
-  piece.endIn(!hasCutIn && needBlankLine(bottom, below) ? 2 : 1);
-  return std::move(piece).at(position);
+  return std::nullopt;
 }
 
-/// Below the last line of `text` before `limit` that is not blank, and above what follows it.
-Operations plannedBelow(std::string_view text, std::size_t limit, std::string_view inserted,
-                        bool belowTags) {
+std::string linesBelow(const std::string& closing, Parting parting) {
+  return (closing.empty() ? "" : closing + "\n") + (parting.below ? "\n" : "");
+}
+
+/// Between two lines of the body, above the one that begins at `position`.
+class InsertionAbove {
+ public:
+  InsertionAbove(std::string_view text, const Layout& layout, std::string_view inserted,
+                 std::size_t position)
+      : text_(text),
+        inserted_(inserted),
+        position_(position),
+        seam_{scanned(text.substr(layout.textBegin(), position - layout.textBegin())),
+              text.substr(position)},
+        closing_(scanned(inserted).closingLine()) {
+    const bool goesOn = position == layout.bodyBegin() && layout.bodyGoesOn();
+    const Side bottom = lowerSideOf(scanned(inserted));
+    const Side below = goesOn ? paragraphSide() : upperSideOf(text.substr(position));
+    const bool hasCutIn = layout.bodyCutsIn() && bottom.kind == BlockKind::paragraph;
+    wanted_ = {goesOn && needBlankLine(paragraphSide(), upperSideOf(inserted)),
+               closing_.empty() && !hasCutIn && needBlankLine(bottom, below)};
+  }
+
+  std::optional<Parting> parting() const {
+    return partingThatHolds(wanted_, [&](const Parting& tried) {
+      return seam_.holds(tried.above ? "\n" : "", inserted_, linesBelow(closing_, tried));
+    });
+  }
+  Parting wanted() const { return wanted_; }
+
+  Operations planned(Parting parting) const {
+    Piece piece(text_, inserted_);
+    // Behind a lone CR a LF is no line break of its own.
+    const bool isBehindCR = position_ > 0 && text_[position_ - 1] == '\r';
+    if (parting.above) piece.breakLine();
+    if (parting.above && isBehindCR && piece.breaksInLF()) piece.breakLine();
+    piece.addText();
+    if (!closing_.empty()) {
+      piece.endIn(1);
+      piece.addLine(closing_);
+      if (parting.below) piece.breakLine();
+    } else {
+      piece.endIn(parting.below ? 2 : 1);
+    }
+    return std::move(piece).at(position_);
+  }
+
+ private:
+  std::string_view text_, inserted_;
+  std::size_t position_;
+  Seam seam_;
+  std::string closing_;
+  Parting wanted_;
+};
+
+/// The first line below the blank line that follows `position`.
+std::size_t nextParagraph(std::string_view text, std::size_t position) {
+  while (position < text.size() && skipBlankLines(text, position) == position) {
+    position = nextLine(text, position);
+  }
+  return skipBlankLines(text, position);
+}
+
+/// Below the last line of `text` before `limit` that is not blank, and above what follows it; below
+/// all where nothing parts the two.
+Operations plannedBelow(std::string_view text, const Layout& layout, std::string_view inserted,
+                        std::size_t limit) {
   const std::size_t end = lineEnd(text, contentEnd(text.substr(0, limit)));
-  const std::string_view above = text.substr(0, end);
   const std::string_view tail = text.substr(end, limit - end);
+  const std::size_t begin = std::min(layout.textBegin(), end);
+  const Seam seam{scanned(text.substr(begin, end - begin)),
+                  text.substr(behindLineBreak(text, end))};
   const bool isLast = limit == text.size();
   const bool isAttached = !isLast && nextLine(tail, 0) == tail.size();
   const Side top = upperSideOf(inserted);
-  const Side last = lowerSideOf(above);
-  const std::string closing = closingLine(above, last);
-  Piece piece(text, inserted);
-  piece.breakLine();
-  if (!closing.empty()) piece.addLine(closing);
+  const std::string closing = seam.above.closingLine();
   const bool keepsApart = isLast && skipBlankLines(tail, nextLine(tail, 0)) > nextLine(tail, 0);
   // A paragraph may join the block above where the foot does so too.
   const bool mayJoin = isAttached && isPlainParagraph(top);
-  const bool mustPart = closing.empty() && !mayJoin && needBlankLine(last, top);
-  if (keepsApart || (belowTags && !isAttached) || mustPart) piece.breakLine();
+  const bool mustPart = closing.empty() && !mayJoin && needBlankLine(lowerSideOf(seam.above), top);
+  const bool belowTags = !layout.hasBody() && layout.headEndsInTags();
+  const BlockScanner own = scanned(inserted);
+  const std::string ownClosing = isLast ? std::string() : own.closingLine();
+  const Parting wanted{
+      keepsApart || (belowTags && !isAttached) || mustPart,
+      isAttached && ownClosing.empty() && needBlankLine(lowerSideOf(own), paragraphSide())};
+  const auto holds = [&](const Parting& tried) {
+    const std::string before = closing.empty() ? "" : closing + "\n";
+    return !(isLast && tried.below) &&
+           seam.holds(before + (tried.above ? "\n" : ""), inserted, linesBelow(ownClosing, tried));
+  };
+  const auto found = partingThatHolds(wanted, holds);
+  if (!found && !isLast) return plannedBelow(text, layout, inserted, text.size());
+  const Parting parting = found.value_or(wanted);
+  Piece piece(text, inserted);
+  piece.breakLine();
+  if (!closing.empty()) piece.addLine(closing);
+  if (parting.above) piece.breakLine();
   if (!tail.empty()) piece.dropLastLineBreak();
   piece.addText();
-  if (isLast) return std::move(piece).at(end);
-  const Side bottom = lowerSideOf(inserted);
-  if (const std::string ownClosing = closingLine(inserted, bottom); !ownClosing.empty()) {
+  if (!ownClosing.empty()) {
     piece.endIn(1);
     piece.addClosing(ownClosing);
-  } else if (isAttached && needBlankLine(bottom, paragraphSide())) {
-    piece.breakLine();
   }
+  if (parting.below) piece.breakLine();
   return std::move(piece).at(end);
 }
 
@@ -105,24 +181,36 @@ Operations plannedAppend(std::string_view text, const Layout& layout, std::strin
   const std::size_t foot = layout.footBegin();
   const std::size_t end = contentEnd(text.substr(0, foot));
   const std::size_t first = textBegin(text);
-  if (end > first) {
-    return plannedBelow(text, foot, inserted, !layout.hasBody() && layout.headEndsInTags());
+  if (end > first) return plannedBelow(text, layout, inserted, foot);
+  if (layout.hasFoot()) {
+    return InsertionAbove(text, layout, inserted, first).planned({.below = true});
   }
   Piece piece(text, inserted);
   piece.addText();
-  if (text.size() > first) piece.endIn(layout.hasFoot() ? 2 : 1);
+  if (text.size() > first) piece.endIn(1);
   return std::move(piece).at(first);
 }
 
 Operations plannedPrepend(std::string_view text, const Layout& layout, std::string_view inserted) {
   if (!layout.hasBody()) return plannedAppend(text, layout, inserted);
-  return plannedAbove(text, layout, inserted);
+  // Nothing can stand in the midst of some paragraphs, and no item above code: further down then.
+  constexpr int kMostTries = 5;
+  std::size_t position = layout.bodyBegin();
+  if (!layout.headStandsAlone()) position = nextParagraph(text, position);
+  for (int tries = 0; tries < kMostTries && position < layout.footBegin(); ++tries) {
+    const InsertionAbove place(text, layout, inserted, position);
+    if (const auto parting = place.parting()) return place.planned(*parting);
+    position = nextParagraph(text, position);
+  }
+  if (position >= layout.footBegin()) return plannedAppend(text, layout, inserted);
+  const InsertionAbove usual(text, layout, inserted, layout.bodyBegin());
+  return usual.planned(usual.wanted());
 }
 
-Operations plannedLastLine(std::string_view text, std::string_view line) {
+Operations plannedLastLine(std::string_view text, const Layout& layout, std::string_view line) {
   const std::size_t end = lineEnd(text, contentEnd(text));
-  const std::string_view above = text.substr(0, end);
-  const std::string closing = closingLine(above, lowerSideOf(above));
+  const std::size_t begin = std::min(layout.textBegin(), end);
+  const std::string closing = scanned(text.substr(begin, end - begin)).closingLine();
   Piece piece(text, line);
   if (end > 0) piece.breakLine();
   if (!closing.empty()) piece.addLine(closing);

@@ -18,6 +18,6 @@ Operations plannedAppend(std::string_view text, const Layout& layout, std::strin
 Operations plannedPrepend(std::string_view text, const Layout& layout, std::string_view inserted);
 
 /// As the last line of all, a blank line apart.
-Operations plannedLastLine(std::string_view text, std::string_view line);
+Operations plannedLastLine(std::string_view text, const Layout& layout, std::string_view line);
 
 }  // namespace zephyrdown

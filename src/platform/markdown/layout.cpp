@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "platform/markdown/block_scanner.h"
 #include "platform/markdown/lines.h"
 
 namespace zephyrdown {
@@ -38,14 +39,14 @@ Layout::Layout(std::string_view text, const Document& document) : text_(text), d
   line = passTitle(skipBlankLines(text, line));
   if (headingEnd_) line = passTagLines(line);
   findFoot(line);
-  if (const std::size_t next = skipBlankLines(text, line); next < footBegin_) {
+  if (const std::size_t next = skipBlankLines(text, line); next < footBegin_ && !headIsBlock_) {
     line = passTagLines(next);
   }
   bodyBegin_ = std::min(skipBlankLines(text, line), footBegin_);
 }
 
 bool Layout::isTagLine(std::size_t begin) const {
-  if (begin >= text_.size() || text_[begin] != '#') return false;
+  if (begin >= text_.size() || text_[begin] != '#' || isHeader(begin)) return false;
   const std::size_t end = lineEnd(text_, begin);
   std::size_t at = begin;
   for (auto tag = firstEndingBehind(document_.hashtags, begin);
@@ -56,10 +57,26 @@ bool Layout::isTagLine(std::size_t begin) const {
   return isBlankText(text_.substr(at, end - at));
 }
 
+/// Whether the line belongs to an underlined heading, or is the header of a table.
+bool Layout::isHeader(std::size_t line) const {
+  const auto block = firstEndingBehind(document_.blocks, line);
+  if (block == document_.blocks.end()) return false;
+  if (block->kind == BlockKind::table) return lineBegin(text_, block->text.begin) == line;
+  return block->kind == BlockKind::heading && block->text.begin <= line;
+}
+
 bool Layout::bodyGoesOn() const {
   const auto block = firstEndingBehind(document_.blocks, bodyBegin_);
   return hasBody() && block != document_.blocks.end() && block->text.begin < bodyBegin_ &&
          block->kind == BlockKind::paragraph;
+}
+
+bool Layout::headStandsAlone() const {
+  if (!bodyGoesOn()) return true;
+  const Document head = readDocument(text_.substr(0, bodyBegin_));
+  const auto below = firstEndingBehind(document_.hashtags, bodyBegin_);
+  return head.title == document_.title &&
+         head.hashtags.size() == static_cast<std::size_t>(below - document_.hashtags.begin());
 }
 
 bool Layout::bodyCutsIn() const {
@@ -82,22 +99,56 @@ std::size_t Layout::passTagLines(std::size_t line) {
   return line;
 }
 
-/// Takes a heading, or the first line of a paragraph, at `line` into the head.
+/// Takes a heading, or the first line of text, at `line` or below it into the head.
 std::size_t Layout::passTitle(std::size_t line) {
   if (line >= text_.size() || startsFootnote(line)) return line;
-  std::size_t end = lineEnd(text_, line);
   const auto block = firstEndingBehind(document_.blocks, line);
-  if (block == document_.blocks.end() || block->text.begin >= end) return line;
-  if (block->kind == BlockKind::heading) {
-    end = lineEnd(text_, block->text.end);
-    const bool isUnderlined = text_[skipBlanks(text_, line)] != '#';
+  const std::size_t firstEnd = lineEnd(text_, line);
+  const bool isHere = block != document_.blocks.end() && block->text.begin < firstEnd;
+  if (isHere && block->kind == BlockKind::heading) {
+    std::size_t end = lineEnd(text_, block->text.end);
+    const bool isUnderlined =
+        !isHeadingLine(text_.substr(line, firstEnd - line).substr(skipBlanks(text_, line) - line));
     if (isUnderlined) end = lineEnd(text_, behindLineBreak(text_, end));
     headingEnd_ = end;
-  } else if (block->kind != BlockKind::paragraph) {
-    return line;
+    endHead(end, /*inTags=*/false);
+    return behindLineBreak(text_, end);
   }
+  const bool isParagraph = isHere && block->kind == BlockKind::paragraph;
+  const std::size_t end = std::max(isParagraph ? firstEnd : line, titleEnd(line));
+  if (end == line) return line;
+  headIsBlock_ = !isParagraph;
   endHead(end, /*inTags=*/false);
   return behindLineBreak(text_, end);
+}
+
+/// The end of the title's line where the title is no heading, or of the whole block that this line
+/// may not be parted from; `line` where nothing behind it is the title.
+std::size_t Layout::titleEnd(std::size_t line) const {
+  if (!document_.titleEnd || *document_.titleEnd <= line) return line;
+  const std::size_t title = *document_.titleEnd;
+  const auto block = firstEndingBehind(document_.blocks, title - 1);
+  const bool isBlock = block != document_.blocks.end() && block->text.begin < title &&
+                       block->kind != BlockKind::paragraph;
+  return isBlock ? blockEnd(title) : lineEnd(text_, title);
+}
+
+/// The end of the last line of the outermost block around `position`, without the tag lines that
+/// stand directly below it.
+std::size_t Layout::blockEnd(std::size_t position) const {
+  BlockScanner scanner;
+  std::size_t end = document_.bodyBegin;
+  for (std::size_t line = end; line < text_.size(); line = nextLine(text_, line)) {
+    const std::size_t here = lineEnd(text_, line);
+    const ScannedLine read = scanner.read(text_.substr(line, here - line));
+    const bool isStart = read.matched == 0 && (read.isFirst || read.opened > 0) && !read.joinsList;
+    if (isStart && line > position) break;
+    if (read.kind || read.opened > 0) end = here;
+  }
+  while (end > position && isTagLine(lineBegin(text_, end)) && lineEnd(text_, position) < end) {
+    end = previousLineEnd(text_, lineBegin(text_, end));
+  }
+  return end;
 }
 
 /// From the text's end upwards, over blank lines, tag lines and footnotes.

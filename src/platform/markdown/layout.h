@@ -20,13 +20,16 @@ namespace zephyrdown {
 ///   #home             foot
 ///   [^1]: a footnote  foot
 ///
-/// Without a heading at the top, the first line of text is the title. A tag line that could be
+/// Without a heading at the top, the first line of text is the title; where that stands in a list,
+/// quote, table, code or HTML, the whole of this block is the head. A tag line that could be
 /// either, in a note without a body, belongs to the head where it stands first or directly below
 /// the heading, else to the foot.
 class Layout {
  public:
   Layout(std::string_view text, const Document& document);
 
+  /// Behind a byte order mark and front matter.
+  std::size_t textBegin() const { return document_.bodyBegin; }
   bool hasHead() const { return headEnd_.has_value(); }
   bool hasBody() const { return bodyBegin_ < footBegin_; }
   /// The end of the head's last line.
@@ -39,6 +42,8 @@ class Layout {
   std::size_t bodyBegin() const { return bodyBegin_; }
   /// Whether the body's first line goes on with the paragraph that the head ends in.
   bool bodyGoesOn() const;
+  /// Whether no emphasis, link or code that begins in the head ends in the body.
+  bool headStandsAlone() const;
   /// Whether the body's first block stands directly below a paragraph of the head.
   bool bodyCutsIn() const;
   /// The foot's first line, or the text's end.
@@ -57,7 +62,10 @@ class Layout {
   void findFoot(std::size_t floor);
   std::size_t passTagLines(std::size_t line);
   std::size_t passTitle(std::size_t line);
+  std::size_t titleEnd(std::size_t line) const;
+  std::size_t blockEnd(std::size_t position) const;
   void endHead(std::size_t end, bool inTags);
+  bool isHeader(std::size_t line) const;
   bool startsFootnote(std::size_t line) const;
   std::size_t footnoteEnd(std::size_t line) const;
   const SourceRange* footnoteAt(std::size_t position) const;
@@ -68,6 +76,7 @@ class Layout {
   std::vector<SourceRange> footnotes_;
   std::optional<std::size_t> headEnd_, headingEnd_, topTagsEnd_, bottomTagsEnd_;
   bool headEndsInTags_ = false;
+  bool headIsBlock_ = false;
   std::size_t bodyBegin_ = 0;
   std::size_t footBegin_ = 0;
 };

@@ -59,6 +59,11 @@ std::size_t previousLineEnd(std::string_view text, std::size_t begin) {
   return splitsCRLF(text, begin - 1) ? begin - 2 : begin - 1;
 }
 
+bool isEscaped(std::string_view text, std::size_t position) {
+  const std::size_t last = text.substr(0, position).find_last_not_of('\\');
+  return (position - (last == npos ? 0 : last + 1)) % 2 == 1;
+}
+
 bool isBlankText(std::string_view text) {
   return text.find_first_not_of(" \t") == npos;
 }

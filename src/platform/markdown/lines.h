@@ -32,6 +32,9 @@ constexpr bool isLineBreak(char c) {
   return c == '\n' || c == '\r';
 }
 
+/// Whether an odd number of backslashes stands before `position`.
+bool isEscaped(std::string_view text, std::size_t position);
+
 bool isBlankText(std::string_view text);
 std::size_t skipBlanks(std::string_view text, std::size_t position);
 

@@ -126,6 +126,10 @@ bool isOnlyMarkup(std::string_view text) {
 
 }  // namespace
 
+bool isInlineTail(std::string_view text, std::size_t at) {
+  return readInlineTail(text, at).has_value();
+}
+
 void LinkLocator::pass(SourceRange range) {
   settle(open_.size(), range.begin);
   cursor_ = std::max(cursor_, range.end);

@@ -19,6 +19,9 @@ struct LocatedLink {
   std::optional<SourceRange> destination;  ///< of an inline link, as it is written
 };
 
+/// Whether "(destination "title")" stands at `at`.
+bool isInlineTail(std::string_view text, std::size_t at);
+
 /// Finds the ranges of links. The parser tells which links there are, in order, and where the
 /// texts lie, but not where brackets are. All that stands between two texts is markup, though: so
 /// the bracket that opens a link is the last one before its first text, the one that closes it the

@@ -3,24 +3,13 @@
 #include <utility>
 
 #include "platform/markdown/ascii.h"
+#include "platform/markdown/block_starts.h"
 #include "platform/markdown/lines.h"
 
 namespace zephyrdown {
 namespace {
 
 constexpr std::size_t npos = std::string_view::npos;
-
-bool isHeading(std::string_view content) {
-  const std::size_t level = content.find_first_not_of('#');
-  if (level == npos) return content.size() <= 6;
-  return level >= 1 && level <= 6 && isBlank(content[level]);
-}
-
-bool isFence(std::string_view content) {
-  if (content.starts_with("~~~")) return true;
-  const std::size_t info = content.find_first_not_of('`');
-  return content.starts_with("```") && content.find('`', info) == npos;
-}
 
 bool isUnderlineOfHeader(std::string_view content) {
   return content.find('|') != npos && content.find('-') != npos &&
@@ -50,7 +39,7 @@ bool ParagraphStarts::isStart(std::string_view line) {
     if (indentation == 0) inList_ = inNumbers_ = false;
   }
   const bool isIndentedText = indentation >= 4 && !inList_;
-  const bool isBlock = !isIndentedText && (isHeading(content) || isFence(content));
+  const bool isBlock = !isIndentedText && (isHeadingLine(content) || openingFence(content));
   isFresh_ = isBlock;
   const bool isStart = (!isIndentedText && isItem(content)) || isBlock || isFresh || isRow(content);
   lines_ = isStart ? 1 : lines_ + 1;

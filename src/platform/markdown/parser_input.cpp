@@ -5,6 +5,7 @@
 #include "platform/markdown/ascii.h"
 #include "platform/markdown/hashtag_grammar.h"
 #include "platform/markdown/lines.h"
+#include "platform/markdown/link_locator.h"
 #include "platform/markdown/paragraph_starts.h"
 
 namespace zephyrdown {
@@ -13,12 +14,6 @@ namespace {
 constexpr std::size_t npos = std::string_view::npos;
 constexpr char kPunctuation = ',';  // flanks emphasis as a bracket does
 constexpr char kLetter = 'x';
-
-bool isEscaped(std::string_view body, std::size_t at) {
-  const std::size_t last = body.substr(0, at).find_last_not_of('\\');
-  const std::size_t backslashes = at - (last == npos ? 0 : last + 1);
-  return backslashes % 2 == 1;
-}
 
 /// The offset of the "]" of a footnote's label at `at`, or npos.
 std::size_t footnoteLabelEnd(std::string_view body, std::size_t at) {
@@ -33,6 +28,17 @@ void maskFootnotes(std::string_view body, std::optional<std::string>& copy) {
     if (end == npos) continue;
     if (!copy) copy.emplace(body);
     (*copy)[at] = (*copy)[end] = kPunctuation;
+  }
+}
+
+/// The brackets inside of "[[label]](destination)", a link whose label holds brackets.
+void maskLabelsInBrackets(std::string_view body, std::optional<std::string>& copy) {
+  for (std::size_t end = body.find("]]("); end != npos; end = body.find("]](", end + 1)) {
+    const std::size_t begin = body.substr(0, end).find_last_of("[]\r\n");
+    if (begin == npos || begin == 0 || body.substr(begin - 1, 2) != "[[") continue;
+    if (isEscaped(body, begin - 1) || !isInlineTail(body, end + 2)) continue;
+    if (!copy) copy.emplace(body);
+    (*copy)[begin] = (*copy)[end] = kPunctuation;
   }
 }
 
@@ -131,6 +137,7 @@ bool hasEndlessAddresses(std::string_view body) {
 std::optional<std::string> maskedForParser(std::string_view body) {
   std::optional<std::string> copy;
   maskFootnotes(body, copy);
+  maskLabelsInBrackets(body, copy);
   maskHashtags(body, copy);
   maskEndlessParagraphs(body, copy);
   maskDeepNesting(body, copy);

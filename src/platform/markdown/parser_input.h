@@ -11,6 +11,7 @@ namespace zephyrdown {
 
 /// The copy, or nothing where the body can be shown as it is. Masked are
 ///   the brackets of a footnote's label, "[^1]", which would be a reference to a link,
+///   the inner brackets of "[[label]](destination)", which would be a wiki link,
 ///   underscores inside of hashtags, which would be emphasis between "#_a" and "#b_",
 ///   brackets in a paragraph of ten thousands of lines, on which it would spend minutes, and
 ///   marks of lists and quotes nested hundreds deep, down which it would walk at each line.

@@ -1,6 +1,7 @@
 #include "platform/markdown/seam.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "platform/markdown/lines.h"
 
@@ -31,20 +32,89 @@ bool maySplitParagraph(const Side& below) {
   }
 }
 
-/// Whether what stands below `text`, a blank line apart, would be read as a part of its last block:
-/// of code or HTML that is not closed.
-bool swallowsWhatFollows(std::string_view text, const Side& last) {
-  if (last.kind != BlockKind::fencedCode && last.kind != BlockKind::html) return false;
-  return lowerSideOf(std::string(text) + "\n\nx").kind == last.kind;
+/// Takes the lines of a text one by one.
+class Lines {
+ public:
+  explicit Lines(std::string_view text) : text_(text) {}
+
+  std::optional<std::string_view> next() {
+    if (at_ == text_.size()) return std::nullopt;
+    const std::size_t begin = at_;
+    const std::size_t end = lineEnd(text_, begin);
+    at_ = behindLineBreak(text_, end);
+    return text_.substr(begin, end - begin);
+  }
+
+ private:
+  std::string_view text_;
+  std::size_t at_ = 0;
+};
+
+void readAll(BlockScanner& scanner, std::string_view text) {
+  Lines lines(text);
+  while (const auto line = lines.next()) scanner.read(*line);
 }
 
-std::size_t longestRun(std::string_view text, char wanted) {
-  std::size_t longest = 0, run = 0;
-  for (const char c : text) {
-    run = c == wanted ? run + 1 : 0;
-    longest = std::max(longest, run);
+bool isBlankLine(const ScannedLine& line) {
+  return !line.kind && line.opened == 0;
+}
+
+bool haveSamePlace(const ScannedLine& a, const ScannedLine& b) {
+  return a.matched == b.matched && a.opened == b.opened;
+}
+
+/// Whether the line, by itself a paragraph's, reads `now` as a row of the table above.
+bool isRow(const ScannedLine& now, const ScannedLine& alone, std::string_view line) {
+  return now.kind == BlockKind::table && alone.kind == BlockKind::paragraph &&
+         line.starts_with('|');
+}
+
+/// Whether the line reads `now`, below others, as it did `alone`.
+bool staysByItself(const ScannedLine& now, const ScannedLine& alone, std::string_view line) {
+  if (now.kind != alone.kind && !isRow(now, alone, line)) return false;
+  if (now.isLazy && !alone.isLazy) return false;
+  return haveSamePlace(now, alone) && now.mayDefine == alone.mayDefine;
+}
+
+/// Whether the line reads `now` as it did `before` something was put above it. A line below a list
+/// or quote, without its marks, may become a paragraph of its own.
+bool staysWhatItWas(const ScannedLine& now, const ScannedLine& before) {
+  if (isBlankLine(now) && isBlankLine(before)) return true;
+  if (now.kind != before.kind || now.joinsList != before.joinsList) return false;
+  if (now.isLazy && !before.isLazy) return false;
+  return haveSamePlace(now, before) && now.mayDefine == before.mayDefine;
+}
+
+/// Notices where two paragraphs became one and an underline below makes a heading of both.
+class Joint {
+ public:
+  /// Whether the line, read `now` and `before` by itself, leaves what stands above the seam alone.
+  bool holds(const ScannedLine& now, const ScannedLine& before) {
+    if (now.isFirst || now.kind != BlockKind::paragraph) {
+      const bool isUnderline = now.kind == BlockKind::heading && !now.isFirst;
+      return !std::exchange(isJoined_, false) || !isUnderline;
+    }
+    isJoined_ |= before.isFirst;
+    return true;
   }
-  return longest;
+  bool isOpen() const { return isJoined_; }
+
+ private:
+  bool isJoined_ = false;
+};
+
+/// The begin of a title, or of the rest of a definition whose label stands above.
+bool mayGoOnWithDefinition(const BlockScanner& above, std::string_view line) {
+  return above.mayDefine() && !isBlankText(line);
+}
+
+/// Whether `text` begins with the definition of a reference. Its first paragraph tells.
+bool beginsWithDefinition(std::string_view text) {
+  std::size_t end = 0;
+  while (end < text.size() && skipBlankLines(text, end) == end) end = nextLine(text, end);
+  text = text.substr(0, end);
+  const Document document = readDocument(text);
+  return document.blocks.empty() || document.blocks.front().text.begin >= lineEnd(text, 0);
 }
 
 }  // namespace
@@ -53,24 +123,26 @@ Side paragraphSide() {
   return {BlockKind::paragraph};
 }
 
-Side lowerSideOf(std::string_view text) {
-  // The parser does not see a "<!--" that a text ends in, without a line break.
-  const Document document = readDocument(std::string(text) + "\n");
-  Side side;
-  if (!document.blocks.empty()) side.kind = document.blocks.back().kind;
-  return side;
+Side lowerSideOf(const BlockScanner& above) {
+  return {above.outermostKind()};
 }
 
 Side upperSideOf(std::string_view text) {
-  const Document document = readDocument(text);
-  const std::size_t begin = skipBlankLines(text, 0);
-  const std::size_t end = lineEnd(text, begin);
-  Side side{std::nullopt, text.substr(begin, end - begin)};
-  if (document.blocks.empty()) return side;
-  const Block& block = document.blocks.front();
-  // A paragraph that begins further down: definitions of references stand above.
-  if (block.kind != BlockKind::paragraph || block.text.begin < end) side.kind = block.kind;
-  if (block.kind == BlockKind::list && isBareMark(side.line)) side.kind = BlockKind::lateList;
+  text.remove_prefix(skipBlankLines(text, 0));
+  Side side{std::nullopt, text.substr(0, lineEnd(text, 0))};
+  BlockScanner scanner;
+  Lines lines(text);
+  while (const auto line = lines.next()) {
+    const ScannedLine read = scanner.read(*line);
+    if (side.kind == BlockKind::paragraph && (read.isFirst || !read.kind || read.opened > 0)) break;
+    const bool mayDefine = !side.kind && read.mayDefine;
+    side.kind = scanner.outermostKind();
+    if (side.kind != BlockKind::paragraph) break;
+    if (mayDefine && beginsWithDefinition(text)) return {std::nullopt, side.line};
+  }
+  if (side.kind != BlockKind::list) return side;
+  const auto mark = listMark(side.line.substr(skipBlanks(side.line, 0)));
+  if (!mark || !mark->isFirst || isBareMark(side.line)) side.kind = BlockKind::lateList;
   return side;
 }
 
@@ -101,19 +173,41 @@ bool needBlankLine(const Side& above, const Side& below) {
   }
 }
 
-std::string closingLine(std::string_view text, const Side& last) {
-  if (!swallowsWhatFollows(text, last)) return {};
-  const std::string open = std::string(text) + "\n";
-  for (const std::string& line :
-       {std::string(longestRun(text, '`'), '`'), std::string(longestRun(text, '~'), '~'),
-        std::string("-->"), std::string("</pre>"), std::string("</script>"),
-        std::string("</style>"), std::string("</textarea>"), std::string("?>"), std::string("]]>"),
-        std::string(">")}) {
-    if (line.empty()) continue;
-    const std::string closed = open + line;
-    if (!swallowsWhatFollows(closed, lowerSideOf(closed))) return line;
+BlockScanner scanned(std::string_view text) {
+  BlockScanner scanner;
+  readAll(scanner, text);
+  return scanner;
+}
+
+bool Seam::holds(std::string_view before, std::string_view inserted,
+                 std::string_view behind) const {
+  BlockScanner now = above;
+  readAll(now, before);
+  BlockScanner alone;
+  Lines own(inserted);
+  Joint top, bottom;
+  bool isBelowRow = false;
+  while (const auto line = own.next()) {
+    const bool mayVanish = mayGoOnWithDefinition(now, *line);
+    const ScannedLine here = now.read(*line);
+    const ScannedLine there = alone.read(*line);
+    if (!staysByItself(here, there, *line) || !top.holds(here, there)) return false;
+    if (mayVanish && !here.isFirst && there.isFirst) return false;
+    if (isBelowRow && there.kind == BlockKind::table) return false;  // a table of its own
+    isBelowRow |= isRow(here, there, *line);
   }
-  return {};
+  readAll(now, behind);
+  BlockScanner was = above;
+  Lines old(below);
+  while (const auto line = old.next()) {
+    if (now == was && !bottom.isOpen()) break;
+    const bool mayVanish = mayGoOnWithDefinition(now, *line) && !mayGoOnWithDefinition(was, *line);
+    const ScannedLine here = now.read(*line);
+    const ScannedLine there = was.read(*line);
+    if (!staysWhatItWas(here, there) || !bottom.holds(here, there)) return false;
+    if (mayVanish && !here.isFirst) return false;
+  }
+  return true;
 }
 
 }  // namespace zephyrdown

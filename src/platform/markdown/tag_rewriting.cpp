@@ -129,7 +129,7 @@ Operations plannedTag(std::string_view text, const Document& document, std::stri
   auto line = bottom ? layout.bottomTagsEnd() : layout.topTagsEnd();
   if (!line && !layout.hasBody()) line = bottom ? layout.topTagsEnd() : layout.bottomTagsEnd();
   if (line) return {{{*line, *line}, " " + *hashtag}};
-  if (bottom) return plannedLastLine(text, *hashtag);
+  if (bottom) return plannedLastLine(text, layout, *hashtag);
   return plannedTopLine(text, document, layout, *hashtag);
 }
 

@@ -21,6 +21,10 @@ class TitleBuilder {
   /// A line's or block's end.
   void endLine();
 
+  /// Whether a heading that holds text was read, or a line that may be the title without one.
+  bool hasHeading() const { return hasHeading_; }
+  bool hasLine() const { return !line_.empty(); }
+
   std::string title() const;
 
  private:

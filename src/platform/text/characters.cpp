@@ -174,6 +174,10 @@ bool extendsCharacter(char32_t scalar) {
          (U_GET_GC_MASK(static_cast<UChar32>(scalar)) & U_GC_M_MASK) != 0;
 }
 
+bool isTerminalPunctuation(char32_t scalar) {
+  return u_hasBinaryProperty(static_cast<UChar32>(scalar), UCHAR_TERMINAL_PUNCTUATION) != 0;
+}
+
 bool isWhitespace(char32_t scalar) {
   if (scalar <= ' ') return scalar == ' ' || (scalar >= '\t' && scalar <= '\r');
   if (scalar < 0x1680) return scalar == 0x85 || scalar == 0xA0;

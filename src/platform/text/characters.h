@@ -22,6 +22,9 @@ bool isAlphanumeric(char32_t scalar);
 /// variation selectors), joiners, emoji modifiers.
 bool extendsCharacter(char32_t scalar);
 
+/// Terminal_Punctuation of Unicode: marks that end a sentence or a part of one, as "." and "," do.
+bool isTerminalPunctuation(char32_t scalar);
+
 /// White_Space of Unicode, line breaks included.
 bool isWhitespace(char32_t scalar);
 

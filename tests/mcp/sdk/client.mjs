@@ -1,11 +1,11 @@
 // Talks to the server as its clients do: through the official TypeScript SDK, whose schemas check
-// every answer. Usage: node client.mjs <tavicli>. Works in a home of its own; ends with 1 at the
+// every answer. Usage: node client.mjs <tavicli> <docs/mcp.md>. Works in a home of its own; ends with 1 at the
 // first answer that is not as it should be.
 import assert from 'node:assert/strict';
 import { execFileSync } from 'node:child_process';
 import { chmodSync, mkdirSync, mkdtempSync, readFileSync, rmSync, writeFileSync } from 'node:fs';
 import { tmpdir } from 'node:os';
-import { join, resolve } from 'node:path';
+import { dirname, join, resolve } from 'node:path';
 import { Client } from '@modelcontextprotocol/sdk/client/index.js';
 import { StdioClientTransport } from '@modelcontextprotocol/sdk/client/stdio.js';
 import { AjvJsonSchemaValidator } from '@modelcontextprotocol/sdk/validation/ajv';
@@ -21,7 +21,7 @@ const toolNames = [
 const program = resolve(process.argv[2] ?? 'tavicli');
 const home = mkdtempSync(join(tmpdir(), 'tavicli-sdk-'));
 const opened = join(home, 'opened');
-const env = { HOME: home, PATH: `${home}/bin:${process.env.PATH}`, XDG_DATA_HOME: `${home}/data` };
+const env = { HOME: home, PATH: `${home}/bin:${dirname(program)}:${process.env.PATH}`, XDG_DATA_HOME: `${home}/data` };
 
 function fakeDesktop() {
   mkdirSync(join(home, 'bin'));
@@ -30,9 +30,8 @@ function fakeDesktop() {
 }
 
 /** A client on a server of its own, which must say nothing but JSON-RPC. */
-async function connect() {
-  const transport = new StdioClientTransport({ command: program, args: ['mcp-server'], env,
-                                               stderr: 'pipe' });
+async function connect(server = { command: program, args: ['mcp-server'] }) {
+  const transport = new StdioClientTransport({ ...server, env, stderr: 'pipe' });
   const client = new Client({ name: 'sdk-test', version: '1.0.0' });
   const noise = [];
   transport.stderr.on('data', (text) => noise.push(String(text)));
@@ -170,6 +169,25 @@ async function checkPipelining(client, id) {
   offsets.slice(0, 10).forEach((at) => assert.equal(slices[at].content, content[at]));
 }
 
+/** The filter of the manual's page, for clients that want `items` in every array. */
+async function checkFilter() {
+  const page = readFileSync(process.argv[3], 'utf8');
+  const server = [...page.matchAll(/^```json\n(.*?)^```$/gms)]
+      .map((block) => JSON.parse(block[1]).mcpServers?.tavicli)
+      .find((found) => found?.command === 'sh');
+  const { client, noise } = await connect(server);
+  const { tools } = await client.listTools();
+  const { properties } = tools.find((tool) => tool.name === 'edit_note').inputSchema;
+  assert.deepEqual(properties.edits.items, { type: 'object' });
+  const content = '"edits":{"description":"x","type":"array"}';
+  const { id } = await call(client, 'create_note', { content });
+  await call(client, 'edit_note', { id, edits: [{ find: 'array', replace: 'list' }] });
+  assert.equal((await call(client, 'read_note_content', { id })).content,
+               content.replace('array', 'list'));
+  await client.close();
+  assert.deepEqual(noise, []);
+}
+
 try {
   fakeDesktop();
   const { client, noise } = await connect();
@@ -185,6 +203,7 @@ try {
   await checkProtocolErrors(client);
   await checkPipelining(client, id);
   await checkCancellation();
+  await checkFilter();
   await client.close();
   assert.deepEqual(noise, []);
   console.log('Every answer was accepted.');

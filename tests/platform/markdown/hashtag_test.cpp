@@ -54,35 +54,30 @@ TEST(Hashtag, WritesAClosingMarkWhereTheNameNeedsOne) {
 }
 
 TEST(Hashtag, StartsAtTheBeginOfAWord) {
-  for (const char* text : {"#a", " #a", "x #a", "(#a)", "\"#a\"", "「#a」", "x,#a", "🎉#a",
-                           "❤️#a", "> #a", "-\t#a", "x\n#a", "。#a"}) {
+  for (const char* text :
+       {"#a", " #a", "x #a", "(#a)", "\"#a\"", "「#a」", "x,#a", "🎉#a", "❤️#a", "> #a", "-\t#a",
+        "x\n#a", "。#a", "&quot;#a", "x&nbsp;#a", "\\&eacute;#a"}) {
     EXPECT_THAT(tagsIn(text), testing::ElementsAre("a")) << text;
   }
   for (const char* text : {"x#a", "1#a", "##a", "é#a", "天#a", "/#a", "x:#a", "&#a", "=#a", "# a",
-                           "#", "#\ta", "#️⃣ a", "#/a"}) {
+                           "#", "#\ta", "#️⃣ a", "#/a", "&eacute;#a", "&#35;#a", "&num;a"}) {
     EXPECT_THAT(tagsIn(text), testing::IsEmpty()) << text;
   }
 }
 
 TEST(Hashtag, EndsWithTheWord) {
   for (const auto& [text, name] : std::initializer_list<std::pair<const char*, const char*>>{
-           {"#a.", "a"},
-           {"#a, b", "a"},
-           {"#a: b", "a"},
-           {"#a!", "a"},
-           {"#a?", "a"},
-           {"(#a)", "a"},
-           {"#a… b", "a"},
-           {"#天気、", "天気"},
-           {"#a/b.", "a/b"},
-           {"#a/ b", "a"},
-           {"#v1.2.", "v1.2"},
-           {"#a-b", "a-b"},
-           {"#a's", "a"},
-           {"#a\u00A0b", "a"},
-           {"#a#b", "a"},
-           {"#1a", "1a"},
-           {"#a🎉", "a🎉"},
+           {"#a.", "a"},       {"#a, b", "a"},      {"#a: b", "a"},
+           {"#a!", "a"},       {"#a?", "a"},        {"(#a)", "a"},
+           {"#a… b", "a"},     {"#天気、", "天気"}, {"#a/b.", "a/b"},
+           {"#a/ b", "a"},     {"#v1.2.", "v1.2"},  {"#a-b", "a-b"},
+           {"#a's", "a"},      {"#a\u00A0b", "a"},  {"#a#b", "a"},
+           {"#1a", "1a"},      {"#a🎉", "a🎉"},       {"#caf&eacute;, b", "café"},
+           {"#a&nbsp;b", "a"}, {"#R&D; b", "R&D"},  {"#a\u104B", "a"},  // Burmese
+           {"#a\u17D4", "a"},                                           // Khmer
+           {"#a\u0F0D", "a"},                                           // Tibetan
+           {"#a\u1803", "a"},                                           // Mongolian
+           {"#a\u037E", "a"},                                           // the Greek question mark
        }) {
     EXPECT_THAT(tagsIn(text), testing::ElementsAre(name)) << text;
   }
@@ -106,8 +101,23 @@ TEST(Hashtag, HoldsBlanksUpToAClosingMark) {
            {"#a# #b c# #d", {"a", "b c", "d"}},
            {"#a b/c d#", {"a b/c d"}},
            {"#12#", {"12"}},
+           {"#a &#8212; b#", {"a — b"}},
        }) {
     EXPECT_EQ(tagsIn(text), names) << text;
+  }
+}
+
+TEST(Hashtag, IsBoundedInLengthAndDepth) {
+  const std::string longest(256, 'a');
+  std::string deepest = "a";
+  for (int level = 1; level < 32; ++level) deepest += "/a";
+  for (const std::string& name : {longest, deepest}) {
+    EXPECT_EQ(ZDKHashtag::sanitizeTagName(name), name);
+    EXPECT_THAT(tagsIn("#" + name), testing::ElementsAre(name));
+    for (const std::string& more : {name + "a" + (name == deepest ? "/a" : ""), "b c/" + name}) {
+      EXPECT_EQ(ZDKHashtag::sanitizeTagName(more), std::nullopt) << more;
+      EXPECT_THAT(tagsIn("#" + more + "#"), testing::Not(testing::Contains(more)));
+    }
   }
 }
 

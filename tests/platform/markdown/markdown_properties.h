@@ -4,8 +4,8 @@
 
 namespace zephyrdown::testing {
 
-/// What must hold of every text whatever: it is read and written back, each operation changes its
-/// own ranges only and does what it says. A failure is gtest's.
+/// Checks the properties that every text must have, as gtest expectations: it parses and comes back
+/// unchanged, and each operation changes its own ranges only and does what it says.
 void checkText(const std::string& text);
 
 }  // namespace zephyrdown::testing

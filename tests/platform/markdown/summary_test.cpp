@@ -22,11 +22,14 @@ TEST(TextSummary, TakesTheTitleFromTheFirstHeadingElseTheFirstLine) {
            {"Title\nover two\n===\n", "Title over two"},
            {"# *a* **b** `c` [d](e.pdf) ![f](g.png) &amp; \\# <i>h</i>", "a b c d f & # h"},
            {"#\n\nBody", "Body"},
+           {"# Caf&eacute; &nesim; &nosuch; &amp", "Café ≂̸ &nosuch; &amp"},
            {"> # Quoted\n\nBody", "Quoted"},
            {"First line\nsecond line", "First line"},
            {"First\rsecond", "First"},
            {"- [ ] buy *milk*\n- eggs", "buy milk"},
            {"1. > quoted", "quoted"},
+           {"- [ ] Milk\n  - [ ] Eggs", "Milk"},
+           {"- one\n  > two", "one"},
            {"#work\n\nBody", "Body"},
            {"#work #multi word#", "#work #multi word#"},
            {"# Plan #work", "Plan #work"},
@@ -57,6 +60,20 @@ TEST(TextSummary, ListsTagsInOrderEachOnce) {
            {"[[#a]] [[x|#b]] [[#c/d]]", {}},
            {"---\ntags: #a\n---\n#b", {"b"}},
            {"#a_ and #_b_ and _#c_", {"a_", "_b_", "c"}},
+           {"[[options]](#options) [[#a|b]](see #c)", {"c"}},
+           // Blocks that begin and end where CommonMark and GFM say.
+           {"<prefix>\n#a\n\n#b", {"b"}},
+           {"<preset>#a</preset> <styles>\n\n<scripts>\n\n#b", {"a", "b"}},
+           {"<h2>#a</h2>\n\n<textarea>\n\n#b\n</textarea>\n<!doctype\n#c>\n#d", {"d"}},
+           {"<!-- a -->\n    #a\n#b", {"b"}},
+           {"text\n    ```\n#a\n\n#b", {"a", "b"}},
+           {"text\n    <div>\n#a", {"a"}},
+           {"| a |\n|---|\n| #b |\n    #c", {"b"}},
+           {"| a |\n|---|\n```\n#b\n```\n#c", {"c"}},
+           {"> | a |\n> |---|\n> <div>\n> #b\n\n#c", {"c"}},
+           {"- ```\n  #a\n```\n#b\n```\n#c", {"c"}},
+           {"> ~~~\n    #a\n#b", {"b"}},
+           {"```\n#a\n```\t\n#b", {"b"}},
        }) {
     EXPECT_EQ(summaryOf(text).tags, tags) << text;
   }
@@ -68,6 +85,18 @@ TEST(TextSummary, CountsTaskListItems) {
       "- [y] no\n-[ ] no\n[ ] no\n\n```\n- [ ] no\n```\n\n    - [ ] no\n");
   EXPECT_EQ(summary.todoIncomplete, 3);
   EXPECT_EQ(summary.todoCompleted, 3);
+  const auto belowQuote = summaryOf("- [x] a\n  > q\n- [ ] b\n  - c\n    > q\n    1. [ ] d");
+  EXPECT_EQ(belowQuote.todoIncomplete, 2);
+  EXPECT_EQ(belowQuote.todoCompleted, 1);
+}
+
+// The parser takes what it stored last for the begin of the item, at one offset in 256.
+TEST(TextSummary, ReadsAnItemOnBelowCodeAtEachOffset) {
+  for (std::size_t length = 1; length <= 256; ++length) {
+    const std::string title(length, 't');
+    EXPECT_EQ(summaryOf(title + "\n\n1. ```\n   a\n   ```\n\n   # b").title, title) << length;
+    EXPECT_EQ(summaryOf(title + "\n\n1. a\n\n\n   # b").title, title) << length;
+  }
 }
 
 TEST(TextSummary, ListsTitlesOfWikiLinks) {

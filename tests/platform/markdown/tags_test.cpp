@@ -32,6 +32,8 @@ TEST(AddedTag, GoesUnderTheTitle) {
            {"# T\n\nBody", "# T\n#new\n\nBody"},
            {"# T\r\nBody", "# T\r\n#new\r\n\r\nBody"},
            {"T\n===\nBody", "T\n===\n#new\n\nBody"},
+           {"T\n#a\n===\nBody", "T\n#a\n===\n#new\n\nBody"},
+           {"#a\n===", "#a\n===\n#new"},
            {"# T\n#a \n\nBody", "# T\n#a #new \n\nBody"},
            {"# T\n\n#a\n\nBody", "# T\n\n#a #new\n\nBody"},
            {"# T\n\n#a", "# T\n\n#a #new"},

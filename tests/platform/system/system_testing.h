@@ -9,7 +9,7 @@
 
 namespace platform::system {
 
-/// Sets or unsets an environment variable for as long as it lives.
+/// Sets or unsets an environment variable, and restores it when destroyed.
 class ScopedVariable {
  public:
   ScopedVariable(std::string name, const std::optional<std::string>& value)
@@ -34,7 +34,7 @@ class ScopedVariable {
   std::optional<std::string> old_;
 };
 
-/// A new directory, removed with all that is in it.
+/// A new temporary directory, removed with its contents when destroyed.
 class ScopedDirectory {
  public:
   ScopedDirectory() {

@@ -28,7 +28,7 @@ void forEveryScalar(Check check) {
   }
 }
 
-/// Texts drawn from an alphabet of scalars, the same in every run.
+/// Random texts over an alphabet of scalars; the same for the same seed.
 class RandomText {
  public:
   RandomText(std::span<const char32_t> alphabet, unsigned seed)
@@ -51,7 +51,7 @@ class RandomText {
   std::mt19937 engine_;
 };
 
-/// Scalars whose case, normalisation or boundaries are out of the ordinary.
+/// Scalars with unusual case mappings, normalisation or boundaries.
 inline constexpr char32_t kNastyAlphabet[] = {
     U'a',    U'A',    U's',    U'S',   U'e',   U'i',   U'I',   U'k',    U'f',    U'l',    U' ',
     U'\r',   U'\n',   U';',    U'=',   0xE9,   0xC9,   0xDF,   0x1E9E,  0x17F,   0x212A,  0x212B,

@@ -1,10 +1,11 @@
 #pragma once
 
 #include <cstdint>
-#include <string>
+#include <memory>
+#include <string_view>
 #include <vector>
 
-#include "platform/model/search/predicate.h"
+#include "platform/model/search/search_query.h"
 
 namespace tavimodel {
 
@@ -17,10 +18,19 @@ struct SortDescriptor {
   bool localized = false;
 };
 
-/// Which notes to fetch, and in which order. Notes that are equal in every descriptor stand in the
-/// order of their making, in the direction of the last descriptor.
+/// Where notes are. One that is both in the trash and in the archive is in both; one that has been
+/// deleted for good is nowhere.
+enum class Place { anywhere, notes, trash, archive };
+
+/// A test over the columns of `noteSummary s`.
+std::string_view placeTest(Place place);
+
+/// Which notes to fetch, and in which order. Of notes that are equal in every descriptor the one
+/// that was made last comes first, whatever the descriptors' directions. An absent title is equal
+/// to an empty one, an absent date earlier than all others.
 struct FetchRequest {
-  Predicate predicate;
+  Place place = Place::anywhere;
+  std::shared_ptr<const SearchQuery> search;  ///< null: all notes of the place
   std::vector<SortDescriptor> sortDescriptors;
   std::int64_t fetchOffset = 0;
   std::int64_t fetchLimit = INT64_MAX;

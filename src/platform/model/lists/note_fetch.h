@@ -22,7 +22,8 @@ class NoteFetch {
 
   /// In the request's order, with all that metadata needs.
   NoteTable table(const FetchRequest& request);
-  std::int64_t count(const Predicate& predicate);
+  /// How many notes the request finds; its order, offset and limit do not count.
+  std::int64_t count(const FetchRequest& request);
 
  private:
   sqlite::Connection& connection_;

@@ -7,7 +7,8 @@
 
 namespace tavimodel {
 
-/// All that is known of a note but its text, wherever it is held. Valid as long as its holder is.
+/// All that is known of a note but its text, wherever it is held. Its holder says how long it is
+/// valid.
 struct NoteView {
   std::int64_t id = 0;
   std::string_view uniqueIdentifier;

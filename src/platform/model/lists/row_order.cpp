@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <cmath>
 #include <cstdint>
 #include <limits>
 #include <numeric>
@@ -12,11 +13,11 @@
 namespace tavimodel {
 namespace {
 
-// All keys become numbers, a title its rank. What tells most of the first two stands in the entry,
-// so that one sort over small values does nearly all the work; where it is equal, all keys decide.
+// All keys become numbers, a title its rank. `prefix` packs the leading bits of the first two keys,
+// so that one sort over small values does nearly all the work; ties compare all keys.
 struct Entry {
   std::uint64_t prefix = 0;
-  std::size_t index = 0;
+  std::uint32_t index = 0;
 };
 
 /// Numbers in the order of the doubles.
@@ -26,12 +27,12 @@ std::uint64_t ordered(double key) {
   return (bits & sign) != 0 ? ~bits : bits | sign;
 }
 
-std::vector<double> titleRanks(const std::vector<NoteView>& rows, bool localized) {
+std::vector<double> titleRanks(const std::vector<ListedRow>& rows, bool localized) {
   std::vector<std::string> keys;
   keys.reserve(rows.size());
   const platform::text::LocalizedCaseInsensitiveCollator collator;
-  for (const NoteView& row : rows) {
-    keys.push_back(localized ? collator.sortKey(row.title) : std::string(row.title));
+  for (const ListedRow& row : rows) {
+    keys.push_back(localized ? collator.sortKey(row.title()) : std::string(row.title()));
   }
   std::vector<std::size_t> order(rows.size());
   std::iota(order.begin(), order.end(), std::size_t{0});
@@ -46,21 +47,21 @@ std::vector<double> titleRanks(const std::vector<NoteView>& rows, bool localized
   return ranks;
 }
 
-double dateKey(const std::optional<double>& date) {
-  return date.value_or(-std::numeric_limits<double>::infinity());
+double dateKey(double date) {
+  return std::isnan(date) ? -std::numeric_limits<double>::infinity() : date;
 }
 
 /// Ascending keys of the rows for one descriptor.
-std::vector<double> keysOf(const std::vector<NoteView>& rows, const SortDescriptor& descriptor) {
+std::vector<double> keysOf(const std::vector<ListedRow>& rows, const SortDescriptor& descriptor) {
   std::vector<double> keys;
   if (descriptor.key == SortKey::title) {
     keys = titleRanks(rows, descriptor.localized);
   } else {
     keys.reserve(rows.size());
-    for (const NoteView& row : rows) {
+    for (const ListedRow& row : rows) {
       keys.push_back(descriptor.key == SortKey::pinned             ? (row.pinned ? 1 : 0)
-                     : descriptor.key == SortKey::modificationDate ? dateKey(row.modificationDate)
-                                                                   : dateKey(row.creationDate));
+                     : descriptor.key == SortKey::modificationDate ? dateKey(row.modified)
+                                                                   : dateKey(row.created));
     }
   }
   if (!descriptor.ascending) {
@@ -69,21 +70,17 @@ std::vector<double> keysOf(const std::vector<NoteView>& rows, const SortDescript
   return keys;
 }
 
-bool tiesAscend(const FetchRequest& request) {
-  return request.sortDescriptors.empty() || request.sortDescriptors.back().ascending;
-}
-
 }  // namespace
 
-std::vector<std::size_t> sortedPage(const std::vector<NoteView>& rows,
-                                    const FetchRequest& request) {
+std::vector<std::uint32_t> sortedPage(const std::vector<ListedRow>& rows,
+                                      const FetchRequest& request) {
   std::vector<std::vector<double>> keys;
   for (const SortDescriptor& descriptor : request.sortDescriptors) {
     keys.push_back(keysOf(rows, descriptor));
   }
   std::vector<Entry> entries(rows.size());
   const bool pinsFirst = keys.size() > 1 && request.sortDescriptors[0].key == SortKey::pinned;
-  for (std::size_t i = 0; i < rows.size(); ++i) {
+  for (std::uint32_t i = 0; i < rows.size(); ++i) {
     entries[i].index = i;
     if (pinsFirst) {
       // One of two values: a bit of it does.
@@ -93,12 +90,11 @@ std::vector<std::size_t> sortedPage(const std::vector<NoteView>& rows,
       entries[i].prefix = ordered(keys[0][i]);
     }
   }
-  const bool ascending = tiesAscend(request);
-  const auto decidedByAll = [&](std::size_t a, std::size_t b) {
+  const auto decidedByAll = [&](std::uint32_t a, std::uint32_t b) {
     for (const std::vector<double>& key : keys) {
       if (key[a] != key[b]) return key[a] < key[b];
     }
-    return ascending ? rows[a].id < rows[b].id : rows[a].id > rows[b].id;
+    return rows[a].id > rows[b].id;
   };
   std::sort(entries.begin(), entries.end(), [&](const Entry& a, const Entry& b) {
     if (a.prefix != b.prefix) return a.prefix < b.prefix;
@@ -107,7 +103,7 @@ std::vector<std::size_t> sortedPage(const std::vector<NoteView>& rows,
   const auto size = static_cast<std::int64_t>(entries.size());
   const std::int64_t begin = std::min(request.fetchOffset, size);
   const std::int64_t end = begin + std::min(request.fetchLimit, size - begin);
-  std::vector<std::size_t> page;
+  std::vector<std::uint32_t> page;
   page.reserve(static_cast<std::size_t>(end - begin));
   for (std::int64_t i = begin; i < end; ++i) {
     page.push_back(entries[static_cast<std::size_t>(i)].index);
@@ -128,8 +124,7 @@ std::string orderClause(const FetchRequest& request) {
     clause += column;
     clause += descriptor.ascending ? "" : " DESC";
   }
-  clause += clause.empty() ? " ORDER BY " : ", ";
-  return clause + (tiesAscend(request) ? "s.note" : "s.note DESC");
+  return clause + (clause.empty() ? " ORDER BY s.note DESC" : ", s.note DESC");
 }
 
 }  // namespace tavimodel

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <cstring>
 #include <memory>
 #include <string_view>
 #include <vector>
@@ -14,12 +13,18 @@ class StringArena {
  public:
   std::string_view keep(std::string_view text) {
     if (text.empty()) return {};
-    if (text.size() > left_) addBlock(text.size());
+    return {keep(text, {}), text.size()};
+  }
+
+  /// Copies both, one right after the other.
+  const char* keep(std::string_view text, std::string_view more) {
+    const std::size_t size = text.size() + more.size();
+    if (size > left_) addBlock(size);
     char* copy = next_;
-    std::memcpy(copy, text.data(), text.size());
-    next_ += text.size();
-    left_ -= text.size();
-    return {copy, text.size()};
+    std::copy(more.begin(), more.end(), std::copy(text.begin(), text.end(), copy));
+    next_ += size;
+    left_ -= size;
+    return copy;
   }
 
  private:

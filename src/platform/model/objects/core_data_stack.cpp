@@ -7,10 +7,10 @@
 namespace tavimodel {
 
 std::unique_ptr<KVCoreDataStackForExtensions> KVCoreDataStackForExtensions::initStackOutputError(
-    const std::filesystem::path& folder, std::string& error, Access access) {
+    const std::filesystem::path& folder, std::string& error, Access access, KeptConnection* kept) {
   try {
     return std::unique_ptr<KVCoreDataStackForExtensions>(
-        new KVCoreDataStackForExtensions(folder, access));
+        new KVCoreDataStackForExtensions(folder, access, kept));
   } catch (const std::exception& failure) {
     error = failure.what();
     return nullptr;
@@ -18,8 +18,8 @@ std::unique_ptr<KVCoreDataStackForExtensions> KVCoreDataStackForExtensions::init
 }
 
 KVCoreDataStackForExtensions::KVCoreDataStackForExtensions(const std::filesystem::path& folder,
-                                                           Access access)
-    : database_(folder, access, updateSearchIndex),
+                                                           Access access, KeptConnection* kept)
+    : database_(folder, access, updateSearchIndex, kept),
       context_(database_.connection(), database_.files()) {}
 
 KVCoreDataStackForExtensions::~KVCoreDataStackForExtensions() {

@@ -15,16 +15,18 @@ class KVCoreDataStackForExtensions {
   using Access = Database::Access;
 
   /// Opens the database in `folder`, the application's data folder. Null, and a sentence in
-  /// `error`, when it cannot be had; it is left as it was.
+  /// `error`, when it cannot be had; it is left as it was. `kept`: see Database.
   static std::unique_ptr<KVCoreDataStackForExtensions> initStackOutputError(
-      const std::filesystem::path& folder, std::string& error, Access access = Access::readWrite);
+      const std::filesystem::path& folder, std::string& error, Access access = Access::readWrite,
+      KeptConnection* kept = nullptr);
   ~KVCoreDataStackForExtensions();
 
   ManagedObjectContext* managedObjectContext() { return &context_; }
   sqlite::Connection& connection() { return database_.connection(); }
 
  private:
-  KVCoreDataStackForExtensions(const std::filesystem::path& folder, Access access);
+  KVCoreDataStackForExtensions(const std::filesystem::path& folder, Access access,
+                               KeptConnection* kept);
 
   Database database_;
   ManagedObjectContext context_;

@@ -18,7 +18,8 @@ ManagedObjectContext::ManagedObjectContext(sqlite::Connection& connection, FileS
     : connection_(connection), files_(files) {}
 
 sqlite::Connection& ManagedObjectContext::reading() {
-  if (!snapshot_) snapshot_.emplace(connection_, sqlite::Transaction::Kind::read);
+  using sqlite::Transaction;
+  if (!snapshot_) snapshot_ = std::make_unique<Transaction>(connection_, Transaction::Kind::read);
   return connection_;
 }
 
@@ -27,7 +28,7 @@ NoteTable ManagedObjectContext::fetch(const FetchRequest& request) {
 }
 
 std::int64_t ManagedObjectContext::count(const FetchRequest& request) {
-  return NoteFetch(reading()).count(request.predicate);
+  return NoteFetch(reading()).count(request);
 }
 
 bool ManagedObjectContext::hasPinnedNote() {
@@ -43,61 +44,90 @@ void ManagedObjectContext::forEachText(
                     [&](std::size_t index, std::string_view text) { visit(table[index], text); });
 }
 
-bool ManagedObjectContext::hasChanges() const {
-  return !inserted_.empty() || std::any_of(notes_.begin(), notes_.end(), [](const auto& entry) {
-    return entry.second->hasChanges();
-  });
+void ManagedObjectContext::beginWriting() {
+  using sqlite::Transaction;
+  snapshot_ = std::make_unique<Transaction>(connection_, Transaction::Kind::write);
+  locked_ = true;
+}
+
+void ManagedObjectContext::lockForWriting() {
+  reset();
+  beginWriting();
+}
+
+ManagedObjectContext::Entries ManagedObjectContext::changed() {
+  Entries changed;
+  for (auto& [id, entry] : notes_) {
+    if (entry->held.committed) changed.push_back(&entry->held);
+  }
+  return changed;
+}
+
+bool ManagedObjectContext::hasChanges() {
+  return !inserted_.empty() || !changed().empty();
 }
 
 void ManagedObjectContext::save() {
-  std::vector<KVNote*> changed;
-  for (auto& [id, note] : notes_) {
-    if (note->hasChanges()) changed.push_back(note.get());
-  }
-  snapshot_.reset();
+  const Entries changed = this->changed();
+  if (!locked_) snapshot_.reset();
   // Pages that do not fit are written to the log, and read from it, again and again.
   if (changed.size() > manyNotes) connection_.execute("PRAGMA cache_size = -65536");  // KiB
-  sqlite::Transaction transaction(connection_, sqlite::Transaction::Kind::write);
-  NoteWriter writer(connection_);
-  for (const KVNote* note : changed) writer.checkVersion(*note);
-  for (KVNote* note : changed) writer.update(*note);
-  for (auto& note : inserted_) writer.insert(*note);
-  writer.removeDeadTags();
-  transaction.commit();
+  if (!locked_) beginWriting();
+  const std::unique_ptr<sqlite::Transaction> transaction = std::move(snapshot_);
+  locked_ = false;
+  write(changed);
+  transaction->commit();
 
   files_.publishStaged();
-  for (KVNote* note : changed) note->committed_.reset();
-  for (auto& note : inserted_) {
-    const std::int64_t id = note->state_.row.id;
-    notes_.emplace(id, std::move(note));
+  for (HeldNote* note : changed) note->committed.reset();
+  for (auto& entry : inserted_) {
+    const std::int64_t id = entry->held.now.row.id;
+    notes_.emplace(id, std::move(entry));
   }
   inserted_.clear();
 }
 
-void ManagedObjectContext::rollback() {
-  for (auto& [id, note] : notes_) {
-    if (note->committed_) note->state_ = std::move(*std::exchange(note->committed_, nullptr));
+void ManagedObjectContext::write(const Entries& changed) {
+  NoteWriter writer(connection_);
+  for (HeldNote* note : changed) {
+    writer.checkVersion(*note->committed);
+    // An old text has done its work, and a huge one is not to be in memory beside the new one.
+    if (note->committed->text != note->now.text) note->committed->text.reset();
   }
+  for (HeldNote* note : changed) writer.update(note->now, *note->committed);
+  for (auto& entry : inserted_) writer.insert(entry->held.now);
+  writer.removeDeadTags();
+}
+
+void ManagedObjectContext::rollback() {
+  if (locked_) snapshot_.reset();
+  locked_ = false;
+  for (HeldNote* note : changed()) note->now = std::move(*std::exchange(note->committed, nullptr));
   inserted_.clear();
   files_.discardStaged();
 }
 
 void ManagedObjectContext::reset() {
   snapshot_.reset();
+  locked_ = false;
   notes_.clear();
   inserted_.clear();
   files_.discardStaged();
 }
 
 KVNote& ManagedObjectContext::noteOf(NoteRow row) {
-  std::unique_ptr<KVNote>& slot = notes_[row.id];
-  if (!slot) slot = std::make_unique<KVNote>(*this, std::move(row));
-  return *slot;
+  std::unique_ptr<Entry>& slot = notes_[row.id];
+  if (!slot) {
+    NoteState state;
+    state.row = std::move(row);
+    slot = std::make_unique<Entry>(*this, std::move(state));
+  }
+  return slot->note;
 }
 
-KVNote& ManagedObjectContext::insert(NoteRow row) {
-  inserted_.push_back(std::make_unique<KVNote>(*this, std::move(row)));
-  return *inserted_.back();
+KVNote& ManagedObjectContext::insert(NoteState state) {
+  inserted_.push_back(std::make_unique<Entry>(*this, std::move(state)));
+  return inserted_.back()->note;
 }
 
 std::vector<KVNote*> ManagedObjectContext::notesOf(std::vector<NoteRow> rows) {

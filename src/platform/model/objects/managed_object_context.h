@@ -39,7 +39,10 @@ class ManagedObjectContext {
   void forEachText(const NoteTable& table,
                    const std::function<void(const NoteView&, std::string_view)>& visit);
 
-  bool hasChanges() const;
+  /// Forgets everything, and holds the database's write lock until the next save, rollback or
+  /// reset: what is read until then is what the save finds.
+  void lockForWriting();
+  bool hasChanges();
   /// Throws DomainError for a save conflict, else sqlite::Error or std::system_error; of a save
   /// that failed nothing is stored.
   void save();
@@ -48,26 +51,40 @@ class ManagedObjectContext {
   /// Forgets everything. Notes handed out before are gone.
   void reset();
 
- private:
-  friend class KVNote;
-  friend class KVNoteTag;
-  friend class KVNoteFile;
+  // For the objects of the model.
 
   /// The connection for a read, in the context's snapshot.
   sqlite::Connection& reading();
-  /// The object of a row: the one that is there already, or a new one.
+  FileStore& files() { return files_; }
+  /// The note of a row: the one that is there already, or a new one.
   KVNote& noteOf(NoteRow row);
-  KVNote& insert(NoteRow row);
   std::vector<KVNote*> notesOf(std::vector<NoteRow> rows);
   /// The notes that carry the tag named, or one of its children too.
   std::vector<KVNote*> notesWithTag(std::string_view name, bool children);
   std::vector<KVNote*> notesPinnedIn(std::string_view name, bool children);
+  /// A note that the next save puts into the database.
+  KVNote& insert(NoteState state);
+
+ private:
+  /// A note's state, and the object through which others see it.
+  struct Entry {
+    Entry(ManagedObjectContext& context, NoteState state)
+        : held{std::move(state), nullptr}, note(context, held) {}
+    HeldNote held;
+    KVNote note;
+  };
+  using Entries = std::vector<HeldNote*>;
+
+  void beginWriting();
+  Entries changed();
+  void write(const Entries& changed);
 
   sqlite::Connection& connection_;
   FileStore& files_;
-  std::optional<sqlite::Transaction> snapshot_;
-  std::unordered_map<std::int64_t, std::unique_ptr<KVNote>> notes_;
-  std::vector<std::unique_ptr<KVNote>> inserted_;
+  std::unique_ptr<sqlite::Transaction> snapshot_;
+  bool locked_ = false;  ///< the snapshot is a write transaction
+  std::unordered_map<std::int64_t, std::unique_ptr<Entry>> notes_;
+  std::vector<std::unique_ptr<Entry>> inserted_;
 };
 
 }  // namespace tavimodel

@@ -18,6 +18,20 @@ double now() {
   return std::chrono::duration<double>(sinceEpoch).count();
 }
 
+bool areSame(std::vector<std::string> a, std::vector<std::string> b) {
+  std::sort(a.begin(), a.end());
+  std::sort(b.begin(), b.end());
+  return a == b;
+}
+
+/// Whether `files` are those of `ordered`, at the same positions.
+bool havePositions(const std::vector<KVNoteFile>& files, const std::vector<KVNoteFile>& ordered) {
+  return std::equal(files.begin(), files.end(), ordered.begin(), ordered.end(),
+                    [](const KVNoteFile& a, const KVNoteFile& b) {
+                      return a.id == b.id && a.position == b.position;
+                    });
+}
+
 /// Canonically equivalent names are one name (Unicode 3.12, D70).
 bool isSameName(std::string_view a, std::string_view b) {
   return platform::text::compareByCodePoints(a, b) == 0;
@@ -36,60 +50,78 @@ std::vector<KVNote*> KVNote::notesWithTitle(std::string_view title, ManagedObjec
 }
 
 KVNote& KVNote::noteWithText(std::string text, ManagedObjectContext& context) {
-  NoteRow row;
-  row.uniqueIdentifier = platform::system::newUUID();
-  row.creationDate = row.modificationDate = now();
-  KVNote& note = context.insert(std::move(row));
-  const zephyrdown::ZDKTextSummary summary = zephyrdown::ZDKAST::fromMarkdown(text).textSummary();
-  note.state_.row.title = summary.title;
-  note.state_.row.facts = TextFacts::of(text, summary);
-  note.state_.tags = summary.tags;
-  note.state_.pinnedInTags.emplace();
-  note.state_.files.emplace();
-  note.state_.text = std::move(text);
-  return note;
+  const double created = now();
+  return noteWithText(std::move(text), {.creationDate = created, .modificationDate = created},
+                      context);
 }
 
-KVNote::KVNote(ManagedObjectContext& context, NoteRow row) : context_(context) {
-  state_.row = std::move(row);
+KVNote& KVNote::noteWithText(std::string text, Origin origin, ManagedObjectContext& context) {
+  NoteRow row;
+  row.uniqueIdentifier = origin.uniqueIdentifier.empty() ? platform::system::newUUID()
+                                                         : std::move(origin.uniqueIdentifier);
+  row.creationDate = origin.creationDate;
+  row.modificationDate = origin.modificationDate;
+  NoteState state;
+  const zephyrdown::ZDKTextSummary summary = zephyrdown::textSummary(text);
+  row.title = summary.title;
+  row.facts = TextFacts::of(text, summary);
+  state.row = std::move(row);
+  state.tags = summary.tags;
+  state.pinnedInTags.emplace();
+  state.files.emplace();
+  state.text = std::make_shared<const std::string>(std::move(text));
+  return context.insert(std::move(state));
 }
 
 template <class Value>
-const Value& KVNote::loaded(std::optional<Value> State::*member,
+const Value& KVNote::loaded(std::optional<Value> NoteState::*member,
                             Value (NoteReader::*read)(std::int64_t)) {
-  if (!(state_.*member)) {
-    state_.*member = (NoteReader(context_.reading()).*read)(state_.row.id);
+  std::optional<Value>& value = held_.now.*member;
+  if (!value) {
+    value = (NoteReader(context_.reading()).*read)(held_.now.row.id);
     // What is read after the first change was in the database before it.
-    if (committed_) (*committed_).*member = state_.*member;
+    if (held_.committed) (*held_.committed).*member = value;
   }
-  return *(state_.*member);
+  return *value;
+}
+
+std::string KVNote::textOnce() {
+  const NoteState& now = held_.now;
+  if (now.text) return *now.text;
+  const std::int64_t length = now.row.facts ? now.row.facts->length : 0;
+  return NoteReader(context_.reading()).text(now.row.id, length);
 }
 
 const std::string& KVNote::text() {
-  return loaded(&State::text, &NoteReader::text);
+  std::shared_ptr<const std::string>& text = held_.now.text;
+  if (!text) {
+    text = std::make_shared<const std::string>(textOnce());
+    if (held_.committed) held_.committed->text = text;
+  }
+  return *text;
 }
 
 void KVNote::readText(const std::function<void(std::string_view)>& visit) {
-  if (state_.text) return visit(*state_.text);
-  forEachText(context_.reading(), {state_.row.id},
+  if (held_.now.text) return visit(*held_.now.text);
+  forEachText(context_.reading(), {held_.now.row.id},
               [&](std::size_t, std::string_view text) { visit(text); });
 }
 
 const TextFacts& KVNote::textFacts() {
-  if (!state_.row.facts) state_.row.facts = TextFacts::of(text());
-  return *state_.row.facts;
+  if (!held_.now.row.facts) held_.now.row.facts = TextFacts::of(text());
+  return *held_.now.row.facts;
 }
 
 const std::vector<std::string>& KVNote::tagsStrings() {
-  return loaded(&State::tags, &NoteReader::tags);
+  return loaded(&NoteState::tags, &NoteReader::tags);
 }
 
 const std::vector<std::string>& KVNote::pinnedInTags() {
-  return loaded(&State::pinnedInTags, &NoteReader::pinnedInTags);
+  return loaded(&NoteState::pinnedInTags, &NoteReader::pinnedInTags);
 }
 
 const std::vector<KVNoteFile>& KVNote::orderedFiles() {
-  return loaded(&State::files, &NoteReader::files);
+  return loaded(&NoteState::files, &NoteReader::files);
 }
 
 const KVNoteFile* KVNote::attachmentForFilename(std::string_view filename) {
@@ -105,7 +137,7 @@ const KVNoteFile* KVNote::attachmentForFilename(std::string_view filename) {
 
 std::optional<std::filesystem::path> KVNote::fileURL(const KVNoteFile& file) const {
   if (!file.storedName) return std::nullopt;
-  return context_.files_.locate(*file.storedName);
+  return context_.files().locate(*file.storedName);
 }
 
 bool KVNote::linkNames(std::string_view linked, const KVNoteFile& file) {
@@ -115,33 +147,37 @@ bool KVNote::linkNames(std::string_view linked, const KVNoteFile& file) {
 }
 
 void KVNote::willChange() {
-  if (state_.row.id == 0 || committed_) return;
-  committed_ = std::make_unique<State>(state_);
+  if (held_.now.row.id == 0 || held_.committed) return;
+  held_.committed = std::make_unique<NoteState>(held_.now);
 }
 
 void KVNote::updateNoteWithText(std::string text, bool updateModificationDate,
                                 UnlinkedFiles unlinked) {
-  using zephyrdown::ZDKAST;
-  if (this->text() == text) return;
-  tagsStrings();
+  const bool rewritten = this->text() != text;
+  const zephyrdown::ZDKTextSummary summary = zephyrdown::textSummary(text);
   std::vector<zephyrdown::FileLink> linkedBefore;
-  if (unlinked == UnlinkedFiles::remove && !orderedFiles().empty()) {
-    linkedBefore = ZDKAST::fromMarkdown(this->text()).textSummary().files;
+  if (rewritten && unlinked == UnlinkedFiles::remove && !orderedFiles().empty()) {
+    linkedBefore = zephyrdown::textSummary(this->text()).files;
   }
+  std::vector<KVNoteFile> files =
+      filesAfterChange(orderedFiles(), linkedBefore, summary.files, unlinked);
+  const bool agrees = title() == summary.title && areSame(tagsStrings(), summary.tags) &&
+                      havePositions(orderedFiles(), files);
+  if (!rewritten && agrees) return;
   willChange();
-  const zephyrdown::ZDKTextSummary summary = ZDKAST::fromMarkdown(text).textSummary();
-  state_.row.title = summary.title;
-  state_.row.facts = TextFacts::of(text, summary);
-  if (updateModificationDate) state_.row.modificationDate = now();
-  state_.tags = summary.tags;
-  state_.files = filesAfterChange(orderedFiles(), linkedBefore, summary.files, unlinked);
-  state_.text = std::move(text);
+  NoteState& state = held_.now;
+  state.row.title = summary.title;
+  state.row.facts = TextFacts::of(text, summary);
+  if (rewritten && updateModificationDate) state.row.modificationDate = now();
+  state.tags = summary.tags;
+  state.files = std::move(files);
+  if (rewritten) state.text = std::make_shared<const std::string>(std::move(text));
 }
 
 void KVNote::setFlag(bool NoteRow::*flag, bool value) {
-  if (state_.row.*flag == value) return;
+  if (held_.now.row.*flag == value) return;
   willChange();
-  state_.row.*flag = value;
+  held_.now.row.*flag = value;
 }
 
 void KVNote::trash() {
@@ -149,6 +185,7 @@ void KVNote::trash() {
 }
 void KVNote::restoreFromTrash() {
   setFlag(&NoteRow::trashed, false);
+  setFlag(&NoteRow::archived, false);
 }
 void KVNote::archive() {
   setFlag(&NoteRow::archived, true);
@@ -166,28 +203,35 @@ void KVNote::unpin() {
 void KVNote::setTagsStrings(std::vector<std::string> tagNames) {
   if (tagsStrings() == tagNames) return;
   willChange();
-  state_.tags = std::move(tagNames);
+  held_.now.tags = std::move(tagNames);
 }
 
 void KVNote::pinInTag(const std::string& tagName) {
   const std::vector<std::string>& pins = pinnedInTags();
   if (std::find(pins.begin(), pins.end(), tagName) != pins.end()) return;
   willChange();
-  state_.pinnedInTags->push_back(tagName);
+  held_.now.pinnedInTags->push_back(tagName);
 }
 
 void KVNote::unpinInTag(const std::string& tagName) {
   const std::vector<std::string>& pins = pinnedInTags();
   if (std::find(pins.begin(), pins.end(), tagName) == pins.end()) return;
   willChange();
-  std::erase(*state_.pinnedInTags, tagName);
+  std::erase(*held_.now.pinnedInTags, tagName);
+}
+
+const KVNoteFile& KVNote::addFile(KVNoteFile file) {
+  file.position = static_cast<std::int64_t>(orderedFiles().size());
+  willChange();
+  held_.now.files->push_back(std::move(file));
+  return held_.now.files->back();
 }
 
 void KVNote::removeFile(const KVNoteFile& file) {
   const std::int64_t id = file.id;
   orderedFiles();
   willChange();
-  std::erase_if(*state_.files, [&](const KVNoteFile& other) { return other.id == id; });
+  std::erase_if(*held_.now.files, [&](const KVNoteFile& other) { return other.id == id; });
 }
 
 }  // namespace tavimodel

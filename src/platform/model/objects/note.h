@@ -3,48 +3,56 @@
 #include <cstdint>
 #include <filesystem>
 #include <functional>
-#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "platform/model/objects/linked_files.h"
-#include "platform/model/objects/note_file.h"
-#include "platform/model/storage/note_row.h"
+#include "platform/model/objects/note_state.h"
 
 namespace tavimodel {
 
 class ManagedObjectContext;
 class NoteReader;
 
-/// A note, owned by its context. What is read is loaded on first use and stays; what is changed
-/// stays in memory until the context saves, and is undone by its rollback.
+/// A note of a context, which owns its state. What is read is loaded on first use and stays; what
+/// is changed stays in memory until the context saves, and is undone by its rollback.
 class KVNote {
  public:
   /// The note with this identifier, in any location, or null.
   static KVNote* noteWithUniqueIdentifier(std::string_view identifier,
                                           ManagedObjectContext& context);
-  /// All notes with this title, but for case and canonical equivalence, in any location.
+  /// All notes with this title, but for case and canonical equivalence, in any location; without
+  /// those that are permanently deleted.
   static std::vector<KVNote*> notesWithTitle(std::string_view title, ManagedObjectContext& context);
   /// A new note of the text; title, tags and to-dos are derived from it.
   static KVNote& noteWithText(std::string text, ManagedObjectContext& context);
+  /// What a note that comes from elsewhere brings along. Dates: seconds since 1970-01-01 UTC.
+  struct Origin {
+    std::string uniqueIdentifier;  ///< of no note in the database; empty: a new random one
+    std::optional<double> creationDate, modificationDate;
+  };
+  static KVNote& noteWithText(std::string text, Origin origin, ManagedObjectContext& context);
 
-  KVNote(ManagedObjectContext& context, NoteRow row);
+  KVNote(ManagedObjectContext& context, HeldNote& held) : context_(context), held_(held) {}
   KVNote(const KVNote&) = delete;
   KVNote& operator=(const KVNote&) = delete;
 
-  const std::string& uniqueIdentifier() const { return state_.row.uniqueIdentifier; }
-  const std::optional<std::string>& title() const { return state_.row.title; }
-  std::optional<double> creationDate() const { return state_.row.creationDate; }
-  std::optional<double> modificationDate() const { return state_.row.modificationDate; }
-  bool encryptedValue() const { return state_.row.encrypted; }
-  bool trashedValue() const { return state_.row.trashed; }
-  bool archivedValue() const { return state_.row.archived; }
-  bool pinnedValue() const { return state_.row.pinned; }
+  ManagedObjectContext& context() const { return context_; }
+  const std::string& uniqueIdentifier() const { return held_.now.row.uniqueIdentifier; }
+  const std::optional<std::string>& title() const { return held_.now.row.title; }
+  std::optional<double> creationDate() const { return held_.now.row.creationDate; }
+  std::optional<double> modificationDate() const { return held_.now.row.modificationDate; }
+  bool encryptedValue() const { return held_.now.row.encrypted; }
+  bool trashedValue() const { return held_.now.row.trashed; }
+  bool archivedValue() const { return held_.now.row.archived; }
+  bool pinnedValue() const { return held_.now.row.pinned; }
 
   /// The Markdown; absent counts as empty.
   const std::string& text();
+  /// The same, which the note does not keep where it has not read it yet.
+  std::string textOnce();
   /// Calls `visit` with the text, neither kept nor copied: for one that is only looked at and may
   /// be huge. It is good until `visit` returns.
   void readText(const std::function<void(std::string_view)>& visit);
@@ -64,11 +72,13 @@ class KVNote {
   /// Where a file's bytes lie, or nothing when they are not on this machine.
   std::optional<std::filesystem::path> fileURL(const KVNoteFile& file) const;
 
-  /// Replaces the text, and derives title, tags, to-dos and the order of the files from it at once.
-  /// What happens to files whose links vanish is the caller's choice (see linked_files.h).
+  /// Replaces the text, and derives title, tags, to-dos and the order of the files from it at once,
+  /// also where the text is the same: another program may have left them out of step. What happens
+  /// to files whose links vanish is the caller's choice (see linked_files.h).
   void updateNoteWithText(std::string text, bool updateModificationDate,
                           UnlinkedFiles unlinked = UnlinkedFiles::keep);
   void trash();
+  /// To the notes, also where the note is archived besides.
   void restoreFromTrash();
   void archive();
   void unarchive();
@@ -80,34 +90,22 @@ class KVNote {
   void unpinInTag(const std::string& tagName);
   /// Whether a link of this name in the note's text is one to `file` (of this note).
   bool linkNames(std::string_view linked, const KVNoteFile& file);
+  /// Adds a file whose bytes are staged; its position is the last one.
+  const KVNoteFile& addFile(KVNoteFile file);
   /// Takes a file off the note, whether its text links it or not.
   void removeFile(const KVNoteFile& file);
 
  private:
-  friend class ManagedObjectContext;
-  friend class NoteWriter;
-  friend class KVNoteFile;
-
-  struct State {
-    NoteRow row;
-    std::optional<std::string> text;
-    std::optional<std::vector<std::string>> tags;
-    std::optional<std::vector<std::string>> pinnedInTags;
-    std::optional<std::vector<KVNoteFile>> files;
-  };
-
   /// The value, read from the database on first use.
   template <class Value>
-  const Value& loaded(std::optional<Value> State::*member,
+  const Value& loaded(std::optional<Value> NoteState::*member,
                       Value (NoteReader::*read)(std::int64_t note));
   /// Keeps what the database holds, for the save and for a rollback.
   void willChange();
   void setFlag(bool NoteRow::*flag, bool value);
-  bool hasChanges() const { return committed_ != nullptr || state_.row.id == 0; }
 
   ManagedObjectContext& context_;
-  State state_;
-  std::unique_ptr<State> committed_;  ///< null: nothing has changed
+  HeldNote& held_;
 };
 
 }  // namespace tavimodel

@@ -66,13 +66,10 @@ const KVNoteFile& KVNoteFile::getOrCreateFileFromURL(const std::filesystem::path
   checkName(*file.filename);
   file.filename = freeName(*file.filename, note.orderedFiles());
   checkName(*file.filename);
-  const FileStore::Staged staged = note.context_.files_.stage(source);
+  const FileStore::Staged staged = note.context().files().stage(source);
   file.storedName = staged.storedName;
   file.fileSizeValue = staged.size;
-  file.position = static_cast<std::int64_t>(note.orderedFiles().size());
-  note.willChange();
-  note.state_.files->push_back(std::move(file));
-  return note.state_.files->back();
+  return note.addFile(std::move(file));
 }
 
 }  // namespace tavimodel

@@ -2,6 +2,8 @@
 
 #include <fmt/format.h>
 
+#include "platform/model/objects/large_text.h"
+#include "platform/model/storage/tag_tree.h"
 #include "platform/text/folding.h"
 
 namespace tavimodel {
@@ -36,10 +38,11 @@ std::optional<NoteRow> NoteReader::rowWithIdentifier(std::string_view identifier
 
 std::vector<NoteRow> NoteReader::rowsWithTitle(std::string_view title) {
   // A key that is not known is one whose title SQL could not fold.
-  sqlite::Query query = connection_.query(
-      fmt::format("SELECT {} FROM noteSummary s WHERE s.titleKey = ?1 "
-                  "OR (s.searchRow IS NULL AND s.titleKey IS NULL) ORDER BY s.note",
-                  noteRowColumns));
+  sqlite::Query query =
+      connection_.query(fmt::format("SELECT {} FROM noteSummary s WHERE (s.titleKey = ?1 "
+                                    "OR (s.searchRow IS NULL AND s.titleKey IS NULL)) "
+                                    "AND ifnull(s.permanentlyDeleted, 0) = 0 ORDER BY s.note",
+                                    noteRowColumns));
   const std::string key = platform::text::foldedForSearch(title);
   query.bind(1, key);
   std::vector<NoteRow> rows;
@@ -51,7 +54,8 @@ std::vector<NoteRow> NoteReader::rowsWithTitle(std::string_view title) {
   return rows;
 }
 
-std::string NoteReader::text(std::int64_t note) {
+std::string NoteReader::text(std::int64_t note, std::int64_t expectedLength) {
+  if (expectedLength >= largeText) return readLargeText(connection_, note).value_or("");
   sqlite::Query query = connection_.query("SELECT text FROM note WHERE id = ?1");
   query.bind(1, note);
   return query.step() ? std::string(query.text(0)) : std::string();
@@ -82,10 +86,10 @@ std::vector<KVNoteFile> NoteReader::files(std::int64_t note) {
 
 std::vector<NoteRow> NoteReader::rowsWithTag(std::string_view relation, std::string_view tag,
                                              bool children) {
-  sqlite::Query query = connection_.query(fmt::format(
-      "SELECT {} FROM noteSummary s WHERE s.note IN (SELECT note FROM {} WHERE tag IN "
-      "(SELECT id FROM tag WHERE title = ?1 {}))",
-      noteRowColumns, relation, children ? "OR (title > ?1 || '/' AND title < ?1 || '0')" : ""));
+  sqlite::Query query = connection_.query(
+      fmt::format("SELECT {} FROM noteSummary s WHERE s.note IN (SELECT note FROM {} WHERE tag IN "
+                  "(SELECT id FROM tag WHERE {}))",
+                  noteRowColumns, relation, children ? isInTagTree("title", "?1") : "title = ?1"));
   query.bind(1, tag);
   std::vector<NoteRow> rows;
   while (query.step()) rows.push_back(readNoteRow(query));

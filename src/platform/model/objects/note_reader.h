@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/model/objects/note.h"
+#include "platform/model/objects/note_state.h"
 #include "platform/model/storage/sqlite.h"
 
 namespace tavimodel {
@@ -22,7 +22,8 @@ class NoteReader {
   /// "pinnedInTag".
   std::vector<NoteRow> rowsWithTag(std::string_view relation, std::string_view tag, bool children);
 
-  std::string text(std::int64_t note);
+  /// `expectedLength` in bytes, or 0 when it is not known, tells how a text is best read.
+  std::string text(std::int64_t note, std::int64_t expectedLength);
   std::vector<std::string> tags(std::int64_t note);
   std::vector<std::string> pinnedInTags(std::int64_t note);
   std::vector<KVNoteFile> files(std::int64_t note);

@@ -2,51 +2,83 @@
 
 #include <algorithm>
 #include <functional>
+#include <unordered_set>
 
 #include "platform/markdown/ast.h"
+#include "platform/markdown/operations.h"
 #include "platform/model/objects/managed_object_context.h"
+#include "platform/model/storage/tag_tree.h"
 
 namespace tavimodel {
 namespace {
 
 using zephyrdown::ZDKAST;
-using TextPlan = std::function<std::vector<zephyrdown::ZDKASTOperationResult>(const ZDKAST&)>;
-/// The name that a tag has from now on; nothing when it is gone.
-using NamePlan = std::function<std::optional<std::string>(const std::string&)>;
+using Operations = std::vector<zephyrdown::ZDKASTOperationResult>;
 
-void rewriteText(KVNote& note, const TextPlan& plan) {
-  ZDKAST tree = ZDKAST::fromMarkdown(note.text());
-  const auto results = plan(tree);
-  if (results.empty()) return;
-  tree.applyTextOperationResults(results);
-  note.updateNoteWithText(tree.markdown(), false, UnlinkedFiles::keep);
+void rewrite(KVNote& note, const Operations& operations) {
+  note.updateNoteWithText(zephyrdown::withOperations(note.text(), operations), false);
 }
 
-void relabel(KVNote& note, const NamePlan& plan) {
-  std::vector<std::string> names;
+/// Rows say so, and may be wrong: another program wrote them, or the text was locked when the tag
+/// was renamed. Writing the text derives them afresh.
+bool hasRow(KVNote& note, const std::string& tag) {
+  const std::vector<std::string>& rows = note.tagsStrings();
+  return std::find(rows.begin(), rows.end(), tag) != rows.end();
+}
+
+void addTag(KVNote& note, const std::string& tag, bool bottom) {
+  const Operations operations = ZDKAST::viewing(note.text()).addHashtag(tag, bottom);
+  if (!operations.empty() || !hasRow(note, tag)) rewrite(note, operations);
+}
+
+void removeTag(KVNote& note, const std::string& tag) {
+  const Operations operations = ZDKAST::viewing(note.text()).removeHashtag(tag);
+  if (!operations.empty() || hasRow(note, tag)) rewrite(note, operations);
+}
+
+/// `tag`, or one below it.
+bool isWithin(std::string_view name, std::string_view tag) {
+  return name.starts_with(tag) && (name.size() == tag.size() || name[tag.size()] == '/');
+}
+
+std::string renamed(const std::string& name, const std::string& tag, const std::string& newName) {
+  return isWithin(name, tag) ? newName + name.substr(tag.size()) : name;
+}
+
+/// The names within `tag` that the note's rows have and its text has not.
+std::vector<std::string> missingInText(KVNote& note, const ZDKAST& tree, const std::string& tag) {
+  std::unordered_set<std::string> written;
+  for (zephyrdown::HashtagMention& mention : tree.hashtags()) written.insert(mention.name);
+  std::vector<std::string> missing;
   for (const std::string& name : note.tagsStrings()) {
-    const auto now = plan(name);
-    if (now && std::find(names.begin(), names.end(), *now) == names.end()) names.push_back(*now);
+    if (isWithin(name, tag) && !written.contains(name)) missing.push_back(name);
+  }
+  return missing;
+}
+
+void renameTag(KVNote& note, const std::string& tag, const std::string& newName, bool bottom) {
+  Operations operations;
+  std::vector<std::string> missing;
+  {
+    const ZDKAST tree = ZDKAST::viewing(note.text());
+    missing = missingInText(note, tree, tag);
+    operations = tree.renameHashtag(tag, newName);
+  }
+  if (!operations.empty() || !missing.empty()) rewrite(note, operations);
+  for (const std::string& name : missing) addTag(note, renamed(name, tag, newName), bottom);
+}
+
+/// Changes the rows of a locked note, whose text stays as it is. `plan` gives the name that a tag
+/// has from now on, or nothing.
+void relabel(KVNote& note,
+             const std::function<std::optional<std::string>(const std::string&)>& plan) {
+  std::vector<std::string> names;
+  std::unordered_set<std::string> known;
+  for (const std::string& name : note.tagsStrings()) {
+    auto now = plan(name);
+    if (now && known.insert(*now).second) names.push_back(std::move(*now));
   }
   note.setTagsStrings(std::move(names));
-}
-
-/// Changes the tags of each note: in its text, which has them, or where that is locked, by name.
-void change(const std::vector<KVNote*>& notes, const TextPlan& inText, const NamePlan& byName) {
-  for (KVNote* note : notes) {
-    if (note->encryptedValue()) {
-      relabel(*note, byName);
-    } else {
-      rewriteText(*note, inText);
-    }
-  }
-}
-
-/// The name of a tag when `tag`, which is this one, one above it, or neither, is called `newName`.
-std::string renamed(const std::string& name, const std::string& tag, const std::string& newName) {
-  const bool isOrIsBelow =
-      name.starts_with(tag) && (name.size() == tag.size() || name[tag.size()] == '/');
-  return isOrIsBelow ? newName + name.substr(tag.size()) : name;
 }
 
 }  // namespace
@@ -63,8 +95,16 @@ std::vector<KVNoteTag> KVNoteTag::populatedNotesTags(ManagedObjectContext& conte
 }
 
 std::vector<KVNoteTag> KVNoteTag::tagsWithPins(ManagedObjectContext& context) {
-  const Predicate predicate = Predicate::withFormat("pinnedNotes.@count > 0");
-  sqlite::Query query = context.reading().query("SELECT title FROM tag WHERE " + predicate.sql());
+  sqlite::Query query = context.reading().query(
+      "SELECT title FROM tag WHERE EXISTS (SELECT 1 FROM pinnedInTag WHERE pinnedInTag.tag = "
+      "tag.id)");
+  std::vector<KVNoteTag> tags;
+  while (query.step()) tags.push_back({context, std::string(query.text(0))});
+  return tags;
+}
+
+std::vector<KVNoteTag> KVNoteTag::allTags(ManagedObjectContext& context) {
+  sqlite::Query query = context.reading().query("SELECT title FROM tag");
   std::vector<KVNoteTag> tags;
   while (query.step()) tags.push_back({context, std::string(query.text(0))});
   return tags;
@@ -73,8 +113,8 @@ std::vector<KVNoteTag> KVNoteTag::tagsWithPins(ManagedObjectContext& context) {
 std::optional<KVNoteTag> KVNoteTag::tagWithName(std::string_view name,
                                                 ManagedObjectContext& context) {
   // A program that writes tags itself may have left the ancestors out.
-  sqlite::Query query = context.reading().query(
-      "SELECT 1 FROM tag WHERE title = ?1 OR (title > ?1 || '/' AND title < ?1 || '0') LIMIT 1");
+  sqlite::Query query =
+      context.reading().query("SELECT 1 FROM tag WHERE " + isInTagTree("title", "?1") + " LIMIT 1");
   query.bind(1, name);
   if (name.empty() || !query.step()) return std::nullopt;
   return KVNoteTag(context, std::string(name));
@@ -96,23 +136,39 @@ std::size_t KVNoteTag::noteCount() const {
   return static_cast<std::size_t>(query.integer(0));
 }
 
+std::size_t KVNoteTag::noteCountWithChildren() const {
+  sqlite::Query query = context_->reading().query(
+      "SELECT count(*) FROM noteSummary s WHERE s.note IN (SELECT note FROM noteTag WHERE tag IN "
+      "(SELECT id FROM tag WHERE title = ?1 OR (title > ?1 || '/' AND title < ?1 || '0')))");
+  query.bind(1, title_).step();
+  return static_cast<std::size_t>(query.integer(0));
+}
+
 void KVNoteTag::addTagToNotes(const std::vector<KVNote*>& notes, bool bottom) const {
-  for (KVNote* note : notes) {
-    rewriteText(*note, [&](const ZDKAST& tree) { return tree.addHashtag(title_, bottom); });
-  }
+  for (KVNote* note : notes) addTag(*note, title_, bottom);
 }
 
 void KVNoteTag::deleteTagInNotes(const std::vector<KVNote*>& notes) const {
-  change(
-      notes, [&](const ZDKAST& tree) { return tree.removeHashtag(title_); },
-      [&](const std::string& name) { return name == title_ ? std::nullopt : std::optional(name); });
+  for (KVNote* note : notes) {
+    if (!note->encryptedValue()) {
+      removeTag(*note, title_);
+      continue;
+    }
+    relabel(*note, [&](const std::string& name) {
+      return name == title_ ? std::nullopt : std::optional(name);
+    });
+  }
 }
 
-void KVNoteTag::renameTagWithTagNamed(const std::string& newName) const {
-  change(
-      context_->notesWithTag(title_, true),
-      [&](const ZDKAST& tree) { return tree.renameHashtag(title_, newName); },
-      [&](const std::string& name) { return renamed(name, title_, newName); });
+void KVNoteTag::renameTagWithTagNamed(const std::string& newName, bool bottom) const {
+  if (newName == title_) return;
+  for (KVNote* note : context_->notesWithTag(title_, true)) {
+    if (!note->encryptedValue()) {
+      renameTag(*note, title_, newName, bottom);
+      continue;
+    }
+    relabel(*note, [&](const std::string& name) { return renamed(name, title_, newName); });
+  }
   for (KVNote* note : context_->notesPinnedIn(title_, true)) {
     const std::vector<std::string> pins = note->pinnedInTags();
     for (const std::string& pin : pins) {

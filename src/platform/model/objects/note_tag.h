@@ -17,6 +17,8 @@ class KVNoteTag {
  public:
   /// Every tag that has notes.
   static std::vector<KVNoteTag> populatedNotesTags(ManagedObjectContext& context);
+  /// Every tag, with or without notes.
+  static std::vector<KVNoteTag> allTags(ManagedObjectContext& context);
   /// Tags with a note pinned in them.
   static std::vector<KVNoteTag> tagsWithPins(ManagedObjectContext& context);
   /// The tag of exactly this name, or nothing. The ancestors of a tag are tags.
@@ -28,14 +30,17 @@ class KVNoteTag {
   /// The notes that carry exactly this tag.
   std::vector<KVNote*> notes() const;
   std::size_t noteCount() const;
+  /// The notes that carry this tag or one below it: those that a rename changes.
+  std::size_t noteCountWithChildren() const;
 
-  /// Writes the hashtag into each text, at the top or at the bottom.
+  /// Writes the hashtag into each text, at the top or at the bottom, where it is not there yet.
   void addTagToNotes(const std::vector<KVNote*>& notes, bool bottom) const;
   /// Takes every mention of exactly this tag out of each text.
   void deleteTagInNotes(const std::vector<KVNote*>& notes) const;
   /// Rewrites the tag and its children in every note, and moves the pins; an existing tag of the
-  /// new name takes them in.
-  void renameTagWithTagNamed(const std::string& newName) const;
+  /// new name takes them in. Where a note carries the tag and its text does not mention it, the new
+  /// hashtag is added at the top or at the bottom.
+  void renameTagWithTagNamed(const std::string& newName, bool bottom) const;
   /// Takes the tag out of all its notes, and the pins in it. Children stay.
   void deleteTag() const;
 

@@ -1,15 +1,28 @@
 #include "platform/model/objects/note_writer.h"
 
-#include <algorithm>
+#include <unordered_map>
+#include <unordered_set>
 
 #include "platform/model/objects/errors.h"
+#include "platform/model/objects/large_text.h"
 #include "platform/text/folding.h"
 
 namespace tavimodel {
 namespace {
 
-bool contains(const std::vector<std::string>& names, const std::string& name) {
-  return std::find(names.begin(), names.end(), name) != names.end();
+using Names = std::vector<std::string>;
+
+/// Tags nested deeper, which only another program can have written, lack rows for their ancestors.
+constexpr int mostAncestors = 100;
+
+/// The names of `from` that `without` lacks.
+std::vector<std::string_view> difference(const Names& from, const Names& without) {
+  const std::unordered_set<std::string_view> excluded(without.begin(), without.end());
+  std::vector<std::string_view> result;
+  for (const std::string& name : from) {
+    if (!excluded.contains(name)) result.push_back(name);
+  }
+  return result;
 }
 
 const std::vector<std::string> none;
@@ -20,27 +33,33 @@ const std::vector<std::string>& orNone(const std::optional<std::vector<std::stri
 
 }  // namespace
 
-void NoteWriter::checkVersion(const KVNote& note) {
-  const KVNote::State& read = *note.committed_;
+void NoteWriter::checkVersion(const NoteState& read) {
+  const bool isLarge = read.text && static_cast<std::int64_t>(read.text->size()) >= largeText;
   sqlite::Query query = connection_.query(
-      "SELECT s.version, note.text IS ?2 FROM noteSummary s JOIN note ON note.id = s.note "
-      "WHERE s.note = ?1");
+      "SELECT s.version, ?2 IS NULL OR CAST(note.text AS TEXT) = ?2 FROM noteSummary s "
+      "JOIN note ON note.id = s.note WHERE s.note = ?1");
   query.bind(1, read.row.id);
-  if (read.text) query.bind(2, *read.text);
+  // A text that is absent was read as the empty one.
+  if (read.text && !read.text->empty() && !isLarge) {
+    query.bind(2, *read.text);
+  } else {
+    query.bindNull(2);
+  }
   if (!query.step()) {
     throw DomainError(NSCocoaErrorDomain, managedObjectMergeError, "The note has been removed.");
   }
   // The text is compared too: a version is the triggers' work, and a program may have turned
-  // triggers off. A text that is absent was read as the empty one.
-  const bool sameText = !read.text || query.integer(1) != 0 || read.text->empty();
+  // triggers off.
+  const bool sameText = isLarge ? isLargeText(connection_, read.row.id, *read.text)
+                                : !query.isNull(1) && query.integer(1) != 0;
   if (query.integer(0) != read.row.version || !sameText) {
     throw DomainError(NSCocoaErrorDomain, persistentStoreSaveConflictsError,
                       "The note has been changed by another process.");
   }
 }
 
-void NoteWriter::insert(KVNote& note) {
-  NoteRow& row = note.state_.row;
+void NoteWriter::insert(NoteState& note) {
+  NoteRow& row = note.row;
   sqlite::Query query = connection_.query(
       "INSERT INTO note (uniqueIdentifier, title, creationDate, modificationDate, trashed, "
       "archived, "
@@ -50,24 +69,22 @@ void NoteWriter::insert(KVNote& note) {
   query.bind(3, row.creationDate).bind(4, row.modificationDate);
   query.bind(5, std::int64_t{row.trashed}).bind(6, std::int64_t{row.archived});
   query.bind(7, std::int64_t{row.pinned});
-  query.bind(8, *note.state_.text);
+  query.bind(8, *note.text);
   query.run();
   row.id = connection_.lastInsertedRow();
-  writeFacts(note);
-  writeTags(row.id, orNone(note.state_.tags), none);
-  writePins(row.id, orNone(note.state_.pinnedInTags), none);
-  if (note.state_.files) writeFiles(note, {});
+  writeFacts(row);
+  writeTags(row.id, orNone(note.tags), none);
+  writePins(row.id, orNone(note.pinnedInTags), none);
+  if (note.files) writeFiles(note, {});
 }
 
-void NoteWriter::update(KVNote& note) {
-  KVNote::State& now = note.state_;
-  const KVNote::State& before = *note.committed_;
+void NoteWriter::update(NoteState& now, const NoteState& before) {
   updateAttributes(now.row, before.row);
-  if (now.text && before.text && *now.text != *before.text) {
+  if (now.text != before.text) {
     sqlite::Query query =
         connection_.query("UPDATE note SET text = ?2, modificationDate = ?3 WHERE id = ?1");
     query.bind(1, now.row.id).bind(2, *now.text).bind(3, now.row.modificationDate).run();
-    writeFacts(note);
+    writeFacts(now.row);
   } else {
     sqlite::Query query = connection_.query(
         "UPDATE note SET modificationDate = ?2 WHERE id = ?1 AND modificationDate IS NOT ?2");
@@ -78,7 +95,7 @@ void NoteWriter::update(KVNote& note) {
   }
   if (now.tags) writeTags(now.row.id, *now.tags, orNone(before.tags));
   if (now.pinnedInTags) writePins(now.row.id, *now.pinnedInTags, orNone(before.pinnedInTags));
-  if (now.files) writeFiles(note, before.files ? *before.files : std::vector<KVNoteFile>{});
+  if (now.files) writeFiles(now, before.files ? *before.files : std::vector<KVNoteFile>{});
 }
 
 void NoteWriter::updateAttributes(const NoteRow& now, const NoteRow& before) {
@@ -92,8 +109,7 @@ void NoteWriter::updateAttributes(const NoteRow& now, const NoteRow& before) {
   query.bind(4, std::int64_t{now.archived}).bind(5, std::int64_t{now.pinned}).run();
 }
 
-void NoteWriter::writeFacts(KVNote& note) {
-  NoteRow& row = note.state_.row;
+void NoteWriter::writeFacts(NoteRow& row) {
   const TextFacts& facts = *row.facts;
   bool keyUnknown = false;
   {
@@ -113,71 +129,78 @@ void NoteWriter::writeFacts(KVNote& note) {
 }
 
 void NoteWriter::writeTags(std::int64_t note, const Names& now, const Names& before) {
-  for (const std::string& name : before) {
-    if (contains(now, name)) continue;
-    link("DELETE FROM noteTag WHERE note = ?1 AND tag = ?2", note, tagID(name));
-    touchedTags_.insert(name);
-  }
-  for (const std::string& name : now) {
-    if (contains(before, name)) continue;
-    link("INSERT OR IGNORE INTO noteTag VALUES (?1, ?2)", note, tagID(name));
-  }
+  writeRelation(note, now, before, "DELETE FROM noteTag WHERE note = ?1 AND tag = ?2",
+                "INSERT OR IGNORE INTO noteTag VALUES (?1, ?2)");
 }
 
 void NoteWriter::writePins(std::int64_t note, const Names& now, const Names& before) {
-  for (const std::string& name : before) {
-    if (contains(now, name)) continue;
-    link("DELETE FROM pinnedInTag WHERE note = ?1 AND tag = ?2", note, tagID(name));
-    touchedTags_.insert(name);
+  writeRelation(note, now, before, "DELETE FROM pinnedInTag WHERE note = ?1 AND tag = ?2",
+                "INSERT OR IGNORE INTO pinnedInTag VALUES (?1, ?2)");
+}
+
+void NoteWriter::writeRelation(std::int64_t note, const Names& now, const Names& before,
+                               const char* unlink, const char* link) {
+  for (const std::string_view name : difference(before, now)) {
+    if (const auto tag = tagID(name)) connection_.query(unlink).bind(1, note).bind(2, *tag).run();
+    touchedTags_.emplace(name);
   }
-  for (const std::string& name : now) {
-    if (contains(before, name)) continue;
-    link("INSERT OR IGNORE INTO pinnedInTag VALUES (?1, ?2)", note, tagID(name));
+  for (const std::string_view name : difference(now, before)) {
+    connection_.query(link).bind(1, note).bind(2, tagIDMade(name)).run();
   }
 }
 
-void NoteWriter::writeFiles(KVNote& note, const std::vector<KVNoteFile>& before) {
-  std::vector<KVNoteFile>& now = *note.state_.files;
-  for (const KVNoteFile& old : before) {
-    const bool stays = std::any_of(now.begin(), now.end(),
-                                   [&](const KVNoteFile& file) { return file.id == old.id; });
-    if (stays) continue;
-    connection_.query("DELETE FROM file WHERE id = ?1").bind(1, old.id).run();
-  }
+void NoteWriter::writeFiles(NoteState& note, const std::vector<KVNoteFile>& before) {
+  std::vector<KVNoteFile>& now = *note.files;
+  std::unordered_map<std::int64_t, std::int64_t> positions;  // of the files that were there, by id
+  for (const KVNoteFile& file : before) positions.emplace(file.id, file.position);
   for (KVNoteFile& file : now) {
     if (file.id == 0) {
-      sqlite::Query query = connection_.query(
-          "INSERT INTO file (note, filename, fileSize, position, storedName) "
-          "VALUES (?1, ?2, ?3, ?4, ?5)");
-      query.bind(1, note.state_.row.id).bind(2, *file.filename);
-      query.bind(3, file.fileSizeValue).bind(4, file.position);
-      query.bind(5, *file.storedName).run();
-      file.id = connection_.lastInsertedRow();
+      insertFile(note.row.id, file);
       continue;
     }
-    sqlite::Query query =
-        connection_.query("UPDATE file SET position = ?2 WHERE id = ?1 AND position <> ?2");
+    const auto old = positions.extract(file.id);
+    if (!old.empty() && old.mapped() == file.position) continue;
+    sqlite::Query query = connection_.query("UPDATE file SET position = ?2 WHERE id = ?1");
     query.bind(1, file.id).bind(2, file.position).run();
+  }
+  for (const auto& [id, position] : positions) {
+    connection_.query("DELETE FROM file WHERE id = ?1").bind(1, id).run();
   }
 }
 
-std::int64_t NoteWriter::tagID(const std::string& name) {
+void NoteWriter::insertFile(std::int64_t note, KVNoteFile& file) {
+  sqlite::Query query = connection_.query(
+      "INSERT INTO file (note, filename, fileSize, position, storedName) "
+      "VALUES (?1, ?2, ?3, ?4, ?5)");
+  query.bind(1, note).bind(2, *file.filename);
+  query.bind(3, file.fileSizeValue).bind(4, file.position);
+  query.bind(5, *file.storedName).run();
+  file.id = connection_.lastInsertedRow();
+}
+
+std::optional<std::int64_t> NoteWriter::tagID(std::string_view name) {
   sqlite::Query find = connection_.query("SELECT id FROM tag WHERE title = ?1");
   find.bind(1, name);
-  if (find.step()) return find.integer(0);
+  if (!find.step()) return std::nullopt;
+  return find.integer(0);
+}
+
+std::int64_t NoteWriter::tagIDMade(std::string_view name) {
+  if (const auto known = tagID(name)) return *known;
   connection_.query("INSERT INTO tag (title) VALUES (?1)").bind(1, name).run();
   const std::int64_t id = connection_.lastInsertedRow();
-  const std::size_t slash = name.rfind('/');
-  if (slash != std::string::npos) tagID(name.substr(0, slash));
+  for (int level = 0; level < mostAncestors; ++level) {
+    const std::size_t slash = name.rfind('/');
+    if (slash == name.npos) break;
+    name = name.substr(0, slash);
+    if (tagID(name)) break;
+    connection_.query("INSERT INTO tag (title) VALUES (?1)").bind(1, name).run();
+  }
   return id;
 }
 
-void NoteWriter::link(const char* sql, std::int64_t note, std::int64_t tag) {
-  connection_.query(sql).bind(1, note).bind(2, tag).run();
-}
-
 void NoteWriter::removeDeadTags() {
-  // "0" is the character behind "/": the range holds the names below this one.
+  // "0" is the character after "/": the range holds the names below this one.
   constexpr const char* removeIfDead =
       "DELETE FROM tag WHERE title = ?1 "
       "AND NOT EXISTS (SELECT 1 FROM noteTag WHERE noteTag.tag = tag.id) "
@@ -185,7 +208,7 @@ void NoteWriter::removeDeadTags() {
       "AND NOT EXISTS (SELECT 1 FROM tag child "
       "WHERE child.title > tag.title || '/' AND child.title < tag.title || '0')";
   for (std::string name : touchedTags_) {
-    while (true) {
+    for (int level = 0; level <= mostAncestors; ++level) {
       connection_.query(removeIfDead).bind(1, name).run();
       const std::size_t slash = name.rfind('/');
       if (slash == std::string::npos) break;

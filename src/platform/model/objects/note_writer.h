@@ -1,11 +1,13 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <set>
 #include <string>
+#include <string_view>
 #include <vector>
 
-#include "platform/model/objects/note.h"
+#include "platform/model/objects/note_state.h"
 #include "platform/model/storage/sqlite.h"
 
 namespace tavimodel {
@@ -16,9 +18,11 @@ class NoteWriter {
   explicit NoteWriter(sqlite::Connection& connection) : connection_(connection) {}
 
   /// Throws DomainError when somebody else has changed or removed the note since it was read.
-  void checkVersion(const KVNote& note);
-  void insert(KVNote& note);
-  void update(KVNote& note);
+  void checkVersion(const NoteState& read);
+  /// Gives the note its id and version, and its files theirs.
+  void insert(NoteState& note);
+  /// Writes what differs; gives the note its new version. A text differs when it is another object.
+  void update(NoteState& now, const NoteState& before);
   /// Removes the tags that these writes have left without notes, pins and descendants.
   void removeDeadTags();
 
@@ -26,12 +30,16 @@ class NoteWriter {
   using Names = std::vector<std::string>;
 
   void updateAttributes(const NoteRow& now, const NoteRow& before);
-  void writeFacts(KVNote& note);
+  void writeFacts(NoteRow& row);
   void writeTags(std::int64_t note, const Names& now, const Names& before);
   void writePins(std::int64_t note, const Names& now, const Names& before);
-  void writeFiles(KVNote& note, const std::vector<KVNoteFile>& before);
-  std::int64_t tagID(const std::string& name);
-  void link(const char* sql, std::int64_t note, std::int64_t tag);
+  void writeRelation(std::int64_t note, const Names& now, const Names& before, const char* unlink,
+                     const char* link);
+  void writeFiles(NoteState& note, const std::vector<KVNoteFile>& before);
+  void insertFile(std::int64_t note, KVNoteFile& file);
+  std::optional<std::int64_t> tagID(std::string_view name);
+  /// The tag's id; the tag, and the ancestors that it lacks, are made where needed.
+  std::int64_t tagIDMade(std::string_view name);
 
   sqlite::Connection& connection_;
   std::set<std::string> touchedTags_;

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "platform/model/storage/row_ids.h"
+#include "platform/model/storage/text_facts.h"
 #include "platform/text/folding.h"
 #include "platform/text/utf8.h"
 
@@ -84,27 +85,39 @@ std::optional<SearchIndex::Candidates> SearchIndex::candidates(std::string_view 
   return result;
 }
 
-void SearchIndex::add(std::int64_t note, std::string_view title, std::string_view text) {
-  std::string body = folded(text);
+/// One note's row of the index, and what else is worked out of its title and text. The text of a
+/// locked note stays out: it is found by its title only.
+void SearchIndex::bring(std::int64_t note, std::int64_t searchRow) {
+  sqlite::Query read = connection_.query(
+      "SELECT note.title, note.text, note.encrypted, s.textDigest IS NULL "
+      "FROM note JOIN noteSummary s ON s.note = note.id WHERE note.id = ?1");
+  if (!read.bind(1, note).step()) return;
+  const std::string_view text = read.text(1);
+  std::string body = read.integer(2) != 0 ? std::string() : folded(text);
   body += '\n';
-  body += folded(title);
-  connection_.query("UPDATE counter SET value = value + 1 WHERE name = 'searchRow'").run();
-  sqlite::Query insert = connection_.query(
-      "INSERT INTO searchIndex (rowid, body) "
-      "VALUES ((SELECT value FROM counter WHERE name = 'searchRow'), ?1)");
-  insert.bind(1, body).run();
-  connection_
-      .query(
-          "UPDATE noteSummary SET searchRow = (SELECT value FROM counter "
-          "WHERE name = 'searchRow') WHERE note = ?1")
-      .bind(1, note)
-      .run();
+  body += folded(read.text(0));
+  sqlite::Query insert = connection_.query("INSERT INTO searchIndex (rowid, body) VALUES (?1, ?2)");
+  insert.bind(1, searchRow).bind(2, body).run();
+
+  if (read.integer(3) == 0) {
+    sqlite::Query update =
+        connection_.query("UPDATE noteSummary SET searchRow = ?2 WHERE note = ?1");
+    return update.bind(1, note).bind(2, searchRow).run();
+  }
+  const TextFacts facts = TextFacts::of(text);
+  const std::string key = platform::text::foldedForSearch(read.text(0));
+  sqlite::Query update = connection_.query(
+      "UPDATE noteSummary SET searchRow = ?2, titleKey = ?3, textDigest = ?4, textLength = ?5, "
+      "todoIncomplete = ?6, todoCompleted = ?7, features = ?8 WHERE note = ?1");
+  update.bind(1, note).bind(2, searchRow).bind(3, key).bind(4, facts.digest);
+  update.bind(5, facts.length).bind(6, facts.todoIncomplete).bind(7, facts.todoCompleted);
+  update.bind(8, facts.features).run();
 }
 
 void SearchIndex::dropWhenStale() {
   sqlite::Query query = connection_.query(
       "SELECT (SELECT value FROM counter WHERE name = 'searchRow'), "
-      "(SELECT count(*) FROM noteSummary)");
+      "(SELECT sum(value) FROM counter WHERE name GLOB 'notes[0-7]')");
   query.step();
   constexpr std::int64_t slack = 4096;  // rows that point nowhere before it is worth the while
   if (query.integer(0) < 2 * query.integer(1) + slack) return;
@@ -114,23 +127,37 @@ void SearchIndex::dropWhenStale() {
       "UPDATE counter SET value = 0 WHERE name = 'searchRow'");
 }
 
-bool SearchIndex::bringUpToDate(int milliseconds) {
-  const auto start = std::chrono::steady_clock::now();
+std::vector<std::int64_t> SearchIndex::nextUnknown(std::int64_t after) {
+  constexpr std::int64_t few = 64;
+  sqlite::Query query = connection_.query(
+      "SELECT note FROM noteSummary WHERE searchRow IS NULL AND note > ?1 ORDER BY note LIMIT ?2");
+  query.bind(1, after).bind(2, few);
+  std::vector<std::int64_t> notes;
+  while (query.step()) notes.push_back(query.integer(0));
+  return notes;
+}
+
+void SearchIndex::bringUpToDate(int milliseconds) {
+  const auto deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(milliseconds);
   dropWhenStale();
-  std::vector<std::int64_t> unknown;
+  std::int64_t searchRow = 0;
   {
-    sqlite::Query query = connection_.query(
-        "SELECT note FROM noteSummary WHERE searchRow IS NULL AND textDigest IS NOT NULL");
-    while (query.step()) unknown.push_back(query.integer(0));
+    sqlite::Query last = connection_.query("SELECT value FROM counter WHERE name = 'searchRow'");
+    last.step();
+    searchRow = last.integer(0);
   }
-  for (const std::int64_t note : unknown) {
-    sqlite::Query query = connection_.query("SELECT title, text FROM note WHERE id = ?1");
-    query.bind(1, note);
-    if (query.step()) add(note, query.text(0), query.text(1));
-    const auto spent = std::chrono::steady_clock::now() - start;
-    if (spent > std::chrono::milliseconds(milliseconds)) return note != unknown.back();
+  bool timeIsLeft = true;
+  std::int64_t note = INT64_MIN;
+  for (auto notes = nextUnknown(note); timeIsLeft && !notes.empty(); notes = nextUnknown(note)) {
+    for (std::size_t i = 0; i < notes.size() && timeIsLeft; ++i) {
+      note = notes[i];
+      bring(note, ++searchRow);
+      timeIsLeft = std::chrono::steady_clock::now() < deadline;
+    }
   }
-  return false;
+  connection_.query("UPDATE counter SET value = ?1 WHERE name = 'searchRow'")
+      .bind(1, searchRow)
+      .run();
 }
 
 void updateSearchIndex(sqlite::Connection& connection, int milliseconds) {

@@ -29,12 +29,14 @@ class SearchIndex {
   /// is too short for the index.
   std::optional<Candidates> candidates(std::string_view term, std::size_t most);
 
-  /// Brings notes whose facts are known into the index until it knows all, or `milliseconds` have
-  /// passed. Needs an open write transaction. True when notes are left.
-  bool bringUpToDate(int milliseconds);
+  /// Brings notes into the index until it knows all, or `milliseconds` have passed, and works out
+  /// the facts of their texts on the way. Needs an open write transaction.
+  void bringUpToDate(int milliseconds);
 
  private:
-  void add(std::int64_t note, std::string_view title, std::string_view text);
+  void bring(std::int64_t note, std::int64_t searchRow);
+  /// Ids of the next few notes behind that one that are not indexed, ascending.
+  std::vector<std::int64_t> nextUnknown(std::int64_t after);
   void dropWhenStale();
 
   sqlite::Connection& connection_;

@@ -3,16 +3,18 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <array>
 #include <charconv>
 #include <utility>
 
 #include "platform/markdown/hashtag.h"
+#include "platform/model/search/condition_kinds.h"
+#include "platform/model/search/date_directives.h"
 #include "platform/model/search/local_day.h"
 #include "platform/text/characters.h"
+#include "platform/text/controls.h"
 #include "platform/text/utf8.h"
 
-// A query is a row of words. A word is, in this order of tries:
+// A query is a sequence of words. A word is the first of these that it can be:
 //
 //   "..."            a phrase; \" and \\ stand for the character; one that is not closed goes to
 //                    the query's end
@@ -27,31 +29,8 @@
 namespace tavimodel {
 namespace {
 
+using platform::text::escapingControls;
 using Kind = SearchCondition::Kind;
-
-struct Directive {
-  std::string_view name;
-  Kind kind;
-};
-constexpr std::array directives{
-    Directive{"todo", Kind::todo},
-    Directive{"done", Kind::done},
-    Directive{"task", Kind::task},
-    Directive{"tagged", Kind::tagged},
-    Directive{"untagged", Kind::untagged},
-    Directive{"pinned", Kind::pinned},
-    Directive{"images", Kind::images},
-    Directive{"files", Kind::files},
-    Directive{"attachments", Kind::attachments},
-    Directive{"code", Kind::code},
-    Directive{"locked", Kind::locked},
-    Directive{"readonly", Kind::readOnly},
-    Directive{"empty", Kind::empty},
-    Directive{"untitled", Kind::untitled},
-    Directive{"wikilinks", Kind::wikiLinks},
-    Directive{"backlinks", Kind::backlinks},
-    Directive{"ocr", Kind::ocr},
-};
 
 bool isASCIILetter(char c) {
   return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
@@ -92,7 +71,7 @@ class Parser {
       }
       joinNext_ = false;
     }
-    if (joinNext_) addTerm("or");  // nothing to the right: a word like any other
+    if (joinNext_) addTerm("or");  // nothing to its right: a word like any other
     return std::move(query_);
   }
 
@@ -201,28 +180,44 @@ class Parser {
       query_.titlesOnly |= !negated_;
       return std::nullopt;
     }
-    for (const Directive& directive : directives) {
-      if (directive.name != name) continue;
-      if (directive.kind == Kind::ocr) query_.ocrOnly |= !negated_;
-      return SearchCondition{.kind = directive.kind};
+    for (const ConditionKind& kind : conditionKinds) {
+      if (kind.directive.empty() || kind.directive != name) continue;
+      if (kind.kind == Kind::ocr) query_.ocrOnly |= !negated_;
+      return SearchCondition{.kind = kind.kind};
     }
     if (auto dates = readDates(name)) return dates;
+    refuseWithoutValue(word, name);
     throw SearchSyntaxError(fmt::format(
-        "Unknown search directive: {0} — write \"{0}\" in quotes to search for the text", word));
+        "Unknown search directive: {0} — write \"{0}\" in quotes to search for the text",
+        escapingControls(word)));
   }
 
   std::optional<SearchCondition> readDates(std::string_view name) const {
-    if (name == "today") return lastDays(Kind::modified, 1);
-    if (name == "ctoday") return lastDays(Kind::created, 1);
-    if (name == "yesterday") {
-      return SearchCondition{
-          .kind = Kind::modified, .from = startOfDay(now_, -1), .to = startOfDay(now_, 0)};
+    for (const DateDirective& directive : dateDirectives) {
+      const auto value = between(name, directive.begin, directive.end);
+      if (!value || (directive.end.empty() && !value->empty())) continue;
+      switch (directive.form) {
+        case DateDirective::Form::today:
+          return lastDays(directive.kind, 1);
+        case DateDirective::Form::yesterday:
+          return SearchCondition{
+              .kind = directive.kind, .from = startOfDay(now_, -1), .to = startOfDay(now_, 0)};
+        case DateDirective::Form::lastDays:
+          return lastDays(directive.kind, number(*value));
+        case DateDirective::Form::date:
+          return onDate(directive.kind, *value);
+      }
     }
-    if (auto days = between(name, "last", "days")) return lastDays(Kind::modified, number(*days));
-    if (auto days = between(name, "created", "days")) return lastDays(Kind::created, number(*days));
-    if (auto date = between(name, "date(", ")")) return onDate(Kind::modified, *date);
-    if (auto date = between(name, "cdate(", ")")) return onDate(Kind::created, *date);
     return std::nullopt;
+  }
+
+  static void refuseWithoutValue(std::string_view word, std::string_view name) {
+    for (const auto& [begin, end, form, kind, example, finds] : dateDirectives) {
+      const std::string_view bare = begin.substr(0, begin.find('('));
+      if (end.empty() || name != bare) continue;
+      throw SearchSyntaxError(fmt::format("Search directive without a value: {} — write it as @{}",
+                                          escapingControls(word), example));
+    }
   }
 
   static std::optional<std::string_view> between(std::string_view word, std::string_view prefix,
@@ -242,7 +237,7 @@ class Parser {
       throw SearchSyntaxError(
           fmt::format("Invalid number of days in the search query: '{}' — give a whole number, as "
                       "in @last7days",
-                      digits));
+                      escapingControls(digits)));
     }
     return value;
   }
@@ -259,7 +254,8 @@ class Parser {
     const auto begin = startOfDate(day, 0);
     if (!begin) {
       throw SearchSyntaxError(
-          fmt::format("Invalid date in the search query: '{}' — write it as YYYY-MM-DD", day));
+          fmt::format("Invalid date in the search query: '{}' — write it as YYYY-MM-DD",
+                      escapingControls(day)));
     }
     if (relation == '<') return {.kind = kind, .to = begin};
     if (relation == '>') return {.kind = kind, .from = startOfDate(day, 1)};

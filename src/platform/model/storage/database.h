@@ -5,6 +5,8 @@
 
 #include "platform/model/storage/bookkeeping.h"
 #include "platform/model/storage/file_store.h"
+#include "platform/model/storage/kept_connection.h"
+#include "platform/model/storage/open_database.h"
 #include "platform/model/storage/sqlite.h"
 
 namespace tavimodel {
@@ -12,15 +14,14 @@ namespace tavimodel {
 /// The application's database, open: `tavi.sqlite` and `files/` in one folder.
 class Database {
  public:
-  /// With `readOnly` the database must be there already: nothing is made, written or tidied up, and
-  /// nobody waited for.
-  enum class Access { readWrite, readOnly };
+  using Access = DatabaseAccess;
 
-  /// With `readWrite` the folder and what belongs into it come into being, private to the user,
-  /// where they are missing. Throws sqlite::Error, std::system_error or std::runtime_error; a
-  /// database that cannot be opened is left as it was.
-  Database(const std::filesystem::path& folder, Access access, IndexUpdate updateIndex);
-  /// Closes the database, and uses the occasion to keep it tidy (see bookkeeping.h).
+  /// Opens the database in the folder: see openDatabase. `kept`, of a server, lends its connection
+  /// and gets it back.
+  Database(const std::filesystem::path& folder, Access access, IndexUpdate updateIndex,
+           KeptConnection* kept = nullptr);
+  /// Uses the occasion to keep the database tidy (see bookkeeping.h), writes the log back where no
+  /// other connection is reading it, which leaves it empty, and closes the database.
   ~Database();
   Database(const Database&) = delete;
   Database& operator=(const Database&) = delete;
@@ -29,10 +30,12 @@ class Database {
   FileStore& files() { return files_; }
 
  private:
+  std::filesystem::path folder_;
+  KeptConnection* kept_;
+  DatabaseIdentity opened_;  ///< for `kept_` only
   std::unique_ptr<sqlite::Connection> connection_;
   FileStore files_;
   IndexUpdate updateIndex_;
-  int logFrames_ = 0;  ///< length of the write-ahead log after this connection's last commit
 };
 
 }  // namespace tavimodel

@@ -33,7 +33,7 @@ void syncFolder(const fs::path& path) {
 /// Creates the file and locks it. A sweep may take a file between the two: then it is made anew.
 FileDescriptor createLocked(const fs::path& path) {
   while (true) {
-    FileDescriptor file(open(path.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600));
+    FileDescriptor file(open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
     if (!file) fail(path, "Could not create the file");
     // A umask may have taken rights from the owner, too.
     if (fchmod(file.get(), 0600) != 0) fail(path, "Could not create the file");
@@ -57,6 +57,17 @@ FileDescriptor moveLocked(const fs::path& source, const fs::path& target) {
   if (flock(file.get(), LOCK_EX | LOCK_NB) != 0 || fchmod(file.get(), 0600) != 0) return {};
   if (rename(source.c_str(), target.c_str()) != 0) return {};
   return file;
+}
+
+/// Of the name itself: a link is none, whatever it points to.
+bool isRegularFile(const fs::path& path) {
+  std::error_code ignored;
+  return fs::symlink_status(path, ignored).type() == fs::file_type::regular;
+}
+
+bool hasRow(sqlite::Connection& connection, const std::string& storedName) {
+  sqlite::Query row = connection.query("SELECT 1 FROM file WHERE storedName = ?1");
+  return row.bind(1, storedName).step();
 }
 
 std::int64_t sizeOf(int file, const fs::path& path) {
@@ -138,41 +149,63 @@ std::optional<fs::path> FileStore::locate(std::string_view storedName) const {
     return std::nullopt;
   }
   for (const fs::path& path : {folder_ / storedName, folder_ / "staged" / storedName}) {
-    std::error_code ignored;
-    if (fs::is_regular_file(path, ignored)) return path;
+    if (isRegularFile(path)) return path;
   }
   return std::nullopt;
 }
 
 void FileStore::sweep(sqlite::Connection& connection, bool removedFiles) {
   try {
-    std::error_code error;
-    for (const fs::directory_entry& entry : fs::directory_iterator(folder_ / "staged", error)) {
-      const FileDescriptor file(open(entry.path().c_str(), O_RDONLY | O_CLOEXEC));
-      if (!file || flock(file.get(), LOCK_EX | LOCK_NB) != 0) continue;  // being written
-      const std::string name = entry.path().filename();
-      sqlite::Query row = connection.query("SELECT 1 FROM file WHERE storedName = ?1");
-      row.bind(1, name);
-      if (row.step()) {
-        fs::rename(entry.path(), folder_ / name, error);
-      } else {
-        fs::remove(entry.path(), error);
-      }
-    }
-    if (!removedFiles) return;
-    sqlite::Transaction transaction(connection, sqlite::Transaction::Kind::write);
-    // A name that a row still has (a replaced row, a restored copy) keeps its bytes.
-    sqlite::Query removed = connection.query(
-        "SELECT storedName FROM removedFile "
-        "WHERE storedName NOT IN (SELECT storedName FROM file WHERE storedName IS NOT NULL)");
-    while (removed.step()) {
-      if (const auto path = locate(removed.text(0))) fs::remove(*path, error);
-    }
-    connection.execute("DELETE FROM removedFile");
-    transaction.commit();
+    sweepStaged(connection);
+    if (removedFiles) removeUnwanted(connection);
   } catch (const std::exception&) {
     // It will be swept another time.
   }
+}
+
+void FileStore::sweepStaged(sqlite::Connection& connection) {
+  std::error_code error;
+  for (const fs::directory_entry& entry : fs::directory_iterator(folder_ / "staged", error)) {
+    // What is no regular file is not ours: it is neither followed nor waited for.
+    const FileDescriptor file(
+        open(entry.path().c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+    if (!file || !isRegularFile(entry.path())) continue;
+    if (flock(file.get(), LOCK_EX | LOCK_NB) != 0) continue;  // being written
+    const std::string name = entry.path().filename();
+    if (hasRow(connection, name)) {
+      fs::rename(entry.path(), folder_ / name, error);
+    } else {
+      fs::remove(entry.path(), error);
+    }
+  }
+}
+
+/// A name leaves the table when its file is gone from the disk for certain. So does a name that a
+/// row has again, of a replaced note or a restored copy, say: its bytes stay.
+void FileStore::removeUnwanted(sqlite::Connection& connection) {
+  sqlite::Transaction transaction(connection, sqlite::Transaction::Kind::write);
+  connection.query("DELETE FROM orphan").run();
+  connection.syncLog();  // that the rows are gone must outlive a power cut, too
+  std::vector<std::string> done;
+  {
+    sqlite::Query names = connection.query(
+        "SELECT storedName, storedName IN (SELECT storedName FROM file WHERE storedName IS NOT "
+        "NULL)"
+        " FROM removedFile");
+    while (names.step()) {
+      const bool wanted = names.integer(1) != 0;
+      const auto path = wanted ? std::nullopt : locate(names.text(0));
+      if (path && unlink(path->c_str()) != 0 && errno != ENOENT) continue;
+      done.emplace_back(names.text(0));
+    }
+  }
+  for (const fs::path& folder : {folder_, folder_ / "staged"}) {
+    if (access(folder.c_str(), F_OK) == 0) syncFolder(folder);
+  }
+  for (const std::string& name : done) {
+    connection.query("DELETE FROM removedFile WHERE storedName = ?1").bind(1, name).run();
+  }
+  transaction.commit();
 }
 
 }  // namespace tavimodel

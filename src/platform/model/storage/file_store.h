@@ -49,10 +49,13 @@ class FileStore {
 
   /// Clears up after writers that died and rows that are gone. Takes the write lock only when there
   /// is something to do, and gives up at once where it is not free. `removedFiles`: whether there
-  /// are rows in the table of that name. Never throws.
+  /// are rows in the table of that name. Never throws, and touches regular files only.
   void sweep(sqlite::Connection& connection, bool removedFiles);
 
  private:
+  void sweepStaged(sqlite::Connection& connection);
+  void removeUnwanted(sqlite::Connection& connection);
+
   struct OpenFile {
     std::string storedName;
     platform::system::FileDescriptor descriptor;  ///< holds the lock (flock(2))

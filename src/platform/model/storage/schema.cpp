@@ -1,6 +1,12 @@
 #include "platform/model/storage/schema.h"
 
+#include <fmt/format.h>
+#include <sqlite3.h>
+
+#include <algorithm>
+#include <set>
 #include <stdexcept>
+#include <string>
 
 #include "platform/model/storage/sqlite.h"
 
@@ -116,13 +122,37 @@ CREATE VIRTUAL TABLE searchIndex USING fts5 (
   body, content='', detail=none, columnsize=0, tokenize='trigram case_sensitive 1');
 )sql";
 
+constexpr const char* createTablesOfVersion2 = R"sql(
+-- The tags, pins and files of deleted notes, one a row: `tag`, `pinnedTag` or the columns of `file`.
+-- A note that is inserted with the identifier gets them back; what is here when this program closes
+-- the database is dropped.
+CREATE TABLE IF NOT EXISTS orphan (
+  uniqueIdentifier TEXT NOT NULL,
+  tag INTEGER,
+  pinnedTag INTEGER,
+  filename TEXT,
+  fileSize INTEGER,
+  position INTEGER,
+  ocrText TEXT,
+  storedName TEXT
+);
+CREATE INDEX IF NOT EXISTS orphanByIdentifier ON orphan (uniqueIdentifier);
+
+-- SQLite keeps this one itself, whatever becomes of the triggers.
+CREATE INDEX IF NOT EXISTS noteLocked ON note (id) WHERE encrypted = 1;
+
+-- Those of version 1 that have changed.
+DROP TRIGGER IF EXISTS noteInserted;
+DROP TRIGGER IF EXISTS summaryOrphaned;
+)sql";
+
 // Every program that opens the database parses these, so they are short: a word costs a thousand
 // instructions.
 //
 // An INSERT or UPDATE OR REPLACE runs no delete trigger, so the others clear up after the row that
 // was replaced, and hand its tags, pins and files on to the row that has its identifier now.
 constexpr const char* createTriggers = R"sql(
-CREATE TRIGGER noteInserted AFTER INSERT ON note BEGIN
+CREATE TRIGGER IF NOT EXISTS noteInserted AFTER INSERT ON note BEGIN
   DELETE FROM noteSummary WHERE note = NEW.id;
   UPDATE noteSummary SET note = NEW.id WHERE uniqueIdentifier = NEW.uniqueIdentifier;
   DELETE FROM noteSummary WHERE note = NEW.id;
@@ -131,9 +161,10 @@ CREATE TRIGGER noteInserted AFTER INSERT ON note BEGIN
       trashed * 4 + archived * 2 + ifnull(permanentlyDeleted, 0), pinned, encrypted, readOnly,
       NULL, NULL, NULL, NULL, NULL, NULL, NULL
     FROM note WHERE id = NEW.id;
+  DELETE FROM orphan WHERE uniqueIdentifier = NEW.uniqueIdentifier;
 END;
 
-CREATE TRIGGER noteUpdated AFTER UPDATE ON note BEGIN
+CREATE TRIGGER IF NOT EXISTS noteUpdated AFTER UPDATE ON note BEGIN
   UPDATE noteSummary SET version = random(), modificationDate = NEW.modificationDate,
       encrypted = NEW.encrypted, readOnly = NEW.readOnly
     WHERE note IN (OLD.id, NEW.id);
@@ -141,7 +172,7 @@ END;
 
 -- SQLite rewrites an index entry whenever a column of it is assigned, and compiles all triggers that
 -- an update might fire: so what seldom changes stands apart. The first four names are of one column.
-CREATE TRIGGER noteMoved AFTER UPDATE OF id, rowid, oid, _rowid_, uniqueIdentifier, title,
+CREATE TRIGGER IF NOT EXISTS noteMoved AFTER UPDATE OF id, rowid, oid, _rowid_, uniqueIdentifier, title,
     creationDate, trashed, archived, permanentlyDeleted, pinned ON note BEGIN
   DELETE FROM noteSummary
     WHERE note <> OLD.id AND (note = NEW.id OR uniqueIdentifier = NEW.uniqueIdentifier);
@@ -155,44 +186,65 @@ CREATE TRIGGER noteMoved AFTER UPDATE OF id, rowid, oid, _rowid_, uniqueIdentifi
     WHERE note = OLD.id;
 END;
 
-CREATE TRIGGER noteRewritten AFTER UPDATE OF title, text ON note
+CREATE TRIGGER IF NOT EXISTS noteRewritten AFTER UPDATE OF title, text ON note
     WHEN NEW.text IS NOT OLD.text OR NEW.title IS NOT OLD.title BEGIN
   UPDATE noteSummary SET textDigest = NULL, textLength = NULL,
       todoIncomplete = NULL, todoCompleted = NULL, features = NULL, searchRow = NULL
     WHERE note IN (OLD.id, NEW.id);
 END;
 
-CREATE TRIGGER noteDeleted AFTER DELETE ON note BEGIN
+CREATE TRIGGER IF NOT EXISTS noteLockChanged AFTER UPDATE OF encrypted ON note
+    WHEN NEW.encrypted <> OLD.encrypted BEGIN
+  UPDATE noteSummary SET searchRow = NULL WHERE note = NEW.id;
+END;
+
+CREATE TRIGGER IF NOT EXISTS noteDeleted AFTER DELETE ON note BEGIN
   DELETE FROM noteSummary WHERE note = OLD.id;
 END;
 
-CREATE TRIGGER summaryInserted AFTER INSERT ON noteSummary BEGIN
+CREATE TRIGGER IF NOT EXISTS summaryInserted AFTER INSERT ON noteSummary BEGIN
   UPDATE counter SET value = value + 1 WHERE name = 'notes' || NEW.place;
 END;
 
-CREATE TRIGGER summaryDeleted AFTER DELETE ON noteSummary BEGIN
+CREATE TRIGGER IF NOT EXISTS summaryDeleted AFTER DELETE ON noteSummary BEGIN
   UPDATE counter SET value = value - 1 WHERE name = 'notes' || OLD.place;
 END;
 
-CREATE TRIGGER summaryOrphaned AFTER DELETE ON noteSummary
+CREATE TRIGGER IF NOT EXISTS summaryOrphaned AFTER DELETE ON noteSummary
     WHEN NOT EXISTS (SELECT 1 FROM note WHERE id = OLD.note) BEGIN
+  INSERT INTO orphan (uniqueIdentifier, tag)
+    SELECT OLD.uniqueIdentifier, tag FROM noteTag WHERE note = OLD.note;
+  INSERT INTO orphan (uniqueIdentifier, pinnedTag)
+    SELECT OLD.uniqueIdentifier, tag FROM pinnedInTag WHERE note = OLD.note;
+  INSERT INTO orphan SELECT OLD.uniqueIdentifier, NULL, NULL, filename, fileSize, position, ocrText,
+    storedName FROM file WHERE note = OLD.note;
   DELETE FROM noteTag WHERE note = OLD.note;
   DELETE FROM pinnedInTag WHERE note = OLD.note;
   DELETE FROM file WHERE note = OLD.note;
 END;
 
-CREATE TRIGGER summaryMoved AFTER UPDATE OF place ON noteSummary WHEN NEW.place <> OLD.place BEGIN
+CREATE TRIGGER IF NOT EXISTS summaryMoved AFTER UPDATE OF place ON noteSummary WHEN NEW.place <> OLD.place BEGIN
   UPDATE counter SET value = value - 1 WHERE name = 'notes' || OLD.place;
   UPDATE counter SET value = value + 1 WHERE name = 'notes' || NEW.place;
 END;
 
-CREATE TRIGGER summaryRenumbered AFTER UPDATE OF note ON noteSummary WHEN NEW.note <> OLD.note BEGIN
+CREATE TRIGGER IF NOT EXISTS summaryRenumbered AFTER UPDATE OF note ON noteSummary WHEN NEW.note <> OLD.note BEGIN
   UPDATE OR IGNORE noteTag SET note = NEW.note WHERE note = OLD.note;
   UPDATE OR IGNORE pinnedInTag SET note = NEW.note WHERE note = OLD.note;
   UPDATE file SET note = NEW.note WHERE note = OLD.note;
 END;
 
-CREATE TRIGGER fileDeleted AFTER DELETE ON file WHEN OLD.storedName IS NOT NULL BEGIN
+CREATE TRIGGER IF NOT EXISTS orphanAdopted AFTER DELETE ON orphan BEGIN
+  INSERT OR IGNORE INTO noteTag SELECT id, OLD.tag FROM note
+    WHERE OLD.tag IS NOT NULL AND uniqueIdentifier = OLD.uniqueIdentifier;
+  INSERT OR IGNORE INTO pinnedInTag SELECT id, OLD.pinnedTag FROM note
+    WHERE OLD.pinnedTag IS NOT NULL AND uniqueIdentifier = OLD.uniqueIdentifier;
+  INSERT INTO file (note, filename, fileSize, position, ocrText, storedName)
+    SELECT id, OLD.filename, OLD.fileSize, OLD.position, OLD.ocrText, OLD.storedName FROM note
+    WHERE ifnull(OLD.tag, OLD.pinnedTag) IS NULL AND uniqueIdentifier = OLD.uniqueIdentifier;
+END;
+
+CREATE TRIGGER IF NOT EXISTS fileDeleted AFTER DELETE ON file WHEN OLD.storedName IS NOT NULL BEGIN
   INSERT OR IGNORE INTO removedFile VALUES (OLD.storedName);
 END;
 )sql";
@@ -207,31 +259,70 @@ bool holdsAnything(sqlite::Connection& connection) {
   return connection.query("SELECT 1 FROM sqlite_schema LIMIT 1").step();
 }
 
+/// The tables, indexes and triggers, each as it was written.
+std::set<std::string> objects(sqlite::Connection& connection) {
+  sqlite::Query query = connection.query("SELECT sql FROM sqlite_schema WHERE sql IS NOT NULL");
+  std::set<std::string> result;
+  while (query.step()) result.emplace(query.text(0));
+  return result;
+}
+
+/// A dump holds everything but the version, so a database restored from one is known by its tables.
+/// Whatever else it holds, it is at least of version 1.
+bool hasTablesOfVersion1(sqlite::Connection& connection) {
+  sqlite::Connection fresh(":memory:", sqlite::Connection::Mode::readWrite);
+  fresh.execute(createTables);
+  const std::set<std::string> ours = objects(fresh);
+  const std::set<std::string> theirs = objects(connection);
+  return std::includes(theirs.begin(), theirs.end(), ours.begin(), ours.end());
+}
+
+/// 0 for an empty file. Throws std::runtime_error for a database that is to be left alone.
+int knownVersion(sqlite::Connection& connection) {
+  const int version = userVersion(connection);
+  if (version > currentSchemaVersion) {
+    throw std::runtime_error("The Tavi database was written by a newer version of this program.");
+  }
+  if (version != 0 || !holdsAnything(connection)) return version;
+  if (hasTablesOfVersion1(connection)) return 1;
+  throw std::runtime_error("The file is a database, but not one of Tavi.");
+}
+
 }  // namespace
 
 void upgradeSchema(sqlite::Connection& connection) {
-  const auto isCurrent = [&] {
-    const int version = userVersion(connection);
-    if (version > currentSchemaVersion) {
-      throw std::runtime_error("The Tavi database was written by a newer version of this program.");
-    }
-    if (version < currentSchemaVersion && (version != 0 || holdsAnything(connection))) {
-      throw std::runtime_error("The file is a database, but not one of Tavi.");
-    }
-    return version == currentSchemaVersion;
-  };
-  if (isCurrent()) return;
+  const int version = knownVersion(connection);
+  if (version == currentSchemaVersion) return;
+  // Version 2 adds nothing that reading needs.
+  if (version > 0 && sqlite3_db_readonly(connection.handle(), "main") != 0) return;
   // Writers and readers do not wait for each other, and a commit is one sync.
   // A write logs a dozen pages, and the next program to open the database reads them again, so they
   // are small; larger ones would make a walk through all texts a fifth faster.
   connection.execute("PRAGMA page_size = 4096; PRAGMA journal_mode = WAL");
   sqlite::Transaction transaction(connection, sqlite::Transaction::Kind::write);
-  if (isCurrent()) return;  // another process was quicker
-  connection.execute(createTables);
+  const int versionNow = knownVersion(connection);  // another process may have been quicker
+  if (versionNow == currentSchemaVersion) return;
+  if (versionNow == 0) connection.execute(createTables);
+  connection.execute(createTablesOfVersion2);
   connection.execute(createTriggers);
-  connection.execute("PRAGMA user_version = 1");
+  connection.execute(touchFirstPage);
   transaction.commit();
   connection.execute("PRAGMA wal_checkpoint(TRUNCATE)");
+}
+
+void repairLocks(sqlite::Connection& connection) {
+  constexpr const char* differing =
+      "SELECT s.note FROM note n CROSS JOIN noteSummary s ON s.note = n.id "
+      "WHERE n.encrypted = 1 AND s.encrypted = 0 "
+      "UNION ALL SELECT s.note FROM noteSummary s CROSS JOIN note n ON n.id = s.note "
+      "WHERE s.encrypted = 1 AND n.encrypted = 0";
+  if (!connection.query(differing).step()) return;
+  sqlite::Transaction transaction(connection, sqlite::Transaction::Kind::write);
+  connection.execute(fmt::format("UPDATE noteSummary SET encrypted = 1 - encrypted, "
+                                 "version = random(), searchRow = NULL WHERE note IN ({})",
+                                 differing)
+                         .c_str());
+  transaction.commit();
 }
 
 }  // namespace tavimodel

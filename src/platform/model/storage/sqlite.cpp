@@ -57,6 +57,12 @@ int systemError(sqlite3* handle) {
   return error;
 }
 
+sqlite3_file* fileOf(sqlite3* handle) {
+  sqlite3_file* file = nullptr;
+  sqlite3_file_control(handle, "main", SQLITE_FCNTL_FILE_POINTER, &file);
+  return file;
+}
+
 [[noreturn]] void throwError(sqlite3* handle, int code) {
   if (handle == nullptr) throw Error(code & 0xff, 0, sqlite3_errstr(code));
   throw Error(code & 0xff, systemError(handle), sqlite3_errmsg(handle));
@@ -66,6 +72,8 @@ int systemError(sqlite3* handle) {
 
 Error::Error(int code, int systemError, const std::string& detail)
     : std::runtime_error(sentence(code, systemError, detail)), code_(code) {}
+
+Error::Error(const std::string& sentence) : std::runtime_error(sentence), code_(SQLITE_CANTOPEN) {}
 
 Query::Query(Connection& connection, sqlite3_stmt* statement)
     : connection_(&connection), statement_(statement) {
@@ -164,6 +172,7 @@ Connection::~Connection() {
 }
 
 Query Connection::query(std::string_view sql) {
+  if (isRefused()) throw Error(refusal_);
   const auto found = statements_.find(sql);
   if (found != statements_.end() && !found->second.onLoan) {
     found->second.onLoan = true;
@@ -192,7 +201,9 @@ void Connection::giveBack(sqlite3_stmt* statement) {
 }
 
 void Connection::execute(const char* script) {
+  if (isRefused()) throw Error(refusal_);
   ++statementsRun_;
+  hasRunScripts_ = true;
   if (sqlite3_exec(handle_, script, nullptr, nullptr, nullptr) != SQLITE_OK) fail();
 }
 
@@ -204,11 +215,38 @@ void Connection::setBusyTimeout(int milliseconds) {
   sqlite3_busy_timeout(handle_, milliseconds);
 }
 
+std::string Connection::fileHeader(std::size_t size) const {
+  std::string bytes(size, '\0');
+  sqlite3_file* file = fileOf(handle_);
+  const int code = file->pMethods->xRead(file, bytes.data(), static_cast<int>(size), 0);
+  if (code == SQLITE_IOERR_SHORT_READ) return {};
+  if (code != SQLITE_OK) throwError(handle_, code);
+  return bytes;
+}
+
+void Connection::syncLog() {
+  sqlite3_file* log = nullptr;
+  sqlite3_file_control(handle_, "main", SQLITE_FCNTL_JOURNAL_POINTER, &log);
+  if (log == nullptr || log->pMethods == nullptr) return;
+  const int code = log->pMethods->xSync(log, SQLITE_SYNC_NORMAL);
+  if (code != SQLITE_OK) throwError(handle_, code);
+}
+
 void Connection::fail() const {
   throwError(handle_, sqlite3_errcode(handle_));
 }
 
-Transaction::Transaction(Connection& connection, Kind kind) : connection_(connection) {
+SoleUse::SoleUse(Connection& connection) : file_(fileOf(connection.handle())) {
+  held_ = file_->pMethods->xLock(file_, SQLITE_LOCK_SHARED) == SQLITE_OK &&
+          file_->pMethods->xLock(file_, SQLITE_LOCK_EXCLUSIVE) == SQLITE_OK;
+}
+
+SoleUse::~SoleUse() {
+  file_->pMethods->xUnlock(file_, SQLITE_LOCK_NONE);
+}
+
+Transaction::Transaction(Connection& connection, Kind kind)
+    : connection_(connection), writes_(kind == Kind::write) {
   connection_.query(kind == Kind::write ? "BEGIN IMMEDIATE" : "BEGIN").run();
 }
 
@@ -225,6 +263,9 @@ void Transaction::rollBack() {
 
 void Transaction::commit() {
   try {
+    if (writes_ && connection_.beforeCommit_ != nullptr) {
+      connection_.query(connection_.beforeCommit_).run();
+    }
     connection_.query("COMMIT").run();
     open_ = false;
   } catch (const Error&) {

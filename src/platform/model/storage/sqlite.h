@@ -6,9 +6,11 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 struct sqlite3;
+struct sqlite3_file;
 struct sqlite3_stmt;
 
 /// SQLite as the model needs it: owners for handles, one place that turns result codes into errors.
@@ -18,6 +20,8 @@ namespace tavimodel::sqlite {
 class Error : public std::runtime_error {
  public:
   Error(int code, int systemError, const std::string& detail);
+  /// A failure that SQLite does not know, in a sentence of its own.
+  explicit Error(const std::string& sentence);
   /// The primary result code, such as SQLITE_BUSY.
   int code() const { return code_; }
 
@@ -92,12 +96,27 @@ class Connection {
   std::int64_t lastInsertedRow() const;
   /// How long a statement waits for another writer before it fails with SQLITE_BUSY.
   void setBusyTimeout(int milliseconds);
+  /// Run at the end of each write transaction; must outlive the connection.
+  void setBeforeCommit(const char* sql) { beforeCommit_ = sql; }
+  /// From now on every statement fails with this sentence.
+  void refuse(std::string sentence) { refusal_ = std::move(sentence); }
+  bool isRefused() const { return !refusal_.empty(); }
+  /// The first bytes of the database file itself, whatever the log holds; empty where the file is
+  /// shorter. Takes no lock.
+  std::string fileHeader(std::size_t size) const;
+  /// Brings the log's file up to date on the disk: what others have committed without a sync, too.
+  void syncLog();
+  /// Whether a script has been run, which may have changed settings or made temporary tables.
+  bool hasRunScripts() const { return hasRunScripts_; }
+  /// How many prepared statements are kept.
+  std::size_t statementsKept() const { return statements_.size(); }
   /// Statements run so far, for tests that count them.
   std::int64_t statementsRun() const { return statementsRun_; }
   sqlite3* handle() const { return handle_; }
 
  private:
   friend class Query;
+  friend class Transaction;
   void giveBack(sqlite3_stmt* statement);
   [[noreturn]] void fail() const;
 
@@ -108,6 +127,24 @@ class Connection {
   sqlite3* handle_ = nullptr;
   std::unordered_map<std::string_view, Cached> statements_;  // keyed by the statement's own text
   std::int64_t statementsRun_ = 0;
+  bool hasRunScripts_ = false;
+  const char* beforeCommit_ = nullptr;
+  std::string refusal_;
+};
+
+/// The database file, locked against every other connection, of this process too. It can be had
+/// before the connection's first statement only, and while nobody else has the file open.
+class SoleUse {
+ public:
+  explicit SoleUse(Connection& connection);
+  ~SoleUse();
+  SoleUse(const SoleUse&) = delete;
+  SoleUse& operator=(const SoleUse&) = delete;
+  explicit operator bool() const { return held_; }
+
+ private:
+  sqlite3_file* file_;
+  bool held_ = false;
 };
 
 /// A transaction that rolls back unless it is committed.
@@ -125,6 +162,7 @@ class Transaction {
   void rollBack();
 
   Connection& connection_;
+  bool writes_;
   bool open_ = true;
 };
 

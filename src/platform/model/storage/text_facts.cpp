@@ -6,7 +6,7 @@
 namespace tavimodel {
 
 TextFacts TextFacts::of(std::string_view text) {
-  return of(text, zephyrdown::ZDKAST::fromMarkdown(std::string(text)).textSummary());
+  return of(text, zephyrdown::textSummary(text));
 }
 
 TextFacts TextFacts::of(std::string_view text, const zephyrdown::ZDKTextSummary& summary) {

@@ -1,0 +1,55 @@
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string_view>
+
+/// The lines that begin, end or underline blocks: CommonMark 0.30, chapters 4 and 5, and tables of
+/// GFM, 4.10. `content` is a line without its indentation and its line break.
+namespace zephyrdown {
+
+/// "# Title".
+bool isHeadingLine(std::string_view content);
+
+/// "===" or "---" below a paragraph.
+bool isUnderline(std::string_view content);
+
+/// "---", "* * *".
+bool isRule(std::string_view content);
+
+struct Fence {
+  char mark = 0;  ///< "`" or "~"
+  std::size_t length = 0;
+  bool operator==(const Fence&) const = default;
+};
+std::optional<Fence> openingFence(std::string_view content);
+bool isClosingFence(std::string_view content, Fence fence);
+
+/// The seven kinds of HTML blocks, by their numbers in CommonMark 0.30, 4.6.
+enum class HTMLKind {
+  none = 0,
+  verbatim = 1,     ///< <pre>, <script>, <style>, <textarea>, up to the closing tag of any of them
+  comment = 2,      ///< up to "-->"
+  instruction = 3,  ///< "<?", up to "?>"
+  declaration = 4,  ///< "<!X", up to ">"
+  cdata = 5,        ///< up to "]]>"
+  block = 6,        ///< a tag such as <div>, up to a blank line
+  tag = 7,  ///< any other tag alone on its line, up to a blank line; goes on with a paragraph
+};
+HTMLKind htmlStart(std::string_view content);
+bool endsHTML(std::string_view line, HTMLKind kind);
+
+/// The mark of a list's item.
+struct ListMark {
+  char kind;           ///< "-", "+", "*", "." or ")"
+  std::size_t length;  ///< in bytes: 2 of "1."
+  bool isFirst;        ///< a bullet or the number 1: may stand directly below a paragraph
+};
+std::optional<ListMark> listMark(std::string_view content);
+
+/// The number of columns that a delimiter row such as "|---|:-:|" has; 0 of any other line.
+std::size_t columnsOfDelimiterRow(std::string_view content);
+/// The number of cells of a table's row.
+std::size_t columnsOfRow(std::string_view content);
+
+}  // namespace zephyrdown

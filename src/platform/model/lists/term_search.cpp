@@ -1,0 +1,151 @@
+#include "platform/model/lists/term_search.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+
+#include "platform/model/lists/row_order.h"
+#include "platform/model/lists/text_walk.h"
+#include "platform/model/search/search_index.h"
+#include "platform/model/storage/note_texts.h"
+#include "platform/model/storage/row_ids.h"
+
+namespace tavimodel {
+namespace {
+
+using Terms = std::vector<std::string>;
+
+// The columns of TermSearch::select.
+constexpr int titleColumn = 1;
+constexpr int lockedColumn = 2;
+constexpr int firstPlanColumn = 3;
+
+/// The few groups that narrow the search most: those whose shortest term is long.
+std::vector<Terms> mostTelling(std::vector<Terms> groups) {
+  constexpr std::size_t enough = 3;
+  const auto shortest = [](const Terms& terms) {
+    std::size_t length = SIZE_MAX;
+    for (const std::string& term : terms) length = std::min(length, term.size());
+    return length;
+  };
+  std::stable_sort(groups.begin(), groups.end(),
+                   [&](const Terms& a, const Terms& b) { return shortest(a) > shortest(b); });
+  if (groups.size() > enough) groups.resize(enough);
+  return groups;
+}
+
+}  // namespace
+
+sqlite::Query TermSearch::select(std::string_view from, std::string_view order) {
+  return connection_.query(
+      fmt::format("SELECT s.note, s.title, s.encrypted{} FROM {} WHERE {} AND {}{}",
+                  plan_.columns(), from, placeTest(place_), plan_.where(), order));
+}
+
+std::optional<std::vector<std::int64_t>> TermSearch::throughIndex(std::size_t most) {
+  std::optional<std::vector<std::int64_t>> fewest;
+  for (const Terms& terms : mostTelling(plan_.requiredTerms())) {
+    auto candidates = candidatesOfAny(terms, fewest ? fewest->size() : most);
+    if (candidates && (!fewest || candidates->size() < fewest->size())) fewest = candidates;
+  }
+  if (!fewest) return std::nullopt;
+  return matchesAmong(*fewest);
+}
+
+/// Notes that may hold one of the terms. Absent when the index cannot tell, or there are more than
+/// `most`.
+std::optional<std::vector<std::int64_t>> TermSearch::candidatesOfAny(const Terms& terms,
+                                                                     std::size_t most) {
+  SearchIndex index(connection_);
+  std::vector<std::int64_t> all;
+  for (const std::string& term : terms) {
+    auto candidates = index.candidates(term, most);
+    if (!candidates || !candidates->complete) return std::nullopt;
+    all.insert(all.end(), candidates->notes.begin(), candidates->notes.end());
+    if (all.size() > most) return std::nullopt;
+  }
+  std::sort(all.begin(), all.end());
+  all.erase(std::unique(all.begin(), all.end()), all.end());
+  return all;
+}
+
+std::vector<std::int64_t> TermSearch::matchesAmong(const std::vector<std::int64_t>& candidates) {
+  const int listParameter = plan_.parameterCount() + 1;
+  sqlite::Query rows =
+      select(fmt::format("json_each(?{}) wanted CROSS JOIN noteSummary s ON s.note = wanted.value",
+                         listParameter),
+             "");
+  plan_.bind(rows);
+  const std::string list = jsonArray(candidates);
+  rows.bind(listParameter, list);
+  std::vector<std::int64_t> found;
+  while (rows.step()) {
+    if (matchesByLookup(rows)) found.push_back(rows.integer(0));
+  }
+  return found;
+}
+
+std::optional<std::vector<std::int64_t>> TermSearch::byWalking(const FetchRequest& request,
+                                                               std::int64_t patience) {
+  const std::string order = orderClause(request);
+  if (order.empty() || request.fetchOffset > longestWalkedPage - request.fetchLimit)
+    return std::nullopt;
+  const std::int64_t wanted = request.fetchOffset + request.fetchLimit;
+  std::vector<std::int64_t> found;
+  std::int64_t looked = 0;
+  sqlite::Query rows = select("noteSummary s", order);
+  plan_.bind(rows);
+  while (static_cast<std::int64_t>(found.size()) < wanted && rows.step()) {
+    const bool hopeful = static_cast<std::int64_t>(found.size()) * 4 >= wanted;
+    if (++looked > patience && !hopeful) return std::nullopt;
+    if (matchesByLookup(rows)) found.push_back(rows.integer(0));
+  }
+  const auto skipped = std::min(request.fetchOffset, static_cast<std::int64_t>(found.size()));
+  found.erase(found.begin(), found.begin() + skipped);
+  return found;
+}
+
+std::vector<std::int64_t> TermSearch::throughAll() {
+  // Two walks side by side, both in the order of ids: a join would look every row up.
+  const std::string from = plan_.source() + (plan_.drivenNotes() ? "" : " NOT INDEXED");
+  sqlite::Query rows = select(from, " ORDER BY s.note");
+  plan_.bind(rows);
+  TextWalk texts(connection_);
+  std::vector<std::int64_t> found;
+  while (rows.step()) {
+    const std::int64_t note = rows.integer(0);
+    if (matches(rows, readsTexts() ? texts.textOf(note) : std::string_view())) {
+      found.push_back(note);
+    }
+  }
+  return found;
+}
+
+bool TermSearch::matchesByLookup(const sqlite::Query& row) {
+  if (!readsTexts()) return matches(row, {});
+  sqlite::Query text =
+      connection_.query(fmt::format("SELECT {} FROM note WHERE id = ?1", readableText));
+  text.bind(1, row.integer(0));
+  return matches(row, text.step() ? text.text(0) : std::string_view());
+}
+
+/// `text`: the note's, empty for a locked one, which is so found by its title only.
+bool TermSearch::matches(const sqlite::Query& row, std::string_view text) {
+  if (!plan_.ocrOnly()) return plan_.matches(row.text(titleColumn), text, row, firstPlanColumn);
+  const bool locked = row.integer(lockedColumn) != 0;
+  const std::string recognised = locked ? std::string() : recognisedText(row.integer(0));
+  return plan_.matches({}, recognised, row, firstPlanColumn);
+}
+
+std::string TermSearch::recognisedText(std::int64_t note) {
+  sqlite::Query query = connection_.query("SELECT ocrText FROM file WHERE note = ?1");
+  query.bind(1, note);
+  std::string text;
+  while (query.step()) {
+    text += query.text(0);
+    text += '\n';
+  }
+  return text;
+}
+
+}  // namespace tavimodel

@@ -1,0 +1,98 @@
+#pragma once
+
+#include <array>
+#include <string_view>
+
+#include "platform/model/search/search_condition.h"
+#include "platform/model/storage/text_facts.h"
+
+namespace tavimodel {
+
+/// All that is to be known of one kind of condition. A new directive is a new row of the table.
+struct ConditionKind {
+  /// How notes are looked up in which the condition holds.
+  enum class Index {
+    none,      ///< they are not: `sql` is tested note by note
+    byPlace,   ///< `sql` tests a column that has an index behind the location
+    ofFew,     ///< `sql` stands in the WHERE of the index `summaryOfFew`
+    relation,  ///< `sql` selects the notes themselves
+  };
+  /// What has to be at hand before `sql` can run.
+  enum class Needs {
+    nothing,
+    facts,       ///< facts of texts, see missing_facts.h
+    imageNames,  ///< the SQL function isImageName
+    backlinks,   ///< the notes that others link to, as `:text`
+  };
+
+  SearchCondition::Kind kind;
+  std::string_view directive;  ///< the word behind "@"; empty where a query writes it otherwise
+  std::string_view finds;      ///< which notes a directive finds, for people
+  /// A test over the columns of `noteSummary s`, or for a relation a SELECT of `note`. ":text",
+  /// ":from" and ":to" are the condition's own, ":tree" is a test of `tag.title`. NULL is false.
+  std::string_view sql;
+  Index index = Index::none;
+  Needs needs = Needs::nothing;
+  /// It is about what a note holds, which nobody may learn of a locked one: it never holds there.
+  bool isSecret = false;
+};
+
+/// In the order of SearchCondition::Kind.
+inline constexpr std::array conditionKinds = [] {
+  using enum SearchCondition::Kind;
+  using enum ConditionKind::Index;
+  using Needs = ConditionKind::Needs;
+  constexpr bool secret = true;
+  return std::to_array<ConditionKind>({
+      {term, "", "", ""},
+      {tag, "", "", "SELECT note FROM noteTag WHERE tag IN (SELECT id FROM tag WHERE :tree)",
+       relation},
+      {exactTag, "", "",
+       "SELECT note FROM noteTag WHERE tag IN (SELECT id FROM tag WHERE title = :text)", relation},
+      {subtag, "", "",
+       "SELECT note FROM noteTag WHERE tag IN (SELECT id FROM tag WHERE title <> :text "
+       "AND instr('/' || title || '/', '/' || :text || '/') > 0)",
+       relation},
+      {modified, "", "", "modificationDate >= :from AND modificationDate < :to", byPlace},
+      {created, "", "", "creationDate >= :from AND creationDate < :to", byPlace},
+      {todo, "todo", "with open to-dos", "todoIncomplete > 0", none, Needs::facts, secret},
+      {done, "done", "with to-dos, all finished", "todoIncomplete = 0 AND todoCompleted > 0", none,
+       Needs::facts, secret},
+      {task, "task", "with to-dos", "todoIncomplete + todoCompleted > 0", none, Needs::facts,
+       secret},
+      {tagged, "tagged", "with tags", "EXISTS (SELECT 1 FROM noteTag t WHERE t.note = s.note)"},
+      {untagged, "untagged", "without tags",
+       "NOT EXISTS (SELECT 1 FROM noteTag t WHERE t.note = s.note)"},
+      {pinned, "pinned", "pinned in All Notes", "pinned = 1", byPlace},
+      {images, "images", "whose text has an image", "(features & 1) <> 0", none, Needs::facts,
+       secret},
+      {files, "files", "with attached files that are no images",
+       "SELECT note FROM file WHERE NOT isImageName(filename)", relation, Needs::imageNames,
+       secret},
+      {attachments, "attachments", "with attached files", "SELECT note FROM file", relation,
+       Needs::nothing, secret},
+      {code, "code", "whose text has a code span or a code block", "(features & 2) <> 0", none,
+       Needs::facts, secret},
+      {locked, "locked", "that are locked", "encrypted = 1", ofFew},
+      {readOnly, "readonly", "that are read-only", "readOnly = 1", ofFew},
+      {empty, "empty", "without text but white space", "(features & 8) <> 0", ofFew, Needs::facts,
+       secret},
+      {untitled, "untitled", "without a title", "ifnull(title, '') = ''", ofFew},
+      {wikiLinks, "wikilinks", "that link to a note", "(features & 4) <> 0", none, Needs::facts,
+       secret},
+      {backlinks, "backlinks", "that another note links to",
+       "s.note IN (SELECT value FROM json_each(:text))", none, Needs::backlinks},
+      {ocr, "ocr",
+       "with attachments whose text was recognised; terms are looked for in that text only",
+       "SELECT note FROM file WHERE ifnull(ocrText, '') <> ''", relation, Needs::nothing, secret},
+  });
+}();
+
+static_assert(TextFacts::images == 1 && TextFacts::code == 2 && TextFacts::wikiLinks == 4 &&
+              TextFacts::blank == 8);
+
+constexpr const ConditionKind& kindOf(const SearchCondition& condition) {
+  return conditionKinds[static_cast<std::size_t>(condition.kind)];
+}
+
+}  // namespace tavimodel

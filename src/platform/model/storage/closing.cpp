@@ -1,0 +1,43 @@
+#include "platform/model/storage/closing.h"
+
+#include <sqlite3.h>
+
+#include <chrono>
+
+#include "platform/model/storage/file_store.h"
+#include "platform/model/storage/folder_lock.h"
+#include "platform/model/storage/open_database.h"
+#include "platform/model/storage/write_ahead_log.h"
+
+namespace tavimodel {
+namespace {
+
+/// Whether there is anything that closing may write.
+bool canWrite(const sqlite::Connection& connection) {
+  return !connection.isRefused() && sqlite3_db_readonly(connection.handle(), "main") == 0;
+}
+
+}  // namespace
+
+bool tidy(sqlite::Connection& connection, FileStore& files, IndexUpdate updateIndex,
+          TidyBudget budget) {
+  if (!canWrite(connection)) return false;
+  connection.setBusyTimeout(0);
+  const OpenWork work = openWork(connection);
+  files.sweep(connection, work.removedFiles);
+  if (work.notesNotIndexed < budget.fewestNotes) return false;
+  return catchUp(connection, updateIndex, budget.milliseconds);
+}
+
+void closeWhole(std::unique_ptr<sqlite::Connection> connection,
+                const std::filesystem::path& folder) {
+  if (!canWrite(*connection) || logSize(databaseIn(folder)) == 0) return;
+  connection->setBusyTimeout(0);
+  // Of two processes that close at once each would leave the log to the other.
+  const FolderLock oneAtATime(folder, std::chrono::milliseconds(100));
+  sqlite3_wal_checkpoint_v2(connection->handle(), nullptr, SQLITE_CHECKPOINT_TRUNCATE, nullptr,
+                            nullptr);
+  connection.reset();
+}
+
+}  // namespace tavimodel

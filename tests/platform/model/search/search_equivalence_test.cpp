@@ -1,0 +1,224 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <memory>
+
+#include "platform/model/objects/note_tag.h"
+#include "platform/model/objects/opened_model.h"
+#include "platform/model/search/plain_evaluation.h"
+#include "platform/model/search/search_index.h"
+#include "platform/model/search/search_inventor.h"
+#include "platform/model/storage/bookkeeping.h"
+
+// The indexes, the short rows and the walks are shortcuts to one answer. Here it is compared with
+// the long way, on random notes and queries, after random changes by us and by a stranger.
+
+namespace tavimodel {
+namespace {
+
+std::string sqlText(const std::string& text) {
+  char* quoted = sqlite3_mprintf("%Q", text.c_str());
+  std::string result = quoted;
+  sqlite3_free(quoted);
+  return result;
+}
+
+class SearchEquivalence : public OpenedModel {
+ protected:
+  void SetUp() override {
+    setenv("TZ", "Europe/Berlin", 1);
+    tzset();
+    OpenedModel::SetUp();
+    client = std::make_unique<support::ForeignClient>(home.database());
+  }
+  void TearDown() override {
+    unsetenv("TZ");
+    tzset();
+  }
+
+  std::string someID() {
+    return client->value("SELECT id FROM note ORDER BY random() * 0 + (id * " +
+                         std::to_string(1 + invent.below(997)) + ") % 1009 LIMIT 1");
+  }
+
+  void strangerInserts(const std::string& verb, const std::string& key, const std::string& value) {
+    const auto flag = [&](std::size_t n) { return std::string(invent.oneIn(n) ? "1" : "0"); };
+    client->run(verb + " INTO note (" + key +
+                ", title, text, modificationDate, creationDate, trashed, archived, "
+                "permanentlyDeleted, pinned, encrypted, readOnly) VALUES (" +
+                value + ", " + (invent.oneIn(9) ? "NULL" : sqlText(invent.title())) + ", " +
+                (invent.oneIn(20) ? "NULL" : sqlText(invent.text())) + ", " + invent.date() + ", " +
+                invent.date() + ", " + flag(6) + ", " + flag(6) + ", " +
+                (invent.oneIn(2) ? "NULL" : flag(5)) + ", " + flag(5) + ", " + flag(8) + ", " +
+                flag(5) + ")");
+  }
+
+  void strangerTags(const std::string& id) {
+    const std::string name = sqlText(invent.tag());
+    client->run("INSERT OR IGNORE INTO tag (title) VALUES (" + name + ")");
+    client->run("INSERT OR IGNORE INTO noteTag SELECT " + id +
+                ", id FROM tag WHERE title = " + name);
+  }
+
+  void strangerAttaches(const std::string& id) {
+    const char* names[] = {"'a.png'", "'b.pdf'", "NULL", "'c'"};
+    client->run("INSERT INTO file (note, filename, ocrText) VALUES (" + id + ", " +
+                names[invent.below(4)] + ", " +
+                (invent.oneIn(2) ? "NULL" : sqlText(invent.word())) + ")");
+  }
+
+  void strangerChangesSomething() {
+    const std::string id = someID();
+    const std::string flags[] = {"pinned",   "trashed",   "archived",
+                                 "readOnly", "encrypted", "permanentlyDeleted"};
+    switch (invent.below(12)) {
+      case 0:
+        return strangerInserts("INSERT", "id", "NULL");
+      case 1:
+        return strangerInserts("INSERT OR REPLACE", "id", id);
+      case 2:
+        return strangerInserts("INSERT OR REPLACE", "uniqueIdentifier",
+                               "(SELECT uniqueIdentifier FROM note WHERE id = " + id + ")");
+      case 3:
+        return client->run("DELETE FROM note WHERE id IN (" + id + ", " + someID() + ")");
+      case 4:
+        return client->run("UPDATE note SET text = " + sqlText(invent.text()) +
+                           " WHERE id = " + id);
+      case 5:
+        return client->run("UPDATE note SET title = " + sqlText(invent.title()) +
+                           " WHERE id = " + id);
+      case 6:
+        return client->run("UPDATE note SET modificationDate = " + invent.date() +
+                           ", creationDate = " + invent.date() + " WHERE id = " + id);
+      case 7:
+        return strangerTags(id);
+      case 8:
+        return client->run("DELETE FROM noteTag WHERE note = " + id);
+      case 9:
+        return strangerAttaches(id);
+      case 10:
+        return client->run("DELETE FROM file WHERE note = " + id);
+      default:
+        const std::string& flag = flags[invent.below(6)];
+        return client->run("UPDATE note SET " + flag + " = 1 - ifnull(" + flag +
+                           ", 0) WHERE id = " + id);
+    }
+  }
+
+  void weChangeSomething() {
+    context().reset();
+    if (invent.oneIn(4)) {
+      KVNote::noteWithText(invent.text(), context());
+      return context().save();
+    }
+    KVNote* note = KVNote::noteWithUniqueIdentifier(
+        client->value("SELECT uniqueIdentifier FROM note WHERE id = " + someID()), context());
+    if (note == nullptr || note->encryptedValue()) return;
+    switch (invent.below(5)) {
+      case 0:
+        note->pinnedValue() ? note->unpin() : note->pin();
+        break;
+      case 1:
+        note->trashedValue() ? note->restoreFromTrash() : note->trash();
+        break;
+      case 2:
+        KVNoteTag::getOrCreateTagWithName(invent.tag(), context()).addTagToNotes({note}, true);
+        break;
+      default:
+        note->updateNoteWithText(invent.text(), invent.oneIn(2));
+    }
+    context().save();
+  }
+
+  void changeSomething() {
+    for (std::size_t n = invent.below(6); n > 0; --n) {
+      invent.oneIn(3) ? weChangeSomething() : strangerChangesSomething();
+    }
+    if (invent.oneIn(12)) reopen();
+    if (invent.oneIn(8)) {
+      context().reset();
+      catchUp(stack->connection(), updateSearchIndex, 1000);
+    }
+  }
+
+  static constexpr Place kPlaces[] = {Place::notes, Place::trash, Place::archive, Place::anywhere};
+  static bool isAt(std::size_t location, const PlainNote& note) {
+    if (note.deleted) return false;
+    return location == 0   ? !note.trashed && !note.archived
+           : location == 1 ? note.trashed
+           : location == 2 ? note.archived
+                           : true;
+  }
+
+  /// In the order of a list: pinned ones first, the last changed first.
+  static std::vector<std::int64_t> expected(const PlainNotes& notes, const SearchQuery& query,
+                                            std::size_t location) {
+    const Evaluation evaluation(query);
+    std::vector<const PlainNote*> found;
+    for (const auto& [id, note] : notes.all()) {
+      if (isAt(location, note) && evaluation.finds(note)) found.push_back(&note);
+    }
+    std::sort(found.begin(), found.end(), [](const PlainNote* a, const PlainNote* b) {
+      if (a->pinned != b->pinned) return a->pinned;
+      if (a->modified != b->modified) return a->modified > b->modified;
+      return a->id > b->id;
+    });
+    std::vector<std::int64_t> ids;
+    for (const PlainNote* note : found) ids.push_back(note->id);
+    return ids;
+  }
+
+  std::vector<std::int64_t> fetched(const FetchRequest& request) {
+    const NoteTable table = context().fetch(request);
+    std::vector<std::int64_t> ids;
+    for (std::size_t i = 0; i < table.size(); ++i) ids.push_back(table[i].id);
+    return ids;
+  }
+
+  void check(const PlainNotes& notes, const std::string& text) {
+    const std::size_t location = invent.below(4);
+    SCOPED_TRACE(text + " at " + std::to_string(location));
+    const auto query = std::make_shared<SearchQuery>(parseSearchQuery(text, Inventor::now));
+    FetchRequest request;
+    request.place = kPlaces[location];
+    request.search = query;
+    request.sortDescriptors = {{SortKey::pinned, false}, {SortKey::modificationDate, false}};
+    const std::vector<std::int64_t> wanted = expected(notes, *query, location);
+    context().reset();
+    EXPECT_EQ(fetched(request), wanted);
+    EXPECT_EQ(context().count(request), static_cast<std::int64_t>(wanted.size()));
+
+    const std::size_t offset = std::min(invent.below(6), wanted.size());
+    const std::size_t limit = std::min(1 + invent.below(9), wanted.size() - offset);
+    request.fetchOffset = static_cast<std::int64_t>(offset);
+    request.fetchLimit = static_cast<std::int64_t>(limit);
+    const auto begin = wanted.begin() + static_cast<std::ptrdiff_t>(offset);
+    EXPECT_EQ(fetched(request), std::vector(begin, begin + static_cast<std::ptrdiff_t>(limit)));
+  }
+
+  Inventor invent;
+  std::unique_ptr<support::ForeignClient> client;
+};
+
+TEST_F(SearchEquivalence, HoldsForTheWholeLanguageAfterAnyChanges) {
+  for (int i = 0; i < 300; ++i) {
+    if (i % 3 == 0) {
+      KVNote::noteWithText(invent.text(), context());
+    } else {
+      strangerInserts("INSERT", "id", "NULL");
+    }
+    if (i % 50 == 0) context().save();
+  }
+  context().save();
+  const char* rounds = std::getenv("TAVI_RANDOM_ROUNDS");
+  const int count = rounds != nullptr ? std::atoi(rounds) : 60;
+  for (int round = 0; round < count && !HasFailure(); ++round) {
+    changeSomething();
+    const PlainNotes notes(*client);
+    for (int i = 0; i < 8 && !HasFailure(); ++i) check(notes, invent.query());
+  }
+}
+
+}  // namespace
+}  // namespace tavimodel
