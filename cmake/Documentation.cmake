@@ -29,9 +29,11 @@ function(tavi_completion_script program shell file)
   set(documents ${documents} "${script}" PARENT_SCOPE)
 endfunction()
 
-tavi_completion_script(tavicli bash tavicli)
-tavi_completion_script(tavicli zsh _tavicli)
-tavi_completion_script(tavicli fish tavicli.fish)
+foreach(program IN ITEMS tavicli tavi-import tavi-export)
+  tavi_completion_script(${program} bash ${program})
+  tavi_completion_script(${program} zsh _${program})
+  tavi_completion_script(${program} fish ${program}.fish)
+endforeach()
 
 set(completions "${CMAKE_BINARY_DIR}/share/completions")
 install(DIRECTORY "${completions}/bash/"

@@ -12,8 +12,9 @@ foreach(share IN LISTS roots)
     OUTPUT_FILE "${documents}/changelog.Debian"
     COMMAND_ERROR_IS_FATAL ANY)
   file(RENAME "${documents}/CHANGELOG.md" "${documents}/changelog")
+  file(GLOB sourced "${share}/bash-completion/completions/*")
   execute_process(
-    COMMAND sed -i "1{/^#!/d}" "${share}/bash-completion/completions/tavicli"
+    COMMAND sed -s -i "1{/^#!/d}" ${sourced}
     COMMAND_ERROR_IS_FATAL ANY)
   file(GLOB pages "${share}/man/man*/*")
   execute_process(

@@ -4,12 +4,15 @@
 #include <cstdio>
 #include <memory>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "cli/tavi_cli.h"
 #include "cli/version.h"
 #include "export/export_command.h"
 #include "import/import_command.h"
 #include "manual/manual_pages.h"
+#include "manual/search_terms_page.h"
 
 namespace {
 
@@ -27,14 +30,16 @@ int main(int count, char** arguments) {
   const std::string folder = arguments[1];
   const tavi::manual::Release release{.version = tavi::versionString(), .date = arguments[2]};
   using ArgumentParser::commandType;
+  std::vector<tavi::manual::ManualPage> pages{tavi::manual::searchTermsPage(release)};
   for (const auto& program :
        {commandType<tavi::TaviCLI>(), commandType<tavi::import::ImportCommand>(),
         commandType<tavi::exporting::ExportCommand>()}) {
-    for (const auto& page : tavi::manual::manualPages(program, release)) {
-      const std::string path = folder + "/" + page.path();
-      if (write(path, page.text)) continue;
-      std::perror(path.c_str());
-      return 1;
-    }
+    for (auto& page : tavi::manual::manualPages(program, release)) pages.push_back(std::move(page));
+  }
+  for (const auto& page : pages) {
+    const std::string path = folder + "/" + page.path();
+    if (write(path, page.text)) continue;
+    std::perror(path.c_str());
+    return 1;
   }
 }

@@ -209,6 +209,8 @@ void addSeeAlso(Roff& page, const object& command) {
   for (const object* child : shown(command, "subcommands"))
     references.push_back(reference(pathOf(*child)));
   if (references.empty()) references.push_back(reference({"tavicli"}));
+  if (pageName(pathOf(command)) == "tavicli-search" || pageName(pathOf(command)) == "tavicli")
+    references.push_back(Roff::bold("tavicli-search-terms") + "(7)");
   page.section("SEE ALSO");
   page.line(fmt::format("{}", fmt::join(references, ",\n")));
 }

@@ -82,7 +82,8 @@ Roff::Roff(const PageTitle& title) {
   page_ = fmt::format(".TH {} {} {} {} {}\n", quoted(escaped(name)), title.section,
                       quoted(title.date), quoted(escaped(title.program)),
                       quoted(title.section == 1 ? "User Commands" : "Conventions"));
-  page_ += ".nr HY 0\n.ad l\n";  // no hyphens that are not in the text, and no rivers of blanks
+  page_ +=
+      ".nr HY 0\n.nh\n.ad l\n";  // no hyphens that are not in the text, and no rivers of blanks
 }
 
 void Roff::name(std::string_view name, std::string_view abstract) {

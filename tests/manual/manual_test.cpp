@@ -12,6 +12,8 @@
 #include "cli/tavi_cli.h"
 #include "manual/manual_pages.h"
 #include "manual/roff.h"
+#include "manual/search_terms_page.h"
+#include "platform/model/search/directives.h"
 #include "support/every_command.h"
 #include "support/throwaway_home.h"
 
@@ -106,6 +108,17 @@ TEST_F(ManualPages, SayWhatTheHelpSays) {
     }
   });
   EXPECT_EQ(pages.size(), count);
+}
+
+TEST_F(ManualPages, TellOfEveryDirective) {
+  const std::string page = shown(searchTermsPage(kRelease).text);
+  EXPECT_THAT(page, ::testing::Not(HasSubstr("warning")));
+  EXPECT_THAT(page, ::testing::Not(HasSubstr("mandoc:")));
+  EXPECT_THAT(page, HasSubstr("\n       @todo  with open to"));
+  EXPECT_THAT(page, HasSubstr("\n       #tag   Notes with the tag or one below it.\n"));
+  for (const auto& [word, finds] : tavimodel::searchDirectives()) {
+    EXPECT_THAT(squeezed(page), HasSubstr(word + " " + finds));
+  }
 }
 
 TEST_F(ManualPages, AreLaidOutAsManualsAre) {
