@@ -28,7 +28,7 @@ std::string call(const std::string& tool, const std::string& arguments) {
          R"(","arguments":)" + arguments + "}}";
 }
 const std::string list = call("list_notes", R"({"includeContent":true})");
-const std::string save = call("append_to_note", R"({"title":"one","content":"more"})");
+const std::string save = call("create_note", R"({"title":"three"})");
 std::string create(const std::string& title) {
   return call("create_note", R"({"title":")" + title + "\"}");
 }

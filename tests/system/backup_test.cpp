@@ -30,7 +30,7 @@ class Backup : public testing::Test {
     return made.output.substr(0, made.output.find('\n'));
   }
   std::string titles() {
-    const auto list = runProgram({"list", "--fields", "title", "--sort", "title"});
+    const auto list = runProgram({"list", "--fields", "title", "--sort", "title:asc"});
     return list.output + list.errors;
   }
   std::uintmax_t logSize() const {
@@ -198,7 +198,7 @@ TEST_F(Backup, ByEachRecipeOfTheDocumentationComesBackWhole) {
     EXPECT_EQ(runProgram({"attachments", "save", id, "-f", "a.bin"}).output, "bytes");
     EXPECT_EQ(runProgram({"append", id, "--content", "written to the copy"}).exitCode, 0);
     EXPECT_EQ(runProgram({"search", "written", "--count"}).output, "1\n");
-    EXPECT_EQ(runProgram({"tags"}).output, "work\n");
+    EXPECT_EQ(runProgram({"tags"}).output, "#work\n");
     EXPECT_EQ(value("PRAGMA journal_mode"), "wal");
     EXPECT_EQ(value("PRAGMA user_version"), "2");
     EXPECT_EQ(value("PRAGMA integrity_check"), "ok");

@@ -154,6 +154,7 @@ class PowerLoss : public testing::Test {
   std::string state(const fs::path& data) {
     const fs::path there = home.path() / "looked at";
     fs::remove_all(there);
+    fs::create_directories(there);
     fs::copy(data, there / "tavi", fs::copy_options::recursive);
     setenv("XDG_DATA_HOME", there.c_str(), 1);
     std::string result;

@@ -261,7 +261,9 @@ bool holdsAnything(sqlite::Connection& connection) {
 
 /// The tables, indexes and triggers, each as it was written.
 std::set<std::string> objects(sqlite::Connection& connection) {
-  sqlite::Query query = connection.query("SELECT sql FROM sqlite_schema WHERE sql IS NOT NULL");
+  // The shell ends a statement that has a comment in it with a line break.
+  sqlite::Query query =
+      connection.query("SELECT rtrim(sql, char(10)) FROM sqlite_schema WHERE sql IS NOT NULL");
   std::set<std::string> result;
   while (query.step()) result.emplace(query.text(0));
   return result;

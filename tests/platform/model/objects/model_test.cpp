@@ -287,7 +287,7 @@ TEST_F(Model, BringsAVersion1DatabaseUpToDate) {
   const std::string id = create("# a #work");
   ForeignClient client(home.database());
   client.run(
-      "DROP TABLE orphan; DROP INDEX noteLocked; DROP TRIGGER orphanAdopted; "
+      "DROP TABLE orphan; DROP INDEX noteLocked; "
       "DROP TRIGGER noteInserted; DROP TRIGGER summaryOrphaned; "
       "CREATE TRIGGER noteInserted AFTER INSERT ON note BEGIN SELECT 1; END; "
       "CREATE TRIGGER summaryOrphaned AFTER DELETE ON noteSummary BEGIN SELECT 1; END; "
