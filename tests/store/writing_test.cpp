@@ -227,5 +227,23 @@ TEST_F(Writing, FindsAChangeBetweenItsReadAndItsSave) {
   EXPECT_EQ(text(id), "counter 2");
 }
 
+// Large texts are read and compared piece by piece. The stranger has no triggers, so that the text
+// alone tells.
+TEST_F(Writing, FindsAChangeInALargeText) {
+  const std::string large = "# Large\n" + std::string(500'000, 'x') + "\nend";
+  const std::string id = create(large);
+  fresh()->insertText(id, "more", InsertPosition::end);
+  EXPECT_EQ(text(id), large + "\nmore");
+  const auto ours = fresh();
+  ours->insertText(id, "ours", InsertPosition::end);
+  otherProgram("DROP TRIGGER noteUpdated; DROP TRIGGER noteRewritten");
+  otherProgram("UPDATE note SET text = replace(text, 'end', 'End')");
+  EXPECT_EQ(refusal([&] { ours->insertText(id, "lost", InsertPosition::end); }),
+            "concurrent_modification");
+  otherProgram("UPDATE note SET text = NULL");
+  EXPECT_EQ(refusal([&] { ours->insertText(id, "lost", InsertPosition::end); }),
+            "concurrent_modification");
+}
+
 }  // namespace
 }  // namespace tavi
