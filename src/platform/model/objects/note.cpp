@@ -161,7 +161,9 @@ void KVNote::updateNoteWithText(std::string text, bool updateModificationDate,
   }
   std::vector<KVNoteFile> files =
       filesAfterChange(orderedFiles(), linkedBefore, summary.files, unlinked);
-  const bool agrees = title() == summary.title && areSame(tagsStrings(), summary.tags) &&
+  // Read in any case: the save compares with what was there.
+  const std::vector<std::string>& tags = tagsStrings();
+  const bool agrees = title() == summary.title && areSame(tags, summary.tags) &&
                       havePositions(orderedFiles(), files);
   if (!rewritten && agrees) return;
   willChange();
