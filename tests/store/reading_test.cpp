@@ -1,7 +1,7 @@
 #include <filesystem>
 #include <fstream>
 
-#include "platform/model/search_inventor.h"
+#include "platform/model/search/search_inventor.h"
 #include "store_fixture.h"
 
 namespace tavi {
