@@ -80,7 +80,7 @@ bool staysByItself(const ScannedLine& now, const ScannedLine& alone, std::string
 /// or quote, without its marks, may become a paragraph of its own.
 bool staysWhatItWas(const ScannedLine& now, const ScannedLine& before) {
   if (isBlankLine(now) && isBlankLine(before)) return true;
-  if (now.kind != before.kind || now.joinsList != before.joinsList) return false;
+  if (now.kind != before.kind || (before.joinsList && !now.joinsList)) return false;
   if (now.isLazy && !before.isLazy) return false;
   return haveSamePlace(now, before) && now.mayDefine == before.mayDefine;
 }

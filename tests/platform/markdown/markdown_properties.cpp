@@ -53,7 +53,9 @@ Lines linesOf(const std::string& text) {
       const bool holdsWord = std::any_of(line.begin(), line.end(), [](char c) {
         return isASCIILetter(byteOf(c)) || byteOf(c) >= 0x80;
       });
-      if (holdsWord && !isClosing) {
+      // Nor definitions, which are in the midst of a block's text or before it.
+      const bool mayDefine = line.find("]:") != std::string::npos;
+      if (holdsWord && !isClosing && !mayDefine) {
         lines.emplace_back(isMarked && isFoot ? BlockKind::paragraph : block.kind, line);
       }
       at = done = nextLine(text, at);
