@@ -49,7 +49,8 @@ Lines linesOf(const std::string& text) {
       const bool isMarked = block.kind == BlockKind::list || block.kind == BlockKind::lateList ||
                             block.kind == BlockKind::quote;
       // Not marks alone, which a block's text may or may not reach. HTML that was open is closed.
-      const bool isClosing = line == "</pre>" || line == "</script>";
+      const bool isClosing =
+          line == "</pre>" || line == "</script>" || line == "</style>" || line == "</textarea>";
       const bool holdsWord = std::any_of(line.begin(), line.end(), [](char c) {
         return isASCIILetter(byteOf(c)) || byteOf(c) >= 0x80;
       });
