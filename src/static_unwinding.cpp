@@ -3,7 +3,9 @@
 // linker can sort them (--eh-frame-hdr), and they are used so when none are registered: these stand
 // in for the two functions of libgcc (--wrap).
 extern "C" {
+// NOLINTNEXTLINE(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp): the linker's names
 void __wrap___register_frame_info(const void* /*begin*/, void* /*object*/) {}
+// NOLINTNEXTLINE(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp)
 void* __wrap___deregister_frame_info(const void* /*begin*/) {
   return nullptr;
 }
