@@ -14,8 +14,4 @@ std::optional<std::string> TagParser::writtenForm(std::string_view name) {
   return ZDKHashtag::hashtagStringForTagName(name);
 }
 
-std::string TagParser::hashtag(std::string_view name) {
-  return writtenForm(name).value_or("#" + std::string(name));
-}
-
 }  // namespace tavi

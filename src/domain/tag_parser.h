@@ -11,8 +11,6 @@ struct TagParser {
   static std::string canonicalName(std::string_view text);
   /// The hashtag text of a canonical name, or nothing when no hashtag would be read as that name.
   static std::optional<std::string> writtenForm(std::string_view name);
-  /// The hashtag text of a canonical name, or "#" and the name when it has no written form.
-  static std::string hashtag(std::string_view name);
 };
 
 }  // namespace tavi

@@ -18,9 +18,9 @@ TEST(TagParser, GivesTheTwoFormsOfATag) {
   EXPECT_EQ(TagParser::canonicalName(" #work/draft "), "work/draft");
   EXPECT_EQ(TagParser::canonicalName("#multi word#"), "multi word");
   EXPECT_EQ(TagParser::canonicalName(" ## "), "");
-  EXPECT_EQ(TagParser::hashtag("nested/child"), "#nested/child");
-  EXPECT_EQ(TagParser::hashtag("multi word"), "#multi word#");
-  EXPECT_EQ(TagParser::hashtag("line\nbreak"), "#line\nbreak");  // it cannot be written
+  EXPECT_EQ(TagParser::writtenForm("nested/child"), "#nested/child");
+  EXPECT_EQ(TagParser::writtenForm("multi word"), "#multi word#");
+  EXPECT_EQ(TagParser::writtenForm("line\nbreak"), std::nullopt);
 }
 
 TEST(RawTexts, AreMatchedExactly) {
