@@ -1,5 +1,7 @@
 #include "platform/model/storage/sqlite_memory.h"
 
+#include <sanitizer/asan_interface.h>
+#include <sanitizer/lsan_interface.h>
 #include <sqlite3.h>
 #include <sys/mman.h>
 
@@ -35,19 +37,31 @@ constexpr std::size_t placeOf(std::size_t size) {
   return size / stepOf(size) + (size <= small ? 0 : small / stepOf(small));
 }
 
-/// In front of each block. SQLite asks for the size, and wants blocks at multiples of 8.
+/// The size of a block, stored in front of it: SQLite asks for it. SQLite wants blocks at multiples
+/// of 8.
 using Header = std::size_t;
 
 struct FreeBlock {
   FreeBlock* next;
 };
 
-/// Null where there is no memory. All pages are mapped at once: nearly all will be used, and a page
-/// fault each would cost more than what is done with the memory.
+/// Memory that belongs to no block yet, null where there is none. All pages are mapped at once:
+/// nearly all will be used, and a page fault each would cost more than what is done with the
+/// memory. Under the address sanitizer only the bytes of blocks in use may be touched, and what
+/// they point to is not a leak.
 char* mapped(std::size_t size) {
   void* memory = mmap(nullptr, size, PROT_READ | PROT_WRITE,
                       MAP_PRIVATE | MAP_ANONYMOUS | MAP_POPULATE, -1, 0);
-  return memory == MAP_FAILED ? nullptr : static_cast<char*>(memory);
+  if (memory == MAP_FAILED) return nullptr;
+  ASAN_POISON_MEMORY_REGION(memory, size);
+  if constexpr (sanitized) __lsan_register_root_region(memory, size);
+  return static_cast<char*>(memory);
+}
+
+void unmap(char* memory, std::size_t size) {
+  if constexpr (sanitized) __lsan_unregister_root_region(memory, size);
+  ASAN_UNPOISON_MEMORY_REGION(memory, size);
+  munmap(memory, size);
 }
 
 /// Blocks that are free, by size, and a chunk from which new ones are cut. Memory is not given
@@ -82,39 +96,49 @@ std::size_t roundedUp(int wanted) {
   return (size + step - 1) / step * step;
 }
 
-std::size_t sizeOf(const void* block) {
-  Header header = 0;
-  std::memcpy(&header, static_cast<const char*>(block) - sizeof(Header), sizeof header);
-  return header;
+[[gnu::no_sanitize_address]] std::size_t sizeOf(const void* block) {
+  return *(static_cast<const Header*>(block) - 1);
+}
+
+/// Turns memory into a block of `size` bytes behind its header.
+[[gnu::no_sanitize_address]] void* blockAt(char* memory, std::size_t size) {
+  *reinterpret_cast<Header*>(memory) = size;
+  return memory + sizeof(Header);
+}
+
+void* takeFree(std::size_t size) {
+  FreeBlock*& free = pool.freeOf(size);
+  FreeBlock* block = free;
+  if (block == nullptr) return nullptr;
+  ASAN_UNPOISON_MEMORY_REGION(block, size);
+  free = block->next;
+  return block;
 }
 
 void* allocate(int wanted) {
   const std::size_t size = roundedUp(wanted);
   if (size <= largest) {
-    FreeBlock*& free = pool.freeOf(size);
-    if (free != nullptr) {
-      FreeBlock* block = free;
-      free = block->next;
-      return block;
-    }
+    if (void* block = takeFree(size)) return block;
   }
   const std::size_t whole = sizeof(Header) + size;
   char* memory = size <= largest ? pool.cut(whole) : mapped(whole);
   if (memory == nullptr) return nullptr;
-  std::memcpy(memory, &size, sizeof size);
-  return memory + sizeof(Header);
+  void* block = blockAt(memory, size);
+  ASAN_UNPOISON_MEMORY_REGION(block, size);
+  return block;
 }
 
 void release(void* block) {
   if (block == nullptr) return;
   const std::size_t size = sizeOf(block);
   if (size > largest) {
-    munmap(static_cast<char*>(block) - sizeof(Header), sizeof(Header) + size);
+    unmap(static_cast<char*>(block) - sizeof(Header), sizeof(Header) + size);
     return;
   }
   auto* freed = static_cast<FreeBlock*>(block);
   freed->next = pool.freeOf(size);
   pool.freeOf(size) = freed;
+  ASAN_POISON_MEMORY_REGION(block, size);
 }
 
 void* reallocate(void* block, int wanted) {
@@ -146,7 +170,6 @@ void stop(void*) {}
 void useMemoryPools() {
   static constexpr sqlite3_mem_methods methods{allocate, release, reallocate, blockSize,
                                                rounded,  start,   stop,       nullptr};
-  if (sanitized) return;
   sqlite3_config(SQLITE_CONFIG_MALLOC, &methods);
   // SQLite's own two pools would do nothing but touch more memory: twenty pages of a file for each
   // cache, and 48 KB of small blocks for each connection.
