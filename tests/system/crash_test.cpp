@@ -12,6 +12,7 @@
 
 #include "support/foreign_client.h"
 #include "support/program.h"
+#include "support/rounds.h"
 #include "support/throwaway_home.h"
 
 // Every writing command, killed at random moments, leaves the state before or the state after; what
@@ -23,7 +24,6 @@ namespace fs = std::filesystem;
 using support::runAndKill;
 using support::runProgram;
 
-constexpr int rounds = 300;
 constexpr int taggedNotes = 40;
 
 class Crash : public testing::Test {
@@ -183,6 +183,7 @@ class Crash : public testing::Test {
 };
 
 TEST_F(Crash, LeavesTheStateBeforeOrAfter) {
+  const int rounds = support::rounds(300);
   for (int round = 0; round < rounds && !HasFailure(); ++round) {
     switch (random() % 6) {
       case 0:
@@ -205,6 +206,7 @@ TEST_F(Crash, LeavesTheStateBeforeOrAfter) {
     }
     if (round % 10 == 9) checkEverything();
   }
+  RecordProperty("killed", killed);
   EXPECT_GT(acknowledged, rounds / 20) << "some must come through";
   EXPECT_GT(killed, rounds / 20) << "some must be hit";
 }

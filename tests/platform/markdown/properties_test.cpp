@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -10,6 +9,7 @@
 #include "platform/markdown/hashtag.h"
 #include "platform/markdown/markdown_properties.h"
 #include "platform/text/utf8.h"
+#include "support/rounds.h"
 
 namespace zephyrdown {
 namespace {
@@ -87,8 +87,7 @@ constexpr const char* kMarkdown[] = {
 
 TEST(Markdown, HoldsItsPropertiesForRandomTexts) {
   RandomTexts random(20250611);
-  const char* rounds = std::getenv("TAVI_RANDOM_ROUNDS");
-  const int count = rounds != nullptr ? std::atoi(rounds) : 3000;
+  const int count = support::rounds(3000);
   for (int round = 0; round < count && !HasFailure(); ++round) {
     checkText(random.text(kMarkdown, 1 + random.below(30)));
   }

@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cstdlib>
 #include <memory>
 
 #include "platform/model/objects/note_tag.h"
@@ -10,6 +9,7 @@
 #include "platform/model/search/search_index.h"
 #include "platform/model/search/search_inventor.h"
 #include "platform/model/storage/bookkeeping.h"
+#include "support/rounds.h"
 
 // The indexes, the short rows and the walks are shortcuts to one answer. Here it is compared with
 // the long way, on random notes and queries, after random changes by us and by a stranger.
@@ -211,8 +211,7 @@ TEST_F(SearchEquivalence, HoldsForTheWholeLanguageAfterAnyChanges) {
     if (i % 50 == 0) context().save();
   }
   context().save();
-  const char* rounds = std::getenv("TAVI_RANDOM_ROUNDS");
-  const int count = rounds != nullptr ? std::atoi(rounds) : 60;
+  const int count = support::rounds(60);
   for (int round = 0; round < count && !HasFailure(); ++round) {
     changeSomething();
     const PlainNotes notes(*client);
