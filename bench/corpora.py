@@ -10,7 +10,9 @@ from dataclasses import dataclass
 from pathlib import Path
 
 HERE = Path(__file__).resolve().parent
-SIZES = {"1k": 1_000, "10k": 10_000, "100k": 100_000, "huge": "huge"}
+SIZES = {"1k": 1_000, "10k": 10_000, "100k": 100_000, "1m": 1_000_000, "huge": "huge"}
+PROGRAM_ONLY = {"1m"}  # no Markdown files and no floors' file: the program is compared with itself
+SCHEMA = HERE.parent / "src" / "platform" / "model" / "storage" / "schema.cpp"
 
 
 @dataclass
@@ -48,7 +50,8 @@ class Corpus:
         folder.mkdir()
         shutil.copytree(self.folder / "data", folder / "data")
         (folder / "home").mkdir()
-        shutil.copy(self.floor, folder / "floor.sqlite")
+        if self.floor.exists():
+            shutil.copy(self.floor, folder / "floor.sqlite")
         os.sync()  # or the first commit to be timed waits for these bytes
         return Corpus(self.size, folder, self.facts)
 
@@ -56,9 +59,7 @@ class Corpus:
 def generator_identity():
     """Changes with what the corpora are made of."""
     digest = hashlib.sha256()
-    sources = sorted((HERE / "corpus").glob("*"))
-    sources.append(HERE.parent / "src" / "platform" / "model" / "schema.cpp")
-    for source in sources:
+    for source in [*sorted((HERE / "corpus").glob("*")), SCHEMA]:
         digest.update(source.read_bytes())
     return digest.hexdigest()[:10]
 
@@ -85,14 +86,28 @@ def _make(size, folder, generator, program):
         run = subprocess.run([generator, form, count, path], check=True, capture_output=True)
         return run.stdout
 
-    facts = json.loads(generate("markdown", made.markdown))
-    generate("floor", made.floor)
+    if size in PROGRAM_ONLY:
+        facts = json.loads(generate("facts", "-"))
+    else:
+        facts = json.loads(generate("markdown", made.markdown))
+        generate("floor", made.floor)
     # The program makes its database itself, and brings its index up to date, a bounded step at
     # the end of each command. What it leaves for later is what its user has, too.
     _search(made, program)
     generate("rows", made.database)
+    facts["broadTag"] = _broad_tag(made.database)
     facts["indexingCommands"], facts["notIndexed"] = _index(made, program)
     (folder / "facts.json").write_text(json.dumps(facts))
+
+
+def _broad_tag(database):
+    """The tag of the first level that, with those below it, the notes nearest to a sixth carry."""
+    notes = _ask(database, "SELECT count(*) FROM note")
+    shares = _rows(
+        database,
+        "SELECT CASE instr(title, '/') WHEN 0 THEN title ELSE substr(title, 1, instr(title, '/') "
+        "- 1) END AS root, count(DISTINCT note) FROM noteTag JOIN tag ON tag.id = tag GROUP BY root")
+    return min(shares, key=lambda share: abs(share[1] - notes / 6), default=("",))[0]
 
 
 def _search(corpus, program):
@@ -156,6 +171,19 @@ def text_length(database):
 
 def _ask(database, question):
     return _rows(database, question)[0][0]
+
+
+def clear(corpus, program):
+    """Gives the corpus a new database without notes."""
+    shutil.rmtree(corpus.database.parent)
+    _search(corpus, program)
+
+
+def add_rows(corpus, count, build):
+    """Adds notes as another program does, by plain SQL."""
+    generator = build / "bench" / "bench_corpus"
+    subprocess.run([generator, "rows", str(count), corpus.database], check=True)
+    os.sync()
 
 
 def _rows(database, question, *values):

