@@ -13,8 +13,8 @@
 #include "json/json_reader.h"
 #include "json/json_writer.h"
 
-/// JSON-RPC 2.0 (https://www.jsonrpc.org/specification), one object per line, without batches. All
-/// objects are written with sorted keys.
+/// JSON-RPC 2.0 (https://www.jsonrpc.org), one object per line, without batches. All objects are
+/// written with sorted keys.
 namespace tavi::mcp {
 
 namespace JSONRPC {

@@ -30,7 +30,8 @@ void forEachScalar(std::string_view from, Visit visit) {
   }
 }
 
-/// Whether Windows reserves the name (CON, COM1, ...), which it does with any extension.
+/// Whether it is the name of a DOS device (CON, COM1, ...), which is reserved with any extension on
+/// systems that users share folders with.
 bool isReserved(const std::string& name) {
   const std::string folded = text::foldedForSearch(name.substr(0, name.find('.')));
   constexpr std::array reserved{"con", "prn", "aux", "nul"};
