@@ -1,10 +1,10 @@
-// Writes a corpus of generated notes. The same arguments always give the same corpus.
+// Writes a corpus of made-up notes, the same for the same arguments.
 //
 //   bench_corpus markdown NOTES FOLDER      Markdown files, and facts.json on stdout
-//   bench_corpus rows NOTES DATABASE        rows for a database that the program has created
+//   bench_corpus rows NOTES DATABASE        rows for a database that the program has made
 //   bench_corpus floor NOTES FILE           the file that the floors read
 //
-// NOTES is the number of notes, or "huge" for one note of 10 MB.
+// NOTES is their number, or "huge" for one note of 10 MB.
 
 #include <cstdio>
 #include <cstdlib>

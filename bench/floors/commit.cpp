@@ -1,6 +1,6 @@
-// commit FILE [NOTES [indexed]]: adds small notes, each in its own durable commit, and prints the
-// number of notes in the file. Checkpoints the log at the end. With "indexed", each commit also
-// updates the trigram index.
+// commit FILE [NOTES [indexed]]: adds small notes, each with a durable commit of its own; the
+// number of the file's notes is printed. The log is written back, so that the file alone holds
+// everything. "indexed" keeps the trigram index in the same commit.
 #include <ctime>
 
 #include "found_notes.h"

@@ -1,5 +1,5 @@
-// server FILE: a minimal JSON-RPC loop on the standard streams, which answers the requests of the
-// benchmark. Opens the file for each call, like a server that shares it with other programs.
+// server FILE: a bare JSON-RPC loop on the standard streams, for the requests that the benchmark
+// sends. Opens the file for each call, as a server does that shares it with other programs.
 #include <cstdio>
 #include <string>
 
@@ -12,8 +12,8 @@ namespace {
 using bench::Statement;
 using floors::Output;
 
-/// The text between the first `before` and the next double quote.
-std::string_view valueAfter(std::string_view line, std::string_view before) {
+/// What lies between the first `before` and the double quote behind it.
+std::string_view valueBehind(std::string_view line, std::string_view before) {
   const std::size_t found = line.find(before);
   if (found == line.npos) return {};
   const std::size_t begin = found + before.size();
@@ -22,7 +22,7 @@ std::string_view valueAfter(std::string_view line, std::string_view before) {
 
 enum class Inside { string, stringOfString };
 
-/// The escapes of JSON: applied once in the answer itself, twice in the answer as a string.
+/// JSON's escapes, once for the answer itself, twice for the answer as a text.
 struct Escapes {
   std::string_view of[256];
   bool special[256] = {};
@@ -52,7 +52,7 @@ void escape(Output& output, std::string_view text, const Escapes& escapes) {
   output << text.substr(plain);
 }
 
-/// Sends the answer as a string and as an object. `write(inText)` writes it once.
+/// The answer is sent as a text and as an object. `write(inText)` writes it once.
 template <class Write>
 void respond(Output& output, Write write) {
   output << R"({"id":1,"jsonrpc":"2.0","result":{"content":[{"text":")";
@@ -86,7 +86,7 @@ void searchNotes(Output& output, bench::Database& database, std::string_view wor
   Statement body(database, "SELECT text FROM body WHERE id = ?1");
   const std::string trigrams = floors::trigramQuery(word);
   candidates.bind(1, std::string_view(trigrams));
-  std::string found;  // [id, matches] of each note, which SQLite sorts
+  std::string found;  // [id, matches] of each, for SQLite to sort
   while (candidates.step()) {
     body.bind(1, candidates.integer(0)).step();
     const std::size_t matches = floors::countWord(body.text(0), word);
@@ -141,10 +141,10 @@ int main(int, char** argv) {
   std::size_t capacity = 0;
   for (ssize_t size; (size = getline(&line, &capacity, stdin)) > 0;) {
     const std::string_view request(line, static_cast<std::size_t>(size));
-    const std::string_view tool = valueAfter(request, R"("name":")");
+    const std::string_view tool = valueBehind(request, R"("name":")");
     bench::Database database(argv[1]);
-    if (tool == "get_note") getNote(output, database, valueAfter(request, R"("id":")"));
-    if (tool == "search_notes") searchNotes(output, database, valueAfter(request, R"("query":")"));
+    if (tool == "get_note") getNote(output, database, valueBehind(request, R"("id":")"));
+    if (tool == "search_notes") searchNotes(output, database, valueBehind(request, R"("query":")"));
     if (tool == "list_notes") listNotesWithContent(output, database);
   }
 }

@@ -43,8 +43,8 @@ std::string escapedCharacter(std::string_view character) {
   }
 }
 
-/// Escapes prose, whose hyphens and quotes may be printed typographically.
-std::string escapedProse(std::string_view text) {
+/// A text that is read and not copied: its hyphens and quotes may be printed as such.
+std::string quiet(std::string_view text) {
   std::string result;
   for (const std::string_view character : ArgumentParser::characters(text))
     result +=
@@ -87,7 +87,7 @@ Roff::Roff(const PageTitle& title) {
 
 void Roff::name(std::string_view name, std::string_view abstract) {
   section("NAME");
-  line(fmt::format("{} \\- {}", name, escapedProse(abstract)));
+  line(fmt::format("{} \\- {}", name, quiet(abstract)));
 }
 
 void Roff::line(std::string_view markup) {
