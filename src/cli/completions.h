@@ -12,7 +12,7 @@ namespace tavi::completions {
 
 using ArgumentParser::CandidateFunction;
 using ArgumentParser::CompletionRequest;
-using Candidates = std::vector<std::string>;
+using Candidates = std::vector<std::string>;  ///< unquoted texts; see CandidateFunction
 
 /// The note that the command line identifies so far; both fields are absent if it does not.
 struct NoteOnLine {

@@ -10,6 +10,7 @@
 /// Turns errors into output and exit codes: 64 for usage errors, 1 for all others.
 namespace tavi {
 
+/// Command-line arguments without the program's name.
 using Arguments = std::vector<std::string>;
 
 /// Whether the arguments contain "--format json", looked up without parsing: errors of an invalid
