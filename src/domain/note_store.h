@@ -97,8 +97,9 @@ class NoteStore {
   virtual WriteResponse moveNote(const std::string& id, NoteLocation target) = 0;
 
   virtual std::vector<AttachmentInfo> listAttachments(const std::string& id) = 0;
-  /// Stores the bytes under the file name, numbered ("photo 2.jpg") if the note has such a file, and
-  /// links the file at the end of the text. Throws std::runtime_error for an invalid name: empty,
+  /// Stores the bytes under the file name, numbered ("photo 2.jpg") if the note has such a file,
+  /// and links the file at the end of the text. Throws std::runtime_error for an invalid name:
+  /// empty,
   /// "." or "..", with "/" or NUL, over 255 bytes, or not UTF-8.
   virtual WriteResponse addAttachment(const std::string& id, const std::string& bytes,
                                       const std::string& filename) = 0;
