@@ -1,8 +1,7 @@
 // In a statically linked program, GCC's start-up code registers the unwind tables of exceptions,
 // and the first exception sorts them, which takes three milliseconds. The linker can sort them
-// instead
-// (--eh-frame-hdr), but libgcc uses its table only if none are registered. These functions replace
-// the two registration functions of libgcc (--wrap).
+// instead (--eh-frame-hdr), but libgcc uses its table only if none are registered. These functions
+// replace the two registration functions of libgcc (--wrap).
 extern "C" {
 // NOLINTNEXTLINE(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp): the linker's names
 void __wrap___register_frame_info(const void* /*begin*/, void* /*object*/) {}

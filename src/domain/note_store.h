@@ -99,8 +99,7 @@ class NoteStore {
   virtual std::vector<AttachmentInfo> listAttachments(const std::string& id) = 0;
   /// Stores the bytes under the file name, numbered ("photo 2.jpg") if the note has such a file,
   /// and links the file at the end of the text. Throws std::runtime_error for an invalid name:
-  /// empty,
-  /// "." or "..", with "/" or NUL, over 255 bytes, or not UTF-8.
+  /// empty, "." or "..", with "/" or NUL, over 255 bytes, or not UTF-8.
   virtual WriteResponse addAttachment(const std::string& id, const std::string& bytes,
                                       const std::string& filename) = 0;
   /// Both throw `attachmentNotFound`.
