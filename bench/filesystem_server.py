@@ -1,6 +1,6 @@
-"""The protocol's official filesystem server from npm: another server that hands out notes, as files.
+"""The protocol's official filesystem server from npm, which serves notes as files, for comparison.
 
-It has no search in texts, so only what it can do is compared.
+It cannot search in texts, so only the other requests are compared.
 """
 
 import json
@@ -12,7 +12,7 @@ HERE = Path(__file__).resolve().parent / "filesystem_server"
 
 
 def installed(build, log):
-    """The command that starts it, to be followed by a folder; None without Node.js and npm."""
+    """The command that starts it, without its folder argument; None without Node.js and npm."""
     if shutil.which("npm") is None or shutil.which("node") is None:
         return None
     folder = build / "bench" / "filesystem_server"
@@ -28,7 +28,7 @@ def installed(build, log):
 
 
 def request(tool, corpus):
-    """What asks for the same as a tool of ours asks for, or None."""
+    """The request that corresponds to one of our tools; None if there is none."""
     if tool == "get_note":
         return _call("read_text_file", {"path": _file(corpus, corpus.facts["notes"] // 2)})
     if tool == "list_notes":

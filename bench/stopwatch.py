@@ -1,4 +1,4 @@
-"""Runs the stop-watches (bench/measure) and counts syncs."""
+"""Runs the timing programs of bench/measure and counts syncs."""
 
 import os
 import re
@@ -13,8 +13,8 @@ from dataclasses import dataclass
 
 @dataclass
 class Timing:
-    times: list  # milliseconds, in the order they were taken
-    memory: int  # KiB, the largest of all runs
+    times: list  # milliseconds, in the order of the runs
+    memory: int  # KiB, the maximum of all runs
 
     @property
     def median(self):
@@ -32,10 +32,10 @@ class Timing:
 class Stopwatch:
     def __init__(self, build, budget):
         self.build = build
-        self.budget = budget  # seconds a row
+        self.budget = budget  # seconds per row
 
     def processes(self, commands, environment, most=400):
-        """Times the commands in turn, as often as the budget allows."""
+        """Times the commands in turn, in as many rounds as the budget allows."""
         watch = self.build / "bench" / "bench_pairs"
         return self._timed(lambda rounds: [watch, rounds], commands, environment, 7, most)
 
@@ -43,8 +43,8 @@ class Stopwatch:
         return self._run([self.build / "bench" / "bench_pairs", 1], [command], environment)[0]
 
     def unraised(self, command, environment):
-        """Milliseconds at ordinary priority: a command of the real-time class, with much to be
-        written, keeps the kernel's own writers from their work."""
+        """Milliseconds at normal priority. At real-time priority, a command that writes much data
+        would block the kernel's writeback threads."""
         start = time.perf_counter()
         subprocess.run([str(part) for part in command], env=environment, check=True,
                        stdout=subprocess.DEVNULL, stdin=subprocess.DEVNULL)
@@ -61,8 +61,8 @@ class Stopwatch:
             )
 
     def conversation(self, requests, server, environment, rounds=1):
-        """Times each of many requests to one server, all of them so many times. Where memory is
-        asked for the requests are few: what the stop-watch holds when it starts the server counts.
+        """Times each of the requests to one server, all of them `rounds` times. To measure memory,
+        send few requests: the memory of the timing program counts when it starts the server.
         """
         with tempfile.NamedTemporaryFile("w", suffix=".jsonl") as file:
             file.writelines(request + "\n" for request in requests)
@@ -71,7 +71,7 @@ class Stopwatch:
             return self._run([watch, file.name, rounds], [server], environment)[0]
 
     def _timed(self, watch, commands, environment, least, most):
-        # The first rounds warm the page cache and tell how long a round takes.
+        # The first rounds warm the page cache and show how long a round takes.
         trial = self._run(watch(2), commands, environment)
         round_ms = sum(min(timing.times) for timing in trial)
         rounds = int(max(least, min(most, self.budget * 1000 / round_ms)))
@@ -92,13 +92,13 @@ class Stopwatch:
 
 
 def can_raise_priority():
-    """Whether the stop-watches may go before other processes."""
+    """Whether the timing programs may run at real-time priority."""
     child = "import os; os.sched_setscheduler(0, os.SCHED_FIFO, os.sched_param(1))"
     return subprocess.run([sys.executable, "-c", child], capture_output=True).returncode == 0
 
 
 def syncs(command, environment):
-    """How often the command has the disk brought up to date; None when that cannot be counted."""
+    """The number of sync calls of the command; None if they cannot be counted."""
     if shutil.which("strace") is None:
         return None
     with tempfile.NamedTemporaryFile("r", suffix=".strace") as file:

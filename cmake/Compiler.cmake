@@ -1,7 +1,7 @@
-# What every target of ours is compiled with. Libraries come in as SYSTEM, so that only our
-# own code is held to the warnings. Whoever configures decides about optimisation, debugging and
-# hardening (CMAKE_BUILD_TYPE, CXXFLAGS, LDFLAGS), and whether a warning is an error
-# (CMAKE_COMPILE_WARNING_AS_ERROR); the presets say what developers and CI use.
+# Options for all targets of the project. Libraries are SYSTEM, so that warnings apply to the
+# project's own code only. Optimisation, debugging and hardening (CMAKE_BUILD_TYPE, CXXFLAGS, LDFLAGS)
+# and whether warnings are errors (CMAKE_COMPILE_WARNING_AS_ERROR) are left to the user; the presets
+# set what developers and CI use.
 
 if(NOT CMAKE_BUILD_TYPE)
   set(CMAKE_BUILD_TYPE RelWithDebInfo CACHE STRING "" FORCE)
@@ -12,7 +12,7 @@ if(CCACHE AND NOT DEFINED CMAKE_CXX_COMPILER_LAUNCHER)
   set(CMAKE_CXX_COMPILER_LAUNCHER "${CCACHE}")
 endif()
 
-# No file tells where it was built: two builds in two folders are the same to the byte.
+# Keep build paths out of the files, so that builds in different folders are identical.
 add_compile_options(
   "-ffile-prefix-map=${CMAKE_SOURCE_DIR}=."
   "-ffile-prefix-map=${CMAKE_BINARY_DIR}=./build")
@@ -20,19 +20,19 @@ add_compile_options(
 add_library(tavi_compiler INTERFACE)
 target_compile_options(tavi_compiler INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wconversion
-  # A designated initializer that names some fields leaves the others at their defaults on purpose.
+  # Designated initializers deliberately leave the other fields at their defaults.
   -Wno-missing-field-initializers
   -ffunction-sections -fdata-sections)
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
-  # False alarms of g++ 12 inside std::string and std::variant (GCC bugs 105329, 105651, 105562).
+  # False positives of g++ 12 inside std::string and std::variant (GCC bugs 105329, 105651, 105562).
   target_compile_options(tavi_compiler INTERFACE -Wno-restrict -Wno-array-bounds -Wno-maybe-uninitialized)
 endif()
 target_link_options(tavi_compiler INTERFACE -Wl,--gc-sections -Wl,--build-id -Wl,--as-needed)
 
 if(TAVI_SANITIZE)
-  # fno-sanitize-recover: a finding of the undefined-behaviour sanitizer fails the test.
+  # fno-sanitize-recover: undefined behaviour fails the test instead of only printing a message.
   set(sanitizers -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
-  # fuzzer-no-link: rooms are instrumented with coverage for the fuzz targets (tavi_fuzz).
+  # fuzzer-no-link: instruments the rooms with coverage for the fuzz targets (tavi_fuzz).
   target_compile_options(tavi_compiler INTERFACE ${sanitizers} -fsanitize=fuzzer-no-link)
   target_link_options(tavi_compiler INTERFACE ${sanitizers})
 elseif(TAVI_STATIC)

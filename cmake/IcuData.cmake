@@ -1,9 +1,10 @@
-# Debian's archive of ICU's data is 30 MB, and one object. A static program takes what it uses:
+# Debian's static library of ICU's data is a single object of 30 MB. This function links a static
+# program with only the data that it uses:
 #
-#   tavi_icu_data(tavicli)                # normalisation, properties, and sorting in all languages
-#   tavi_icu_data(tavi-import CONVERTERS) # and character encodings, another 5 MB
+#   tavi_icu_data(tavicli)                # normalisation, properties, collation in all languages
+#   tavi_icu_data(tavi-import CONVERTERS) # also character encodings, another 5 MB
 #
-# Left out are translations, calendars, currencies, units, transliteration and the dictionaries of
+# It leaves out translations, calendars, currencies, units, transliteration and the dictionaries for
 # line breaking.
 function(tavi_icu_data program)
   cmake_parse_arguments(DATA "CONVERTERS" "" "" ${ARGN})

@@ -1,10 +1,12 @@
-# Outside libraries, each under one name `ext::...`. TAVI_STATIC decides for all of them at once:
-# Debian's archives, or Debian's shared libraries.
+# Third-party libraries, as targets `ext::...`. TAVI_STATIC selects Debian's static or shared
+# libraries for all of them.
 
 find_package(Threads REQUIRED)
 find_package(Boost 1.81 REQUIRED)
 
-#   tavi_library(ext::icu unicode/uchar.h icui18n icuuc)   # a header of it, and the names to link
+# Defines a target from one of the library's headers and the names to link:
+#
+#   tavi_library(ext::icu unicode/uchar.h icui18n icuuc)
 function(tavi_library target header)
   add_library(${target} INTERFACE IMPORTED GLOBAL)
   find_path(${target}_include ${header} REQUIRED)
@@ -36,15 +38,15 @@ if(NOT TAVI_STATIC)
   return()
 endif()
 
-# Debian ships these two as shared libraries only. For fmt the headers are enough: they hold the
-# whole library, which is compiled once here instead of in every unit.
+# Debian packages the next two as shared libraries only. The headers of fmt contain the whole
+# library, which is compiled here once instead of in every translation unit.
 find_path(fmt_include fmt/format-inl.h REQUIRED)
 add_library(fmt_library STATIC "${CMAKE_SOURCE_DIR}/src/fmt_library.cpp")
 target_include_directories(fmt_library SYSTEM PUBLIC ${fmt_include})
 target_compile_options(fmt_library PRIVATE -ffunction-sections -fdata-sections)
 add_library(ext::fmt ALIAS fmt_library)
 
-# The parser's source is fetched from where the machine's packages come from.
+# The source of md4c comes from the Debian mirror of this machine.
 set(md4c_source "${CMAKE_SOURCE_DIR}/build/third-party/md4c-0.4.8/src")
 if(NOT EXISTS "${md4c_source}/md4c.c")
   execute_process(COMMAND "${CMAKE_SOURCE_DIR}/scripts/fetch-md4c" RESULT_VARIABLE failure)

@@ -3,12 +3,12 @@
 #
 #   #include "domain/note_records.h"
 #
-# and only by rooms that name it under USES: each room exports its own folder in the build tree,
+# and only by rooms that name it under USES: each room has its own include folder in the build tree,
 # which contains only a link to its sources, so any other include finds no file.
 #
 #   tavi_room(domain SOURCES content_hash.cpp ... USES platform/text ... LIBRARIES ext::fmt)
 #
-# The target's name is tavi_ and the path, with "/" as "_".
+# The target is named "tavi_" and the path, with "_" for "/".
 
 function(tavi_room path)
   cmake_parse_arguments(ROOM "" "" "SOURCES;USES;LIBRARIES" ${ARGN})
@@ -40,8 +40,8 @@ function(tavi_room path)
   target_link_libraries(tavi_${name} PRIVATE tavi_compiler ${uses} ${ROOM_LIBRARIES})
 endfunction()
 
-# The tests of one room: one program. It is one CTest entry, since starting a program costs more than
-# most tests; EACH makes every test an entry, so that slow ones run in parallel.
+# The test program of a room. It is a single CTest entry, since starting a program takes longer than
+# most tests; with EACH every test is an entry, so that slow tests run in parallel.
 #
 #   tavi_tests(domain SOURCES content_hash_test.cpp ... USES domain)
 function(tavi_tests path)
@@ -51,7 +51,7 @@ function(tavi_tests path)
   string(REPLACE "/" "_" uses "${TESTS_USES}")
   list(TRANSFORM uses PREPEND tavi_)
   target_include_directories(test_${name} PRIVATE "${CMAKE_SOURCE_DIR}/tests")
-  # Only the rooms are optimised: a test compiles in half the time without it.
+  # Tests are not optimised, which halves their compile time.
   target_compile_options(test_${name} PRIVATE -O0)
   target_link_libraries(test_${name} PRIVATE tavi_compiler ${uses} ${TESTS_LIBRARIES}
     GTest::gmock GTest::gtest_main)
@@ -66,8 +66,8 @@ function(tavi_tests path)
   endif()
 endfunction()
 
-# A libFuzzer target, seeded with the files of <name>_seeds/, that checks properties of arbitrary
-# input. The sanitizer build runs it for some seconds as a test; scripts/fuzz runs it longer.
+# A libFuzzer target, with seeds in <name>_seeds/. The sanitizer build runs it for a few seconds as a
+# test; scripts/fuzz runs it longer.
 #
 #   tavi_fuzz(markdown USES platform/markdown)   # markdown_fuzz.cpp
 set(TAVI_FUZZ_SECONDS 5 CACHE STRING "How long each fuzz target runs as a test")
@@ -82,7 +82,7 @@ function(tavi_fuzz name)
   target_include_directories(fuzz_${name} PRIVATE "${CMAKE_SOURCE_DIR}/tests")
   target_link_libraries(fuzz_${name} PRIVATE tavi_compiler ${uses} ${FUZZ_LIBRARIES})
   target_link_options(fuzz_${name} PRIVATE -fsanitize=fuzzer)
-  # New inputs go to the first folder; failing inputs are kept beside it.
+  # libFuzzer adds new inputs to the first folder; failing inputs are written next to it.
   set(kept "${CMAKE_BINARY_DIR}/fuzz/${name}")
   file(MAKE_DIRECTORY "${kept}")
   add_test(NAME "fuzz: ${name}" COMMAND fuzz_${name} -max_total_time=${TAVI_FUZZ_SECONDS}

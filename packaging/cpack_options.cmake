@@ -1,4 +1,4 @@
-# Read by cpack for each generator, once it knows which one it is.
+# cpack reads this file for each generator.
 if(CPACK_GENERATOR STREQUAL "DEB")
   set(CPACK_PRE_BUILD_SCRIPTS "${CPACK_TAVI_SOURCE_DIR}/packaging/debian_files.cmake")
 else()

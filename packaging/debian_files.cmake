@@ -1,6 +1,5 @@
-# What Debian wants otherwise than other systems, done to the installed files before cpack packs
-# them: the changelog in its own form, manual pages and changelogs compressed, and no "#!" in a script
-# that is only sourced.
+# Changes that Debian requires to the installed files before cpack packs them: a changelog in Debian's
+# format, compressed manual pages and changelogs, and no "#!" in scripts that are only sourced.
 file(GLOB roots "${CPACK_TEMPORARY_INSTALL_DIRECTORY}/usr/share"
   "${CPACK_TEMPORARY_INSTALL_DIRECTORY}/*/usr/share")
 foreach(share IN LISTS roots)

@@ -1,4 +1,4 @@
-# A bundle's manifest, from the server's answers to "initialize" and "tools/list".
+# Makes a bundle's manifest from the server's answers to "initialize" and "tools/list".
 {
   manifest_version: "0.3",
   name: "tavicli",

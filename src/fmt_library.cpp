@@ -1,5 +1,5 @@
-// fmt, compiled once: Debian ships its shared library and its headers, but no archive. These are
-// the instantiations that the headers of version 9.1 declare and leave to the library.
+// Compiles the fmt library: Debian packages its shared library and headers, but no static library.
+// These are the instantiations that the headers of version 9.1 declare as extern templates.
 
 #include <fmt/format-inl.h>
 

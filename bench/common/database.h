@@ -9,12 +9,12 @@
 
 namespace bench {
 
-/// The least that is needed of SQLite. A failure ends the process: a benchmark that goes on after
-/// one measures nothing.
+/// A minimal SQLite connection. Any failure ends the process, since a benchmark that continues
+/// would measure the wrong thing.
 class Database {
  public:
   explicit Database(const char* path) {
-    // NOMUTEX: one thread, as in the program. A connection that stays quiet on closing, too.
+    // NOMUTEX: one thread, as in the program. Closing does not checkpoint either.
     const int flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX;
     if (sqlite3_open_v2(path, &handle_, flags, nullptr) != SQLITE_OK) fail();
     sqlite3_db_config(handle_, SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 1, nullptr);
@@ -36,6 +36,7 @@ class Database {
   sqlite3* handle_ = nullptr;
 };
 
+/// A prepared statement. Parameters and columns are numbered as in SQLite: from 1 and from 0.
 class Statement {
  public:
   Statement(Database& database, std::string_view sql) : database_(database) {
@@ -56,13 +57,14 @@ class Statement {
     sqlite3_bind_double(statement_, parameter, value);
     return *this;
   }
-  /// The text is not copied: it must outlive the next steps.
+  /// The text is not copied: it must stay valid until the statement is reset.
   Statement& bind(int parameter, std::string_view value) {
     sqlite3_bind_text64(statement_, parameter, value.data(), value.size(), SQLITE_STATIC,
                         SQLITE_UTF8);
     return *this;
   }
 
+  /// Whether there is a row.
   bool step() {
     const int code = sqlite3_step(statement_);
     if (code != SQLITE_ROW && code != SQLITE_DONE) database_.fail();

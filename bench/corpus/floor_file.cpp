@@ -15,8 +15,8 @@ namespace {
 
 using bench::Statement;
 
-// What a list shows lies together, a note's tags as they are shown; the texts lie apart. In WAL
-// mode, as a file that several programs share.
+// The columns that a list shows are in one table, with the tags as they are printed; the texts are
+// in another. The file is in WAL mode, like one that several programs share.
 constexpr const char* layout = R"sql(
 PRAGMA journal_mode = WAL;
 PRAGMA synchronous = OFF;
@@ -34,7 +34,7 @@ CREATE TABLE note (
 CREATE INDEX noteByIdentifier ON note (identifier);
 CREATE INDEX noteByPlace ON note (location, pinned DESC, modified DESC);
 CREATE TABLE body (id INTEGER PRIMARY KEY, text TEXT NOT NULL);
--- All but the text as an AI client is told it, ready to be sent.
+-- The metadata as JSON, as an MCP client receives it.
 CREATE TABLE told (id INTEGER PRIMARY KEY, json TEXT NOT NULL);
 CREATE TABLE noteTag (tag TEXT NOT NULL, note INTEGER NOT NULL, PRIMARY KEY (tag, note))
   WITHOUT ROWID;
@@ -73,8 +73,8 @@ std::string isoDate(double seconds) {
   return text.data();
 }
 
-/// Keys in alphabetical order. No name or title of the corpus has a character to be escaped but the
-/// slash of nested tags.
+/// The metadata as JSON with sorted keys. The only character of names and titles in the corpus that
+/// needs escaping is the slash of nested tags.
 std::string json(const Note& note, const Tags& tags) {
   constexpr std::array locations{"notes", "trash", "archive"};
   const auto quoted = [&](std::size_t tag, std::string_view mark) {

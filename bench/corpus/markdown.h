@@ -9,24 +9,24 @@
 
 namespace corpus {
 
-/// Writes one note's text, block by block.
+/// Generates the text of one note, block by block.
 class MarkdownWriter {
  public:
   MarkdownWriter(const Vocabulary& vocabulary, Random& random)
       : vocabulary_(vocabulary), random_(random) {}
 
-  double accents = 0;                     ///< the part of the words that is accented
-  double foreignSentences = 0;            ///< the part of the sentences that is in another script
-  std::vector<std::string_view> planted;  ///< to be worked into sentences, each once
+  double accents = 0;                     ///< the share of words with accents, 0 to 1
+  double foreignSentences = 0;            ///< the share of sentences in another script, 0 to 1
+  std::vector<std::string_view> planted;  ///< words to insert into sentences, once each
 
   void heading(int level, std::string_view words);
   void tagLine(const std::vector<std::string>& names);
   void linkLine(std::string_view noteTitle);
-  /// A paragraph, or now and then a heading, a list, some to-dos, code, a quotation.
+  /// A paragraph or, less often, a heading, a list, to-dos, code or a block quote.
   void block();
 
   const std::string& text() const { return text_; }
-  /// The text, with what is still to be planted in a last sentence.
+  /// The text, with a last sentence for the words of `planted` that are left.
   std::string finished();
 
  private:

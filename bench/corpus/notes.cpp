@@ -11,7 +11,7 @@
 namespace corpus {
 namespace {
 
-// What a Random is seeded with, so that no two things draw the same numbers.
+// Seeds of Random, one per kind of data, so that no two kinds draw the same numbers.
 constexpr std::uint64_t noteKind = 10;
 constexpr std::uint64_t titleKind = 11;
 constexpr std::uint64_t textKind = 12;
@@ -30,8 +30,8 @@ std::string identifier(Random& random) {
   return text.data();
 }
 
-/// Log-normal, as the lengths of texts are: many short ones, some very long. With the blocks that
-/// reach beyond, 2,350 bytes in the mean.
+/// The length of a text in bytes. Lengths of texts are log-normal: many are short, some very long.
+/// The mean is 2,350 bytes, including the part of the last block beyond the length drawn here.
 std::size_t textLength(Random& random) {
   constexpr double spread = 0.8;
   const double median = 2'180 / std::exp(spread * spread / 2);
@@ -76,7 +76,7 @@ Note Notes::withoutText(std::size_t index) const {
 
   const double age = 1 - static_cast<double>(index) / static_cast<double>(count_);
   note.created = std::floor(lastDay - tenYears * age);
-  // Most notes are left alone soon. The fraction keeps the dates apart.
+  // Most notes are last changed soon after their creation. The fraction makes the dates unique.
   const double kept = random.fraction();
   note.modified = std::floor(note.created + (lastDay - note.created) * kept * kept * kept) +
                   static_cast<double>(index) / static_cast<double>(count_ + 1);

@@ -8,20 +8,22 @@
 
 namespace corpus {
 
+/// Where a note is.
 enum class Location { notes, trash, archive };
 
+/// A generated note.
 struct Note {
   std::string uniqueIdentifier;
   std::string title;
   std::string text;               ///< Markdown; begins with the title as a heading
-  std::vector<std::size_t> tags;  ///< places in Tags::names, ascending by name, each once
+  std::vector<std::size_t> tags;  ///< indexes into Tags::names, ascending by name, without repeats
   double created = 0;             ///< seconds since 1970-01-01 UTC
-  double modified = 0;            ///< no two notes of a corpus share it
+  double modified = 0;            ///< unique in the corpus
   Location location = Location::notes;
   bool pinned = false;
 };
 
-/// The notes of one corpus. Each is made from its number alone.
+/// The notes of one corpus. Each is generated from its number alone.
 class Notes {
  public:
   explicit Notes(std::size_t count) : count_(count), tags_(vocabulary_) {}
@@ -29,7 +31,7 @@ class Notes {
   std::size_t count() const { return count_; }
   const Tags& tags() const { return tags_; }
   Note note(std::size_t index) const;
-  /// One note of at least `bytes`, behind all others, with the rare word in ten places of it.
+  /// One note of at least `bytes`, modified after all others, with the rare word in ten places.
   Note hugeNote(std::size_t bytes) const;
 
  private:

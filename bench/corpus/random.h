@@ -10,7 +10,7 @@ namespace corpus {
 class Random {
  public:
   explicit Random(std::uint64_t seed) : state_(seed) {}
-  /// An own row of numbers for one thing of a kind: note 17 is the same in every corpus.
+  /// A separate sequence for each index of each kind of data: note 17 is the same in every corpus.
   Random(std::uint64_t kind, std::uint64_t index) : state_(Random(kind).next() ^ index * 0x9E37) {
     next();
   }

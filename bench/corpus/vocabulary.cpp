@@ -9,7 +9,7 @@ namespace {
 
 constexpr std::size_t wordCount = 24'000;
 
-// The head of the list, so that a text looks like one.
+// The most frequent words are real ones, so that a text looks natural.
 constexpr std::array<std::string_view, 48> frequent{
     "the",   "of",  "and",  "to",    "a",     "in",   "is",   "it",   "that", "for",
     "was",   "on",  "with", "as",    "be",    "at",   "this", "have", "from", "or",
@@ -17,7 +17,7 @@ constexpr std::array<std::string_view, 48> frequent{
     "can",   "an",  "your", "which", "their", "said", "if",   "do",   "will", "each",
     "about", "how", "up",   "out",   "them",  "then", "she",  "many"};
 
-// "x" is left out, and with it the two-letter word.
+// There is no "x", so no generated word contains the two-letter word "ox".
 constexpr std::array<std::string_view, 24> onsets{"b",  "c",  "d",  "f",  "g",  "h", "l",  "m",
                                                   "n",  "p",  "r",  "s",  "t",  "v", "w",  "st",
                                                   "tr", "pl", "ch", "gr", "sh", "k", "br", "j"};
@@ -114,7 +114,7 @@ Tags::Tags(const Vocabulary& vocabulary) {
 }
 
 std::size_t Tags::draw(Random& random) const {
-  // The square favours the first: of the families, and within one the topmost tag.
+  // Squaring favours the first families, and within a family the topmost tag.
   const auto skewed = [&](std::size_t count) {
     const double fraction = random.fraction();
     return static_cast<std::size_t>(fraction * fraction * static_cast<double>(count));

@@ -13,14 +13,14 @@ void forEachNote(const Notes& notes, std::size_t hugeNoteBytes, Use use) {
   for (std::size_t index = 0; index < notes.count(); ++index) use(notes.note(index));
 }
 
-/// One Markdown file a note, in folders of a thousand. Returns the sum of their bytes.
+/// Writes one Markdown file per note, a thousand per folder. Returns their total size in bytes.
 std::size_t writeMarkdown(const Notes& notes, std::size_t hugeNoteBytes, const std::string& folder);
 
-/// Adds the notes to a database that the program has made, as a program would that knows only the
-/// tables that are open to all.
+/// Adds the notes to a database that the program has created, like a program that knows only the
+/// public tables.
 void writeRows(const Notes& notes, std::size_t hugeNoteBytes, const std::string& database);
 
-/// The file that the floors read. See the layout in the .cpp.
+/// Writes the file that the floors read. The .cpp has its layout.
 void writeFloorFile(const Notes& notes, std::size_t hugeNoteBytes, const std::string& path);
 
 }  // namespace corpus

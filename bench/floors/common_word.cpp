@@ -1,4 +1,5 @@
-// common_word FILE WORD: the first 20 notes that hold the word, by walking down the list.
+// common_word FILE WORD: prints the first 20 notes that contain the word, reading the list in
+// order.
 #include "found_notes.h"
 #include "word_search.h"
 

@@ -1,5 +1,5 @@
-// copy FILE FOLDER: copies the file into the folder, under the process's number, as `cp` would, and
-// brings the copy to the disk; its size is printed.
+// copy FILE FOLDER: copies the file into the folder like `cp`, named after the process id, syncs
+// the copy to disk, and prints its size.
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>

@@ -1,4 +1,4 @@
-// count FILE: how many notes the list has, counted in the index.
+// count FILE: prints the number of notes in the list, counted in the index.
 #include "found_notes.h"
 
 int main(int, char** argv) {

@@ -11,11 +11,11 @@
 
 namespace floors {
 
-/// Lines of a list, gathered in any order and printed in the list's: pinned notes first, then by
-/// date of change, the newest first.
+/// Collects the lines of a list in any order and prints them sorted: pinned notes first, then by
+/// modification date, newest first.
 class FoundNotes {
  public:
-  /// `row` stands on pinned, modified, identifier, title, tags.
+  /// The columns of `row`: pinned, modified, identifier, title, tags.
   void add(bench::Statement& row) {
     const std::size_t begin = lines_.size();
     lines_.append(row.text(2)).append("\t").append(row.text(3)).append("\t").append(row.text(4));
@@ -23,7 +23,7 @@ class FoundNotes {
     found_.push_back({row.integer(0) != 0, row.real(1), begin, lines_.size() - begin});
   }
 
-  /// The same, with one more column.
+  /// The same with the number of matches as a last column.
   void add(bench::Statement& row, std::size_t matches) {
     add(row);
     lines_.back() = '\t';

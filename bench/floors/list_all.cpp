@@ -1,4 +1,4 @@
-// list_all FILE: all lines of the list, read in the file's order and sorted in memory.
+// list_all FILE: prints all lines of the list, read in the order of the file and sorted in memory.
 #include "found_notes.h"
 
 int main(int, char** argv) {

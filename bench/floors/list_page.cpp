@@ -1,4 +1,4 @@
-// list_page FILE: the first 20 lines of the list.
+// list_page FILE: prints the first 20 lines of the list.
 #include "found_notes.h"
 
 int main(int, char** argv) {

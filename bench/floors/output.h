@@ -9,7 +9,7 @@
 
 namespace floors {
 
-/// Bytes for the standard output, in large writes.
+/// Buffers bytes for standard output.
 class Output {
  public:
   ~Output() { flush(); }

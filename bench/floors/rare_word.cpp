@@ -1,4 +1,4 @@
-// rare_word FILE WORD: the notes that hold the word and how often, found by its trigrams.
+// rare_word FILE WORD: prints the notes that contain the word and how often, found by trigrams.
 #include "found_notes.h"
 #include "word_search.h"
 

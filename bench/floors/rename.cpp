@@ -1,5 +1,5 @@
-// rename FILE OLD NEW: gives a tag another name in the texts of all its notes, in one durable
-// commit; their number is printed.
+// rename FILE OLD NEW: renames a tag in the texts of all its notes in one durable commit, and
+// prints the number of notes.
 #include <string>
 #include <vector>
 

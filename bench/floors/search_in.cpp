@@ -1,4 +1,4 @@
-// search_in FILE IDENTIFIER WORD: the places of the word in one note's text.
+// search_in FILE IDENTIFIER WORD: prints the offsets of the word in the text of one note.
 #include "found_notes.h"
 #include "word_search.h"
 

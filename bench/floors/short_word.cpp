@@ -1,4 +1,4 @@
-// short_word FILE WORD: the notes that hold the word and how often, by reading all texts.
+// short_word FILE WORD: prints the notes that contain the word and how often, reading all texts.
 #include "found_notes.h"
 #include "word_search.h"
 

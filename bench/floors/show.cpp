@@ -1,4 +1,4 @@
-// show FILE IDENTIFIER: one note's line.
+// show FILE IDENTIFIER: prints the line of one note.
 #include "found_notes.h"
 
 int main(int, char** argv) {

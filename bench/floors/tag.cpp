@@ -1,4 +1,4 @@
-// tag FILE NAME: the notes with the tag or one below it.
+// tag FILE NAME: prints the notes with the tag or a descendant.
 #include "found_notes.h"
 
 int main(int, char** argv) {

@@ -6,11 +6,10 @@
 
 namespace floors {
 
-/// Where `word`, of two small ASCII letters or more, begins in the text at or behind `from`; its
-/// ASCII capitals count. The text's size when nowhere.
+/// The position of `word`, of at least two lower-case ASCII letters, in the text at or after
+/// `from`, ignoring ASCII case. The text's size if it is not found.
 ///
-/// Looks at 64 places at a time for the first two letters, in a form that compilers turn into
-/// vector instructions.
+/// Compares the first two letters at 64 positions at a time, in a form that compilers vectorize.
 inline std::size_t findWord(std::string_view text, std::string_view word, std::size_t from = 0) {
   constexpr std::size_t block = 64;
   constexpr unsigned char small = 0x20;
@@ -45,7 +44,7 @@ inline std::size_t findWord(std::string_view text, std::string_view word, std::s
   return text.size();
 }
 
-/// The word's trigrams, all of which a note must have to hold it, for FTS5.
+/// An FTS5 query for all trigrams of the word, which every note with the word has.
 inline std::string trigramQuery(std::string_view word) {
   std::string query;
   for (std::size_t i = 0; i + 3 <= word.size(); ++i) {

@@ -40,8 +40,8 @@ std::vector<std::vector<char*>> commands(char** arguments) {
 }
 
 void raisePriority() {
-  // A process of the real-time class runs as soon as it can; a mere nice value lets others end
-  // their turn first, which takes longer than most of what is measured here.
+  // A real-time process runs as soon as it is ready. With only a nice value, others finish their
+  // time slice first, which takes longer than most measurements here.
   sched_param parameter{};
   parameter.sched_priority = 1;
   if (sched_setscheduler(0, SCHED_FIFO, &parameter) != 0) setpriority(PRIO_PROCESS, 0, -20);

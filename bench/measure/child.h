@@ -7,27 +7,27 @@
 
 namespace measure {
 
-/// The commands of an argument list in which each begins with "--".
+/// Splits an argument list into commands, each introduced by "--" and null-terminated.
 std::vector<std::vector<char*>> commands(char** arguments);
 
-/// Puts this process, and so its children, before others where that is allowed.
+/// Raises the priority of this process and its children, if permitted.
 void raisePriority();
 
+/// The time of the monotonic clock.
 std::int64_t nanoseconds();
 
-/// A child process with a pipe at its standard output. What goes wrong ends the process.
+/// A child process whose standard output is a pipe. Any failure ends this process.
 class Child {
  public:
-  /// `withInput`: a pipe at its standard input too; otherwise there is nothing to read there.
+  /// `withInput`: standard input is a pipe too; otherwise it is /dev/null.
   Child(std::vector<char*>& command, bool withInput);
 
   /// Writes to the child's standard input.
   void send(const std::string& bytes) const;
-  /// Reads until the bytes end with a newline, or to the end of the output. Keeps only their
-  /// number.
+  /// Reads one line, or to the end of the output. Both return the number of bytes.
   std::size_t readLine();
   std::size_t readAll();
-  /// Waits for its end. Its largest resident memory, in KiB.
+  /// Waits for the end of the process. Returns its maximum resident memory in KiB.
   long finish();
 
  private:

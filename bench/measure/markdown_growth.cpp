@@ -1,6 +1,6 @@
-// markdown_growth [KIB]: how the time to read a text grows with its size, for texts made to be
-// slow. One line a form: milliseconds at KIB (256), twice and four times as much, and how many
-// times as long four times the text takes; 4 is in proportion.
+// markdown_growth [KIB]: measures how the time to parse a text grows with its size, for texts that
+// are designed to be slow. Prints one line per kind of text: milliseconds for KIB (default 256),
+// twice and four times as much, and the ratio of the last to the first; 4 means linear growth.
 
 #include <algorithm>
 #include <cstdio>
@@ -13,12 +13,13 @@
 
 namespace {
 
-constexpr double kTooLong = 10'000;  // milliseconds: larger texts of the form are left out
+constexpr double kTooLong = 10'000;  // milliseconds; larger texts of the kind are skipped
 
+/// A kind of text: a repeated piece.
 struct Form {
   std::string name;
   std::string piece;
-  std::string tail = {};  ///< as often as the piece, behind all of them
+  std::string tail = {};  ///< repeated as often as the piece, after all of them
 };
 
 std::string textOf(const Form& form, std::size_t size) {
@@ -29,14 +30,14 @@ std::string textOf(const Form& form, std::size_t size) {
   return text;
 }
 
-/// Backticks in runs of 1, 2, 3 and so on: each may open a code span that nothing closes.
+/// Runs of 1, 2, 3 and more backticks: each may open a code span, but none is closed.
 std::string growingRuns(std::size_t size) {
   std::string text;
   for (std::size_t run = 1; text.size() < size; ++run) text += std::string(run, '`') + "a ";
   return text;
 }
 
-/// A list in a list, each a line of its own.
+/// Nested lists, one level per line.
 std::string staircase(std::size_t size) {
   std::string text;
   for (std::size_t depth = 0; text.size() < size; ++depth)
@@ -54,7 +55,7 @@ double once(const std::string& text) {
   return 1000.0 * static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC;
 }
 
-/// Of the processor, the least of some runs: what else the machine does counts little.
+/// The least processor time of several runs, which other processes hardly affect.
 double milliseconds(const std::string& text) {
   double least = once(text);
   for (int run = 0; run < 4 && least < 200; ++run) least = std::min(least, once(text));

@@ -1,6 +1,7 @@
-// pairs ROUNDS -- COMMAND... [-- COMMAND...]...: times whole processes, from before the start to
-// after the end, their output read from a pipe. The commands take turns, so that what disturbs one
-// disturbs all. One line a command: its largest memory in KiB, then each time in nanoseconds.
+// pairs ROUNDS -- COMMAND... [-- COMMAND...]...: measures the time of whole processes, from before
+// their start to after their end, with their output read from a pipe. The commands take turns, so
+// that disturbances affect all of them. Prints one line per command: its maximum memory in KiB,
+// then each time in nanoseconds.
 
 #include <cstdint>
 #include <cstdio>

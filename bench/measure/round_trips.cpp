@@ -1,7 +1,7 @@
-// round_trips REQUESTS ROUNDS -- COMMAND... [-- COMMAND...]...: starts each command once, a server
-// that answers each line with a line, and times the lines of the file REQUESTS, all of them ROUNDS
-// times, from before the request to after its answer. The servers take turns. One line a command:
-// its largest memory in KiB, then each time in nanoseconds.
+// round_trips REQUESTS ROUNDS -- COMMAND... [-- COMMAND...]...: starts each command once, as a
+// server that answers each line with a line. Sends the lines of the file REQUESTS, ROUNDS times,
+// and measures the time from before each request to after its answer. The servers take turns.
+// Prints one line per command: its maximum memory in KiB, then each time in nanoseconds.
 
 #include <cstdint>
 #include <cstdio>

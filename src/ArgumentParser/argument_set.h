@@ -13,21 +13,21 @@ namespace ArgumentParser {
 
 class ParsableArguments;
 
-/// Refines a declaration that was just made. Refers to an element of the set, which may move: use
-/// it at once and do not keep it.
+/// Sets the details of the argument that was just declared. It refers to an element of the set's
+/// vector, so the next declaration invalidates it: chain the calls and do not keep it.
 class Declaration {
  public:
   explicit Declaration(ArgumentDefinition& definition) : definition_(definition) {}
 
   Declaration& help(std::string_view abstract);
   Declaration& discussion(std::string_view text);
-  /// The value may look like an option: the next token is taken whatever it is.
+  /// The option takes the next token as its value even if it looks like an option.
   Declaration& takesAnything();
-  /// It must be given, and its initial value is no default.
+  /// The argument must be given; the variable's initial value is not a default.
   Declaration& required();
-  /// Left out of help and completions.
+  /// Leaves the argument out of help and completions.
   Declaration& hidden();
-  /// In place of the name that follows from the declaration.
+  /// Replaces the value name that was derived from the declaration.
   Declaration& valueName(std::string_view name);
 
   Declaration& completes(CompletionKind kind);
@@ -38,13 +38,14 @@ class Declaration {
   ArgumentDefinition& definition_;
 };
 
-/// The arguments of a command, in the order of its help page. Values go to the variables that
-/// they are bound to, which must outlive the set. What a variable's type means:
+/// The declared arguments of a command, in the order of its help page. Each is bound to a variable,
+/// which receives the value and must outlive the set. The variable's type decides how often the
+/// argument may be given:
 ///
-///   std::optional<T>      may be absent
+///   std::optional<T>      may be absent, without a default
 ///   T                     has a default, the variable's initial value
-///   std::vector<T>        repeats: an option given again adds a value, a positional takes all
-///                         values that remain
+///   std::vector<T>        may be repeated: each occurrence of an option appends a value, and a
+///                         positional takes all remaining values
 ///
 /// where T is std::string, an integer type, or an enumeration with `argumentValues`.
 class ArgumentSet {
@@ -55,12 +56,13 @@ class ArgumentSet {
   Declaration option(T& variable, Names names);
   Declaration flag(bool& variable, Names names);
 
-  /// Declares the arguments of a group at this place, as if they were the command's own.
-  /// `title`: of a help section of theirs.
+  /// Declares the arguments of a group here, as if they were the command's own. `title`: the help
+  /// section that lists them; empty for the usual one.
   void group(ParsableArguments& arguments, std::string_view title = {});
 
   const std::vector<ArgumentDefinition>& definitions() const { return definitions_; }
   const std::vector<ParsableArguments*>& groups() const { return groups_; }
+  /// The option or flag with this name; null if there is none.
   const ArgumentDefinition* find(const Name& name) const;
 
  private:

@@ -10,8 +10,8 @@
 
 namespace ArgumentParser {
 
-/// An enumeration that arguments may be bound to. Beside it stands a function that lists its
-/// values as they are written, in the order of help:
+/// An enumeration that arguments may be bound to. Its namespace has a function that lists the
+/// values and how they are written, in the order in which help shows them:
 ///
 ///   constexpr std::array<std::pair<std::string_view, Format>, 2> argumentValues(Format) {
 ///     return {{{"tsv", Format::tsv}, {"csv", Format::csv}}};
@@ -21,15 +21,17 @@ concept EnumeratedValue = std::is_enum_v<T> && requires(T value) {
   argumentValues(value);
 };
 
+/// An integer type that arguments may be bound to.
 template <class T>
 concept IntegerValue = std::integral<T> && !std::same_as<T, bool>;
 
-/// The value that a text stands for, or absent if it stands for none.
+/// Parses an argument's text; absent if it is not a value of the type. The second parameter only
+/// selects the type.
 inline std::optional<std::string> parseValue(std::string_view text, const std::string&) {
   return std::string(text);
 }
 
-/// Decimal digits with an optional sign, within the range of the type.
+/// Accepts decimal digits with an optional sign, within the range of the type.
 template <IntegerValue T>
 std::optional<T> parseValue(std::string_view text, T) {
   if (text.starts_with('+')) {
@@ -49,7 +51,7 @@ std::optional<T> parseValue(std::string_view text, T) {
   return {};
 }
 
-/// A default value as help shows it.
+/// Formats a default value for help.
 inline std::string describeValue(const std::string& value) {
   return value;
 }
@@ -66,7 +68,8 @@ std::string describeValue(T value) {
   return {};
 }
 
-/// What a variable holds: its own type, or what an optional or a list is made of.
+/// Describes a bound variable: the type of its values (the element type of an optional or a list),
+/// whether it is a list, and its initial value, which is null if it is not a default.
 template <class T>
 struct Held {
   using Type = T;

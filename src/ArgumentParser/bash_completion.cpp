@@ -2,10 +2,10 @@
 
 #include "ArgumentParser/completion_script.h"
 
-// What the script rests on: candidates are plain texts, compared with the plain text of the word at
-// the cursor, and quoted as that word is when they go into the line. Readline would do the latter
-// for `complete -o filenames`, but leaves "$HOME" as it is; only file names are left to it.
-// Nothing that the program answers is ever evaluated.
+// How the script works: candidates are unquoted texts. The script compares them with the unquoted
+// word at the cursor and quotes them in the style of that word before they go into the line. With
+// `complete -o filenames` readline would quote them, but it leaves "$HOME" unquoted, so only file
+// names are left to readline. The shell never evaluates what the program prints.
 
 namespace ArgumentParser {
 
@@ -281,7 +281,7 @@ void BashScript::writeCommand(const CompletionCommand& command) {
   for (const CompletionCommand& child : command.children) writeCommand(child);
 }
 
-/// Each entry holds all names of one flag or option, since giving one gives them all.
+/// Each entry holds all names of one flag or option: once one of them is given, none is offered.
 void BashScript::writeNames(const CompletionCommand& command, const char* variable, bool isFlag,
                             bool isRepeating) {
   std::vector<std::string> entries;
@@ -323,7 +323,7 @@ void BashScript::writePositionals(const CompletionCommand& command) {
   line(1, "esac");
 }
 
-/// Words that name no child belong to the default child.
+/// Words that do not name a subcommand are completed as arguments of the default subcommand.
 void BashScript::writeSubcommands(const CompletionCommand& command) {
   std::vector<std::string> names;
   line(1, "case \"${subcommand}\" in");

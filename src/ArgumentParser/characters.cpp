@@ -76,7 +76,7 @@ std::size_t characterCount(std::string_view text) {
 std::size_t editDistance(std::string_view a, std::string_view b) {
   const auto from = characters(a);
   const auto to = characters(b);
-  std::vector<std::size_t> row(to.size() + 1);  // of the table, one line of which is kept
+  std::vector<std::size_t> row(to.size() + 1);  // the current row of the distance matrix
   std::iota(row.begin(), row.end(), std::size_t{0});
   for (std::size_t i = 0; i < from.size(); ++i) {
     std::size_t diagonal = row[0]++;

@@ -10,9 +10,9 @@
 
 #include "ArgumentParser/parsable_command.h"
 
-/// What a program's entry calls: parse, run, and print what was thrown. In all of them `root` is
-/// the command that the program itself is. `columns` is the width of help pages; absent means
-/// that of the terminal.
+/// The entry points of the library: parse a command line, run the command, and print what was
+/// thrown. `root` is always the program's own command. `columns` is the width of help pages; absent
+/// means the width of the terminal.
 ///
 ///   try {
 ///     parseAsRoot(root, arguments)->run();
@@ -21,33 +21,35 @@
 ///   }
 namespace ArgumentParser {
 
-/// The command that a line names, with its values. `arguments` are without the program's name.
-/// Throws CommandError, also for a request for help.
+/// Parses a command line into the command that it names, with its values assigned. `arguments`
+/// excludes the program's name. Throws CommandError, also when the line asks for help.
 std::unique_ptr<ParsableCommand> parseAsRoot(const CommandType& root,
                                              const std::vector<std::string>& arguments);
 
-/// The text of an error alone, without "Error: " and usage; of a request, what was requested.
+/// The text of an error, without "Error: " and usage. For a request, such as help, the text that
+/// was requested.
 std::string message(const CommandType& root, const std::exception_ptr& error,
                     std::optional<int> columns = {});
 
-/// The whole text of an error, without a line break at its end.
+/// The text of an error as it is printed, with usage, without a final line break.
 std::string fullMessage(const CommandType& root, const std::exception_ptr& error,
                         std::optional<int> columns = {});
 
-/// 0 for requests, 64 for a line that cannot be taken, 1 for errors that are not of this library.
+/// 0 for requests, 64 for an invalid command line (EX_USAGE of sysexits.h), the code of an
+/// ExitCode, and 1 for any other error.
 int exitCode(const CommandType& root, const std::exception_ptr& error);
 
-/// Prints the whole text, a request to standard output and a failure to standard error, and ends
-/// the process.
+/// Prints the full message, to standard output for a request and to standard error for a failure,
+/// and ends the process with the error's exit code.
 [[noreturn]] void exitWithError(const CommandType& root, const std::exception_ptr& error);
 
-/// A way down the tree, from the root to a command.
+/// A path in the command tree, from the root to a command; never empty.
 using CommandStack = std::vector<CommandType>;
 
-/// The child that answers to a name or an alias. The `help` command is no child.
+/// The subcommand with this name or alias, absent if there is none. Does not find `help`.
 std::optional<CommandType> subcommand(const CommandType& command, std::string_view name);
 
-/// The help page of the last command of the stack. Ends with a line break unless the command has
+/// The help page of the last command of the stack. It ends with a line break unless the command has
 /// subcommands.
 std::string helpMessage(const CommandStack& stack, std::optional<int> columns = {});
 

@@ -20,15 +20,15 @@ bool isOption(const Element& element, const Name& name) {
   return element.kind == Kind::option && element.name == name;
 }
 
-/// Whether every letter of a group has been used or is one of the flags: "-math" with an "h" in it
-/// is no request for help.
+/// Whether every letter of a group such as "-abh" has been used or is one of the flags. "-math" is
+/// not a request for help because it contains an "h".
 bool isGroupOfKnownLetters(std::span<const Element> group, const Names& flags) {
   return std::ranges::all_of(group.subspan(1), [&flags](const Element& letter) {
     return letter.isUsed || std::ranges::count(flags, letter.name) > 0;
   });
 }
 
-/// Whether one of the flags is among what is left of the line.
+/// Whether the unused elements of the line include one of the flags.
 bool isLeft(SplitArguments& line, const Names& flags) {
   for (const Element* element : line.unused())
     for (const Name& flag : flags) {
@@ -52,7 +52,7 @@ CompletionShell shellOfEnvironment() {
   return shellNamed(text.substr(text.rfind('/') + 1));  // without a "/" from npos + 1, which is 0
 }
 
-/// The flag counts before anything is parsed.
+/// Looks for the flag before any command is parsed.
 void checkForCompletionScript(SplitArguments& line) {
   const Name flag{Name::Kind::longName, "generate-completion-script"};
   for (const Element& element : line.elements()) {
@@ -65,8 +65,8 @@ void checkForCompletionScript(SplitArguments& line) {
   }
 }
 
-/// What is wrong with an option of which this element is left. A group of letters is refused as a
-/// whole, unless nothing but signs is left of it.
+/// The error for an option with this unused element. It names a group of letters as a whole, unless
+/// only punctuation is left of the group.
 ParserError unknown(const Element& element, SplitArguments& line) {
   const auto group = line.elementsAt(element.position);
   const Element& whole = group.front();
@@ -77,7 +77,7 @@ ParserError unknown(const Element& element, SplitArguments& line) {
   return UnknownOption{whole.name};
 }
 
-/// What is wrong with a line of which this is left: the first option, else all the values.
+/// The error for a line with unused elements: the first unknown option, else all extra values.
 ParserError leftOver(SplitArguments& line) {
   UnexpectedExtraValues extra;
   for (const Element* element : line.unused()) {

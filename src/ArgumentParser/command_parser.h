@@ -10,12 +10,12 @@
 
 namespace ArgumentParser {
 
-/// One pass over one line: from the root down, each command takes its arguments out of the line
-/// and is checked, and the first thing that is left names the next command. Where help is asked
-/// for, it wins over a missing argument and a failed check.
+/// Parses one command line. From the root down, each command takes its arguments from the line and
+/// is validated; the first token that is left names the next command. A request for help takes
+/// precedence over a missing argument and a failed validation.
 class CommandParser {
  public:
-  /// Keeps a reference to the line.
+  /// Keeps a reference to `tokens`.
   CommandParser(const CommandType& root, const std::vector<std::string>& tokens)
       : stack_{root}, tokens_(tokens) {}
 

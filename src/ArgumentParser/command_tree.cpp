@@ -14,6 +14,8 @@ namespace {
   std::abort();
 }
 
+/// Extends the stack to the first command of this type; false, with the stack as it was, if there
+/// is none below it.
 bool extendTo(CommandStack& stack, std::type_index type) {
   if (std::type_index(stack.back().type()) == type) return true;
   for (const CommandType& child : stack.back().configuration().subcommands) {
@@ -63,8 +65,9 @@ std::string commandPath(const CommandStack& stack) {
 
 Names helpNames(const CommandStack& stack) {
   for (auto command = stack.rbegin(); command != stack.rend(); ++command)
-    if (const CommandConfiguration told = command->configuration(); told.helpNames)
-      return *told.helpNames;
+    if (const CommandConfiguration configuration = command->configuration();
+        configuration.helpNames)
+      return *configuration.helpNames;
   return {"-h", "--help"};
 }
 

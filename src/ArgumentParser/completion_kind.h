@@ -7,34 +7,40 @@
 
 namespace ArgumentParser {
 
-/// What a shell asks the program while a line is being typed.
+/// A shell's question for the candidates at the cursor of the line that is being typed.
 struct CompletionRequest {
   std::vector<std::string> words;  ///< from the program's name to the word at the cursor, which
                                    ///< is last and may be empty
-  std::string value;               ///< what is typed of the value at the cursor: the last word, or
-                                   ///< the part of it after "--name="
-  std::string shell;               ///< "bash", "zsh" or "fish"; empty when the script did not say
-  std::string shellVersion;
+  std::string value;               ///< the part of the value that is typed already: the last word,
+                                   ///< or what follows "--name=" in it
+  std::string shell;               ///< "bash", "zsh" or "fish"; empty if not known
+  std::string shellVersion;        ///< as the shell reports it; empty if not known
 };
 
-/// Gives the candidates; the shell drops those that do not continue the word at the cursor. The
-/// variables that the command's arguments are bound to hold what the line gives before it. An
-/// error that it throws means that there are none.
+/// Returns the candidates; the shell drops those that do not match the word at the cursor. When it
+/// is called, the command's bound variables hold the values given before the cursor. If it throws,
+/// no candidates are offered.
 using CandidateFunction = std::function<std::vector<std::string>(const CompletionRequest&)>;
 
+/// The shell offers no candidates.
 struct NoCompletion {};
+/// Fixed candidates, written into the completion script.
 struct CompletionList {
   std::vector<std::string> values;
 };
+/// Names of files.
 struct CompletionFiles {
-  std::vector<std::string> extensions;  ///< without dots; none means every file
+  std::vector<std::string> extensions;  ///< without dots; empty means every file
 };
+/// Names of directories.
 struct CompletionDirectories {};
+/// Candidates that a shell command prints.
 struct CompletionShellCommand {
-  std::string command;  ///< run by the shell; one candidate a line
+  std::string command;  ///< run by the shell; prints one candidate per line
 };
+/// Candidates that the program computes when the shell calls it back.
 struct CompletionCustom {
-  CandidateFunction candidates;  ///< run by this program, called back by the shell
+  CandidateFunction candidates;
 };
 
 /// How a shell completes the value of an argument.

@@ -15,7 +15,7 @@ std::string environment(const char* variable) {
   return value ? value : "";
 }
 
-/// The argument that a request asks about, by its index.
+/// The index of the argument that a request asks about.
 std::size_t argumentNamed(std::string_view identifier, const ArgumentSet& arguments) {
   const std::vector<ArgumentDefinition>& definitions = arguments.definitions();
   for (std::size_t i = 0; i < definitions.size(); ++i)
@@ -24,26 +24,26 @@ std::size_t argumentNamed(std::string_view identifier, const ArgumentSet& argume
   throw ParserError(InvalidState{});
 }
 
-/// A command of the type with the values that the words in front of the cursor give it, or with
-/// none where they do not make a line.
+/// A command of the type with the values from the words before the cursor, or with its initial
+/// values if those words are not a valid line.
 std::unique_ptr<ParsableCommand> commandAsTyped(const CommandType& root, const CommandType& type,
                                                 const ArgumentDefinition& argument,
                                                 const std::vector<std::string>& words) {
   if (words.size() < 2) return type.make();
   std::vector<std::string> line(words.begin() + 1, words.end() - 1);
-  // The value of an option in front of the cursor is being typed.
+  // The option before the cursor has no value yet: it is the one that is being typed.
   if (!line.empty() && std::ranges::count(argument.names, line.back(), &Name::written) > 0)
     line.pop_back();
   try {
     auto command = parseAsRoot(root, line);
     const ParsableCommand& reached = *command;
     if (typeid(reached) == type.type()) return command;
-  } catch (...) {  // half a line is rarely one
+  } catch (...) {  // an unfinished line is often invalid
   }
   return type.make();
 }
 
-/// What is typed of an argument's value within a word.
+/// The part of the word that belongs to the argument's value: without "--name=".
 std::string_view typedValue(std::string_view word, const ArgumentDefinition& argument) {
   for (const Name& name : argument.names)
     if (const std::string start = name.written() + "="; word.starts_with(start))
@@ -51,7 +51,7 @@ std::string_view typedValue(std::string_view word, const ArgumentDefinition& arg
   return word;
 }
 
-/// Whether the parser takes any text for a value where the cursor is, one like "-x" too.
+/// Whether the parser accepts any text as the value at the cursor, even one such as "-x".
 bool takesAnything(const ArgumentDefinition& argument, const std::vector<std::string>& words) {
   if (argument.isPositional()) return std::ranges::count(words, "--") > 0;
   return argument.parsingStrategy == ParsingStrategy::unconditional ||
@@ -70,7 +70,7 @@ std::string candidateLines(const ArgumentDefinition& argument, const CompletionR
       lines += candidate;
     }
   } catch (...) {
-    return {};  // a half-typed line is no place for errors
+    return {};  // errors must not show up while the user is typing
   }
   return lines;
 }

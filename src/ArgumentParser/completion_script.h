@@ -8,7 +8,8 @@
 
 namespace ArgumentParser {
 
-/// A script that completes the program's lines in a shell. Ends without a line break.
+/// A script that a shell sources to complete the program's command lines. It does not end with a
+/// line break.
 std::string completionScript(const CommandType& root, CompletionShell shell);
 
 std::string bashCompletionScript(const CompletionCommand& root);

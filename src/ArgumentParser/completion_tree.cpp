@@ -34,7 +34,7 @@ CompletionCommand completionCommand(const CommandStack& stack) {
   return result;
 }
 
-/// The `help` command, whose arguments are the names of its siblings.
+/// The `help` command; its argument completes to the names of its siblings.
 CompletionCommand helpCommand(const CommandType& root, const CompletionCommand& tree) {
   CompletionCommand help = completionCommand({root, commandType<HelpCommand>()});
   CompletionList siblings;

@@ -12,10 +12,10 @@ namespace ArgumentParser {
 
 namespace {
 
-constexpr std::size_t kFarthestSuggestion = 3;  // edits
+constexpr std::size_t kFarthestSuggestion = 3;  // in edits, see editDistance
 
-/// The written form of the long name of the command that is nearest to an unknown one, or
-/// nothing when none is near. Of two as near, the one declared first.
+/// The long option name of the command that is closest to an unknown one, with its dashes; empty if
+/// none is close enough. Among equally close names the one declared first wins.
 std::string nearestName(const Name& unknown, const ArgumentSet& arguments) {
   if (unknown.kind == Name::Kind::shortName) return {};
   std::string nearest;
@@ -38,7 +38,8 @@ std::string quoted(const std::vector<std::string>& texts, std::string_view separ
   return fmt::format("{}", fmt::join(each, separator));
 }
 
-/// " Please provide one of 'a', 'b' or 'c'." and its kin, with the full stop in front.
+/// ". Please provide one of 'a', 'b' or 'c'.", including the leading full stop; empty without
+/// values.
 std::string choiceAmong(const std::vector<std::string>& values) {
   if (values.empty()) return {};
   if (values.size() > 5)
@@ -54,7 +55,7 @@ std::string shown(const Name& name) {
   return withoutControls(name.written());
 }
 
-/// "--limit <limit>", with the name as typed; "<limit>" for a positional.
+/// "--limit <limit>", with the option's name as typed; "<limit>" for a positional.
 std::string named(const std::optional<Name>& name, const ArgumentDefinition* definition) {
   std::string text = name ? shown(*name) : "";
   if (!definition || definition->valueName.empty()) return text;
@@ -142,7 +143,7 @@ class ErrorDescriber {
   ErrorText operator()(const NotImplemented&) const {
     return {"Internal error. Parsing command-line arguments hit unimplemented code path.", {}};
   }
-  /// What is left is InvalidState, and requests, which are no errors.
+  /// InvalidState, and the requests, which never get here.
   template <class Case>
   ErrorText operator()(const Case&) const {
     return {"Internal error. Invalid state while parsing command-line arguments.", {}};

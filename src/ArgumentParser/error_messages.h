@@ -6,12 +6,13 @@
 
 namespace ArgumentParser {
 
-/// The wording of an error that is not a request; `stack` ends in the command that it concerns.
+/// The texts of an error that is not a request.
 struct ErrorText {
   std::string message;
-  std::string help;  ///< form and meaning of the argument concerned; may be empty
+  std::string help;  ///< syntax and abstract of the argument at fault; may be empty
 };
 
+/// `stack` ends with the command in which the error occurred.
 ErrorText errorText(const ParserError& error, const CommandStack& stack);
 
 }  // namespace ArgumentParser

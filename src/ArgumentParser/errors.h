@@ -7,13 +7,13 @@
 #include <utility>
 #include <variant>
 
-/// The errors that a command throws, from `validate` or from `run`. Any other error ends the
-/// program too, with its text and exit code 1.
+/// The exceptions that a command may throw from `validate` or `run`. Any other exception ends the
+/// program too, with its what() as the message and exit code 1.
 namespace ArgumentParser {
 
 class ParsableCommand;
 
-/// The user gave what the command cannot take. Printed with the usage line, exit code 64.
+/// The values that the user gave are invalid. Printed with the usage line; exit code 64.
 class ValidationError : public std::exception {
  public:
   explicit ValidationError(std::string message) : message_(std::move(message)) {}
@@ -24,10 +24,10 @@ class ValidationError : public std::exception {
   std::string message_;
 };
 
-/// Stops without failure: prints to standard output, exit code 0.
+/// Ends the program successfully: prints to standard output, exit code 0.
 class CleanExit : public std::exception {
  public:
-  /// The help page of a command of the tree.
+  /// Prints the help page of a command of the tree.
   static CleanExit helpRequest(const ParsableCommand& command);
   static CleanExit message(std::string text) { return CleanExit(std::move(text)); }
 
@@ -41,7 +41,7 @@ class CleanExit : public std::exception {
   std::variant<std::type_index, std::string> request_;
 };
 
-/// Ends the program with a code and no text.
+/// Ends the program with this exit code and prints nothing.
 class ExitCode : public std::exception {
  public:
   static constexpr int success = 0;

@@ -2,8 +2,8 @@
 
 #include "ArgumentParser/completion_script.h"
 
-// Every line of `complete` has a condition, and fish evaluates all of them for one press of the
-// key. So the words up to the cursor are read once, and conditions only compare.
+// Every `complete` line has a condition, and fish evaluates all of them on each press of the tab
+// key. The script therefore parses the words before the cursor once; the conditions only compare.
 
 namespace ArgumentParser {
 
@@ -128,7 +128,7 @@ end
 complete -c @NAME@ -f
 )sh";
 
-/// Within single quotes of the shell.
+/// The text in single quotes, as fish reads them.
 std::string quoted(const std::string& text) {
   std::string result = "'";
   for (const char c : text) {
@@ -170,7 +170,8 @@ class FishScript {
   static std::string path(const CompletionCommand& command) {
     return quoted(joined(command.path, " "));
   }
-  /// The paths of all commands that stand where this one's name ends the line.
+  /// The paths of the command and of its default subcommands: all may continue the line after its
+  /// name.
   static std::string reached(const CompletionCommand& command) {
     const CompletionCommand* child = command.defaultChild();
     return child ? path(command) + " " + reached(*child) : path(command);
@@ -246,7 +247,7 @@ void FishScript::writeOption(const CompletionCommand& command, const CompletionA
   writeComplete(condition, rest + description(definition.abstract));
 }
 
-/// What fish evaluates to get the candidates.
+/// The fish expression that yields the candidates.
 std::string FishScript::candidates(const CompletionCommand& command,
                                    const CompletionArgument& argument) const {
   const CompletionKind kind = argument.definition.completionKind();

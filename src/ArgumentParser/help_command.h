@@ -7,8 +7,8 @@
 
 namespace ArgumentParser {
 
-/// The child that every root has: `help tags add` shows the page of `tags add`. It stands on no
-/// page itself, and the parser answers it in its place.
+/// The `help` subcommand that every root has: `help tags add` shows the help page of `tags add`.
+/// Help pages do not list it, and it never runs: the parser shows the page itself.
 class HelpCommand : public ParsableCommand {
  public:
   static CommandConfiguration configuration() {

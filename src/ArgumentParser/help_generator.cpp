@@ -16,7 +16,7 @@ using Section = HelpGenerator::Section;
 constexpr int kHelpIndent = 2;
 constexpr int kLabelColumn = 26;
 constexpr int kDiscussionIndent = 8;
-constexpr int kUsageIndent = 7;  // of "USAGE: " and "Usage: "
+constexpr int kUsageIndent = 7;  // the width of "USAGE: " and "Usage: "
 constexpr std::size_t kMaximumOfDefinitionsInUsage = 12;
 
 std::string joined(const std::vector<std::string>& texts, std::string_view separator) {
@@ -28,7 +28,7 @@ std::string joined(const std::vector<std::string>& texts, std::string_view separ
   return result;
 }
 
-/// "(values: a, b, c; default: b)", or what there is of it.
+/// "(values: a, b, c; default: b)", either part alone, or empty.
 std::string bracketText(const ArgumentDefinition& definition) {
   std::vector<std::string> parts;
   if (!definition.allValueStrings.empty())

@@ -7,15 +7,16 @@
 
 namespace ArgumentParser {
 
-/// The help page of the last command of a stack, made from its declarations.
+/// Generates the help page of the last command of a stack from its declarations.
 class HelpGenerator {
  public:
-  /// One row of a page.
+  /// One entry of a section: an argument or a subcommand.
   struct Element {
-    std::string label;
+    std::string label;  ///< "-t, --title <title>"
     std::string abstract = {};
     std::string discussion = {};
   };
+  /// A titled list of entries.
   struct Section {
     std::string header;  ///< "ARGUMENTS"
     std::vector<Element> elements = {};
@@ -24,11 +25,11 @@ class HelpGenerator {
   explicit HelpGenerator(CommandStack stack);
 
   std::string usage() const;              ///< "tool add [--limit <limit>] <page>"; may be empty
-  std::string usageMessage() const;       ///< with "Usage: " in front; empty when there is no usage
-  std::vector<Section> sections() const;  ///< none of them empty
+  std::string usageMessage() const;       ///< "Usage: " and the usage; empty if there is no usage
+  std::vector<Section> sections() const;  ///< empty sections are left out
 
-  /// The whole page. Sections end with a line break; the pointer to the pages of subcommands,
-  /// which ends the page of a command that has some, does not.
+  /// The whole page, wrapped to the width. It ends with a line break, except for a command with
+  /// subcommands, whose page ends with a pointer to the subcommands' pages.
   std::string rendered(int screenWidth) const;
 
  private:
@@ -40,7 +41,8 @@ class HelpGenerator {
   DeclaredCommand declared_;
 };
 
-/// "--help" as messages name it: the first long help name, else the first; empty for none.
+/// The help flag as messages name it, "--help": the first long name, else the first name; empty if
+/// help has no names.
 std::string primaryHelpName(const CommandStack& stack);
 
 }  // namespace ArgumentParser

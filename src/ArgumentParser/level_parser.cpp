@@ -51,7 +51,8 @@ void LevelParser::parseOptions() {
 void LevelParser::parseOption(Element& element, const ArgumentDefinition& definition) {
   const auto group = line_.elementsAt(element.position);
   if (!definition.isFlag() && !followsKnownLetters(element, group)) return;
-  // Splitting left "-abc" open; this settles that it is one option, or one for each letter.
+  // Splitting kept both readings of "-abc", one option or one per letter; this decides between
+  // them.
   group.front().isUsed = true;
   element.isUsed = true;
   if (&element == &group.front()) line_.useToken(element.position);
@@ -64,7 +65,8 @@ void LevelParser::parseOption(Element& element, const ArgumentDefinition& defini
   }
 }
 
-/// Where a letter before this one is unknown, the group is no options at all, and takes no value.
+/// Whether all letters before this one in its group are known. If not, the group is an unknown
+/// option as a whole, and its letters take no values.
 bool LevelParser::followsKnownLetters(const Element& element,
                                       std::span<const Element> group) const {
   if (group.size() == 1 || &element == &group.front()) return true;
@@ -75,7 +77,7 @@ bool LevelParser::followsKnownLetters(const Element& element,
   });
 }
 
-/// A token is a value only of the option right in front of it: of "-ab x", the option "-b".
+/// The next token is the value of the option right before it: in "-ab x", of "-b".
 std::string_view LevelParser::valueOf(const Element& option, const ArgumentDefinition& definition) {
   if (option.value) return *option.value;
   const std::size_t next = option.position + 1;

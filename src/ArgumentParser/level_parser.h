@@ -5,10 +5,10 @@
 
 namespace ArgumentParser {
 
-/// Gives the arguments of one command their values from the line, and marks what it used. What
-/// it does not know stays for the commands below it. Throws ParserErrors.
-/// `flagsElsewhere`: names that are no arguments of the command and yet known, such as `-h`.
-/// Returns the index of the first required argument without a value, or nothing.
+/// Assigns values from the line to the arguments of one command and marks the elements that it
+/// used. Elements that it does not know are left for the subcommands. Throws a ParserError.
+/// `flagsElsewhere`: names that are valid here but are not arguments of the command, such as `-h`.
+/// Returns the index of the first required argument without a value; absent if all have one.
 std::optional<std::size_t> parseLevel(const ArgumentSet& arguments, const Names& flagsElsewhere,
                                       SplitArguments& line);
 

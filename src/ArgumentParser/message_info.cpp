@@ -14,7 +14,7 @@ using Help = MessageInfo::Help;
 using Validation = MessageInfo::Validation;
 using Other = MessageInfo::Other;
 
-/// The usage line, and where to read on.
+/// The usage line and a pointer to the help page.
 std::string usagePart(const CommandStack& stack) {
   std::string usage = HelpGenerator(stack).usageMessage();
   const std::string helpName = primaryHelpName(stack);
@@ -23,7 +23,7 @@ std::string usagePart(const CommandStack& stack) {
   return usage + "  See '" + commandPath(stack) + " " + helpName + "' for more information.";
 }
 
-/// Turns an error into its final form, with the commands that it concerns.
+/// Converts an error into what is printed. `stack` ends with the command in which it occurred.
 class Converter {
  public:
   Converter(CommandStack stack, std::optional<int> columns)

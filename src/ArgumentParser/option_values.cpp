@@ -9,7 +9,7 @@ namespace ArgumentParser {
 
 namespace {
 
-/// The commands that a line names in front of their arguments, and what they declare.
+/// The commands that a line names before their arguments, and their declared arguments.
 class NamedCommands {
  public:
   NamedCommands(const CommandType& root, const std::vector<std::string>& tokens) {
@@ -19,8 +19,8 @@ class NamedCommands {
     while (const auto next = stack_.back().configuration().defaultSubcommand) enter(*next);
   }
 
-  /// Whether the token ends in an option that takes the next one unconditionally: "--find", "-f",
-  /// or the last of a group of letters.
+  /// Whether the token ends with an option that takes the next token unconditionally: "--find",
+  /// "-f", or the last letter of a group.
   bool takesNextToken(const std::string& token) const {
     if (!token.starts_with('-')) return false;
     const Name whole = Name::parse(token);

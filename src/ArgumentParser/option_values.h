@@ -7,9 +7,9 @@
 
 namespace ArgumentParser {
 
-/// By position: whether the token is an option's value whatever it looks like, since an option with
-/// the `unconditional` strategy stands right before it. The options are those of the commands that
-/// the line names, so that this is known before the line is split.
+/// For each token, whether it is an option's value even if it looks like an option, because the
+/// token before it is an option with the `unconditional` strategy. Considers the options of the
+/// commands that the line names. SplitArguments needs the answer before it splits the line.
 std::vector<bool> unconditionalValues(const CommandType& root,
                                       const std::vector<std::string>& tokens);
 

@@ -10,8 +10,8 @@
 #include "ArgumentParser/errors.h"
 #include "ArgumentParser/name.h"
 
-/// Commands and their arguments declared as data, and a command line turned into a filled-in
-/// command, a help page or an error. A command reads like its own help page:
+/// Commands declare their arguments; the library turns a command line into a command with values, a
+/// help page or an error. A declaration reads like the help page:
 ///
 ///   class AddCommand : public ArgumentParser::ParsableCommand {
 ///    public:
@@ -35,18 +35,20 @@ namespace ArgumentParser {
 struct CommandConfiguration;
 class ParsableCommand;
 
-/// Arguments that belong together. Several commands may hold the same group.
+/// A group of arguments that several commands can share.
 class ParsableArguments {
  public:
   virtual ~ParsableArguments() = default;
 
+  /// Declares the arguments and binds them to members of this object.
   virtual void declare(ArgumentSet&) {}
 
-  /// A check after parsing. Throws a ValidationError with a message for the user.
+  /// Called after parsing. Throws a ValidationError if the values are invalid.
   virtual void validate() {}
 };
 
-/// A kind of command: gives its configuration, and new commands with initial values.
+/// Stands for a subclass of ParsableCommand at run time: gives its configuration and creates
+/// commands of it. See commandType().
 class CommandType {
  public:
   using Configure = CommandConfiguration (*)();
@@ -66,30 +68,34 @@ class CommandType {
   const std::type_info* type_;
 };
 
+/// The name, texts and subcommands of a command.
 struct CommandConfiguration {
   std::string commandName = {};           ///< empty: from the type, `AddMark` becomes "add-mark"
-  std::string abstract = {};              ///< one line
-  std::optional<std::string> usage = {};  ///< in place of the usage line made from the arguments
-  std::string discussion = {};            ///< stands under the abstract
+  std::string abstract = {};              ///< one line of help
+  std::optional<std::string> usage = {};  ///< replaces the generated usage line
+  std::string discussion = {};            ///< further help, shown below the abstract
   std::string version = {};               ///< if not empty, `--version` prints it
-  bool shouldDisplay = true;              ///< false hides it from its parent's help
+  bool shouldDisplay = true;              ///< false hides the command from its parent's help
   std::vector<CommandType> subcommands = {};
-  std::optional<CommandType> defaultSubcommand = {};  ///< taken when none is named
-  std::optional<Names> helpNames = {};    ///< absent: the parent's; of the root, -h and --help
+  std::optional<CommandType> defaultSubcommand = {};  ///< runs if the line names none
+  std::optional<Names> helpNames = {};    ///< absent: the parent's; for the root, -h and --help
   std::vector<std::string> aliases = {};  ///< further names
 
+  /// Whether `name` is the command's name or an alias.
   bool answersTo(std::string_view name) const;
   bool isDefault(const CommandType& subcommand) const { return defaultSubcommand == subcommand; }
 };
 
+/// The base class of commands.
 class ParsableCommand : public ParsableArguments {
  public:
   static CommandConfiguration configuration() { return {}; }
 
-  /// Shows the command's help page unless overridden.
+  /// Runs the command. The default throws a request for the command's help page.
   virtual void run();
 };
 
+/// The CommandType of a default-constructible subclass.
 template <class Command>
 CommandType commandType() {
   return CommandType(

@@ -2,8 +2,8 @@
 
 namespace ArgumentParser {
 
-/// Columns for help on standard output: the environment's COLUMNS if that is a number, else the
-/// terminal's width, else 80.
+/// The width of help on standard output in columns: the environment variable COLUMNS if it is a
+/// number, else the terminal's width, else 80.
 int screenWidth();
 
 }  // namespace ArgumentParser

@@ -19,14 +19,14 @@ std::string_view nameWithin(std::string_view option) {
   return option.substr(0, option.find('='));
 }
 
-/// One letter and one sign: "-n?".
+/// A letter or digit followed by one character that is neither: "-n?".
 bool isLetterWithSign(std::string_view group) {
   const std::string_view letter = firstCharacter(group);
   const std::string_view sign = group.substr(letter.size());
   return isShortName(letter) && isSingleCharacter(sign) && !isShortName(sign) && sign != "=";
 }
 
-/// The kind of a token by its spelling alone. Throws a ParserError for a malformed one.
+/// Classifies a token by its spelling alone. Throws a ParserError if it is malformed.
 Kind classify(std::string_view token) {
   const std::size_t dashes = std::min(token.find_first_not_of('-'), token.size());
   if (dashes == 0 || token == "-") return Kind::value;

@@ -14,8 +14,8 @@ std::string_view firstCharacters(std::string_view text, int count) {
   return text.substr(0, text.size() - rest.size());
 }
 
-/// Where to cut: the index of the space or the line break that goes away, or npos for no cut.
-/// A line break first, wherever it is, so that what stands before it is not filled up.
+/// The index of the space or line break to cut at (and to drop), npos for no cut. A line break
+/// takes precedence over a space, since existing breaks are kept.
 std::size_t cut(std::string_view text, int columns) {
   const std::string_view line = firstCharacters(text, columns);
   if (const auto lineBreak = line.rfind('\n'); lineBreak != npos) return lineBreak;

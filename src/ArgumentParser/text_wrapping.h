@@ -6,12 +6,12 @@
 
 namespace ArgumentParser {
 
-/// Breaks a text at blanks so that its lines, with `indent` spaces in front of each, fit into
-/// `width` columns. Breaks of its own stay, blank lines stay blank, and a word that is longer
-/// than a line runs past its end. Empty when there is no room for even one column.
+/// Wraps a text at blanks so that its lines, each indented by `indent` spaces, fit into `width`
+/// columns. Existing line breaks are kept, blank lines are not indented, and a word longer than a
+/// line overflows. Empty if `indent` leaves no column.
 std::string wrapped(std::string_view text, int width, int indent = 0);
 
-/// Puts spaces in front of each line but the first.
+/// Indents each line but the first.
 std::string withLaterLinesIndented(std::string_view text, int indent);
 
 }  // namespace ArgumentParser

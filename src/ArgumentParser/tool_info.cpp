@@ -11,7 +11,7 @@ namespace ArgumentParser {
 
 namespace {
 
-constexpr int kToolInfoV0 = 0;  // serializationVersion; to be raised when fields change
+constexpr int kToolInfoV0 = 0;  // serializationVersion; raise it when fields change
 
 /// A JSON value. Objects keep their keys sorted.
 struct Json {
@@ -25,6 +25,7 @@ struct Json {
   std::variant<bool, int, std::string, List, Object> value;
 };
 
+/// Writes a JSON value (RFC 8259), indented by two spaces.
 class Writer {
  public:
   std::string write(const Json& value) {
@@ -94,7 +95,7 @@ Json::List texts(const std::vector<std::string>& values) {
   return Json::List(values.begin(), values.end());
 }
 
-/// An object whose absent and empty fields are left out.
+/// Builds an object; empty texts and lists are left out.
 class Fields {
  public:
   void add(const std::string& key, bool value) { object_.emplace(key, value); }

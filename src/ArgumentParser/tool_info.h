@@ -6,8 +6,8 @@
 
 namespace ArgumentParser {
 
-/// The last command of the stack and all below it as a JSON document, for tools that make man
-/// pages and the like.
+/// Describes the last command of the stack and its subcommands as a JSON document, for tools that
+/// generate man pages and the like.
 std::string dumpHelp(const CommandStack& stack);
 
 }  // namespace ArgumentParser

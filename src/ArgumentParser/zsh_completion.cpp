@@ -51,14 +51,15 @@ else
     compdef @FUNCTION@ @NAME@
 fi)sh";
 
-/// Within single quotes of the shell.
+/// The text in single quotes, as zsh reads them.
 std::string quoted(const std::string& text) {
   std::string result = "'";
   for (const char c : text) result += c == '\'' ? "'\\''" : std::string(1, c);
   return result + "'";
 }
 
-/// A text within an entry for _arguments, which gives the characters a meaning.
+/// Escapes a text for an argument of zsh's `_arguments`, in which the special characters delimit
+/// parts. Line breaks become spaces.
 std::string escaped(std::string_view text, std::string_view special) {
   std::string result;
   for (const char c : text) {
@@ -127,8 +128,8 @@ void ZshScript::writeCommand(const CompletionCommand& command) {
   for (const CompletionCommand& child : command.children) writeCommand(child);
 }
 
-/// A line that names no child, and whose cursor is not where a child may be named, is one of the
-/// default child.
+/// Passes the line on to the default subcommand if it names no subcommand and the cursor is not
+/// where one may be named.
 void ZshScript::writeHandOverToDefault(const CompletionCommand& command) {
   std::vector<std::string> names;
   for (const CompletionCommand& child : command.children)
@@ -164,8 +165,8 @@ void ZshScript::writeSubcommands(const CompletionCommand& command) {
   line(1, "esac");
 }
 
-/// The values and shell commands of arguments stand in variables, which the entries name:
-/// within one, characters have meanings that no quoting takes off them.
+/// Writes the values and shell commands of arguments into variables, which the entries refer to:
+/// within an entry, some characters are special and cannot be quoted.
 void ZshScript::writeTexts(const CompletionCommand& command) {
   for (std::size_t i = 0; i < command.arguments.size(); ++i) {
     const CompletionKind kind = command.arguments[i].definition.completionKind();

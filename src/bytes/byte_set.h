@@ -6,10 +6,10 @@
 #include <cstring>
 #include <string_view>
 
-/// Finding the few bytes of a text that need care, eight bytes at a time.
+/// Scans a text for the few bytes that must be escaped or checked, eight bytes at a time.
 namespace tavi {
 
-/// A set of bytes: those below `limit`, and `others`.
+/// A set of bytes, known at compile time: all bytes below `limit` (at most 0x80), and `others`.
 template <std::uint8_t limit, char... others>
 struct ByteSet {
   static_assert(limit <= 0x80);
@@ -18,7 +18,7 @@ struct ByteSet {
     return static_cast<std::uint8_t>(byte) < limit || ((byte == others) || ...);
   }
 
-  /// The length of the run at the start of `text` that holds none of the set.
+  /// The length in bytes of the longest prefix of `text` without a byte of the set.
   static std::size_t lengthBefore(std::string_view text) {
     static_assert(std::endian::native == std::endian::little);
     std::size_t at = 0;
@@ -35,8 +35,8 @@ struct ByteSet {
  private:
   static constexpr std::uint64_t ones = 0x0101010101010101;
 
-  // Anderson, "Bit Twiddling Hacks", hasless: the high bit of each byte below `bound` is set, and
-  // maybe of bytes above the first such byte, so the lowest mark is always right.
+  // Anderson, "Bit Twiddling Hacks", hasless: sets the high bit of each byte below `bound`. A
+  // borrow may also mark bytes above the first such byte, so only the lowest mark can be trusted.
   static constexpr std::uint64_t below(std::uint64_t word, std::uint8_t bound) {
     return (word - ones * bound) & ~word & (ones * 0x80);
   }

@@ -23,7 +23,7 @@ void DescriptorSink::accept(std::string_view bytes) {
     const ssize_t written = ::write(descriptor_, bytes.data(), bytes.size());
     if (written >= 0) {
       bytes.remove_prefix(static_cast<std::size_t>(written));
-    } else if (errno == EAGAIN) {  // a descriptor that someone made non-blocking
+    } else if (errno == EAGAIN) {  // another process made the descriptor non-blocking
       pollfd ready{.fd = descriptor_, .events = POLLOUT, .revents = 0};
       ::poll(&ready, 1, -1);
     } else if (errno == EPIPE) {

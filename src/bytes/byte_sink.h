@@ -9,11 +9,11 @@
 
 namespace tavi {
 
-/// Where output goes, a buffer ahead of it: what is written costs a copy, and memory stays small
-/// however long the output is. Nothing is flushed on destruction, since flushing may fail.
+/// A buffered output. A write costs a copy into the buffer, and memory use does not grow with the
+/// output. The destructor does not flush, since flushing may fail: call `flush`.
 class ByteSink {
  public:
-  static constexpr std::size_t bufferSize = 64 * 1024;
+  static constexpr std::size_t bufferSize = 64 * 1024;  ///< bytes
 
   ByteSink(const ByteSink&) = delete;
   ByteSink& operator=(const ByteSink&) = delete;
@@ -28,11 +28,12 @@ class ByteSink {
     bytes.copy(buffer_.get() + used_, bytes.size());
     used_ += bytes.size();
   }
-  /// Hands on what the buffer holds. Bytes whose delivery failed are not kept.
+  /// Passes the buffered bytes to `accept` and empties the buffer, even when `accept` throws.
   void flush();
 
  protected:
   ByteSink() : buffer_(std::make_unique_for_overwrite<char[]>(bufferSize)) {}
+  /// Delivers all of `bytes`, the next part of the output, or throws.
   virtual void accept(std::string_view bytes) = 0;
 
  private:
@@ -42,9 +43,10 @@ class ByteSink {
   std::size_t used_ = 0;
 };
 
-/// Collects everything in one text.
+/// Collects the output in a string.
 class StringSink final : public ByteSink {
  public:
+  /// The output so far; the sink is empty afterwards.
   std::string take() {
     flush();
     return std::exchange(text_, {});
@@ -55,14 +57,14 @@ class StringSink final : public ByteSink {
   std::string text_;
 };
 
-/// The reader of a pipe has gone away. No fault: nobody wants the rest.
+/// The reader has closed the pipe (EPIPE). Callers stop writing and report no error.
 class OutputClosed : public std::system_error {
  public:
   OutputClosed() : std::system_error(std::make_error_code(std::errc::broken_pipe)) {}
 };
 
-/// An open file descriptor, which stays its owner's. Throws OutputClosed, where the process
-/// ignores SIGPIPE, and std::system_error.
+/// Writes to an open file descriptor, which the caller owns. Throws OutputClosed when the reader
+/// has gone (SIGPIPE must be ignored), and std::system_error for any other failed write(2).
 class DescriptorSink final : public ByteSink {
  public:
   explicit DescriptorSink(int descriptor) : descriptor_(descriptor) {}

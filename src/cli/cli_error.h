@@ -7,7 +7,7 @@
 
 namespace tavi {
 
-/// The command line's own usage error: what the parser cannot check.
+/// A usage error that the parser cannot detect. Exit code 64.
 class TaviCLIError : public Failure {
  public:
   static TaviCLIError usage(std::string message) { return TaviCLIError(std::move(message)); }
@@ -16,7 +16,8 @@ class TaviCLIError : public Failure {
   using Failure::Failure;
 };
 
-/// A failure that a command words itself, with its machine code; ends the run like a store error.
+/// An error with its own machine-readable code and message. Reported like a NoteStoreError: exit
+/// code 1.
 class CommandFailure : public Failure {
  public:
   CommandFailure(std::string code, std::string message)

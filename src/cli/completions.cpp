@@ -21,8 +21,8 @@ NoteStore& storeForReading() {
   return openStore({.onlyReads = true});
 }
 
-/// A text of each note, the latest note first. bash looks at candidates one by one, and slowly: it
-/// gets those alone that it would offer. Other shells match in ways of their own.
+/// A property of each note, the most recently modified note first. bash filters candidates slowly,
+/// so it only gets those that match. The other shells have their own rules for matching.
 Candidates ofNotes(std::string NoteMetadata::*text, std::optional<NoteLocation> location,
                    const CompletionRequest& request) {
   const bool isExact = request.shell == "bash";
@@ -40,8 +40,8 @@ Candidates asTyped(Candidates names, const CompletionRequest& request) {
   return names;
 }
 
-/// Past the closing quote of the phrase that begins at `at`; the query's end where it is not
-/// closed.
+/// The position after the closing quote of the phrase at `at`; the end of the query if the phrase
+/// is not closed.
 std::size_t endOfPhrase(std::string_view query, std::size_t at) {
   for (++at; at < query.size(); ++at) {
     if (query[at] == '"') return at + 1;
@@ -50,8 +50,8 @@ std::size_t endOfPhrase(std::string_view query, std::size_t at) {
   return query.size();
 }
 
-/// The places of a query where a term begins that runs to its end: of `a "b c" #d e` those of
-/// "#d e" and "e". A tag's name may hold blanks, so there may be several.
+/// The positions in a query where an unfinished term may begin: in `a "b c" #d e` those of "#d e"
+/// and "e". There may be several, since the name of a tag may contain blanks.
 std::vector<std::size_t> openTerms(std::string_view query) {
   std::vector<std::size_t> places;
   std::size_t at = 0;
@@ -61,13 +61,14 @@ std::vector<std::size_t> openTerms(std::string_view query) {
       at = std::min(query.find_first_of(" \t\n", at), query.size());
       continue;
     }
-    places.clear();  // a tag does not run across a phrase
+    places.clear();  // a tag does not extend across a phrase
     at = endOfPhrase(query, at);
   }
   return places;
 }
 
-/// The tags as a query names them: with their children, "#work", or without, "!#work".
+/// All tags as search terms. `mark`: "" for "#work", which includes descendants, or "!" for
+/// "!#work".
 Candidates tagTerms(const std::string& mark) {
   Candidates terms;
   for (const std::string& name : ListTagsOp::execute({}, storeForReading()))
@@ -84,7 +85,7 @@ Candidates termsLike(std::string_view typed) {
   return directives;
 }
 
-/// What stands before the last piece of a list: "modified, " of "modified, ti".
+/// The part of a list before its last item: "modified, " in "modified, ti".
 std::string_view piecesBefore(std::string_view list) {
   const std::size_t afterComma = list.rfind(',') + 1;  // 0 without a comma
   return list.substr(0, list.find_first_not_of(' ', afterComma));

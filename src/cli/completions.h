@@ -6,47 +6,48 @@
 
 #include "ArgumentParser/completion_kind.h"
 
-/// Candidates for values that only the database knows. They only read it: no database is created
-/// and no writer waited for. They throw what opening and reading throw; the parser ignores that.
+/// Completion candidates from the database. They only read: they neither create a database nor wait
+/// for a writer. They throw what opening and reading throw, which the parser ignores.
 namespace tavi::completions {
 
 using ArgumentParser::CandidateFunction;
 using ArgumentParser::CompletionRequest;
-using Candidates = std::vector<std::string>;
+using Candidates = std::vector<std::string>;  ///< unquoted texts; see CandidateFunction
 
-/// The note that a line names, as far as it does.
+/// The note that the command line identifies so far; both fields are absent if it does not.
 struct NoteOnLine {
   std::optional<std::string> id, title;
 };
 
-/// Of every note, wherever it is; none before a character is typed, since nobody knows one by
-/// heart.
+/// The ids of all notes in all locations; none while the word is empty, since a list of ids does
+/// not help anybody.
 Candidates noteIDs(const CompletionRequest& request);
-/// Those that --title finds: of the active notes.
+/// The titles of the active notes, which --title accepts.
 Candidates titles(const CompletionRequest& request);
 
-// Tags come as they are typed: with hash marks if the word begins with one.
+/// All tags, as hashtags if the word at the cursor begins with "#".
 Candidates tags(const CompletionRequest& request);
-/// The note's own tags, or all of them where no note is named; the same for pins.
+/// The tags of the note, or all tags if the line identifies no note.
 Candidates tagsOf(const NoteOnLine& note, const CompletionRequest& request);
+/// The pins of the note, or all pins if the line identifies no note.
 Candidates pinsOf(const NoteOnLine& note, const CompletionRequest& request);
-/// Where a note may be pinned.
+/// The contexts that a note can be pinned in: "global" and all tags.
 Candidates pinTargets(const CompletionRequest& request);
 
-/// None where no note is named.
+/// The file names of the note's attachments.
 Candidates attachmentsOf(const NoteOnLine& note);
 
-/// Queries: the last term, where it begins with "#", "!#" or "@", after "-" too, becomes a tag or a
-/// directive of the search language.
+/// Search queries. A last term that begins with "#", "!#" or "@", optionally after "-", is
+/// completed to a tag or a directive of the search language.
 Candidates queries(const CompletionRequest& request);
 
-/// Candidates that the line does not have yet.
+/// Removes candidates that are already on the line.
 Candidates without(const std::vector<std::string>& given, Candidates candidates);
 
-/// A list with commas: its last piece is completed, by what is not in it already.
+/// Completes the last item of a comma-separated list with those `pieces` that it does not contain.
 CandidateFunction commaSeparated(CandidateFunction pieces);
 
-/// Values of --sort: fields, with and without a direction.
+/// Values of --sort: fields with and without an order.
 Candidates sortCriteria(const CompletionRequest& request);
 
 }  // namespace tavi::completions

@@ -40,7 +40,7 @@ void writeLine(ByteSink& sink, std::string_view text) {
   sink.put('\n');
 }
 
-/// A query such as "-x?", of which the parser says what is wrong in other words.
+/// Whether the parser refused an argument such as "-x?", which may be a query.
 bool isGroupWithSign(const std::exception_ptr& error) {
   try {
     std::rethrow_exception(error);
@@ -52,7 +52,8 @@ bool isGroupWithSign(const std::exception_ptr& error) {
   }
 }
 
-/// Two ways of searching that look right and are unknown options to the parser.
+/// A hint for two plausible ways of searching that the parser refuses: --title, and a query that
+/// begins with a dash.
 std::optional<std::string_view> searchHint(const Arguments& arguments) {
   if (arguments.empty()) return {};
   const bool search = arguments[0] == "search";

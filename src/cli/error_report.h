@@ -7,26 +7,28 @@
 
 #include "ArgumentParser/parsable_command.h"
 
-/// The one place where failures become output and exit codes: 1 for what could not be done, 64
-/// for what could not be understood.
+/// Turns errors into output and exit codes: 64 for usage errors, 1 for all others.
 namespace tavi {
 
+/// Command-line arguments without the program's name.
 using Arguments = std::vector<std::string>;
 
-/// Whether the arguments ask for JSON, whatever the parser would make of them: a line that cannot
-/// be parsed is reported in JSON too.
+/// Whether the arguments contain "--format json", looked up without parsing: errors of an invalid
+/// command line are reported in JSON too.
 bool wantsJSONOutput(const Arguments& arguments);
 
+/// Reports errors of the current session, as text or as JSON.
 class ErrorReporter {
  public:
+  /// Keeps a reference to `arguments`.
   ErrorReporter(const ArgumentParser::CommandType& root, const Arguments& arguments)
       : root_(root), arguments_(arguments), jsonErrorMode_(wantsJSONOutput(arguments)) {}
 
-  // Each writes the report, and gives the exit code.
+  // Each function writes the report and returns the exit code.
   int reportUsage(std::string_view message) const;
-  /// A line that the parser did not take, or that asks for a page of its.
+  /// Reports what parsing threw: an error, or a request such as help.
   int reportParseError(const std::exception_ptr& error) const;
-  /// What a command's run threw.
+  /// Reports what a command's run threw.
   int reportCommandError(const std::exception_ptr& error) const;
 
  private:

@@ -33,7 +33,7 @@ std::vector<std::string_view> lines(std::string_view text) {
   }
 }
 
-/// The page without the line that points to `help <subcommand>`: the overview lists more.
+/// Removes the line that points to `help <subcommand>`, since the overview has a section on help.
 std::string withoutPointer(std::string_view page) {
   auto kept = lines(page);
   const auto pointer = std::ranges::find_if(kept, [](std::string_view line) {

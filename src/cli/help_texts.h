@@ -4,7 +4,7 @@
 
 namespace tavi {
 
-/// What the short overview says below the list of commands.
+/// The text of the short overview below the list of commands.
 inline constexpr std::string_view overviewText = R"(HELP:
   tavicli -h                  This short overview.
   tavicli help                This short overview.

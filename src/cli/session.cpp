@@ -6,18 +6,18 @@
 namespace tavi {
 namespace {
 
-Session* inPlace = nullptr;
+Session* installed = nullptr;
 
 }  // namespace
 
 Session& Session::current() {
-  assert(inPlace != nullptr);
-  return *inPlace;
+  assert(installed != nullptr);
+  return *installed;
 }
 
-Session::Scope::Scope(Session& session) : previous_(std::exchange(inPlace, &session)) {}
+Session::Scope::Scope(Session& session) : previous_(std::exchange(installed, &session)) {}
 Session::Scope::~Scope() {
-  inPlace = previous_;
+  installed = previous_;
 }
 
 NoteStore& openStore(const StoreOptions& options) {

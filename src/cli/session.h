@@ -12,8 +12,8 @@
 
 namespace tavi {
 
-/// What a run of the command line has around it. Commands reach it from anywhere, since the parser
-/// makes them; only TaviCLI::main puts one in place, and tests give it their own.
+/// The environment of one run of the command line. It is global, since the parser creates the
+/// commands and cannot pass it to them. Only TaviCLI::main installs one; tests supply their own.
 struct Session {
   ByteSink& output;
   ByteSink& errors;
@@ -21,11 +21,12 @@ struct Session {
   std::function<std::optional<std::string>()> readStdinData;
   std::function<bool()> outputIsTerminal;
   OpenNoteOp::URLOpener openURL;
-  std::unique_ptr<NoteStore> store = nullptr;  ///< the command's, from `openStore`
+  std::unique_ptr<NoteStore> store = nullptr;  ///< of the running command; see `openStore`
 
+  /// The installed session; there must be one.
   static Session& current();
 
-  /// Puts a session in place for as long as the scope lives.
+  /// Installs a session for the lifetime of the scope.
   class Scope {
    public:
     explicit Scope(Session& session);
@@ -38,8 +39,8 @@ struct Session {
   };
 };
 
-/// Opens the store of the command that runs. It is released when the command's output is out: a
-/// store may use the occasion to tidy up.
+/// Opens the store of the running command. The session owns it and closes it after the output is
+/// flushed, since closing may take time.
 NoteStore& openStore(const StoreOptions& options = {});
 
 }  // namespace tavi

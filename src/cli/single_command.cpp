@@ -16,7 +16,7 @@ namespace tavi {
 int runSingleCommand(const ArgumentParser::CommandType& command, int argc, char** argv) {
   prepareStreams();
   const std::vector<std::string> arguments(argv + (argc > 0 ? 1 : 0), argv + argc);
-  // The parser would ask for what must be given first.
+  // Handled before parsing, which would complain about missing arguments.
   if (arguments == std::vector<std::string>{"--version"}) {
     std::puts(versionString().c_str());
     return 0;

@@ -6,13 +6,13 @@
 
 namespace tavi {
 
-/// The whole of a program that is one command: serves its version and help, else parses and runs
-/// it. The process's exit code: 0, 64 for a line that cannot be taken, 1 or what the command
-/// throws.
+/// The main function of a program with a single command: shows its version or help, or parses and
+/// runs it. Returns 0; on an error prints the message and exits with 64 for an invalid command
+/// line, the code of an ArgumentParser::ExitCode, or 1.
 int runSingleCommand(const ArgumentParser::CommandType& command, int argc, char** argv);
 
-/// Writes to standard output at once. A reader that has gone away is no fault; throws
-/// std::system_error for every other one.
+/// Writes to standard output and flushes. Ignores a closed pipe; throws std::system_error for other
+/// errors.
 void printOutput(std::string_view text);
 
 }  // namespace tavi

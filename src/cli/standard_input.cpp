@@ -18,14 +18,14 @@ namespace tavi {
 
 namespace {
 
-/// The size of standard input when it is a regular file, else 0.
+/// The size of standard input in bytes if it is a regular file, else 0.
 std::size_t fileSize() {
   struct stat status {};
   const bool regular = ::fstat(STDIN_FILENO, &status) == 0 && S_ISREG(status.st_mode);
   return regular ? static_cast<std::size_t>(status.st_size) : 0;
 }
 
-/// 0 at the end of input, and where the descriptor is not open for reading.
+/// The number of bytes read; 0 at the end of input, and if the descriptor is not open for reading.
 std::size_t readSome(char* bytes, std::size_t size) {
   const auto count = platform::system::readSome(STDIN_FILENO, bytes, size);
   if (count >= 0) return static_cast<std::size_t>(count);
@@ -33,8 +33,8 @@ std::size_t readSome(char* bytes, std::size_t size) {
   throw std::system_error(errno, std::generic_category(), "Could not read the standard input");
 }
 
-/// Room for a large file, in few large pages where the system has them: touching each of thousands
-/// for the first time takes longer than reading the file.
+/// Reserves memory for a large file in huge pages, if the system has them: the page faults of
+/// thousands of small pages take longer than reading the file.
 void reserveFor(std::size_t size, std::string& data) {
   data.reserve(size);
   const auto page = static_cast<std::uintptr_t>(::sysconf(_SC_PAGESIZE));
@@ -50,8 +50,8 @@ std::optional<std::string> readStdinData() {
   std::string data;
   constexpr std::size_t large = std::size_t{8} << 20;
   if (const std::size_t size = fileSize(); size >= large) reserveFor(size, data);
-  // Through a buffer that stays in the cache: room made in the string itself would be cleared
-  // first.
+  // Reads into a buffer that stays in the cache. Reading into the string directly would first clear
+  // its memory.
   constexpr std::size_t chunk = 256 * 1024;
   const auto buffer = std::make_unique_for_overwrite<char[]>(chunk);
   while (const std::size_t size = readSome(buffer.get(), chunk)) data.append(buffer.get(), size);

@@ -10,10 +10,10 @@ namespace tavi {
 
 void prepareStreams() {
   for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
-    // The lowest free descriptor is the one that open(2) takes.
+    // open(2) returns the lowest free descriptor, which is this one.
     if (::fcntl(descriptor, F_GETFD) == -1) (void)::open("/dev/null", O_RDONLY);
   }
-  // Not SIG_IGN, which a program that we start would inherit.
+  // Not SIG_IGN, which child processes would inherit.
   std::signal(SIGPIPE, [](int) {});
   std::signal(SIGXFSZ, [](int) {});
 }

@@ -2,12 +2,12 @@
 
 namespace tavi {
 
-/// Makes a process safe to print from, whatever state its caller left the standard streams in. To
-/// be called first of all.
+/// Makes the standard streams safe to use, whatever state the parent process left them in. Call it
+/// before anything else.
 ///
-/// Closed streams are opened on /dev/null, or the database would get their descriptors and output
-/// would be written into it; writing to them still fails. A reader that goes away and a file-size
-/// limit are failed writes and end nothing by a signal.
+/// Opens closed streams on /dev/null, read-only. Otherwise the database would get their
+/// descriptors, and output would be written into it. SIGPIPE and SIGXFSZ no longer end the process:
+/// the write fails instead.
 void prepareStreams();
 
 }  // namespace tavi

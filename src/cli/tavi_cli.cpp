@@ -38,7 +38,7 @@ namespace {
 using ArgumentParser::commandType;
 using ArgumentParser::CommandType;
 
-/// The version, or a page of help, where the arguments ask for one.
+/// The version or the help page that the arguments ask for; absent if they ask for neither.
 std::optional<std::string> requestedText(const CommandType& root, const Arguments& arguments) {
   if (arguments == Arguments{"-v"} || arguments == Arguments{"--version"})
     return versionString() + "\n";
@@ -50,7 +50,7 @@ std::optional<std::string> requestedText(const CommandType& root, const Argument
   return std::nullopt;
 }
 
-/// The position, counted from 1, of an argument that is no text.
+/// The position, from 1, of the first argument that is not valid UTF-8.
 std::optional<std::size_t> invalidArgument(const Arguments& arguments) {
   for (std::size_t i = 0; i < arguments.size(); ++i)
     if (!platform::text::isValidUTF8(arguments[i])) return i + 1;
@@ -63,13 +63,13 @@ std::optional<int> run(ArgumentParser::ParsableCommand& command, const ErrorRepo
     Session::current().output.flush();
     return std::nullopt;
   } catch (const OutputClosed&) {
-    return std::nullopt;  // what was to be done is done, and nobody reads on
+    return std::nullopt;  // the command has done its work, and the reader has gone
   } catch (...) {
     return reporter.reportCommandError(std::current_exception());
   }
 }
 
-/// Prints the candidates for a shell. The user is typing: a failure of any kind prints nothing.
+/// Prints the candidates for a shell. Prints nothing on any failure, since the user is typing.
 int complete(const CommandType& root, const Arguments& arguments) try {
   ByteSink& output = Session::current().output;
   if (invalidArgument(arguments)) return 0;
@@ -102,7 +102,7 @@ std::optional<int> serve(const CommandType& root, const Arguments& arguments) {
   return run(*command, reporter);
 }
 
-/// The exit code once everything is written: output that is lost is a failure.
+/// Flushes the output. Returns the exit code, which becomes 1 if output could not be written.
 std::optional<int> flushed(Session& session, std::optional<int> exitCode) {
   try {
     session.output.flush();
@@ -156,8 +156,8 @@ std::optional<int> TaviCLI::main(const std::vector<std::string>& arguments, Sess
   std::optional<int> exitCode = 0;
   try {
     exitCode = serve(commandType<TaviCLI>(), arguments);
-  } catch (const OutputClosed&) {    // within a long page of help
-  } catch (const std::bad_alloc&) {  // around a command
+  } catch (const OutputClosed&) {    // from a long help page
+  } catch (const std::bad_alloc&) {  // from outside a command's run
     const ErrorReporter reporter(commandType<TaviCLI>(), arguments);
     exitCode = reporter.reportCommandError(std::current_exception());
   }

@@ -9,19 +9,19 @@
 
 namespace tavi {
 
-/// The root command, and what happens from the start of the process to its end.
+/// The root command, and the main function of the program.
 class TaviCLI : public ArgumentParser::ParsableCommand {
  public:
   static ArgumentParser::CommandConfiguration configuration();
   void declare(ArgumentParser::ArgumentSet& args) override;
 
-  /// Serves the arguments, which are without the program's name. Absent when a command ran to its
-  /// normal end; else the code to end the process with: 0 for help and the version.
+  /// Handles the arguments, which exclude the program's name. Absent if a command completed
+  /// successfully; otherwise the exit code, which is 0 for help and the version.
   static std::optional<int> main(const std::vector<std::string>& arguments);
   static std::optional<int> main(const std::vector<std::string>& arguments, Session& session);
 
  private:
-  bool version_ = false;  // served before parsing; declared for the help page
+  bool version_ = false;  // only declared for the help page: main handles it before parsing
 };
 
 }  // namespace tavi

@@ -4,7 +4,7 @@
 
 namespace tavi {
 
-/// "1.0.0 (1)": the short version and the build number, as the build fixed them.
+/// The short version and the build number, which the build defines: "1.0.0 (1)".
 std::string versionString();
 
 }  // namespace tavi

@@ -5,11 +5,11 @@
 
 namespace tavi {
 
-/// The token by which a reader later proves that a note's text has not changed: the first 7
-/// lower-case hexadecimal digits of the SHA-256 (FIPS 180-4) of the text's bytes as stored.
+/// A token with which a client later shows which version of a note's text it has read: the first 7
+/// lower-case hexadecimal digits of the SHA-256 (FIPS 180-4) of the stored text's bytes.
 struct ContentHash {
   static std::string of(std::string_view text);
-  /// The same from the text's SHA-256 in lower-case hexadecimal digits, or a head of 7 or more.
+  /// The hash from the text's SHA-256, given as at least 7 lower-case hexadecimal digits.
   static std::string ofDigest(std::string_view sha256);
 };
 

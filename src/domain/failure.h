@@ -6,8 +6,8 @@
 
 namespace tavi {
 
-/// An error whose message may quote any text. `what()` ends at the first NUL of it; `message()`
-/// does not.
+/// An error whose message may quote arbitrary text, NUL bytes included: `message()` is the whole
+/// message, while `what()` ends at the first NUL.
 class Failure : public std::exception {
  public:
   explicit Failure(std::string message) : message_(std::move(message)) {}
@@ -18,8 +18,8 @@ class Failure : public std::exception {
   std::string message_;
 };
 
-/// What either face tells the user of an error, ours or not: its whole message, on one line and
-/// without control characters. Of std::bad_alloc, a sentence.
+/// The message for any exception as the command line and the MCP server show it: complete, on one
+/// line and with control characters escaped. std::bad_alloc has a readable sentence.
 std::string failureMessage(const std::exception& error);
 
 }  // namespace tavi

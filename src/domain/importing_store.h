@@ -9,31 +9,33 @@
 
 namespace tavi {
 
-/// A note as another place keeps it, to be taken in with all that is known of it.
+/// A note from outside the store, with its attachments and all metadata that the source has.
 struct ImportedNote {
+  /// An attachment.
   struct File {
-    std::string filename;  ///< as the text links it; see addAttachment for what a name may be
+    std::string filename;  ///< as the text links it; addAttachment says which names are valid
     std::string bytes;
   };
 
-  std::string id;                            ///< its unique identifier; empty: a new one
-  std::string text;                          ///< title and tags are derived from it
-  std::optional<Instant> created, modified;  ///< absent: not known
+  std::string id;                            ///< the unique identifier; empty: the store makes one
+  std::string text;                          ///< Markdown; title and tags are derived from it
+  std::optional<Instant> created, modified;  ///< absent: unknown
   std::vector<std::string> pins;             ///< "global", or the name of a tag
   NoteLocation location = NoteLocation::notes;
-  std::vector<File> files;  ///< in note order; names differ
+  std::vector<File> files;  ///< in the order of their links; no two have the same name
 };
 
-/// A store that also takes in whole notes, many to a save. The guards are those of every write: a
-/// save happens whole or not at all, and what it saved is durable when it returns.
+/// A store that can also import complete notes, many in one save. As with every write, a save is
+/// atomic, and durable when it returns.
 class ImportingStore : public NoteStore {
  public:
-  /// Holds the note, its files' bytes on the disk already, for the next `saveImported`. False, and
-  /// nothing is held, when a note of this id is in the database, be it in the trash. Of several
-  /// notes held, no two may have one id. Throws std::system_error when bytes cannot be written and
-  /// std::runtime_error for a file name that cannot be stored; then nothing that was held is kept.
+  /// Adds the note to those that the next `saveImported` saves; its files' bytes are written to
+  /// disk at once. Returns false and adds nothing if the database has a note of this id, even in
+  /// the trash. No two added notes may have the same id. Throws std::system_error if bytes cannot
+  /// be written and std::runtime_error for an invalid file name; then all added notes are
+  /// discarded.
   virtual bool importNote(const ImportedNote& note) = 0;
-  /// Saves what is held, in one transaction, and forgets everything read so far.
+  /// Saves the added notes in one transaction, then resets the store (see `reset`).
   virtual void saveImported() = 0;
 };
 

@@ -10,8 +10,8 @@ namespace {
 constexpr double kEarliest = Instant::distantPast().seconds;
 constexpr double kLatest = 253402300799;  // 9999-12-31 23:59:59 UTC: a year has four digits
 
-/// Writes a number with zeros in front over what stands in `text`. By hand, since a list of all
-/// notes holds two dates a row.
+/// Overwrites `digits` characters of `text` with the number, padded with zeros. Hand-written, since
+/// a list of all notes formats two dates per row.
 void write(std::string& text, std::size_t position, std::size_t digits, std::int64_t number) {
   for (std::size_t i = digits; i-- > 0; number /= 10) {
     text[position + i] = static_cast<char>('0' + number % 10);
@@ -22,7 +22,7 @@ void write(std::string& text, std::size_t position, std::size_t digits, std::int
 
 std::string formatISO8601(Instant instant) {
   using namespace std::chrono;
-  // Written so that what is no number at all becomes the earliest date.
+  // The comparison is false for NaN, which so becomes the earliest date.
   const double inRange =
       instant.seconds >= kEarliest ? std::fmin(instant.seconds, kLatest) : kEarliest;
   const sys_seconds time{seconds(static_cast<std::int64_t>(std::floor(inRange)))};

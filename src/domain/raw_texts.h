@@ -6,8 +6,8 @@
 #include <optional>
 #include <string_view>
 
-/// Enumerations whose values are written as texts. The texts stand in an array in the order of the
-/// values, which count from 0.
+/// Conversions between an enumeration and its texts, given an array of the texts in the order of
+/// the values, which must count from 0.
 namespace tavi {
 
 template <class Enum, std::size_t size>
@@ -15,7 +15,7 @@ constexpr std::string_view textOf(const std::array<std::string_view, size>& text
   return texts[static_cast<std::size_t>(value)];
 }
 
-/// The value that is written exactly so, or nothing.
+/// The value with exactly this text; absent if there is none.
 template <class Enum, std::size_t size>
 constexpr std::optional<Enum> valueOf(const std::array<std::string_view, size>& texts,
                                       std::string_view text) {

@@ -8,23 +8,24 @@
 
 namespace tavi {
 
-/// The rows of a list or a search, which may be many and large: they are read from the store as
-/// they are asked for, and a row lives only while it is looked at. All passes over one list see
-/// the same state of the store, for as long as the store lives. A failing read throws from here.
+/// The rows of a list or a search. Since they may be many and large, they are read from the store
+/// during a pass, and a row exists only while it is visited. All passes over one list see the same
+/// state of the store, which must outlive the list. Both functions throw if a read fails.
 template <class Record>
 class RecordSource {
  public:
   virtual ~RecordSource() = default;
-  /// The number of rows; the rows themselves are not read for it.
+  /// The number of rows, without reading them.
   virtual std::int64_t count() = 0;
   /// Calls `visit` with each row, in order.
   virtual void forEach(const std::function<void(const Record&)>& visit) = 0;
 };
 
+/// An owned list; never null.
 template <class Record>
 using RecordList = std::unique_ptr<RecordSource<Record>>;
 
-/// A list that is in memory already.
+/// A list of rows in memory.
 template <class Record>
 class VectorSource final : public RecordSource<Record> {
  public:
@@ -38,6 +39,7 @@ class VectorSource final : public RecordSource<Record> {
   std::vector<Record> rows_;
 };
 
+/// Makes a list of rows in memory.
 template <class Record>
 RecordList<Record> recordList(std::vector<Record> rows = {}) {
   return std::make_unique<VectorSource<Record>>(std::move(rows));

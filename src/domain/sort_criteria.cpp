@@ -30,8 +30,8 @@ std::string wording(SortParseError::Kind kind, std::string_view offender) {
   return "sort string is empty";
 }
 
-/// "title:asc" or "title". Leading colons are skipped; the first one after the field ends it, and
-/// the rest is the order, empty for none.
+/// Splits "title:asc" or "title" at the first colon into field and order, which is empty if there
+/// is no colon. Leading colons are ignored.
 struct Piece {
   explicit Piece(std::string_view text) {
     text.remove_prefix(std::min(text.find_first_not_of(':'), text.size()));

@@ -8,22 +8,24 @@
 
 namespace tavi {
 
+/// The properties that notes can be sorted by.
 enum class SortField { pinned, modified, created, title };
 enum class SortOrder { asc, desc };
 
+/// One sort key. "pinned:desc" puts pinned notes first.
 struct SortCriterion {
   SortField field = SortField::pinned;
   SortOrder order = SortOrder::desc;
   bool operator==(const SortCriterion&) const = default;
 };
 
-/// Earlier criteria decide first. Never empty when it comes from `parseSortCriteria`.
+/// Sort keys by descending precedence. `parseSortCriteria` never returns an empty list.
 using SortCriteria = std::vector<SortCriterion>;
 
 std::string_view rawText(SortField field);
 std::string_view rawText(SortOrder order);
 
-/// What is wrong with a sort string.
+/// A sort string is invalid. `offender` is the invalid part, which the message quotes.
 class SortParseError : public Failure {
  public:
   enum class Kind { invalidField, invalidOrder, duplicateField, empty };
@@ -34,8 +36,8 @@ class SortParseError : public Failure {
   Kind kind_;
 };
 
-/// Reads "pinned,modified:asc". A field without a direction is descending. Throws SortParseError
-/// at the first fault.
+/// Parses a list such as "pinned,modified:asc". Fields without an order are descending. Throws
+/// SortParseError for the first error.
 SortCriteria parseSortCriteria(std::string_view text);
 
 }  // namespace tavi

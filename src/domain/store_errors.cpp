@@ -38,7 +38,7 @@ std::string escaped(std::string_view text) {
   return result;
 }
 
-/// A text as it stands between double quotes on one line, cut where it is long.
+/// A text escaped for display between double quotes on one line, shortened if it is long.
 std::string displayForm(std::string_view text) {
   using platform::text::stepForwardCharacters;
   std::string result = escaped(text);
@@ -47,7 +47,7 @@ std::string displayForm(std::string_view text) {
   return result + "…";
 }
 
-/// Each name between two quotes, ascending.
+/// The quoted names in ascending order, separated by commas.
 std::string list(const std::set<std::string>& names, std::string_view quote) {
   std::vector<std::string> sorted(names.begin(), names.end());
   std::sort(sorted.begin(), sorted.end(), platform::text::CodePointLess());

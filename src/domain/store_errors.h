@@ -11,8 +11,8 @@
 
 namespace tavi {
 
-/// The one error of the storage interface. Every value has a fixed message and a fixed machine
-/// code; both faces print them as they stand. Made by the functions below the class.
+/// The error of the storage interface. The factory functions determine its message for users and
+/// its code for programs; the command line and the MCP server show both unchanged.
 class NoteStoreError : public Failure {
  public:
   enum class Case {
@@ -47,7 +47,7 @@ class NoteStoreError : public Failure {
   static NoteStoreError fileNotFound(std::string_view path);
   static NoteStoreError storeUnavailable(std::string_view message);
   static NoteStoreError renameTargetExists(std::string_view newName, std::int64_t mergeCount);
-  /// `index` counts from 0, the message from 1.
+  /// `index` counts from 0; the message counts from 1.
   static NoteStoreError batchEditFailed(std::int64_t index, std::string_view find,
                                         const NoteStoreError& underlying);
   static NoteStoreError attachmentRemovalGateFailed(const std::set<std::string>& removed,
@@ -57,11 +57,12 @@ class NoteStoreError : public Failure {
   static NoteStoreError appLockEnabled();
 
   Case kind() const { return case_; }
-  /// Such as "note_not_found". A failed batch edit has the code of the edit's own error.
+  /// The machine-readable code, "note_not_found". A failed batch edit has the code of the failed
+  /// edit's error.
   std::string_view code() const { return code_; }
-  /// Whether this, or the innermost error of a batch edit, is `stringNotFound`.
+  /// Whether this error, or for a batch edit the error of the failed edit, is `stringNotFound`.
   bool isStringNotFound() const;
-  /// The same case with the same words.
+  /// Errors are equal if case and message are.
   bool operator==(const NoteStoreError& other) const {
     return case_ == other.case_ && message() == other.message();
   }
@@ -73,7 +74,7 @@ class NoteStoreError : public Failure {
 
   Case case_;
   std::string_view code_;
-  std::shared_ptr<const NoteStoreError> underlying_;  // of batchEditFailed only
+  std::shared_ptr<const NoteStoreError> underlying_;  // null unless batchEditFailed
 };
 
 }  // namespace tavi

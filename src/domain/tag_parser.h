@@ -6,10 +6,12 @@
 
 namespace tavi {
 
+/// Converts between the names of tags and their spelling in text. docs/markdown.md has the rules.
 struct TagParser {
-  /// The canonical name of any tag text, or the empty text when it holds none.
+  /// The canonical name, "work/draft", of a tag in any form, such as "#work/draft"; empty if the
+  /// text is not a tag.
   static std::string canonicalName(std::string_view text);
-  /// The hashtag text of a canonical name, or nothing when no hashtag would be read as that name.
+  /// The hashtag for a canonical name; absent if no hashtag parses as that name.
   static std::optional<std::string> writtenForm(std::string_view name);
 };
 

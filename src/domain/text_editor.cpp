@@ -16,7 +16,8 @@ using platform::text::CaseFolding;
 using platform::text::RegularExpression;
 using platform::text::StringSearch;
 
-/// A longer one could be compared in full at every place of a text made for it.
+/// Bounds the cost of plainWordMatches: a crafted text can force a full comparison of the word at
+/// each of its bytes.
 constexpr std::size_t kLongestPlainWord = 64;
 
 std::vector<ByteRange> literalMatches(const EditOperation& edit, std::string_view text) {
@@ -28,9 +29,9 @@ bool isWordScalar(char32_t scalar) {
   return scalar == '_' || platform::text::isAlphanumeric(scalar);
 }
 
-/// The word search where text and word are ASCII: there every form of boundary comes to saying
-/// that no word character stands next to the match. Saves opening the regular expressions, which
-/// takes a millisecond, and nearly all the time of the search.
+/// The word search for an ASCII text and word, in which a match is a whole word if no word
+/// character is next to it. Avoids loading the regular expressions, which takes a millisecond, and
+/// most of the search time.
 std::vector<ByteRange> plainWordMatches(const EditOperation& edit, std::string_view text) {
   const auto isWordAt = [text](std::size_t position) {
     return position < text.size() && isWordScalar(static_cast<unsigned char>(text[position]));
@@ -46,11 +47,11 @@ std::vector<ByteRange> plainWordMatches(const EditOperation& edit, std::string_v
   return result;
 }
 
-/// `edit.find` as a whole word. A side that is no word character itself, as in "#tag" or "x++",
-/// cannot ask for "\b", which would want a word character on its far side.
+/// The matches of `edit.find` as a whole word. "\b" does not work at an end that is not a word
+/// character, as in "#tag" or "x++": there it would require a word character outside the match.
 std::vector<ByteRange> wordMatches(const EditOperation& edit, std::string_view text) {
   const std::string_view find = edit.find;
-  if (find.empty()) return {};  // between any two words there is one
+  if (find.empty()) return {};  // would match between any two words
   if (find.size() <= kLongestPlainWord && platform::text::isASCII(find) &&
       platform::text::isASCII(text)) {
     return plainWordMatches(edit, text);
@@ -64,7 +65,7 @@ std::vector<ByteRange> wordMatches(const EditOperation& edit, std::string_view t
   return RegularExpression(pattern, edit.ignoreCase).matches(text);
 }
 
-/// `text` with the action done at each of the ranges, which ascend and do not overlap.
+/// Applies the action at each range; the ranges are ascending and do not overlap.
 std::string applied(const EditAction& action, const std::vector<ByteRange>& ranges,
                     std::string_view text) {
   std::string result;

@@ -10,9 +10,8 @@ namespace {
 
 using platform::text::ByteRange;
 
-/// What stands for a character that would break a line or be mistaken for such a stand-in; null
-/// for others.
-const char* standIn(char c) {
+/// The escape of a character that would break the line, or of the backslash; null for others.
+const char* escapeOf(char c) {
   switch (c) {
     case '\\':
       return "\\\\";
@@ -30,7 +29,7 @@ std::string onOneLine(std::string_view text) {
   result.reserve(text.size() + text.size() / 8);
   std::size_t copied = 0;
   for (std::size_t i = 0; i < text.size(); ++i) {
-    const char* replacement = standIn(text[i]);
+    const char* replacement = escapeOf(text[i]);
     if (replacement == nullptr) continue;
     result.append(text, copied, i - copied);
     result += replacement;

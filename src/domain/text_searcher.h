@@ -9,12 +9,12 @@
 
 namespace tavi {
 
-/// Finds a string in one note's text, ignoring case but not accents.
+/// Finds a string in a note's text, ignoring case but not accents.
 /// Characters are extended grapheme clusters (Unicode UAX #29).
 struct TextSearcher {
-  /// Ascending by offset, never overlapping; empty when the query is empty.
-  /// `context`: characters kept around the match, >= 0; half before it, the odd one after it.
-  /// `limit`: greater than 0; absent means all.
+  /// The matches, ascending by offset and not overlapping; none if the query is empty.
+  /// `context`: characters of context in a snippet, >= 0; half of them, rounded down, precede the
+  /// match. `limit`: the maximum number of matches, > 0; absent means all.
   static std::vector<SearchMatch> search(std::string_view text, std::string_view query,
                                          std::int64_t context, std::optional<std::int64_t> limit);
 };

@@ -9,8 +9,8 @@
 
 namespace tavi {
 
-/// The answer of a write. An absent field did not change, or was not asked for. The fields stand
-/// in their encoding order, in which `pins` is beside the other lists.
+/// The result of a write. An absent field did not change or was not requested. The order of the
+/// fields is that of the output; unlike in NoteMetadata, `pins` is next to the other lists.
 struct WriteResponse {
   std::optional<std::string> id;
   std::optional<std::string> title;
@@ -30,8 +30,8 @@ struct WriteResponse {
   /// All thirteen metadata fields of a new note, and its text if given.
   static WriteResponse full(const NoteMetadata& post, std::optional<std::string> content = {});
 
-  /// The fields that differ, with their value in `post`; never the id. Lists are compared as sets,
-  /// so order and repetition are no change, and a changed list is given whole.
+  /// The fields that differ, with their values in `post`; never the id. Lists are compared as sets,
+  /// so order and repetition do not count as a change; a changed list is given in full.
   static WriteResponse difference(const NoteMetadata& pre, const NoteMetadata& post);
 };
 

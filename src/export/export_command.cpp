@@ -11,7 +11,7 @@
 namespace tavi::exporting {
 namespace {
 
-constexpr int interrupted = 130;  // as a shell says it of Ctrl-C
+constexpr int interrupted = 130;  // a shell's exit code for Ctrl-C: 128 + SIGINT
 
 }  // namespace
 

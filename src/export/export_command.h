@@ -11,7 +11,7 @@ class ExportCommand : public ArgumentParser::ParsableCommand {
  public:
   static ArgumentParser::CommandConfiguration configuration();
   void declare(ArgumentParser::ArgumentSet& args) override;
-  /// Prints what was done. Throws what stopped it, and ArgumentParser::ExitCode.
+  /// Prints a report. Throws the error that stopped the export, or an ArgumentParser::ExitCode.
   void run() override;
 
  private:

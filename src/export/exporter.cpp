@@ -28,7 +28,7 @@ using vault::Interruption;
 
 constexpr std::uint64_t anySize = std::uint64_t{1} << 40;  // bytes
 
-/// Of what is no regular file: it is never ours.
+/// Stands for the digest of something that is not a regular file, which an export never wrote.
 const std::string notAFile = "-";
 
 std::string digestOf(std::string_view bytes) {
@@ -41,7 +41,7 @@ fs::path temporaryFolder(const fs::path& folder) {
   return bookkeepingFolder(folder) / "new";
 }
 
-/// "2026-01-31 080509": a folder name for what this run takes away.
+/// "2026-01-31 080509": a folder name for the files that this run moves away.
 std::string timeStamp() {
   std::string text = formatISO8601(
       {std::chrono::duration<double>(std::chrono::system_clock::now().time_since_epoch()).count()});
@@ -92,7 +92,7 @@ Exporter::Exporter(fs::path folder) : folder_(std::move(folder)) {
 
 ExportReport Exporter::run(NoteStore& store) {
   const Interruption interruption;
-  fs::remove_all(temporaryFolder(folder_));  // of a run that was killed
+  fs::remove_all(temporaryFolder(folder_));  // left by a killed run
   fs::create_directory(temporaryFolder(folder_));
   plan(store);
   {
@@ -144,7 +144,7 @@ void Exporter::exportNote(const Note& note, NoteStore& store) {
   }
 }
 
-/// The digest of what stands at a path; empty for nothing.
+/// The digest of the file at a path; empty if there is none.
 std::string Exporter::digestAt(const std::string& path) const {
   const fs::file_status status = fs::symlink_status(folder_ / path);
   if (!fs::exists(status)) return {};
@@ -152,7 +152,7 @@ std::string Exporter::digestAt(const std::string& path) const {
   return digestOf(vault::contentsOf(folder_ / path, anySize));
 }
 
-/// Writes the file beside, where it is not there as it is to be already.
+/// Writes the file under a temporary name, unless the file at `path` is up to date or is not ours.
 void Exporter::place(const std::string& path, const std::string& bytes, Manifest::Entry entry) {
   entry.digest = digestOf(bytes);
   const std::string found = digestAt(path);
@@ -175,8 +175,8 @@ void Exporter::place(const std::string& path, const std::string& bytes, Manifest
   now_.files[path] = std::move(entry);
 }
 
-/// Brings what was written under its names. Whenever this is cut short, the manifest on the disk
-/// knows every file as the export's own.
+/// Renames the written files into place. If this is cut short at any point, the manifest on disk
+/// still identifies every file that exports wrote.
 void Exporter::publish() {
   vault::syncFolder(folder_);
   Manifest both = before_;
@@ -192,7 +192,7 @@ void Exporter::publish() {
   now_.write(folder_);
 }
 
-/// What the last export wrote and this one has no use for.
+/// Moves away the files that the last export wrote and that no note needs any more.
 void Exporter::retire() {
   for (const auto& [path, entry] : before_.files) {
     if (now_.files.contains(path)) continue;

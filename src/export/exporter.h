@@ -15,26 +15,29 @@
 
 namespace tavi::exporting {
 
+/// The result of an export, for the user.
 struct ExportReport {
-  bool isInterrupted = false;  ///< then nothing was changed
+  bool isInterrupted = false;  ///< then the export changed nothing
   std::size_t notes = 0, attachments = 0;
-  std::size_t written = 0;                    ///< files
-  std::size_t movedAway = 0;                  ///< files that the notes have no more
-  std::vector<vault::LeftOut> leftAsTheyAre;  ///< files that are not the export's to write
-  std::vector<vault::LeftOut> missing;        ///< attachments whose bytes cannot be read
+  std::size_t written = 0;                    ///< files written
+  std::size_t movedAway = 0;                  ///< files moved away, since no note needs them
+  std::vector<vault::LeftOut> leftAsTheyAre;  ///< files not overwritten, since others wrote them
+  std::vector<vault::LeftOut> missing;        ///< attachments that cannot be read
 
+  /// The report in words, several lines.
   std::string text() const;
 };
 
-/// Makes a folder hold what a store holds. A file is written only where it is not so already, and
-/// only where the last export wrote what stands there; new files come under their names when all
-/// are on the disk. Files that the notes have no more go to `.tavi-export/removed/`.
+/// Updates a folder to the contents of a store. Writes only files that differ, and overwrites only
+/// files that the last export wrote. New files are renamed into place after all are on disk. Files
+/// that no note needs any more are moved to `.tavi-export/removed/`.
 class Exporter {
  public:
-  /// Makes the folder where there is none. Throws std::runtime_error, also when another export
-  /// into the folder is running.
+  /// Creates the folder if necessary, and locks it. Throws std::runtime_error, also if another
+  /// export into the folder is running.
   explicit Exporter(std::filesystem::path folder);
 
+  /// Throws what the store throws, std::filesystem::filesystem_error and vault::FileFault.
   ExportReport run(NoteStore& store);
 
  private:
@@ -50,8 +53,8 @@ class Exporter {
   platform::system::FileDescriptor lock_;
   Manifest before_, now_;
   std::unique_ptr<Layout> layout_;
-  std::map<std::string, std::filesystem::path> written_;  ///< temporary files, by their last paths
-  std::filesystem::path removed_;                         ///< where this run moves files to
+  std::map<std::string, std::filesystem::path> written_;  ///< temporary files by their final paths
+  std::filesystem::path removed_;                         ///< the folder for files moved away
   ExportReport report_;
 };
 

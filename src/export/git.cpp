@@ -20,11 +20,13 @@ namespace {
 
 using platform::system::FileDescriptor;
 
+/// The result of a git command.
 struct Answer {
   int exitCode = 0;
-  std::string text;  ///< what it wrote, to either stream
+  std::string text;  ///< standard output and standard error
 };
 
+/// Owns the file actions of posix_spawn(3).
 class SpawnActions {
  public:
   SpawnActions() { posix_spawn_file_actions_init(&actions_); }
@@ -47,6 +49,7 @@ std::string readAll(int descriptor) {
   }
 }
 
+/// Runs git in a folder, without a shell.
 class Git {
  public:
   explicit Git(std::filesystem::path folder) : folder_(std::move(folder)) {}
@@ -86,7 +89,7 @@ class Git {
   std::filesystem::path folder_;
 };
 
-/// A repository of its own; other machines are told to keep every byte.
+/// Creates a repository. Its attributes keep git on other machines from converting line breaks.
 void makeRepository(const Git& git, const std::filesystem::path& folder) {
   git.run({"init", "--quiet"});
   const std::filesystem::path attributes = folder / ".gitattributes";

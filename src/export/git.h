@@ -5,8 +5,8 @@
 
 namespace tavi::exporting {
 
-/// Commits what is below the folder, in the repository that it lies in, or a new one. Nothing
-/// happens where nothing has changed. Throws std::runtime_error with what git says.
+/// Commits all changes below the folder to the repository that contains it; creates one if there is
+/// none. Does nothing without changes. Throws std::runtime_error with git's output.
 void commitFolder(const std::filesystem::path& folder, const std::string& message);
 
 }  // namespace tavi::exporting

@@ -26,7 +26,7 @@ std::string folderOf(NoteLocation location) {
   return "";
 }
 
-/// Whether `stem` is the name, or the name and a number.
+/// Whether `stem` is the name, optionally followed by a number.
 bool isNamed(const std::string& stem, const std::string& name) {
   if (!stem.starts_with(name)) return false;
   const std::string rest = stem.substr(name.size());

@@ -11,22 +11,23 @@
 
 namespace tavi::exporting {
 
-/// Where the notes of a store lie in the folder of an export, as paths from that folder:
+/// Assigns the notes of a store to files in the folder of an export. Paths are relative to it:
 ///
 ///   Shopping.md            a note
-///   Mars/Mars.md           a note with attachments, which lie beside it under their own names
+///   Mars/Mars.md           a note with attachments, which are in the same folder
 ///   Mars/map.png
 ///   Archive/Old plan.md    an archived note
-///   Trash/Draft 2.md       one in the trash; another there has its title
+///   Trash/Draft 2.md       a note in the trash; another one there has the same title
 ///
-/// A note keeps its name as long as its title and place stay. Names differ without case.
+/// A note keeps its file name while its title and location stay the same. No two names differ only
+/// in case.
 class Layout {
  public:
-  /// The id of the note in a file that no export is known to have written there; empty for a file
-  /// of another kind, absent for no file.
+  /// The id of the note in the file at a path; empty if the file is not an exported note, absent if
+  /// there is no file.
   using Occupant = std::function<std::optional<std::string>(const std::string& path)>;
 
-  /// `before`: paths of the last export by the notes' ids. `notes`: in any order.
+  /// `notes`: in any order. `before`: the paths of the last export by note id.
   Layout(const std::vector<NoteMetadata>& notes,
          const std::unordered_map<std::string, std::string>& before, Occupant occupant);
 
@@ -35,6 +36,7 @@ class Layout {
   static std::string beside(const std::string& notePath, const std::string& filename);
 
  private:
+  /// The name of a note's file, or of its folder if it has attachments.
   struct Name {
     std::string folder;  ///< "", "Archive/" or "Trash/"
     std::string stem;
@@ -44,7 +46,7 @@ class Layout {
   bool claim(const NoteMetadata& note, const Name& name, bool isKnown);
 
   Occupant occupant_;
-  std::unordered_set<std::string> claimed_;  ///< folders and stems, folded
+  std::unordered_set<std::string> claimed_;  ///< case-folded folders and stems
   std::unordered_map<std::string, std::string> paths_;
 };
 

@@ -16,7 +16,7 @@ Field field(std::string key, std::string value) {
 }
 
 void addDate(std::vector<Field>& fields, std::string key, Instant date) {
-  if (date == Instant::distantPast()) return;  // it is not known
+  if (date == Instant::distantPast()) return;  // unknown
   fields.push_back(field(std::move(key), vault::writeDate(date.seconds)));
 }
 

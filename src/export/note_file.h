@@ -8,11 +8,11 @@
 
 namespace tavi::exporting {
 
-/// The note as a file: front matter that says everything but the text, and the text. Of a locked
-/// note there is no text.
+/// The contents of a note's file: front matter with the metadata, then the text, which is empty for
+/// a locked note.
 std::string noteFile(const Note& note);
 
-/// The id that the front matter of such a file says; empty for any other file.
+/// The note's id in the front matter of such a file; empty for any other file.
 std::string noteIDOf(std::string_view file);
 
 }  // namespace tavi::exporting

@@ -22,7 +22,7 @@
 namespace tavi::import {
 namespace {
 
-constexpr int interrupted = 130;  // as a shell says it of Ctrl-C
+constexpr int interrupted = 130;  // a shell's exit code for Ctrl-C: 128 + SIGINT
 
 std::vector<vault::Folder> readFolders(const std::vector<std::string>& paths) {
   std::vector<vault::Folder> folders;
@@ -37,7 +37,7 @@ std::vector<vault::Folder> readFolders(const std::vector<std::string>& paths) {
   return folders;
 }
 
-/// The store; none for a dry run where there is no database yet, since none is to be made.
+/// The store; null for a dry run without a database, which must not create one.
 std::unique_ptr<ImportingStore> openStore(bool isDryRun) {
   const auto folder = platform::system::applicationDataDirectory();
   if (isDryRun && folder && !std::filesystem::exists(*folder / "tavi.sqlite")) return nullptr;

@@ -13,7 +13,8 @@ class ImportCommand : public ArgumentParser::ParsableCommand {
   static ArgumentParser::CommandConfiguration configuration();
   void declare(ArgumentParser::ArgumentSet& args) override;
   void validate() override;
-  /// Prints what was done, in any case. Throws what stopped it, and ArgumentParser::ExitCode.
+  /// Prints a report, even if the import fails. Throws the error that stopped the import, or an
+  /// ArgumentParser::ExitCode.
   void run() override;
 
  private:

@@ -23,7 +23,7 @@ using zephyrdown::ZDKAST;
 
 constexpr std::uint64_t largestFile = std::uint64_t{1} << 30;  // bytes
 
-// A save costs its syncs, whatever it holds; what is held lies in memory until then.
+// Each save costs its fsyncs, whatever its size; unsaved notes take memory.
 constexpr std::size_t notesPerSave = 250;
 constexpr std::size_t bytesPerSave = std::size_t{32} << 20;
 
@@ -33,7 +33,7 @@ std::string withTag(std::string text, const std::string& tag, bool atBottom) {
   return tree.markdown();
 }
 
-/// The folder and the name of a file, as its siblings in the folder have them.
+/// The path of the file `name` in the same folder as `path`.
 std::string sibling(const std::string& path, const std::string& name) {
   return (fs::path(path).parent_path() / name).string();
 }
@@ -69,7 +69,7 @@ void Importer::run(const std::vector<vault::Folder>& folders) {
   }
 }
 
-/// First all files are looked at: a link may name any of them.
+/// Reads all files before any is imported, since links may refer to any of them.
 void Importer::readAll(const vault::Folder& folder) {
   folder_ = &folder;
   index_ = std::make_unique<VaultIndex>(folder);
@@ -168,7 +168,7 @@ void Importer::importForeign(const FoundFile& file, const SourceNote& source) {
   }
 }
 
-/// False when a file cannot come along; `unusable` then names it.
+/// Reads the note's attachments. If one cannot be read, adds it to `unusable` and returns false.
 bool Importer::readFiles(ImportedNote& note, const std::vector<LinkedFile>& files,
                          std::set<std::string>& unusable) {
   for (std::size_t i = 0; i < files.size(); ++i) {
@@ -185,7 +185,7 @@ bool Importer::readFiles(ImportedNote& note, const std::vector<LinkedFile>& file
   return true;
 }
 
-/// Whether the file has nothing to add; says why where that is not plain.
+/// Whether the file's note exists already, so that there is nothing to import. Adds to the report.
 bool Importer::isThere(const std::string& path, ImportedNote& note, bool isExported) {
   if (ids_.contains(note.id)) {
     leaveOut(path, "another file of this import has its id");
@@ -203,7 +203,7 @@ bool Importer::isThere(const std::string& path, ImportedNote& note, bool isExpor
     return true;
   }
   if (isExported || known_.take(note).empty()) return false;
-  ++report_.unchanged;  // the folder has been moved since
+  ++report_.unchanged;  // the folder was moved after an earlier import
   return true;
 }
 

@@ -13,25 +13,26 @@
 
 namespace tavi::import {
 
+/// The user's choices for an import.
 struct ImportOptions {
-  std::string encoding;           ///< of files that are not UTF-8; empty: they are left out
-  std::vector<std::string> tags;  ///< canonical names that every new note gets
-  bool folderTags = true;         ///< "work/draft" for a file in that folder
-  bool tagsAtBottom = true;       ///< of a note's text, else at the top
+  std::string encoding;           ///< for files that are not UTF-8; empty: leave them out
+  std::vector<std::string> tags;  ///< canonical names of tags for every new note
+  bool folderTags = true;         ///< tag a file in the folder work/draft with "work/draft"
+  bool tagsAtBottom = true;       ///< add tags at the bottom of the text, not at the top
 };
 
-/// Brings folders into a store. A file becomes a note whose id follows from the file's path, so
-/// that the same import again finds it; a file that tavi-export wrote becomes the note that it was.
-/// Nothing in the folders is changed, and no note that is there.
+/// Imports folders into a store. A file becomes a note whose id is derived from the file's path, so
+/// that repeating an import finds it again; a file that tavi-export wrote becomes the note that it
+/// was. Neither the folders nor existing notes are changed.
 class Importer {
  public:
-  /// `store`: null for one that is empty and stays so. `planned` is called with each new note and
-  /// its path.
+  /// Called for each new note; `path` is that of its file.
   using Planned = std::function<void(const std::string& path, const ImportedNote& note)>;
+  /// `store` must outlive the importer; it may be null in a dry run and then counts as empty.
   Importer(ImportOptions options, ImportingStore* store, bool isDryRun, Planned planned);
 
-  /// Throws what the store throws; `report` says what was done up to there. Ends early, with what
-  /// was begun done, when an end is asked for (vault::Interruption).
+  /// Throws what the store throws; `report` then covers what was done before. After a signal (see
+  /// vault::Interruption) it finishes the current file, saves and returns.
   void run(const std::vector<vault::Folder>& folders);
 
   const Report& report() const { return report_; }
@@ -56,13 +57,13 @@ class Importer {
   KnownNotes known_;
   Report report_;
 
-  // Of the folder at hand:
+  // State of the current folder:
   const vault::Folder* folder_ = nullptr;
   std::unique_ptr<VaultIndex> index_;
   std::vector<const vault::FoundFile*> sources_;
-  std::set<std::string> attachments_;  ///< paths of files that came along with some note
+  std::set<std::string> attachments_;  ///< paths of files that are attachments of a note
 
-  std::set<std::string> ids_;  ///< of the files of this run
+  std::set<std::string> ids_;  ///< of the notes of this run
   std::size_t heldNotes_ = 0, heldFiles_ = 0, heldBytes_ = 0;
 };
 

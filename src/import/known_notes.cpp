@@ -8,7 +8,7 @@
 namespace tavi::import {
 namespace {
 
-/// As a set: a list of names in code point order.
+/// Sorts names, so that lists can be compared as sets.
 std::vector<std::string> sorted(std::vector<std::string> names) {
   std::sort(names.begin(), names.end());
   return names;

@@ -10,21 +10,21 @@
 
 namespace tavi::import {
 
-/// The notes that a store held when an import began.
+/// The notes that were in the store when an import began.
 class KnownNotes {
  public:
-  /// `store`: null for an empty one.
+  /// Reads the metadata of all notes. `store` must outlive this object; null means an empty store.
   explicit KnownNotes(NoteStore* store);
 
-  /// What is known of a note, but its text, title and to-dos; null for none.
+  /// The metadata of a note, without its title; null if there is no such note.
   const NoteMetadata* find(const std::string& id) const;
-  /// The note of this id belongs to a file: `take` does not give it to another.
+  /// Reserves the note of this id for its own file: `take` does not return it.
   void reserve(const std::string& id) { taken_.insert(id); }
-  /// The id of a note with exactly this text and these attachments, that has not been asked for
-  /// yet; empty for none.
+  /// The id of a note with exactly this text and these attachments that was not returned before;
+  /// empty if there is none.
   std::string take(const ImportedNote& note);
-  /// In what the note of the store is not as `note`, which has its id: "text", "place", "pins",
-  /// "attachments". Of a file that tavi-export did not write only text and attachments count.
+  /// How the existing note with the id of `note` differs from it: "text", "attachments", "pins",
+  /// "place". Unless tavi-export wrote the file (`isExported`), only text and attachments count.
   std::vector<std::string> differences(const ImportedNote& note, bool isExported) const;
 
  private:

@@ -35,7 +35,8 @@ std::string numbered(const std::string& name, int number) {
   return path.stem().string() + " " + std::to_string(number) + path.extension().string();
 }
 
-/// The path from the folder that a destination means, or nothing: it has a scheme, or leads out.
+/// The path, relative to the folder, that a link destination means. Absent if the destination leads
+/// out of the folder or is not a path.
 std::optional<std::string> pathOf(std::string_view destination, const fs::path& directory) {
   if (destination.empty()) return std::nullopt;
   fs::path path = destination.front() == '/' ? fs::path() : directory;
@@ -56,7 +57,7 @@ std::optional<std::string> pathOf(std::string_view destination, const fs::path& 
   return path.string();
 }
 
-/// A title as the target of a wiki link; nothing where it cannot be written as one.
+/// A title escaped as the target of a wiki link; absent if a wiki link cannot express it.
 std::optional<std::string> wikiTarget(const std::string& title) {
   if (title.empty() || title.find_first_of("[]|\n\r") != npos) return std::nullopt;
   std::string target;
@@ -67,10 +68,10 @@ std::optional<std::string> wikiTarget(const std::string& title) {
   return target;
 }
 
-/// What stands between the brackets: "target#heading|alias".
+/// The parts between the brackets of a wiki link: "target#heading|alias".
 struct WikiParts {
   std::string target, heading, alias;
-  bool isBarEscaped = false;  ///< "\|", as in a table
+  bool isBarEscaped = false;  ///< "\|", as tables require
 
   explicit WikiParts(std::string_view inside) {
     const std::size_t bar = std::min(inside.find('|'), inside.size());
@@ -84,12 +85,12 @@ struct WikiParts {
   }
 };
 
-/// The first <img> of a piece of HTML.
+/// The first <img> tag in a fragment of HTML.
 struct ImageTag {
   std::string_view text;
-  std::optional<SourceRange> source;  ///< the value of src in `text`; absent for no such tag
-  std::string label;                  ///< of alt
-  bool isWhole = false;               ///< there is nothing else in `text`
+  std::optional<SourceRange> source;  ///< of the value of `src` in `text`; absent if there is none
+  std::string label;                  ///< the value of `alt`
+  bool isWhole = false;               ///< whether the tag is all of `text`
 
   explicit ImageTag(std::string_view html) : text(html) {
     const std::string lower = lowered(html);
@@ -109,7 +110,7 @@ struct ImageTag {
     return lower;
   }
 
-  /// Of an attribute in quotes.
+  /// The range of the quoted value of an attribute.
   static std::optional<SourceRange> valueOf(const std::string& lower, const std::string& name,
                                             SourceRange tag) {
     for (const char* before : {" ", "\t", "\n"}) {
@@ -124,13 +125,14 @@ struct ImageTag {
   }
 };
 
-/// The text with another sign in the place of the "!" of "![[", which Markdown takes for the begin
+/// Replaces the "!" of each "![[" with another character, since Markdown parses "![" as the start
 /// of an image.
 std::string withoutEmbeds(std::string text) {
   for (std::size_t at = 0; (at = text.find("![[", at)) != npos; at += 3) text[at] = ',';
   return text;
 }
 
+/// Rewrites the links of one text. See relinked().
 class Relinker {
  public:
   Relinker(const std::string& text, const FoundFile& from, const VaultIndex& index,
@@ -147,7 +149,7 @@ class Relinker {
     for (const LinkMention& link : outline.links) {
       for (; html != outline.html.end() && html->range.begin < link.range.begin; ++html)
         takeHTML(*html);
-      if (link.range.begin < passed_) continue;  // in a link that is written anew
+      if (link.range.begin < passed_) continue;  // inside a link that was rewritten
       if (link.kind == LinkMention::Kind::wikiLink) {
         takeWikiLink(link);
       } else {
@@ -169,7 +171,7 @@ class Relinker {
     return file != nullptr && !unusable_.contains(file->relative);
   }
 
-  /// The name under which the file comes along.
+  /// The name of the file as an attachment, which becomes one with the first call.
   std::string attached(const FoundFile& file) {
     std::string& name = names_[&file];
     if (!name.empty()) return name;
@@ -196,11 +198,11 @@ class Relinker {
 
   void linkFile(const LinkMention& link, const FoundFile& file, const std::string& fragment) {
     const std::string name = attached(file);
-    if (zephyrdown::fileNameOfDestination(link.destination) == name) return;  // linked as it is
+    if (zephyrdown::fileNameOfDestination(link.destination) == name) return;  // needs no change
     const std::string destination = zephyrdown::destinationForFileName(name) + fragment;
     if (link.destinationRange) {
       operations_.push_back({*link.destinationRange, destination});
-      return;  // what its label holds comes next
+      return;  // the label may contain further links
     }
     const std::string label(part(text_, link.label));
     if (label.find_first_of("[]") != npos) return;
@@ -217,14 +219,14 @@ class Relinker {
     if (!isInTable(link.range)) replace(link.range, "[[" + *target + "|" + label + "]]");
   }
 
-  /// Whether a "|" put there would part two cells.
+  /// Whether a "|" written there would separate two table cells.
   bool isInTable(SourceRange range) const {
     return std::any_of(tables_.begin(), tables_.end(), [&](const SourceRange& table) {
       return table.begin < range.end && range.begin < table.end;
     });
   }
 
-  // <img src="destination" alt="label">: in a line of text it becomes an image of Markdown
+  // <img src="destination" alt="label">, which becomes a Markdown image if it is inline HTML
 
   void takeHTML(const zephyrdown::HTMLMention& html) {
     if (html.range.begin < passed_) return;
@@ -256,7 +258,7 @@ class Relinker {
     }
   }
 
-  /// The path from the folder, for a target that is one from the note.
+  /// The path, relative to the folder, of a target that is relative to the note.
   std::string beside(const std::string& target) const {
     return (directory_ / target).lexically_normal().string();
   }
@@ -276,7 +278,7 @@ class Relinker {
     const auto type = platform::system::fileTypeOf(name);
     if (isEmbedded && type.conformsToImage && !type.conformsToSVG)
       return ZDKAST::markdownImage("", name, "");
-    const bool isSize = alias.find_first_not_of("0123456789x") == npos;  // "300x200", or none
+    const bool isSize = alias.find_first_not_of("0123456789x") == npos;  // "300x200" or empty
     return ZDKAST::markdownFile(isSize ? name : alias, name, isEmbedded && type.conformsToPDF);
   }
 
@@ -302,8 +304,8 @@ class Relinker {
   std::vector<SourceRange> tables_;
   std::vector<zephyrdown::ZDKASTOperationResult> operations_;
   std::unordered_map<const FoundFile*, std::string> names_;
-  std::unordered_set<std::string> taken_;  ///< the same names, folded
-  std::size_t passed_ = 0;  ///< the end of the last link that is written anew as a whole
+  std::unordered_set<std::string> taken_;  ///< the same names, case-folded
+  std::size_t passed_ = 0;  ///< the end of the last link that was rewritten as a whole
   RelinkedText result_;
 };
 

@@ -8,21 +8,22 @@
 
 namespace tavi::import {
 
-/// A file that comes along with a note.
+/// A file that becomes an attachment of a note.
 struct LinkedFile {
-  std::string filename;  ///< in the note; no other of its files has it
+  std::string filename;  ///< in the note; unique among its attachments
   const vault::FoundFile* file = nullptr;
 };
 
+/// A text with its links rewritten, and the attachments that they need.
 struct RelinkedText {
   std::string text;
   std::vector<LinkedFile> files;     ///< in the order of their first links
-  std::vector<std::string> missing;  ///< destinations that look like files and are not there
+  std::vector<std::string> missing;  ///< link destinations that look like files but do not exist
 };
 
-/// The text of the note at `from`, with its links as a note of the store has them: a file is linked
-/// by its name alone and comes along, a note by its title in a wiki link. Links that mean neither
-/// stay as they are. `unusable`: paths of files that do not come along.
+/// Rewrites the links in the text of the file `from` to those of a note: a link to a file becomes
+/// one to an attachment, and a link to a note becomes a wiki link with its title. Other links stay
+/// as they are. `unusable`: paths of files that cannot become attachments.
 RelinkedText relinked(const std::string& text, const vault::FoundFile& from,
                       const VaultIndex& index, const std::set<std::string>& unusable = {});
 

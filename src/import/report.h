@@ -8,19 +8,20 @@
 
 namespace tavi::import {
 
-/// What an import did, for the person who started it.
+/// The result of an import, for the user.
 struct Report {
   bool isDryRun = false;
   bool isInterrupted = false;
-  std::size_t notes = 0;                  ///< that are new
-  std::size_t files = 0;                  ///< that came along with them
-  std::size_t unchanged = 0;              ///< that were there already
-  std::size_t hidden = 0;                 ///< names that begin with a dot
-  std::vector<vault::LeftOut> differing;  ///< from the notes that they became
-  std::vector<vault::LeftOut> leftOut;    ///< files that should have become notes or attachments
-  std::vector<vault::LeftOut> unlinked;   ///< files that no note links
-  std::vector<vault::LeftOut> remarks;    ///< of notes that came in: what did not
+  std::size_t notes = 0;                  ///< new notes
+  std::size_t files = 0;                  ///< their attachments
+  std::size_t unchanged = 0;              ///< files whose notes exist already
+  std::size_t hidden = 0;                 ///< hidden files and folders, which were skipped
+  std::vector<vault::LeftOut> differing;  ///< files that differ from their existing notes
+  std::vector<vault::LeftOut> leftOut;    ///< files that could not be imported
+  std::vector<vault::LeftOut> unlinked;   ///< files that no note links to
+  std::vector<vault::LeftOut> remarks;    ///< imported files, and what of them was not understood
 
+  /// The report in words, several lines.
   std::string text() const;
 };
 

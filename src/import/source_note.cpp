@@ -38,7 +38,7 @@ bool isOneOf(Keys keys, std::string_view key) {
   return std::find(keys.begin(), keys.end(), key) != keys.end();
 }
 
-/// The file's bytes as a text.
+/// The file's text in UTF-8, without a byte order mark. Throws FileFault.
 std::string textOf(const vault::FoundFile& file, const std::string& encoding) {
   constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
   std::string bytes = vault::contentsOf(file.path, longestNote);
@@ -57,7 +57,7 @@ std::string textOf(const vault::FoundFile& file, const std::string& encoding) {
   return *std::move(converted);
 }
 
-// Files that tavi-export wrote.
+// Files that tavi-export wrote
 
 std::optional<Instant> exportedDate(const FrontMatter& found, std::string_view key) {
   const auto seconds = vault::readDate(found.value(key));
@@ -82,9 +82,9 @@ ImportedNote exportedNote(const FrontMatter& found, std::string_view text) {
   return note;
 }
 
-// All other files.
+// All other files
 
-/// "a, b", "a b" and "#a #b" of one text; the elements of a list as they are.
+/// Splits a text such as "a, b", "a b" or "#a #b"; returns the elements of a list as they are.
 std::vector<std::string> tagTexts(const Field& field) {
   if (field.isList || field.values.empty()) return field.values;
   const std::string& text = field.values.front();
@@ -107,7 +107,7 @@ void addTag(SourceNote& note, const std::string& text) {
   }
 }
 
-/// Takes over what a field says. False where it has no place in a note.
+/// Copies a field into the note or the title. False if a note cannot store it.
 bool takeField(const Field& field, SourceNote& note, std::string& title) {
   if (!field.isUnderstood) return false;
   if (isOneOf(tagKeys, field.key)) {
@@ -141,7 +141,7 @@ void takeFrontMatter(const FrontMatter& found, SourceNote& note, std::string& ti
   note.text.erase(0, std::min(note.text.find_first_not_of("\r\n", found.end), note.text.size()));
 }
 
-/// Puts the heading "# title" above the body, which begins behind what front matter there is.
+/// Inserts the heading "# title" before the body, that is after the front matter if there is any.
 void addHeading(SourceNote& note, std::size_t bodyBegin, const std::string& title) {
   const std::size_t newline = note.text.find('\n');
   const bool isCRLF = newline != std::string::npos && newline > 0 && note.text[newline - 1] == '\r';
@@ -157,7 +157,8 @@ std::string titleOf(const std::string& text) {
   return zephyrdown::ZDKAST::fromMarkdown(text).textSummary().title;
 }
 
-/// `given`: by the front matter; empty for none.
+/// Sets the title, and adds a heading if it is needed. `given`: the title in the front matter,
+/// empty if there is none. `stem`: the file's name without its extension.
 void giveTitle(SourceNote& note, const std::string& given, const std::string& stem) {
   const zephyrdown::Outline outline = zephyrdown::outlineOf(note.text);
   note.title = titleOf(note.text);
@@ -170,7 +171,7 @@ void giveTitle(SourceNote& note, const std::string& given, const std::string& st
 
 void giveDates(SourceNote& note, const vault::FileDates& file) {
   if (!note.modified) note.modified = Instant{file.modified};
-  // A copied file is born anew, and keeps the date of its last change.
+  // Copying a file changes its birth date but may keep its modification date.
   if (!note.created)
     note.created = Instant{std::min(file.born.value_or(file.modified), file.modified)};
   if (*note.modified < *note.created) note.modified = note.created;

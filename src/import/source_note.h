@@ -9,29 +9,29 @@
 
 namespace tavi::import {
 
-/// A Markdown file of a folder, understood.
+/// The contents of a Markdown file.
 struct SourceNote {
-  /// Of a file that tavi-export wrote: the note as it was, but for the bytes of its files, of which
-  /// there are the names only. Its front matter is no part of the text.
+  /// Only for a file that tavi-export wrote: the note it was, with the names but not the bytes of
+  /// its attachments. The text does not include the front matter.
   std::optional<ImportedNote> exported;
-  std::string title;  ///< that the note has or will have
+  std::string title;  ///< of the note that the file becomes
 
-  // Of any other file:
-  std::string text;  ///< UTF-8 without a byte order mark, with a heading, without tags put in
-  std::vector<std::string> tags;             ///< canonical names, of the front matter
-  std::vector<std::string> aliases;          ///< other names by which wiki links mean the note
-  std::optional<Instant> created, modified;  ///< of the front matter, else of the file
-  std::vector<std::string> remarks;          ///< what was not understood: a sentence each
+  // Only for other files:
+  std::string text;  ///< UTF-8 without a byte order mark; has a heading, but not yet the tags
+  std::vector<std::string> tags;             ///< canonical names, from the front matter
+  std::vector<std::string> aliases;          ///< other names of the note in wiki links
+  std::optional<Instant> created, modified;  ///< from the front matter, else from the file
+  std::vector<std::string> remarks;          ///< one sentence for each thing not understood
 };
 
-/// Reads one file. Front matter goes from the text when all it says has a place in a note of its
-/// own (title, tags, dates); where it says more it stays, whole. A heading is put in where neither
-/// the text's first heading is of level 1 nor its title is the file's name. `encoding`: of files
-/// that are not UTF-8; empty for none. Throws vault::FileFault.
+/// Reads a file. Removes the front matter from the text if a note can store all of it (title, tags,
+/// dates); otherwise the front matter stays as a whole. Adds a heading if the text's first heading
+/// is not of level 1 and its title is not the file's name. `encoding`: for files that are not
+/// UTF-8; empty refuses them. Throws vault::FileFault.
 SourceNote readSourceNote(const vault::FoundFile& file, const std::string& encoding);
 
-/// The name of a tag, or what is left of it when the marks that no tag can hold are taken out;
-/// empty where nothing is left.
+/// The canonical name of a tag, after removing characters that tags cannot contain if necessary;
+/// empty if no name is left.
 std::string tagNameOf(const std::string& text);
 
 }  // namespace tavi::import

@@ -8,25 +8,25 @@
 
 namespace tavi::import {
 
-/// What the links of a folder's notes may mean: its other files by their paths, and its notes by
-/// paths, names and aliases. Names match without case.
+/// The possible targets of links in a folder: files by path and name, notes by path, name and
+/// alias. Names and aliases match case-insensitively, paths exactly.
 class VaultIndex {
  public:
-  /// Keeps references into `folder`.
+  /// Indexes the files that are not notes. Keeps references into `folder`.
   explicit VaultIndex(const vault::Folder& folder);
 
   void addNote(const vault::FoundFile& file, const std::string& title);
-  /// Names and paths come before aliases, whenever they are added.
+  /// Names and paths take precedence over aliases, in whatever order they are added.
   void addAlias(const std::string& alias, const std::string& title);
 
-  /// By a path from the folder; exact. Null for none.
+  /// The file at this path, relative to the folder; null if there is none.
   const vault::FoundFile* file(const std::string& path) const;
-  /// By a path, or by a name wherever it lies.
+  /// The file with this path or, in any folder, this name; case-insensitive. Null if there is none.
   const vault::FoundFile* fileNamed(const std::string& name) const;
-  /// The title of the note at this path, exact; null for none.
+  /// The title of the note at this path; null if there is none.
   const std::string* titleAt(const std::string& path) const;
-  /// The title of the note that a wiki link means by this name or path, with or without an
-  /// extension; null for none.
+  /// The title of the note that a wiki link refers to by this path, name or alias, with or without
+  /// an extension; null if there is none.
   const std::string* titleNamed(const std::string& name) const;
 
  private:

@@ -15,7 +15,7 @@ using boost::json::error_code;
 
 constexpr std::size_t kEscapeLength = 6;  // \uXXXX
 
-/// The UTF-16 code unit whose escape stands at `at`.
+/// The UTF-16 code unit of the escape at `at`; absent if there is no escape.
 std::optional<unsigned> escapedUnit(std::string_view text, std::size_t at) {
   const std::string_view escape = text.substr(std::min(at, text.size()), kEscapeLength);
   if (escape.size() < kEscapeLength || !escape.starts_with("\\u")) return {};
@@ -33,7 +33,7 @@ bool isLowSurrogate(std::optional<unsigned> unit) {
   return unit && *unit >= 0xDC00 && *unit < 0xE000;
 }
 
-/// The text with each escape of a surrogate that is not one of a pair as that of U+FFFD.
+/// Replaces each escape of a lone surrogate with the escape of U+FFFD.
 std::string replacingLoneSurrogates(std::string text) {
   for (std::size_t at = 0; (at = text.find('\\', at)) != std::string::npos;) {
     const auto unit = escapedUnit(text, at);
@@ -43,7 +43,7 @@ std::string replacingLoneSurrogates(std::string text) {
       text.replace(at, kEscapeLength, "\\ufffd");
       at += kEscapeLength;
     } else {
-      at += 2;  // with the byte that is escaped, which may be another backslash
+      at += 2;  // also skips the escaped byte, which may be another backslash
     }
   }
   return text;
@@ -53,7 +53,7 @@ boost::json::value parse(std::string_view text, error_code& code, std::size_t& r
   boost::json::parse_options options;
   options.max_depth = deepestJSON;
   boost::json::parser parser({}, options);
-  // One block for the whole tree, released with the value.
+  // The whole tree is allocated from one arena, which is released with the value.
   parser.reset(boost::json::make_shared_resource<boost::json::monotonic_resource>());
   read = parser.write_some(text.data(), text.size(), code);
   if (!code && read < text.size()) code = error::extra_data;
@@ -66,9 +66,9 @@ boost::json::value parse(std::string_view text, error_code& code, std::size_t& r
 boost::json::value parseJSON(std::string_view text) {
   error_code code;
   std::size_t read = 0;
-  // Two variables: assigning one tree to another would copy it.
+  // Two variables, since assigning one tree to another would copy it.
   if (boost::json::value value = parse(text, code, read); !code) return value;
-  // The parser has no error of its own for a lone surrogate.
+  // The parser has no separate error code for a lone surrogate, so try once more without them.
   if (const std::string repaired = replacingLoneSurrogates(std::string(text)); repaired != text) {
     if (boost::json::value value = parse(repaired, code, read); !code) return value;
   }

@@ -11,8 +11,8 @@
 
 namespace tavi {
 
-/// A JSON tree that never changes: payloads are shared, copies are cheap. The members of an object
-/// keep the order they were given in.
+/// An immutable JSON value (RFC 8259). Copies are cheap, since payloads are shared. The members of
+/// an object keep their order.
 class JSONValue {
  public:
   using Array = std::vector<JSONValue>;
@@ -32,7 +32,7 @@ class JSONValue {
 
   Kind kind() const { return static_cast<Kind>(payload_.index()); }
 
-  /// The payload; throws std::bad_variant_access where the kind is another.
+  /// The payload. Throws std::bad_variant_access if the value is of another kind.
   const std::string& string() const { return *std::get<Shared<std::string>>(payload_); }
   std::int64_t integer() const { return std::get<std::int64_t>(payload_); }
   double number() const { return std::get<double>(payload_); }
@@ -40,7 +40,8 @@ class JSONValue {
   const Array& array() const { return *std::get<Shared<Array>>(payload_); }
   const Object& object() const { return *std::get<Shared<Object>>(payload_); }
 
-  /// The member of this name, or nullptr. Of a repeated name the last one counts.
+  /// The member of this name, null if there is no such member. The last of several wins. Throws
+  /// std::bad_variant_access if the value is not an object.
   const JSONValue* find(std::string_view name) const;
 
   bool operator==(const JSONValue& other) const;

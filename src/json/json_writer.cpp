@@ -12,7 +12,7 @@
 namespace tavi {
 namespace {
 
-// What must be escaped. On the wire "/" need not be, but is.
+// The bytes that must be escaped. JSON does not require it of "/"; style `wire` does.
 using CommandLineEscapes = ByteSet<0x20, '"', '\\'>;
 using WireEscapes = ByteSet<0x20, '"', '\\', '/'>;
 
@@ -81,7 +81,7 @@ void JSONWriter::integer(std::int64_t number) {
 
 void JSONWriter::number(double number) {
   if (!std::isfinite(number)) return null();
-  std::array<char, 32> digits;  // the longest shortest form has 24 characters
+  std::array<char, 32> digits;  // the shortest round-trip form has at most 24 characters
   const auto end = std::to_chars(digits.begin(), digits.end(), number).ptr;
   literal({digits.begin(), end});
 }
@@ -114,7 +114,7 @@ void JSONWriter::object(const JSONValue::Object& members) {
   };
   beginObject();
   if (style_ == JSONStyle::wire) {
-    // The first to come stays in the map, so from the back the last of a name counts.
+    // emplace keeps the first member of a name, so going backwards keeps the last one.
     std::map<std::string_view, const JSONValue&> sorted;
     for (auto member = members.rbegin(); member != members.rend(); ++member)
       sorted.emplace(member->first, member->second);

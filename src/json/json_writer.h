@@ -9,13 +9,13 @@
 
 namespace tavi {
 
-/// How texts are escaped. Both write `"` `\` and everything below U+0020 as escapes (\n, \r, \t,
-/// else \u00xx in lower case), and all else as UTF-8; `wire` also writes "/" as `\/`.
+/// How strings are escaped. Both styles escape `"`, `\` and characters below U+0020 (\n, \r, \t,
+/// else \u00xx in lower case) and write other characters as UTF-8; `wire` also writes "/" as `\/`.
 enum class JSONStyle { commandLine, wire };
 
-/// Writes JSON (RFC 8259) into a sink, value by value and without blanks; memory is the sink's
-/// buffer alone. Commas are the writer's business, nesting and the order of keys the caller's:
-/// where keys must be sorted, write them in that order.
+/// Writes JSON (RFC 8259) into a sink, value by value, without blanks and without holding the
+/// document in memory. The writer places the commas; the caller is responsible for balanced nesting
+/// and for the order of keys. The sink must outlive the writer, which throws what the sink throws.
 ///
 ///   writer.beginObject();
 ///   writer.key("size"); writer.integer(3);
@@ -30,20 +30,20 @@ class JSONWriter {
   void endArray() { close(']'); }
   void key(std::string_view name);
 
-  /// Ill-formed UTF-8 in `text` is written as U+FFFD, so that the output is JSON in any case.
+  /// Ill-formed UTF-8 in `text` is written as U+FFFD, so that the output is always valid JSON.
   void string(std::string_view text);
   void integer(std::int64_t number);
-  void number(double number);  ///< null where it is not finite
+  void number(double number);  ///< null if it is not finite
   void boolean(bool truth) { literal(truth ? "true" : "false"); }
   void null() { literal("null"); }
-  /// The members of an object in their order in `commandLine`; in `wire` sorted by name at every
-  /// depth, the last of a repeated name alone.
+  /// Members of objects are written in their order in style `commandLine`. In style `wire` they are
+  /// sorted by name at every depth, and only the last of several with the same name is written.
   void value(const JSONValue& value);
-  /// `json` is one value, written as JSON already.
+  /// `json` must be one encoded JSON value; it is written as it is.
   void raw(std::string_view json) { literal(json); }
 
-  /// A text in pieces: any number of stringPart between the two. The text as a whole must be
-  /// valid UTF-8; a character may lie across two pieces.
+  /// Writes one string in parts: beginString, any number of stringPart, endString. The whole string
+  /// must be valid UTF-8; a character may be split between two parts.
   void beginString() { open('"'); }
   void stringPart(std::string_view text);
   void endString() { close('"'); }
@@ -70,7 +70,7 @@ class JSONWriter {
   bool commaDue_ = false;
 };
 
-/// `text` as it stands between the quotes of a JSON string of the command line.
+/// `text` escaped in style `commandLine`, without the quotes around it.
 std::string escapeJSON(std::string_view text);
 
 }  // namespace tavi

@@ -1,5 +1,5 @@
-// write_manual FOLDER DATE: writes the manual's pages into man1 and the like below the folder,
-// which are there. DATE is that of the release, "2026-11-25".
+// write_manual FOLDER DATE: writes the manual pages into the subfolders man1 and man7 of FOLDER,
+// which must exist. DATE is the date of the release, "2026-11-25".
 
 #include <cstdio>
 #include <memory>

@@ -19,7 +19,7 @@ namespace {
 using boost::json::object;
 using Path = std::vector<std::string>;
 
-// What the dump says. Fields without a value are left out of it.
+// Access to the JSON of dumpHelp, which leaves out fields without a value.
 
 std::string text(const object& info, std::string_view field) {
   const auto* value = info.if_contains(field);
@@ -30,7 +30,7 @@ bool flag(const object& info, std::string_view field) {
   return info.at(field).as_bool();
 }
 
-/// The elements of a list that are shown.
+/// The elements of a list that are not hidden.
 std::vector<const object*> shown(const object& info, std::string_view field) {
   std::vector<const object*> result;
   const auto* list = info.if_contains(field);
@@ -61,9 +61,9 @@ std::string written(const object& name) {
   return (text(name, "kind") == "long" ? "--" : "-") + text(name, "name");
 }
 
-// What the page says.
+// The parts of a page
 
-constexpr const char* blank = "\\ ";  // where no line is broken
+constexpr const char* blank = "\\ ";  // a blank at which roff does not break the line
 
 std::string pageName(const Path& path) {
   return fmt::format("{}", fmt::join(path, "-"));
@@ -78,7 +78,7 @@ std::string value(const object& argument) {
   return name.empty() ? name : Roff::italic(name);
 }
 
-/// "[--title <title>]", in bold and italics.
+/// "[--title <title>]", with roff markup.
 std::string synopsis(const object& argument) {
   std::string form;
   if (!isPositional(argument)) form = Roff::bold(written(argument.at("preferredName").as_object()));
@@ -100,7 +100,7 @@ std::string usage(const object& command) {
   return fmt::format("{}", fmt::join(parts, " "));
 }
 
-/// "-t, --title <title>", in bold and italics; short names first.
+/// "-t, --title <title>", with roff markup; short names first.
 std::string label(const object& argument) {
   if (isPositional(argument)) return value(argument);
   Path names;
@@ -144,14 +144,14 @@ void addSubcommands(Roff& page, const object& command) {
   }
 }
 
-/// "NOTE:" and "SAFETY GATE (--force):", but no sentence and nothing indented.
+/// Whether the line is a heading such as "NOTE:" or "SAFETY GATE (--force):".
 bool isHeading(std::string_view line) {
   return line.ends_with(':') && std::isupper(static_cast<unsigned char>(line[0])) &&
          std::isupper(static_cast<unsigned char>(line[1]));
 }
 
-/// The text below a help page: sections whose lines are indented and keep their form, and
-/// sentences of their own at the margin.
+/// Converts the footer of a help page: headings, each followed by indented lines that keep their
+/// layout, and paragraphs that are not indented.
 class FooterWriter {
  public:
   explicit FooterWriter(Roff& page) : page_(page) {}
@@ -191,7 +191,7 @@ class FooterWriter {
 };
 
 std::string footerOf(const ArgumentParser::CommandType& root, const Path& path) {
-  // A program of one command says all in its discussion.
+  // Programs with a single command have a discussion instead of a footer.
   if (root.configuration().subcommands.empty()) return {};
   const auto stack = resolveCommandPath(root, {path.begin() + 1, path.end()});
   if (!stack) return std::string(overviewText);
@@ -257,6 +257,7 @@ void addEnvironment(Roff& page) {
             "The shell for which a completion script is written when none is named.");
 }
 
+/// Collects the pages of a program's commands.
 class Manual {
  public:
   Manual(const ArgumentParser::CommandType& root, const Release& release)

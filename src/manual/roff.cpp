@@ -10,9 +10,9 @@
 namespace tavi::manual {
 namespace {
 
-constexpr std::size_t longestLine = 80;  // what mandoc's style check lets pass
+constexpr std::size_t longestLine = 80;  // the limit of mandoc's style check
 
-/// The number of a character of two bytes or more in UTF-8.
+/// Decodes a character of at least two bytes in UTF-8.
 std::uint32_t codePoint(std::string_view character) {
   const auto lead = static_cast<unsigned char>(character.front());
   std::uint32_t number = lead & (0xFFU >> (character.size() + 1));
@@ -21,8 +21,8 @@ std::uint32_t codePoint(std::string_view character) {
   return number;
 }
 
-/// A plain "-" may be printed as a hyphen, a quote as a curly one: neither could be copied to a
-/// shell.
+/// Escapes a character so that the printed page shows exactly this one. A plain "-" may be printed
+/// as a hyphen and a quote as a curly one, which a shell does not accept.
 std::string escapedCharacter(std::string_view character) {
   if (character.size() > 1) return fmt::format("\\[u{:04X}]", codePoint(character));
   switch (character.front()) {
@@ -52,7 +52,7 @@ std::string quiet(std::string_view text) {
   return result;
 }
 
-/// An argument of a macro.
+/// Quotes markup as an argument of a macro.
 std::string quoted(std::string_view markup) {
   std::string result = "\"";
   for (const char c : markup) result += c == '"' ? "\\(dq" : std::string(1, c);
@@ -76,14 +76,13 @@ std::string Roff::file(std::string_view path) {
 }
 
 Roff::Roff(const PageTitle& title) {
-  // Upper case by convention; those who want to copy the name find it below, as it is typed.
+  // The title is in upper case by convention; the NAME section has the name as it is typed.
   std::string name(title.name);
   for (char& c : name) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
   page_ = fmt::format(".TH {} {} {} {} {}\n", quoted(escaped(name)), title.section,
                       quoted(title.date), quoted(escaped(title.program)),
                       quoted(title.section == 1 ? "User Commands" : "Conventions"));
-  page_ +=
-      ".nr HY 0\n.nh\n.ad l\n";  // no hyphens that are not in the text, and no rivers of blanks
+  page_ += ".nr HY 0\n.nh\n.ad l\n";  // no hyphenation and no justified lines
 }
 
 void Roff::name(std::string_view name, std::string_view abstract) {
@@ -101,7 +100,8 @@ void Roff::line(std::string_view markup) {
   oneLine(markup);
 }
 
-/// A line that begins with a dot is a request. (A quote would be one too, and is always escaped.)
+/// Adds one line. roff reads a line that begins with a dot as a request, so "\&" precedes the dot.
+/// (A leading quote would be a request too, but quotes are always escaped.)
 void Roff::oneLine(std::string_view markup) {
   if (markup.starts_with('.')) page_ += "\\&";
   page_.append(markup).append("\n");
@@ -113,7 +113,7 @@ void Roff::section(std::string_view title) {
   afterHeading_ = true;
 }
 
-/// A heading begins a paragraph by itself.
+/// Starts a paragraph, unless the heading just before does.
 void Roff::beginParagraph() {
   if (!afterHeading_) page_ += ".PP\n";
 }
@@ -140,7 +140,7 @@ void Roff::verbatim(std::string_view lines) {
   page_ += ".fi\n";
 }
 
-/// A long line goes on behind "\c", which joins it to the next.
+/// Splits a long line; "\c" at the end of a part joins it to the next.
 void Roff::verbatimLine(std::string_view text) {
   std::string piece;
   for (const std::string_view character : ArgumentParser::characters(text)) {

@@ -4,8 +4,8 @@
 
 namespace tavi::manual {
 
-/// The page of the search language, tavicli-search-terms(7): its directives are those of the table
-/// that searches are parsed by.
+/// The page on the search language, tavicli-search-terms(7). Its directives come from the table
+/// that the query parser uses.
 ManualPage searchTermsPage(const Release& release);
 
 }  // namespace tavi::manual

@@ -18,10 +18,10 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// An open file, read a window at a time: headers are walked in small steps.
+/// An open file. Reads are buffered, since parsers of headers read a few bytes at a time.
 class FileImage final : public ImageBytes {
  public:
-  /// O_NONBLOCK: should a pipe stand in its place, nobody waits for it.
+  /// O_NONBLOCK: the open does not hang if the path is a FIFO.
   explicit FileImage(const std::string& path)
       : path_(path), file_(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)) {
     if (!file_) throw BinaryFingerprintError::readFailed(path_, std::strerror(errno));
@@ -35,7 +35,7 @@ class FileImage final : public ImageBytes {
   bool read(std::uint64_t offset, std::span<std::uint8_t> into) override {
     if (offset > size() || into.size() > size() - offset) return false;
     if (offset < begin_ || offset + into.size() > begin_ + filled_) fillFrom(offset);
-    if (offset + into.size() > begin_ + filled_) return false;  // cut short since it was measured
+    if (offset + into.size() > begin_ + filled_) return false;  // truncated after fstat
     std::copy_n(window_.begin() + static_cast<std::ptrdiff_t>(offset - begin_), into.size(),
                 into.begin());
     return true;
@@ -62,8 +62,8 @@ class FileImage final : public ImageBytes {
 
 constexpr const char* kRunningImage = "/proc/self/exe";
 
-/// The path that execve(2) was given, links and all, made absolute. Nothing when it leads elsewhere
-/// by now, or to the loader that was told to run the program.
+/// The path passed to execve(2), absolute, with symbolic links kept. Absent if it no longer leads
+/// to the running image, or if the dynamic loader was started with the program as its argument.
 std::optional<fs::path> pathAsStarted() {
   const auto* given = reinterpret_cast<const char*>(::getauxval(AT_EXECFN));
   if (given == nullptr) return {};

@@ -11,7 +11,7 @@
 
 namespace tavi::mcp {
 
-/// Why an executable has no fingerprint. what() is a sentence with the path.
+/// The fingerprint of an executable could not be read. what() is a sentence that names the path.
 class BinaryFingerprintError : public std::exception {
  public:
   enum class Case { statFailed, readFailed, malformedMachO, executablePathUnavailable };
@@ -32,18 +32,19 @@ class BinaryFingerprintError : public std::exception {
   std::string message_;
 };
 
-/// Which build of a program is on disk.
+/// Identifies the build of a program that a file on disk contains.
 struct BinaryFingerprint {
   std::string path;  ///< symbolic links resolved
   std::chrono::sys_time<std::chrono::nanoseconds> mtime;
-  std::int64_t size = 0;
+  std::int64_t size = 0;  ///< bytes
   BuildUUID uuid{};
 
   /// Reads the file's attributes and a few of its headers. Throws BinaryFingerprintError.
   static BinaryFingerprint ofFile(const std::string& path);
 
-  /// Of the file that would run if the program were started again. The path that it was started by
-  /// is asked for once, at the first call; its links are resolved at every call.
+  /// The fingerprint of the file that a restart of this program would run. The path by which the
+  /// program was started is determined on the first call; its symbolic links are resolved on each
+  /// call. Throws BinaryFingerprintError.
   static BinaryFingerprint current();
 };
 

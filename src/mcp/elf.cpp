@@ -3,9 +3,9 @@
 
 #include "mcp/build_identity.h"
 
-// ELF as in elf(5). The build id is the descriptor of a note: a header of three words (length of
-// the name, length of the descriptor, type), the name "GNU\0" and the descriptor, each filled up
-// to the segment's alignment.
+// ELF: see elf(5). The build id is the descriptor of a note. A note has a header of three 32-bit
+// words (name length, descriptor length, type), the name "GNU\0" and the descriptor; name and
+// descriptor are padded to the segment's alignment.
 
 namespace tavi::mcp {
 namespace {
@@ -13,12 +13,12 @@ namespace {
 constexpr std::uint32_t kNoteSegment = 4;
 constexpr std::uint32_t kBuildIDNote = 3;
 constexpr std::string_view kBuildIDName{"GNU\0", 4};
-constexpr std::uint16_t kCountIsElsewhere = 0xffff;  ///< PN_XNUM: never in a program of ours
+constexpr std::uint16_t kCountIsElsewhere = 0xffff;  ///< PN_XNUM; our programs never need it
 
-/// Real files have a handful. Hostile headers could name the same bytes over and over.
+/// Real files have a few notes. Crafted headers could refer to the same bytes again and again.
 constexpr int kMostNotes = 4096;
 
-/// Where the fields stand in the two classes of ELF file, and how wide an address is.
+/// The offsets of the header fields in the two classes of ELF file, and the size of an address.
 struct Layout {
   std::size_t headerSize, segmentTable, segmentEntrySize, segmentCount;
   std::size_t segmentSize, offset, fileSize, alignment;
@@ -27,6 +27,7 @@ struct Layout {
 constexpr Layout k32{52, 28, 42, 44, 32, 4, 16, 28, 4};
 constexpr Layout k64{64, 32, 54, 56, 56, 8, 32, 48, 8};
 
+/// A PT_NOTE segment, as offsets in the file.
 struct NoteSegment {
   std::uint64_t begin, end, alignment;
 };
@@ -58,7 +59,7 @@ class ELFReader {
     return integer(bytes.subspan(at, width), order_);
   }
 
-  /// Empty when it does not lie inside the file.
+  /// Empty if the segment is not inside the file.
   NoteSegment noteSegment(std::span<const std::uint8_t> segment) {
     const std::uint64_t begin = field(segment, layout_.offset, layout_.address);
     const std::uint64_t size = field(segment, layout_.fileSize, layout_.address);
@@ -68,7 +69,7 @@ class ELFReader {
   }
 
   std::optional<BuildUUID> buildIDIn(const NoteSegment& notes) {
-    const auto filledUp = [&](std::uint64_t size) {
+    const auto padded = [&](std::uint64_t size) {
       return (size + notes.alignment - 1) & ~(notes.alignment - 1);
     };
     std::array<std::uint8_t, 12> note;
@@ -76,11 +77,11 @@ class ELFReader {
       if (!image_.read(offset, note)) return {};
       const std::uint64_t nameLength = field(note, 0, 4);
       const std::uint64_t length = field(note, 4, 4);
-      const std::uint64_t descriptor = offset + filledUp(note.size() + nameLength);
+      const std::uint64_t descriptor = offset + padded(note.size() + nameLength);
       if (descriptor > notes.end || length > notes.end - descriptor) return {};
       if (field(note, 8, 4) == kBuildIDNote && length > 0 && hasName(offset, nameLength))
         return identity(descriptor, length);
-      offset = descriptor + filledUp(length);
+      offset = descriptor + padded(length);
     }
     return {};
   }

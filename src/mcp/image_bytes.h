@@ -7,18 +7,18 @@
 
 namespace tavi::mcp {
 
-/// Random access to the bytes of an executable file, of which a reader wants a few headers only.
+/// Random access to the bytes of an executable file, for readers of its headers.
 class ImageBytes {
  public:
   virtual ~ImageBytes() = default;
-  virtual std::uint64_t size() const = 0;
+  virtual std::uint64_t size() const = 0;  ///< bytes
 
-  /// Fills `into` with the bytes from `offset` on. False when not all of them lie inside the file.
-  /// A failing disk throws.
+  /// Fills `into` with the bytes from `offset` on. False if they are not all inside the file.
+  /// Throws if the read fails.
   virtual bool read(std::uint64_t offset, std::span<std::uint8_t> into) = 0;
 };
 
-/// The unsigned integer that `bytes`, at most 8, stand for.
+/// Decodes an unsigned integer of at most 8 bytes.
 constexpr std::uint64_t integer(std::span<const std::uint8_t> bytes, std::endian order) {
   std::uint64_t value = 0;
   for (std::size_t i = 0; i < bytes.size(); ++i)

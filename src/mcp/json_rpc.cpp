@@ -12,7 +12,7 @@ namespace {
 namespace json = boost::json;
 using JSONRPC::ErrorCode;
 
-/// Cut off towards zero; what lies outside the range becomes its nearest end.
+/// Truncates towards zero and clamps to the range of the type.
 std::int64_t truncated(double number) {
   constexpr double limit = 9223372036854775808.0;  // 2^63
   if (number >= limit) return std::numeric_limits<std::int64_t>::max();
@@ -26,7 +26,7 @@ RequestID requestID(const json::value& id) {
       return std::string(id.get_string());
     case json::kind::int64:
       return id.get_int64();
-    case json::kind::uint64:  // only above the signed range
+    case json::kind::uint64:  // always above the signed range
       return std::numeric_limits<std::int64_t>::max();
     case json::kind::double_:
       return truncated(id.get_double());
@@ -42,7 +42,7 @@ std::optional<RequestID> idOf(std::string_view line) try {
   if (!written) return {};
   return requestID(parseJSON(*written));
 } catch (const JSONNestedTooDeep&) {
-  return nullptr;  // a list or an object, which counts as null
+  return nullptr;  // an array or an object, which counts as null
 } catch (const JSONParseError&) {
   return {};
 }

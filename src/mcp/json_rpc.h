@@ -13,11 +13,12 @@
 #include "json/json_reader.h"
 #include "json/json_writer.h"
 
-/// JSON-RPC 2.0 (https://www.jsonrpc.org/specification), one object on one line; no batches.
-/// Every line that is written has its keys sorted.
+/// JSON-RPC 2.0 (https://www.jsonrpc.org), one object per line, without batches. All objects are
+/// written with sorted keys.
 namespace tavi::mcp {
 
 namespace JSONRPC {
+/// The error codes that JSON-RPC 2.0 defines (section 5.1).
 enum class ErrorCode {
   parseError = -32700,
   invalidRequest = -32600,
@@ -27,7 +28,7 @@ enum class ErrorCode {
 };
 }  // namespace JSONRPC
 
-/// What is wrong with a request itself.
+/// The request itself is invalid. Answered with an error object instead of a result.
 class JSONRPCError : public Failure {
  public:
   JSONRPCError(JSONRPC::ErrorCode code, std::string message)
@@ -38,40 +39,41 @@ class JSONRPCError : public Failure {
   JSONRPC::ErrorCode code_;
 };
 
-/// A request without an id is a notification; an id of null is an id.
+/// The id of a request. A request without an id is a notification, one with the id null is not.
 using RequestID = std::variant<std::string, std::int64_t, std::nullptr_t>;
 
-/// A line whose values nest deeper than is read. It can still be answered by its id.
+/// The values of a line nest too deep. The answer can still carry the id of the request.
 class LineNestedTooDeep : public JSONNestedTooDeep {
  public:
   LineNestedTooDeep(const JSONNestedTooDeep& fault, std::optional<RequestID> id)
       : JSONNestedTooDeep(fault), id_(std::move(id)) {}
-  /// Nothing where the line has none, or it cannot be found.
+  /// Absent if the line has no id, or it cannot be found.
   const std::optional<RequestID>& id() const { return id_; }
 
  private:
   std::optional<RequestID> id_;
 };
 
+/// A request or a notification.
 struct ParsedRequest {
-  std::optional<RequestID> id;
+  std::optional<RequestID> id;  ///< absent for a notification
   std::string method;
-  std::optional<boost::json::object> params;  ///< absent too when they are no object
+  std::optional<boost::json::object> params;  ///< absent if missing or not an object
 };
 
-/// Nothing for a blank line. Throws JSONRPCError, or JSONParseError for a line that is not JSON,
-/// LineNestedTooDeep among them.
+/// Parses a line; absent if it is blank. Throws JSONRPCError for an invalid request, and
+/// JSONParseError (LineNestedTooDeep is one) if the line is not JSON.
 std::optional<ParsedRequest> parseRequest(std::string_view line);
 
-/// Writes a value, which is the result of a request.
+/// Writes the result of a request: one JSON value.
 using ResultWriter = std::function<void(JSONWriter&)>;
 
-/// Each writes one object, without a line end.
+/// Write a response object, without a line break.
 void encodeResult(ByteSink& sink, const RequestID& id, const ResultWriter& result);
 void encodeError(ByteSink& sink, const std::optional<RequestID>& id, JSONRPC::ErrorCode code,
                  std::string_view message);
 
-/// What goes out when even an error cannot be encoded.
+/// The response if an error cannot be encoded either.
 inline constexpr std::string_view kLastResortLine =
     R"({"jsonrpc":"2.0","id":null,"error":{"code":-32603,"message":"internal"}})";
 

@@ -37,7 +37,7 @@ std::optional<std::string_view> LineReader::next() {
 
 void LineReader::useIdleTime() const {
   if (!whileIdle_) return;
-  constexpr int pause = 20;  // milliseconds: a client at work sends the next line sooner
+  constexpr int pause = 20;  // milliseconds; a busy client sends its next line sooner
   pollfd input{.fd = descriptor_, .events = POLLIN, .revents = 0};
   for (int patience = pause; poll(&input, 1, patience) == 0; patience = 0) {
     if (!whileIdle_()) return;
@@ -59,8 +59,8 @@ bool LineReader::fill() {
   return true;
 }
 
-/// Makes room after what has been read. Only a buffer that is full grows, and it doubles, so that
-/// a long line is copied a constant number of times; after it the buffer shrinks again.
+/// Makes room after the bytes read. The buffer doubles when it is full, so that the bytes of a long
+/// line are copied a constant number of times on average, and shrinks after that line.
 void LineReader::makeRoom() {
   const std::size_t begun = end_ - begin_;
   if (end_ < capacity_ && begun > 0) return;
@@ -77,7 +77,7 @@ void LineReader::makeRoom() {
   scanned_ = end_ = begun;
 }
 
-/// Drops what has been read, and the rest of its line.
+/// Drops the bytes read and the rest of their line.
 void LineReader::skipLine() {
   begin_ = scanned_ = end_ = 0;
   while (capacity_ > 0) {

@@ -10,18 +10,19 @@
 
 namespace tavi::mcp {
 
-/// Lines from a file descriptor, of any length, each given out as soon as it is there.
+/// Reads lines of any length from a file descriptor, and returns each as soon as it is complete.
+/// The caller owns the descriptor.
 class LineReader {
  public:
-  /// `whileIdle`, if any, is called when nothing has come for a moment, again and again until it
-  /// gives false or something has come.
+  /// `whileIdle`, if not empty, is called repeatedly while no input arrives, until it returns
+  /// false.
   explicit LineReader(int descriptor, std::function<bool()> whileIdle = {})
       : descriptor_(descriptor), whileIdle_(std::move(whileIdle)) {}
 
-  /// The next line without its ending, which is "\n" or "\r\n"; the last one needs none. Ill-formed
-  /// UTF-8 in it is replaced by U+FFFD. Good until the next call. Nothing at the end of input, for
-  /// which a failing read counts too. Throws std::bad_alloc for a line that memory cannot hold; the
-  /// call after that gives the line that follows.
+  /// The next line without its line break ("\n" or "\r\n", optional on the last line), valid until
+  /// the next call. Ill-formed UTF-8 is replaced with U+FFFD. Absent at the end of input or if a
+  /// read fails. Throws std::bad_alloc if the line does not fit into memory; the next call then
+  /// returns the line after it.
   std::optional<std::string_view> next();
 
  private:
@@ -35,9 +36,9 @@ class LineReader {
   std::function<bool()> whileIdle_;
   std::unique_ptr<char[]> buffer_;
   std::size_t capacity_ = 0;
-  std::size_t begin_ = 0;    ///< of what has not been given out
-  std::size_t scanned_ = 0;  ///< no line break between begin_ and here
-  std::size_t end_ = 0;      ///< of what has been read
+  std::size_t begin_ = 0;    ///< start of the bytes that no line has returned yet
+  std::size_t scanned_ = 0;  ///< there is no line break between begin_ and here
+  std::size_t end_ = 0;      ///< end of the bytes read
   std::string repaired_;
 };
 

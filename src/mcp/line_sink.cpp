@@ -15,7 +15,7 @@ namespace {
 
 using platform::system::FileDescriptor;
 
-/// None where the file system has no such files.
+/// Empty if the file system does not support O_TMPFILE.
 FileDescriptor namelessFile() {
   const auto folder = platform::system::temporaryDirectory();
   return FileDescriptor(::open(folder.c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC, 0600));
@@ -50,7 +50,7 @@ void LineSink::accept(std::string_view bytes) {
   }
 }
 
-/// False when the file cannot take the bytes; what it took of them does not count.
+/// False if the file cannot take all the bytes; a part that was written is ignored.
 bool LineSink::spill(std::string_view bytes) {
   if (!spilled_) spilled_ = namelessFile();
   if (!spilled_) return false;

@@ -11,25 +11,26 @@
 
 namespace tavi::mcp {
 
-/// Nothing can be written any more, for the most part because the client has gone. No
-/// std::exception on purpose: whoever turns failures into answers must not take it for one.
+/// The output cannot be written, usually because the client has gone. Deliberately not a
+/// std::exception: code that turns exceptions into answers must not catch it.
 struct OutputLost {
   std::error_code why;
 };
 
-/// Lines of output. Nothing of a line goes out before it is finished, so until then it can still
-/// become another. What is kept back lies in memory, and beyond `heldInMemory` in a file without a
-/// name among the temporary ones. A line that was held in memory goes out in one write(2).
+/// Writes output line by line. A line is held back until it is finished, so it can be abandoned and
+/// replaced: up to `heldInMemory` bytes in memory, the rest in an unnamed temporary file
+/// (O_TMPFILE). A line that fits in memory is written with one write(2).
 class LineSink final : public ByteSink {
  public:
-  static constexpr std::size_t heldInMemory = 2 * 1024 * 1024;
+  static constexpr std::size_t heldInMemory = 2 * 1024 * 1024;  ///< bytes
 
+  /// The caller owns the descriptor.
   explicit LineSink(int descriptor) : out_(descriptor) {}
 
-  /// Throws OutputLost.
+  /// Ends the line and writes it out. Throws OutputLost.
   void finishLine();
 
-  /// Gives up the line that is being written.
+  /// Discards the unfinished line.
   void abandonLine();
 
  private:
@@ -40,10 +41,10 @@ class LineSink final : public ByteSink {
   void forgetLine();
 
   DescriptorSink out_;
-  std::string held_;                          ///< the line's beginning
-  platform::system::FileDescriptor spilled_;  ///< what follows it, if any
+  std::string held_;                          ///< the start of the line
+  platform::system::FileDescriptor spilled_;  ///< the part after that, if it does not fit
   std::uint64_t spilledSize_ = 0;             ///< bytes
-  std::string rest_;                          ///< what follows that, once the file takes no more
+  std::string rest_;                          ///< the part after that, if the file cannot take it
 };
 
 }  // namespace tavi::mcp

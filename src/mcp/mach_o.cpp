@@ -2,8 +2,8 @@
 
 #include "mcp/build_identity.h"
 
-// Mach-O as in <mach-o/loader.h> and <mach-o/fat.h>. A fat file holds one thin file for each
-// processor; its own header is big-endian on every machine.
+// Mach-O: see <mach-o/loader.h> and <mach-o/fat.h>. A fat file contains one thin file per processor
+// type; its own header is always big-endian.
 
 namespace tavi::mcp {
 namespace {
@@ -23,7 +23,7 @@ std::optional<BuildUUID> uuidOfCommand(ImageBytes& image, std::uint64_t offset) 
   return uuid;
 }
 
-/// The thin file that begins at `begin` and may reach to the image's end.
+/// The UUID of the thin file that starts at offset `begin`.
 std::optional<BuildUUID> thinUUID(ImageBytes& image, std::uint64_t begin) {
   std::array<std::uint8_t, 32> header;
   if (!image.read(begin, header)) return {};
@@ -41,7 +41,8 @@ std::optional<BuildUUID> thinUUID(ImageBytes& image, std::uint64_t begin) {
   return {};
 }
 
-/// Where the slice of `processor` begins. Entries are 20 bytes, or 32 with 64-bit offsets.
+/// The offset of the slice for `processor`. Entries are 20 bytes, or 32 with 64-bit offsets
+/// (`wide`).
 std::optional<std::uint64_t> sliceOffset(ImageBytes& image, std::uint32_t processor, bool wide) {
   std::array<std::uint8_t, 4> count;
   if (!image.read(4, count)) return {};

@@ -5,12 +5,12 @@
 namespace tavi::mcp {
 namespace {
 
-/// Walks over the tokens of JSON without keeping track of what they build.
+/// Steps over JSON tokens without building values, so the depth of nesting does not matter.
 class Scanner {
  public:
   explicit Scanner(std::string_view text) : text_(text) {}
 
-  /// Whether the byte comes next; steps over it.
+  /// Steps over the byte if it is the next token; false if it is not.
   bool take(char byte) {
     skipBlanks();
     if (at_ == text_.size() || text_[at_] != byte) return false;
@@ -18,7 +18,7 @@ class Scanner {
     return true;
   }
 
-  /// A value, whole, as it is written; empty where there is none or it does not end.
+  /// Steps over a value and returns its text; empty if there is none or it is incomplete.
   std::string_view value() {
     skipBlanks();
     const std::size_t begin = at_;
@@ -38,7 +38,7 @@ class Scanner {
  private:
   void skipBlanks() { at_ = std::min(text_.find_first_not_of(" \t\r\n", at_), text_.size()); }
 
-  /// From after a string's opening quote to after its closing one. False where it does not end.
+  /// Steps from after a string's opening quote to after its closing quote. False if there is none.
   bool skipString() {
     while ((at_ = text_.find_first_of("\"\\", at_)) != std::string_view::npos) {
       if (text_[at_] == '"') return ++at_, true;

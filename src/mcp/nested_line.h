@@ -5,9 +5,9 @@
 
 namespace tavi::mcp {
 
-/// The value of the member "id" of a JSON object, as it is written there, however deep its other
-/// values nest: only the outermost members are read. Of a repeated key the last one counts.
-/// Nothing when there is no such member, or when what leads to it is not JSON.
+/// The JSON text of the member "id" of an object, however deep the other members nest: only the
+/// outermost level is parsed. The last of several members wins. Absent if there is no such member,
+/// or the text before it is not JSON.
 std::optional<std::string_view> writtenID(std::string_view object);
 
 }  // namespace tavi::mcp

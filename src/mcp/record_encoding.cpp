@@ -5,7 +5,7 @@
 namespace tavi::mcp {
 namespace {
 
-/// Writes the members of one object.
+/// Writes an object member by member, in the order of the calls.
 class ObjectEncoder {
  public:
   explicit ObjectEncoder(JSONWriter& writer) : writer_(writer) { writer_.beginObject(); }
@@ -26,9 +26,9 @@ class ObjectEncoder {
   JSONWriter& writer_;
 };
 
-/// NoteMetadata and WriteResponse name their fields alike.
+/// The metadata whose keys follow "content" alphabetically, of a NoteMetadata or a WriteResponse.
 template <class Record>
-ObjectEncoder& metadataBehindContent(ObjectEncoder& object, const Record& record) {
+ObjectEncoder& metadataAfterContent(ObjectEncoder& object, const Record& record) {
   return object.member("contentHash", record.contentHash)
       .member("contentLength", record.contentLength)
       .member("created", record.created)
@@ -48,13 +48,13 @@ ObjectEncoder& metadataBehindContent(ObjectEncoder& object, const Record& record
 void encode(JSONWriter& writer, const NoteMetadata& metadata) {
   ObjectEncoder object(writer);
   object.member("attachments", metadata.attachments);
-  metadataBehindContent(object, metadata).end();
+  metadataAfterContent(object, metadata).end();
 }
 
 void encode(JSONWriter& writer, const WriteResponse& response) {
   ObjectEncoder object(writer);
   object.member("attachments", response.attachments).member("content", response.content);
-  metadataBehindContent(object, response).end();
+  metadataAfterContent(object, response).end();
 }
 
 void encode(JSONWriter& writer, const Note& note) {

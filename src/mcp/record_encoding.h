@@ -12,8 +12,8 @@
 #include "domain/write_response.h"
 #include "json/json_writer.h"
 
-/// The records as clients get them: keys in ascending order, dates as ISO 8601 in UTC, and a
-/// field that is absent left out.
+/// Encodes records as JSON for MCP clients: keys in ascending order, dates in ISO 8601 (UTC),
+/// absent fields left out.
 namespace tavi::mcp {
 
 void encode(JSONWriter& writer, const NoteMetadata& metadata);
@@ -30,7 +30,7 @@ inline void encode(JSONWriter& writer, std::string_view text) {
 inline void encode(JSONWriter& writer, std::int64_t number) {
   writer.integer(number);
 }
-/// A template, so that no pointer is taken for a truth.
+/// A template, so that pointers do not convert to bool.
 void encode(JSONWriter& writer, std::same_as<bool> auto truth) {
   writer.boolean(truth);
 }
@@ -48,7 +48,7 @@ void encode(JSONWriter& writer, const std::vector<Record>& records) {
   writer.endArray();
 }
 
-/// Reads the rows as it writes them.
+/// Reads and writes one row at a time.
 template <class Record>
 void encode(JSONWriter& writer, const RecordList<Record>& records) {
   writer.beginArray();

@@ -51,7 +51,7 @@ ResultWriter toolList(const std::vector<MCPTool>& tools) {
   };
 }
 
-/// Numbers such as 1e400 can be read, but not written as JSON.
+/// False if a number is infinite: 1e400 can be parsed, but not written as JSON.
 bool isEncodable(const json::value& value) {
   if (const json::array* elements = value.if_array())
     return std::ranges::all_of(*elements, isEncodable);
@@ -76,7 +76,7 @@ const json::value& toolArguments(const json::object& params) {
   return *arguments;
 }
 
-/// A call under way: the answer is read from the store as it is written.
+/// A call in progress. The store must live until the answer, which reads from it, is written.
 struct ToolCall {
   std::unique_ptr<NoteStore> store;
   ResultWriter answer;
@@ -131,7 +131,7 @@ void MCPServer::refuseLine(const std::exception& failure) {
   writeError({}, ErrorCode::parseError, failureMessage(failure));
 }
 
-/// A notification is carried out like any request, but not answered.
+/// Carries out a notification like a request, but does not respond to it.
 void MCPServer::handle(const ParsedRequest& request) try {
   const ResultWriter result = dispatch(request.method, request.params ? &*request.params : nullptr);
   if (request.id) writeResult(*request.id, result);
@@ -179,8 +179,8 @@ const MCPTool& MCPServer::toolNamed(std::string_view name) const {
   return *found;
 }
 
-/// Only the answer of a tool can fail here: its rows are read while they are written. That is a
-/// tool failure like any other, since nothing of a line goes out before it is finished.
+/// Only a tool's answer can fail here, since its rows are read while they are written. It becomes
+/// an ordinary tool failure, which is possible because LineSink holds back an unfinished line.
 void MCPServer::writeResult(const RequestID& id, const ResultWriter& result) {
   try {
     encodeResult(out_, id, result);

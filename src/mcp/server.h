@@ -17,39 +17,39 @@
 /// The Model Context Protocol (https://modelcontextprotocol.io, 2025-06-18) over stdio.
 namespace tavi::mcp {
 
-/// What the server needs from the process that it runs in.
+/// The dependencies of the server on its process.
 struct ServerEnvironment {
-  std::function<std::unique_ptr<NoteStore>()> createStore;  ///< may throw; once per `tools/call`
-  /// Called while no line comes, until it gives false or a line is there; it returns within some
-  /// milliseconds. May be empty.
+  std::function<std::unique_ptr<NoteStore>()> createStore;  ///< once per `tools/call`; may throw
+  /// Called repeatedly while the client sends nothing, until it returns false. Each call must take
+  /// only a few milliseconds. May be empty.
   std::function<bool()> whileIdle = {};
-  std::function<void()> postRefresh;  ///< after a tool that may have changed something
-  std::string version;
-  int input = 0;
-  int output = 1;
+  std::function<void()> postRefresh;  ///< called after a tool that may have changed notes
+  std::string version;                ///< of the program, for `initialize`
+  int input = 0;                      ///< file descriptor
+  int output = 1;                     ///< file descriptor
   StalenessTracker::Provider fingerprint = BinaryFingerprint::current;
   std::function<StalenessTracker::Clock::time_point()> now = StalenessTracker::Clock::now;
 };
 
-/// Serves until the end of input, or until nobody reads the output any more. Throws
-/// std::system_error when the output cannot be written for another reason.
+/// Serves until the end of input or until the client closes the output. Throws std::system_error if
+/// the output cannot be written for another reason.
 void runServer(const ServerEnvironment& environment);
 
 /// Answers requests one at a time. The only state between them is whether the server is stale.
 class MCPServer {
  public:
-  /// `environment` must outlive the server; its `input` is not read here.
+  /// `environment` must outlive the server, which does not read its `input`.
   MCPServer(const ServerEnvironment& environment, std::vector<MCPTool> tools,
             StalenessTracker staleness);
 
-  /// Handles one line of input: writes no line, its answer, or a notification and its answer.
-  /// Throws OutputLost only.
+  /// Handles one line of input. Writes the response, if there is one, and before it a notification
+  /// if the server has just become stale. Throws only OutputLost.
   void handleLine(std::string_view line);
-  /// Answers a line that cannot be read. Throws OutputLost only.
+  /// Responds to a line that could not be read. Throws only OutputLost.
   void refuseLine(const std::exception& failure);
 
  private:
-  /// The result of a request, to be written. Throws JSONRPCError.
+  /// Carries out a request. The result is computed while it is written. Throws JSONRPCError.
   ResultWriter dispatch(std::string_view method, const boost::json::object* params);
   ResultWriter callTool(const boost::json::object* params);
   const MCPTool& toolNamed(std::string_view name) const;

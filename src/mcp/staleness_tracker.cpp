@@ -14,7 +14,7 @@ bool StalenessTracker::checkForStaleness(Clock::time_point now) {
   return staleFlag_;
 }
 
-/// A file with the time and size of the baseline is taken for the same without further proof.
+/// A file with the modification time and size of the baseline counts as the same build.
 bool StalenessTracker::sameBuildOnDisk() const try {
   const BinaryFingerprint onDisk = provider_();
   if (onDisk.mtime == baseline_->mtime && onDisk.size == baseline_->size) return true;

@@ -9,26 +9,26 @@
 
 namespace tavi::mcp {
 
-/// The warning to a client once the executable on disk is no longer the build that runs.
+/// The warning to a client after the executable on disk was replaced.
 inline constexpr std::string_view kStaleWarning =
     "[tavicli] On-disk tavicli is newer than the running build. Tool results reflect the previous "
     "code. Restarting the MCP server, or the AI client, switches to the new version.";
 
-/// Notices that the executable has been replaced or removed while the server runs. Looks at the
-/// disk only when asked, and then at most once in `debounce`.
+/// Detects that the executable was replaced or removed while the server runs. Checks the disk only
+/// on request, at most once per `debounce`.
 class StalenessTracker {
  public:
   using Clock = std::chrono::steady_clock;
-  using Provider = std::function<BinaryFingerprint()>;  ///< throws when there is none
+  using Provider = std::function<BinaryFingerprint()>;  ///< throws if there is no fingerprint
 
-  /// Without a baseline the tracker is off and never reports anything.
+  /// `baseline`: the build that runs; if absent, the tracker never reports anything.
   StalenessTracker(std::optional<BinaryFingerprint> baseline, Provider provider,
                    Clock::duration debounce = std::chrono::seconds(2));
 
-  /// True exactly once: on the check that first finds another build, or none.
+  /// True exactly once: on the first check that finds another build or no file.
   bool checkForStaleness(Clock::time_point now);
 
-  /// Set by that check, and never cleared.
+  /// Whether a check has returned true.
   bool staleFlag() const { return staleFlag_; }
 
  private:

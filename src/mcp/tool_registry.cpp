@@ -19,7 +19,7 @@
 namespace tavi::mcp {
 namespace {
 
-// How outputs become JSON objects -------------------------------------------------------------
+// Encoders of outputs as JSON objects ---------------------------------------------------------
 
 template <class Output>
 void encodeUnder(JSONWriter& writer, std::string_view key, const Output& output) {
@@ -29,7 +29,7 @@ void encodeUnder(JSONWriter& writer, std::string_view key, const Output& output)
   writer.endObject();
 }
 
-/// An object with the output as its one member.
+/// Encodes an object with the output as its only member.
 auto under(std::string_view key) {
   return [key](JSONWriter& writer, const auto& output) { encodeUnder(writer, key, output); };
 }
@@ -38,7 +38,7 @@ void asItIs(JSONWriter& writer, const WriteResponse& response) {
   encode(writer, response);
 }
 
-/// A new note, flat like the answer of any other write.
+/// Encodes a new note as a WriteResponse with all fields, like the answer of other writes.
 void asFullResponse(JSONWriter& writer, const Note& note) {
   encode(writer, WriteResponse::full(note.metadata, note.content));
 }
@@ -48,7 +48,7 @@ void getNoteEnvelope(JSONWriter& writer, const GetNoteOp::Output& output) {
   encodeUnder(writer, "metadata", std::get<NoteMetadata>(output));
 }
 
-/// Of the two lists that an output may be, the one with content and the one without.
+/// Encodes an output that is a list with content or one without, under the key for it.
 auto either(std::string_view withContent, std::string_view without) {
   return [=](JSONWriter& writer, const auto& output) {
     if (output.index() == 0) return encodeUnder(writer, withContent, std::get<0>(output));
@@ -56,9 +56,9 @@ auto either(std::string_view withContent, std::string_view without) {
   };
 }
 
-/// In pieces, so that a large attachment is not held a second time.
+/// Encodes in pieces, so that there is no second copy of a large attachment in memory.
 void asBase64(JSONWriter& writer, const std::string& bytes) {
-  constexpr std::size_t piece = 3 * 16384;  // whole groups of three: only the end is padded
+  constexpr std::size_t piece = 3 * 16384;  // a multiple of 3: only the last piece is padded
   writer.beginObject();
   writer.key("data");
   writer.beginString();
@@ -75,7 +75,7 @@ auto execute(const typename Operation::Input& input, NoteStore& store) {
   return Operation::execute(input, store);
 }
 
-/// An operation whose output `encoder` writes.
+/// The tool for an operation; `encoder` writes its output.
 template <class Operation, class Encoder>
 MCPTool tool(Encoder encoder, typename Operation::Output (*run)(const typename Operation::Input&,
                                                                 NoteStore&) = execute<Operation>) {
@@ -87,7 +87,7 @@ MCPTool tool(Encoder encoder, typename Operation::Output (*run)(const typename O
   return {Operation::metadata, inputSchema<Operation>, call};
 }
 
-/// An operation without output, which answers with an empty object.
+/// The tool for an operation without output, which answers with an empty object.
 template <class Operation>
 MCPTool silentTool() {
   const auto call = [](const boost::json::value& arguments, NoteStore& store) -> ResultWriter {

@@ -11,24 +11,25 @@
 
 namespace tavi::mcp {
 
-/// One operation as clients see it.
+/// An operation as an MCP tool.
 struct MCPTool {
   OperationMetadata metadata;
-  const JSONValue& (*inputSchema)();
+  const JSONValue& (*inputSchema)();  ///< JSON Schema (2020-12)
 
-  /// Decodes the arguments, an object, and runs the operation. The answer is one JSON object; it
-  /// can be written again and again, but only while the store lives: long lists are read then.
-  /// Throws OperationError, NoteStoreError, and whatever else the store lets through; so does the
-  /// answer.
+  /// Decodes the arguments, which must be an object, and runs the operation. The returned answer
+  /// writes one JSON object. It can be written several times while the store lives: lists are read
+  /// from the store on each write. Both throw OperationError, NoteStoreError and the exceptions
+  /// that the store passes through.
   std::function<ResultWriter(const boost::json::value& arguments, NoteStore& store)> call;
 };
 
+/// The tools that the server offers.
 struct MCPToolRegistry {
-  /// All 24, in the order of `tools/list`.
+  /// All tools in the order of `tools/list`.
   static std::vector<MCPTool> tools();
 };
 
-/// Writes a tool as `tools/list` describes it.
+/// Writes the description of a tool for `tools/list`.
 void encodeDescriptor(JSONWriter& writer, const MCPTool& tool);
 
 }  // namespace tavi::mcp

@@ -11,7 +11,7 @@
 namespace tavi::mcp {
 namespace {
 
-/// Turns the JSON of an answer into the text of a string, and keeps a copy unless it is long.
+/// Writes JSON as the content of a JSON string, and keeps a copy unless it is long.
 class AnswerText final : public ByteSink {
  public:
   explicit AnswerText(JSONWriter& writer) : writer_(writer) {}
@@ -20,7 +20,7 @@ class AnswerText final : public ByteSink {
   const std::optional<std::string>& copy() const { return copy_; }
 
  private:
-  static constexpr std::size_t longestCopy = 1024 * 1024;
+  static constexpr std::size_t longestCopy = 1024 * 1024;  ///< bytes
 
   void accept(std::string_view json) override {
     if (first_ == 0) first_ = json.front();

@@ -4,16 +4,16 @@
 
 #include "mcp/json_rpc.h"
 
-/// The result of `tools/call`, for a tool that answered and for one that failed. A stale server
-/// says so in either.
+/// The results of `tools/call`. If the server is stale, they include a warning.
 namespace tavi::mcp {
 
-/// The answer twice: its JSON as text, and as structured content. It is not held for that but
-/// written a second time, unless it is short. Throws what the answer throws, and an error for an
-/// answer that is no object.
+/// Writes the answer twice: its JSON as text, and as structured content. A long answer is not kept
+/// in memory but written again. Throws what `answer` throws, and std::runtime_error if the answer
+/// is not an object.
 void writeToolResult(JSONWriter& writer, std::string_view toolName, const ResultWriter& answer,
                      bool stale);
 
+/// Writes the result of a tool that failed.
 void writeToolFailure(JSONWriter& writer, std::string_view message, bool stale);
 
 }  // namespace tavi::mcp

@@ -7,13 +7,16 @@
 #include "domain/note_store.h"
 #include "operations/operation.h"
 
-/// The operations on the files attached to a note.
+/// The operations on the files attached to a note. Each input identifies the note by exactly one of
+/// `id` and `title`; all refuse locked notes.
 namespace tavi {
 
+/// Input of ListAttachmentsOp.
 struct ListAttachmentsInput {
   std::optional<std::string> id, title;
 };
 
+/// Lists the attachments in the order of the note.
 struct ListAttachmentsOp {
   using Input = ListAttachmentsInput;
   using Output = std::vector<AttachmentInfo>;
@@ -31,12 +34,14 @@ struct ListAttachmentsOp {
   static Output execute(const Input& input, NoteStore& store);
 };
 
+/// Input of AddAttachmentOp.
 struct AddAttachmentInput {
   std::optional<std::string> id, title;
   std::string filename;
   Base64Data data;
 };
 
+/// Attaches a file and links it at the end of the note. Refuses empty data.
 struct AddAttachmentOp {
   using Input = AddAttachmentInput;
   using Output = WriteResponse;
@@ -61,11 +66,13 @@ struct AddAttachmentOp {
   static Output execute(const Input& input, NoteStore& store);
 };
 
+/// Input of DeleteAttachmentOp.
 struct DeleteAttachmentInput {
   std::optional<std::string> id, title;
   std::string filename;
 };
 
+/// Deletes an attachment and its links in the note. Throws `attachmentNotFound`.
 struct DeleteAttachmentOp {
   using Input = DeleteAttachmentInput;
   using Output = WriteResponse;
@@ -87,14 +94,16 @@ struct DeleteAttachmentOp {
   static Output execute(const Input& input, NoteStore& store);
 };
 
+/// Input of ReadAttachmentOp.
 struct ReadAttachmentInput {
   std::optional<std::string> id, title;
   std::string filename;
 };
 
+/// Reads an attachment. Throws `attachmentNotFound`.
 struct ReadAttachmentOp {
   using Input = ReadAttachmentInput;
-  using Output = std::string;  ///< the bytes
+  using Output = std::string;  ///< the bytes, not encoded
   static constexpr OperationMetadata metadata{
       .name = "read_attachment",
       .title = "Read Attachment",

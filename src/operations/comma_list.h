@@ -7,11 +7,11 @@
 
 namespace tavi {
 
-/// The pieces of a text between its commas, empty ones dropped, then each without the blanks at
-/// its ends (line breaks are none): "a, ,,b" gives "a", "", "b".
+/// Splits a text at commas, drops empty pieces, then trims spaces and tabs (but not line breaks)
+/// from the others: "a, ,,b" gives "a", "", "b".
 std::vector<std::string> trimmedPieces(std::string_view text);
 
-/// The texts with the separator between each two.
+/// Concatenates the texts with the separator between them.
 std::string joined(std::span<const std::string_view> texts, std::string_view separator);
 
 }  // namespace tavi

@@ -47,7 +47,8 @@ std::string_view kindName(boost::json::kind kind) {
   refuse("invalid input at " + field.path + ": " + detail);
 }
 
-/// The value of a field that must have one of this kind.
+/// The value of a required field of this kind. Throws OperationError if it is missing or of another
+/// kind.
 const boost::json::value& require(const JSONField& field, bool (boost::json::value::*is)() const,
                                   const std::string& kind) {
   if (field.value == nullptr) refuse("missing required field: " + field.path);
@@ -57,7 +58,7 @@ const boost::json::value& require(const JSONField& field, bool (boost::json::val
   return *field.value;
 }
 
-/// A number that no signed integer holds, in its shortest form.
+/// Formats a number that is not a 64-bit signed integer, as short as possible.
 std::string written(const boost::json::value& number) {
   if (!number.is_double()) return std::to_string(number.get_uint64());
   std::array<char, 32> digits;
@@ -101,7 +102,7 @@ void read(const JSONField& field, std::int64_t& number) {
     return;
   }
   constexpr double limit = 0x1p63;
-  const double real = value.is_double() ? value.get_double() : limit;  // else above it: unsigned
+  const double real = value.is_double() ? value.get_double() : limit;  // uint64: above the limit
   if (real != std::trunc(real) || real < -limit || real >= limit)
     refuseData(field, "expected a whole number of 64 bits, found " + written(value));
   number = static_cast<std::int64_t>(real);

@@ -15,8 +15,8 @@ WriteResponse move(const MoveNoteInput& input, NoteLocation target, NoteStore& s
       OperationNoteResolver::resolveNoteIDEvenIfLocked(input.id, input.title, store), target);
 }
 
-/// Whether a byte may stand in the value of a query item as it is (RFC 3986, 3.4): unreserved
-/// ones and those delimiters that no reader of items takes for one.
+/// Whether a byte may appear unencoded in the value of a query item (RFC 3986, 3.4): unreserved
+/// characters, and delimiters that do not separate query items.
 bool isAllowedInQueryItem(char byte) {
   const bool alphanumeric =
       (byte >= '0' && byte <= '9') || (byte >= 'A' && byte <= 'Z') || (byte >= 'a' && byte <= 'z');

@@ -8,14 +8,16 @@
 #include "operations/operation.h"
 
 /// The operations that move a note between the three locations, and the one that shows it in the
-/// application. All four work on locked notes.
+/// application. Each input identifies the note by exactly one of `id` and `title`; all four accept
+/// locked notes.
 namespace tavi {
 
+/// Input of the operations that move a note.
 struct MoveNoteInput {
   std::optional<std::string> id, title;
 };
 
-/// What the three moves have in common.
+/// The common part of the operations that move a note.
 struct MoveNoteOp {
   using Input = MoveNoteInput;
   using Output = WriteResponse;
@@ -24,6 +26,7 @@ struct MoveNoteOp {
       table(row(Fields::id, &Input::id), row(Fields::title, &Input::title));
 };
 
+/// Moves a note to the trash.
 struct TrashNoteOp : MoveNoteOp {
   static constexpr OperationMetadata metadata{
       .name = "trash_note",
@@ -38,6 +41,7 @@ struct TrashNoteOp : MoveNoteOp {
   static Output execute(const Input& input, NoteStore& store);
 };
 
+/// Moves a note to the archive.
 struct ArchiveNoteOp : MoveNoteOp {
   static constexpr OperationMetadata metadata{
       .name = "archive_note",
@@ -52,6 +56,7 @@ struct ArchiveNoteOp : MoveNoteOp {
   static Output execute(const Input& input, NoteStore& store);
 };
 
+/// Moves a note from the trash or the archive back to the active notes.
 struct RestoreNoteOp : MoveNoteOp {
   static constexpr OperationMetadata metadata{
       .name = "restore_note",
@@ -65,6 +70,7 @@ struct RestoreNoteOp : MoveNoteOp {
   static Output execute(const Input& input, NoteStore& store);
 };
 
+/// Input of OpenNoteOp.
 struct OpenNoteInput {
   std::optional<std::string> id, title, header;
   bool edit = false;
@@ -72,6 +78,7 @@ struct OpenNoteInput {
   bool floating = false;
 };
 
+/// Asks the application to show a note.
 struct OpenNoteOp {
   using Input = OpenNoteInput;
   using Output = void;
@@ -97,10 +104,11 @@ struct OpenNoteOp {
             row(Fields::header, &Input::header), row(Fields::edit, &Input::edit),
             row(Fields::newWindow, &Input::newWindow), row(Fields::floating, &Input::floating));
 
-  /// Hands a URL to the desktop. True when a program took it.
+  /// Opens a URL with the desktop's program for it. False if that fails.
   using URLOpener = std::function<bool(const std::string& url)>;
 
-  /// The application is not waited for, and whether it has such a note is its own business.
+  /// Does not wait for the application, and does not check that a note of the given id exists.
+  /// Throws `storeUnavailable` if the URL cannot be opened.
   static Output execute(const Input& input, NoteStore& store);
   static Output execute(const Input& input, NoteStore& store, const URLOpener& open);
 };

@@ -13,10 +13,10 @@
 #include "json/json_value.h"
 #include "operations/json_field.h"
 
-/// The frame of the operations. Everything that the program can do is one operation: a type
-/// without instances that names its Input and Output, describes itself, and executes on a
-/// NoteStore. Both faces fill the input and run the same code, so that checks, their order and
-/// their messages are the same on both:
+/// The framework of the operations. Everything that the program can do is an operation: a type that
+/// names its Input and Output, describes itself, and executes on a NoteStore; it has no instances.
+/// The command line and the MCP server fill in the input and run the same code, so that checks,
+/// their order and their messages are the same in both:
 ///
 ///   struct RenameTagInput { std::string old, new_; bool force = false; };
 ///
@@ -29,11 +29,11 @@
 ///     static Output execute(const Input& input, NoteStore& store);
 ///   };
 ///
-/// From `rows` come the schema (inputSchema<RenameTagOp>()) and the decoder
-/// (decodeInput<RenameTagOp>(json)); the command line takes its help from Fields.
+/// `rows` yields the schema (inputSchema<RenameTagOp>()) and the decoder
+/// (decodeInput<RenameTagOp>(json)); the command line takes its help texts from Fields.
 namespace tavi {
 
-/// Input that an operation refuses.
+/// The input of an operation is invalid.
 class OperationError : public Failure {
  public:
   static OperationError invalidInput(std::string message) {
@@ -44,28 +44,31 @@ class OperationError : public Failure {
   using Failure::Failure;
 };
 
+/// The texts and hints of an operation. The hints are the tool annotations of the Model Context
+/// Protocol.
 struct OperationMetadata {
-  std::string_view name;         ///< of the tool: "append_to_note"
-  std::string_view title;        ///< in words
-  std::string_view abstract;     ///< one line
-  std::string_view description;  ///< in full, for clients
+  std::string_view name;         ///< the tool's name: "append_to_note"
+  std::string_view title;        ///< for display: "Append To Note"
+  std::string_view abstract;     ///< one line, for the command's help
+  std::string_view description;  ///< in full, for MCP clients
   bool readOnlyHint = false;     ///< changes nothing
   bool destructiveHint = false;  ///< may destroy or overwrite data
-  bool idempotentHint = false;   ///< the same call again has no further effect
+  bool idempotentHint = false;   ///< repeating a call has no further effect
 };
 
-/// The description of one input field: its JSON key, and its text for clients and for help.
+/// The documentation of one input field.
 struct FieldDoc {
-  std::string_view name;
-  std::string_view description;
-  std::optional<std::int64_t> minimum = {};  ///< of an integer
+  std::string_view name;                     ///< the JSON key
+  std::string_view description;              ///< for MCP clients and for help
+  std::optional<std::int64_t> minimum = {};  ///< for integers; absent: none
 };
 
+/// The JSON Schema type of a field.
 enum class FieldType { string, integer, boolean, array };
-std::string_view rawText(FieldType type);
+std::string_view rawText(FieldType type);  ///< "string", "integer", "boolean", "array"
 
-/// What the type of a record's member says of its field. A field is required when its member has
-/// no way to be absent; a list of texts may be left out, since operations check it themselves.
+/// Maps the type of an input's member to the schema of its field. A field is required if its member
+/// cannot be absent; lists of strings may be left out, since the operations check them.
 template <class Member>
 struct FieldTraits;
 template <>
@@ -101,14 +104,15 @@ struct FieldTraits<std::optional<Value>> : FieldTraits<Value> {
   static constexpr bool required = false;
 };
 
-/// A field as the schema describes it.
+/// The schema of one field.
 struct FieldSchema {
   FieldDoc doc;
   FieldType type;
   bool required;
-  std::optional<FieldType> arrayItemType;
+  std::optional<FieldType> arrayItemType;  ///< absent unless it is an array of a plain type
 };
 
+/// Binds a field's documentation to the member of the input that holds its value.
 template <class Input, class Member>
 struct Row {
   FieldDoc doc;
@@ -126,13 +130,14 @@ template <class Input, class Member>
 constexpr Row<Input, Member> row(const FieldDoc& doc, Member Input::*member) {
   return {doc, member, FieldTraits<Member>::required};
 }
-/// A field that the schema calls required although the decoder lets it be absent: the words of
-/// the operation's own check are better.
+/// A field that the schema declares as required although the decoder accepts its absence, since the
+/// operation's own check has a better message.
 template <class Input, class Member>
 constexpr Row<Input, Member> requiredRow(const FieldDoc& doc, Member Input::*member) {
   return {doc, member, true};
 }
 
+/// The rows of an operation, in the order of its schema.
 template <class Input, class... Members>
 constexpr std::tuple<Row<Input, Members>...> table(const Row<Input, Members>&... rows) {
   return {rows...};
@@ -145,18 +150,18 @@ std::vector<FieldSchema> fieldSchemas() {
                     Operation::rows);
 }
 
-/// The JSON Schema (2020-12) of an object with these fields and no others.
+/// The JSON Schema (2020-12) of an object with exactly these fields.
 JSONValue schema(std::span<const FieldSchema> fields);
 
-/// Built on first use.
+/// The schema of an operation's input, built on first use.
 template <class Operation>
 const JSONValue& inputSchema() {
   static const JSONValue built = schema(fieldSchemas<Operation>());
   return built;
 }
 
-/// Reads the input from the arguments of a call, which must be a JSON object; keys that no field
-/// names are passed over. Throws OperationError, which names the faulty field.
+/// Decodes the input from the arguments of a call, which must be a JSON object. Unknown keys are
+/// ignored. Throws an OperationError that names the invalid field.
 template <class Operation>
 typename Operation::Input decodeInput(const boost::json::value& arguments) {
   const JSONField object{&arguments, ""};

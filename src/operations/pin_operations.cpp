@@ -10,8 +10,8 @@ namespace {
 
 constexpr std::string_view global = "global";
 
-/// The targets in the form that the store takes: "global" as it is, tags by their canonical
-/// names. Throws before anything is changed, also when some tag does not exist.
+/// The targets as the store expects them: "global", or the canonical names of tags. Throws
+/// OperationError for an invalid name and NoteStoreError (`tagsNotFound`).
 std::vector<std::string> checkedTargets(const std::vector<std::string>& targets, NoteStore& store) {
   std::vector<std::string> names;
   for (const std::string& target : targets) {
@@ -38,7 +38,7 @@ WriteResponse changePins(const Input& input, NoteStore& store, PinWrite everywhe
 
   const NoteMetadata before = store.metadataWithID(id);
   for (std::size_t i = 0; i < names.size(); ++i) {
-    // Not by the name: "#global" is the tag of that name.
+    // Compares the target, not the canonical name: "#global" is a tag.
     if (input.targets[i] == global) {
       (store.*everywhere)(id);
     } else {

@@ -9,19 +9,22 @@
 #include "operations/operation.h"
 
 /// The operations on pins. A pin puts a note at the top of the list of all notes ("global") or of
-/// one tag's list; they work on locked notes.
+/// the list of one tag; these are its pin contexts. All operations accept locked notes.
 namespace tavi {
 
-/// A pin context as it is shown: "global", or a tag in its written form.
+/// A pin context for display: "global" or a hashtag. `pin`: "global" or empty, a hashtag, or the
+/// canonical name of a tag.
 std::string displayedPin(std::string_view pin);
 
+/// Input of ListPinsOp.
 struct ListPinsInput {
-  std::optional<std::string> id, title;  ///< both absent: every context in use
+  std::optional<std::string> id, title;  ///< both absent: all contexts in use
 };
 
+/// Lists the pin contexts of a note, or all that are in use.
 struct ListPinsOp {
   using Input = ListPinsInput;
-  using Output = std::vector<std::string>;  ///< as shown
+  using Output = std::vector<std::string>;  ///< as displayedPin shows them
   static constexpr OperationMetadata metadata{
       .name = "list_pins",
       .title = "List Pins",
@@ -46,13 +49,14 @@ struct ListPinsOp {
   static Output execute(const Input& input, NoteStore& store);
 };
 
+/// Input of AddPinsOp.
 struct AddPinsInput {
   std::optional<std::string> id, title;
-  std::vector<std::string> targets;
+  std::vector<std::string> targets;  ///< "global" or tags; not empty
 };
 
-/// Every tag among the targets must exist before any pin is changed; then each target is a write
-/// of its own. The answer is one difference over all of them.
+/// Pins a note. Throws `tagsNotFound`, before any write, unless all target tags exist. Each target
+/// is a separate write; the output is the difference over all of them.
 struct AddPinsOp {
   using Input = AddPinsInput;
   using Output = WriteResponse;
@@ -77,11 +81,13 @@ struct AddPinsOp {
   static Output execute(const Input& input, NoteStore& store);
 };
 
+/// Input of RemovePinsOp.
 struct RemovePinsInput {
   std::optional<std::string> id, title;
-  std::vector<std::string> targets;
+  std::vector<std::string> targets;  ///< "global" or tags; not empty
 };
 
+/// Unpins a note. Writes and errors are those of AddPinsOp.
 struct RemovePinsOp {
   using Input = RemovePinsInput;
   using Output = WriteResponse;

@@ -23,7 +23,7 @@ SortCriteria parsedSort(const std::optional<std::string>& sort) {
   }
 }
 
-/// Nothing for all locations.
+/// Absent for "all".
 std::optional<NoteLocation> parsedLocation(const std::optional<std::string>& text) {
   if (!text) return NoteLocation::notes;
   if (*text == "all") return std::nullopt;
@@ -31,8 +31,8 @@ std::optional<NoteLocation> parsedLocation(const std::optional<std::string>& tex
   throw OperationError::invalidInput("Invalid location: " + *text);
 }
 
-/// What a list and a search have in common. A limit of 0 is let through: the store must not see
-/// it, but the checks that follow come first.
+/// Checks the fields that a list and a search share. A limit of 0 passes: the caller must not send
+/// it to the store, but has other checks to do first.
 template <class Input>
 ListRequest checkedRequest(const Input& input) {
   ListRequest request;

@@ -9,17 +9,20 @@
 #include "domain/note_store.h"
 #include "operations/operation.h"
 
-/// The operations that read notes.
+/// The operations that read notes. An `id`/`title` pair identifies one note: exactly one of the two
+/// must be given. Numbers must not be negative.
 namespace tavi {
 
+/// Input of GetNoteOp.
 struct GetNoteInput {
   std::optional<std::string> id, title;
   bool includeContent = false;
 };
 
+/// Returns a note's metadata, and its text on request. Accepts locked notes for metadata only.
 struct GetNoteOp {
   using Input = GetNoteInput;
-  using Output = std::variant<Note, NoteMetadata>;  ///< a Note where content was asked for
+  using Output = std::variant<Note, NoteMetadata>;  ///< a Note if `includeContent` is set
   static constexpr OperationMetadata metadata{
       .name = "get_note",
       .title = "Get Note",
@@ -40,14 +43,16 @@ struct GetNoteOp {
   static Output execute(const Input& input, NoteStore& store);
 };
 
+/// Input of ReadNoteContentOp.
 struct ReadNoteContentInput {
   std::optional<std::string> id, title;
-  std::optional<std::int64_t> offset, limit;
+  std::optional<std::int64_t> offset, limit;  ///< UTF-8 bytes; absent: from the start, to the end
 };
 
+/// Returns a note's text, or a range of its bytes.
 struct ReadNoteContentOp {
   using Input = ReadNoteContentInput;
-  /// The bytes from `offset` on, `limit` at most; empty when they begin or end inside a character.
+  /// Empty if the range starts or ends inside a character.
   using Output = std::string;
   static constexpr OperationMetadata metadata{
       .name = "read_note_content",
@@ -68,7 +73,7 @@ struct ReadNoteContentOp {
   static Output execute(const Input& input, NoteStore& store);
 };
 
-/// The fields that a list and a search share.
+/// The fields that ListNotesOp and SearchNotesOp share.
 struct ListingFields {
   static constexpr FieldDoc sort{
       "sort",
@@ -83,15 +88,17 @@ struct ListingFields {
       "When true, include each note's raw Markdown content. Excludes locked notes."};
 };
 
+/// Input of ListNotesOp.
 struct ListNotesInput {
-  std::optional<std::string> sort;
-  std::optional<std::int64_t> limit, offset;
-  std::optional<std::string> location;
+  std::optional<std::string> sort;            ///< see parseSortCriteria; absent: "pinned,modified"
+  std::optional<std::int64_t> limit, offset;  ///< notes; absent: all, from the first
+  std::optional<std::string> location;        ///< absent: "notes"
   bool includeContent = false;
-  std::optional<std::string> tag;
-  bool detailed = true;  ///< see ListRequest
+  std::optional<std::string> tag;  ///< only notes with this tag or a descendant
+  bool detailed = true;            ///< see ListRequest
 };
 
+/// Lists notes. The store must outlive the output, which is read while it is visited.
 struct ListNotesOp {
   using Input = ListNotesInput;
   using Output = std::variant<RecordList<Note>, RecordList<NoteMetadata>>;
@@ -118,15 +125,17 @@ struct ListNotesOp {
   static Output execute(const Input& input, NoteStore& store);
 };
 
+/// Input of SearchNotesOp.
 struct SearchNotesInput {
-  std::string query;
-  std::optional<std::string> sort;
-  std::optional<std::int64_t> limit, offset;
-  std::optional<std::string> location;
+  std::string query;                          ///< in the search language; not blank
+  std::optional<std::string> sort;            ///< see parseSortCriteria; absent: "pinned,modified"
+  std::optional<std::int64_t> limit, offset;  ///< notes; absent: all, from the first
+  std::optional<std::string> location;        ///< absent: "notes"
   bool includeContent = false;
   bool detailed = true;  ///< see ListRequest
 };
 
+/// Searches notes. The store must outlive the output, which is read while it is visited.
 struct SearchNotesOp {
   using Input = SearchNotesInput;
   using Output = std::variant<RecordList<SearchResultWithContent>, RecordList<SearchResult>>;
@@ -155,16 +164,19 @@ struct SearchNotesOp {
   static Output execute(const Input& input, NoteStore& store);
 };
 
+/// Input of SearchInNoteOp.
 struct SearchInNoteInput {
   std::optional<std::string> id, title;
   std::string string;
-  std::optional<std::int64_t> context, limit;
+  std::optional<std::int64_t> context;  ///< characters; absent: defaultContext
+  std::optional<std::int64_t> limit;    ///< matches; absent: all
 };
 
+/// Finds the occurrences of a string in one note.
 struct SearchInNoteOp {
   using Input = SearchInNoteInput;
   using Output = std::vector<SearchMatch>;
-  static constexpr std::int64_t defaultContext = 120;
+  static constexpr std::int64_t defaultContext = 120;  ///< characters
   static constexpr OperationMetadata metadata{
       .name = "search_in_note",
       .title = "Search Within Note",

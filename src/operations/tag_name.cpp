@@ -9,7 +9,7 @@
 namespace tavi {
 namespace {
 
-/// The text without the hash marks and blanks around it, which no name has.
+/// Trims hash marks and whitespace, which do not belong to the name.
 std::string_view withoutSurroundings(std::string_view text) {
   constexpr std::string_view marks = "# \t\r\n";
   const std::size_t begin = text.find_first_not_of(marks);
@@ -17,8 +17,8 @@ std::string_view withoutSurroundings(std::string_view text) {
   return text.substr(begin, text.find_last_not_of(marks) + 1 - begin);
 }
 
-/// The first character that may not stand between two letters of a tag.
-std::optional<std::string_view> signInTheWay(std::string_view name) {
+/// The first character that is not allowed inside a tag; absent if all are.
+std::optional<std::string_view> forbiddenCharacter(std::string_view name) {
   for (std::size_t at = 0; at < name.size();) {
     const std::size_t next = platform::text::decodeScalar(name, at).next;
     const std::string_view sign = name.substr(at, next - at);
@@ -39,7 +39,7 @@ std::string checkedTagName(std::string_view text, std::string_view label) {
   if (!platform::text::trimmingWhitespaceAndNewlines(name).empty()) return name;
   const std::string_view asked = withoutSurroundings(text);
   if (asked.find_first_not_of('/') == std::string_view::npos) refuse(label, " must not be empty");
-  const auto sign = signInTheWay(asked);
+  const auto sign = forbiddenCharacter(asked);
   if (!sign) refuse(label, " cannot be written as a hashtag: " + std::string(asked));
   const bool isLineBreak = *sign == "\n" || *sign == "\r";
   const std::string shown = isLineBreak ? "a line break" : "'" + std::string(*sign) + "'";

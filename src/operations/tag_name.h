@@ -5,9 +5,9 @@
 
 namespace tavi {
 
-/// The canonical name of a tag that an input gives. Throws OperationError for a text without a name
-/// ("Tag must not be empty", with `label` in front) and for one that no hashtag can be read as,
-/// which names the sign in the way.
+/// The canonical name of a tag in an input. Throws OperationError if the name is empty or cannot be
+/// written as a hashtag; the message starts with `label` and names the character that is not
+/// allowed: "Tag must not contain '#': a#b".
 std::string checkedTagName(std::string_view text, std::string_view label);
 
 }  // namespace tavi

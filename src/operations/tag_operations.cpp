@@ -12,8 +12,8 @@ void requireTags(const std::vector<std::string>& tags) {
   if (tags.empty()) throw OperationError::invalidInput("Provide at least one tag");
 }
 
-/// As `checkedTagName`, but a tag that exists may be removed though no hashtag can name it: another
-/// program has written it.
+/// Like `checkedTagName`, but accepts an existing tag that cannot be written as a hashtag (another
+/// program may have created it), so that it can be removed.
 std::string nameToRemove(const std::string& text, const char* label, NoteStore& store) {
   const bool isOdd = !text.empty() && TagParser::canonicalName(text).empty();
   return isOdd && store.tagExists(text) ? text : checkedTagName(text, label);

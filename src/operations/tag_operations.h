@@ -8,16 +8,19 @@
 #include "domain/note_store.h"
 #include "operations/operation.h"
 
-/// The operations on tags. Names come in any form and are brought into the canonical one.
+/// The operations on tags. Tags may be given in any form, such as "#work/draft"; checkedTagName
+/// turns them into canonical names.
 namespace tavi {
 
+/// Input of ListTagsOp.
 struct ListTagsInput {
-  std::optional<std::string> id, title;  ///< both absent: every tag
+  std::optional<std::string> id, title;  ///< both absent: all tags
 };
 
+/// Lists the tags of a note, or all tags. Accepts locked notes.
 struct ListTagsOp {
   using Input = ListTagsInput;
-  using Output = std::vector<std::string>;  ///< canonical names
+  using Output = std::vector<std::string>;  ///< canonical names, ascending
   static constexpr OperationMetadata metadata{
       .name = "list_tags",
       .title = "List Tags",
@@ -39,11 +42,13 @@ struct ListTagsOp {
   static Output execute(const Input& input, NoteStore& store);
 };
 
+/// Input of AddTagsOp: exactly one of `id` and `title`.
 struct AddTagsInput {
   std::optional<std::string> id, title;
-  std::vector<std::string> tags;
+  std::vector<std::string> tags;  ///< not empty
 };
 
+/// Writes tags into a note's text, at the place that the application's preferences say.
 struct AddTagsOp {
   using Input = AddTagsInput;
   using Output = WriteResponse;
@@ -68,11 +73,13 @@ struct AddTagsOp {
   static Output execute(const Input& input, NoteStore& store);
 };
 
+/// Input of RemoveTagsOp: exactly one of `id` and `title`.
 struct RemoveTagsInput {
   std::optional<std::string> id, title;
-  std::vector<std::string> tags;
+  std::vector<std::string> tags;  ///< not empty
 };
 
+/// Removes tags from a note's text.
 struct RemoveTagsOp {
   using Input = RemoveTagsInput;
   using Output = WriteResponse;
@@ -96,14 +103,16 @@ struct RemoveTagsOp {
   static Output execute(const Input& input, NoteStore& store);
 };
 
+/// Input of RenameTagOp.
 struct RenameTagInput {
   std::string oldName, newName;
   bool force = false;
 };
 
+/// Renames a tag and its descendants in all notes.
 struct RenameTagOp {
   using Input = RenameTagInput;
-  using Output = std::int64_t;  ///< notes that carried the old tag
+  using Output = std::int64_t;  ///< the number of notes with the old tag or a descendant
   static constexpr OperationMetadata metadata{
       .name = "rename_tag",
       .title = "Rename Tag",
@@ -129,18 +138,20 @@ struct RenameTagOp {
   static constexpr auto rows =
       table(row(Fields::oldName, &Input::oldName), row(Fields::newName, &Input::newName),
             row(Fields::force, &Input::force));
-  /// A rename into a tag that exists merges the two, which cannot be undone: without `force` it
-  /// is refused with `renameTargetExists`.
+  /// If the new tag exists, a rename merges the two, which cannot be undone. Without `force` it
+  /// throws `renameTargetExists` instead.
   static Output execute(const Input& input, NoteStore& store);
 };
 
+/// Input of DeleteTagOp.
 struct DeleteTagInput {
   std::string tag;
 };
 
+/// Removes a tag, but not its descendants, from all notes.
 struct DeleteTagOp {
   using Input = DeleteTagInput;
-  using Output = std::int64_t;  ///< notes that carried the tag
+  using Output = std::int64_t;  ///< the number of notes that had the tag
   static constexpr OperationMetadata metadata{
       .name = "delete_tag",
       .title = "Delete Tag",

@@ -15,8 +15,8 @@ bool isBlank(const std::string& text) {
   return platform::text::trimmingWhitespaceAndNewlines(text).empty();
 }
 
-/// The length of the line break at the start of `text`: one of U+000A to U+000D, U+0085, U+2028
-/// and U+2029, CR LF counting as one; 0 for none.
+/// The length in bytes of the line break at the start of `text`: CR LF, or one of U+000A to U+000D,
+/// U+0085, U+2028 and U+2029; 0 if there is none.
 std::size_t lineBreakLength(std::string_view text) {
   if (text.starts_with("\r\n")) return 2;
   if (!text.empty() && text[0] >= '\n' && text[0] <= '\r') return 1;
@@ -25,8 +25,8 @@ std::size_t lineBreakLength(std::string_view text) {
   return 0;
 }
 
-/// `content` without a first line that repeats the title as a heading: the store writes that
-/// heading itself. Absent where nothing else was there.
+/// Drops a first line that repeats the title as a heading, since the store writes that heading.
+/// Absent if no other content is left.
 std::optional<std::string> withoutRepeatedTitle(const std::optional<std::string>& content,
                                                 const std::string& title) {
   if (!content) return std::nullopt;
@@ -47,7 +47,7 @@ InsertPosition parsedPosition(const std::optional<std::string>& text) {
   throw OperationError::invalidInput("Invalid position: " + *text);
 }
 
-/// `index` of the edit, counted from 0, for the message.
+/// `index`: of the edit, from 0, for the message.
 EditOperation checkedEdit(const NoteEdit& edit, std::size_t index) {
   using Kind = EditAction::Kind;
   std::vector<EditAction> actions;

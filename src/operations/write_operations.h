@@ -7,15 +7,18 @@
 #include "domain/note_store.h"
 #include "operations/operation.h"
 
-/// The operations that create a note or change its text.
+/// The operations that create a note or change its text. An `id`/`title` pair identifies the note:
+/// exactly one of the two must be given. Locked notes are refused.
 namespace tavi {
 
+/// Input of CreateNoteOp: a title, content, or both.
 struct CreateNoteInput {
   std::optional<std::string> title, content;
   std::vector<std::string> tags;
-  bool ifNotExists = false;
+  bool ifNotExists = false;  ///< return the active note of this title if there is one
 };
 
+/// Creates a note.
 struct CreateNoteOp {
   using Input = CreateNoteInput;
   using Output = Note;
@@ -51,12 +54,14 @@ struct CreateNoteOp {
   static Output execute(const Input& input, NoteStore& store);
 };
 
+/// Input of AppendToNoteOp.
 struct AppendToNoteInput {
   std::optional<std::string> id, title;
   std::string content;
-  std::optional<std::string> position;  ///< raw text of an InsertPosition; absent is the end
+  std::optional<std::string> position;  ///< "beginning" or "end"; absent: "end"
 };
 
+/// Inserts text at the beginning or the end of a note, see InsertPosition.
 struct AppendToNoteOp {
   using Input = AppendToNoteInput;
   using Output = WriteResponse;
@@ -83,7 +88,7 @@ struct AppendToNoteOp {
   static Output execute(const Input& input, NoteStore& store);
 };
 
-/// One edit as a client states it: exactly one of the three actions must be there.
+/// One edit of an input: exactly one of the three actions must be given. See EditOperation.
 struct NoteEdit {
   std::string find;
   std::optional<std::string> replace, insertAfter, insertBefore;
@@ -91,14 +96,17 @@ struct NoteEdit {
   bool ignoreCase = false;
   bool word = false;
 };
+/// Reads an array of objects. Throws OperationError.
 void read(const JSONField& field, std::vector<NoteEdit>& edits);
 
+/// Input of EditNoteOp.
 struct EditNoteInput {
   std::optional<std::string> id, title;
-  std::vector<NoteEdit> edits;
-  std::optional<std::vector<std::string>> expectedRemovedAttachments;
+  std::vector<NoteEdit> edits;                                         ///< not empty
+  std::optional<std::vector<std::string>> expectedRemovedAttachments;  ///< see RemovalGate
 };
 
+/// Applies edits to a note, all or none. The errors are those of TextEditor.
 struct EditNoteOp {
   using Input = EditNoteInput;
   using Output = WriteResponse;
@@ -132,17 +140,19 @@ struct EditNoteOp {
       table(row(Fields::id, &Input::id), row(Fields::title, &Input::title),
             row(Fields::edits, &Input::edits),
             row(Fields::expectedRemovedAttachments, &Input::expectedRemovedAttachments));
-  /// `force` skips the gate against removed attachments.
+  /// `force`: see RemovalGate.
   static Output execute(const Input& input, NoteStore& store, bool force = false);
 };
 
+/// Input of OverwriteNoteOp.
 struct OverwriteNoteInput {
   std::optional<std::string> id, title;
   std::string content;
-  std::optional<std::string> baseHash;  ///< absent: the write is unconditional
-  std::optional<std::vector<std::string>> expectedRemovedAttachments;
+  std::optional<std::string> baseHash;  ///< of the text that was read; absent: do not check
+  std::optional<std::vector<std::string>> expectedRemovedAttachments;  ///< see RemovalGate
 };
 
+/// Replaces a note's text. Throws `hashMismatch` if the text changed since it was read.
 struct OverwriteNoteOp {
   using Input = OverwriteNoteInput;
   using Output = WriteResponse;
@@ -181,7 +191,7 @@ struct OverwriteNoteOp {
       table(row(Fields::id, &Input::id), row(Fields::title, &Input::title),
             row(Fields::content, &Input::content), requiredRow(Fields::baseHash, &Input::baseHash),
             row(Fields::expectedRemovedAttachments, &Input::expectedRemovedAttachments));
-  /// `force` skips the gate against removed attachments.
+  /// `force`: see RemovalGate.
   static Output execute(const Input& input, NoteStore& store, bool force = false);
 };
 

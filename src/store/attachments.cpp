@@ -40,7 +40,8 @@ std::string contents(const fs::path& path) {
   return bytes;
 }
 
-/// An SVG is an image to the type system, but is linked as a file; so it is asked for first.
+/// The Markdown link to an attachment. An SVG conforms to image too, but is linked as a file, so it
+/// is checked first.
 std::string linkTo(const std::string& filename) {
   const platform::system::FileType type = platform::system::fileTypeOf(filename);
   if (type.conformsToSVG) return ZDKAST::markdownFile(filename, filename, false);

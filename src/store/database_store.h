@@ -13,12 +13,13 @@
 
 namespace tavi {
 
-/// The notes in the application's database, through its model.
+/// The NoteStore over the application's database, built on the model (platform/model).
 ///
-/// A write is one pass: look the note up, change it in memory, check, one save. The model finds at
-/// the save what another process has changed in between.
+/// A write looks the note up, changes it in memory, checks the result and saves once. The save
+/// detects changes that another process made in between and then throws `concurrentModification`.
 class TaviDatabaseStore : public ImportingStore {
  public:
+  /// `preserveModificationDate`: changes of texts leave the modification date as it is.
   TaviDatabaseStore(std::unique_ptr<tavimodel::KVCoreDataStackForExtensions> stack,
                     bool preserveModificationDate);
   ~TaviDatabaseStore() override;
@@ -90,27 +91,30 @@ class TaviDatabaseStore : public ImportingStore {
   tavimodel::KVNote& anyNoteWithID(const std::string& id);
   /// Throws `noteNotFound` or `noteIsLocked`.
   tavimodel::KVNote& unlockedNoteWithID(const std::string& id);
-  /// The active notes of a title.
   std::vector<tavimodel::KVNote*> activeNotesWithTitle(const std::string& title);
-  /// Null when there is none. Throws `titleMatchesMultiple`.
+  /// Null if there is none. Throws `titleMatchesMultiple`.
   tavimodel::KVNote* onlyActiveNoteWithTitle(const std::string& title);
-  /// The active note of the title, given as it was or as a note made with it (from `text`) shows
-  /// it: "Fix `foo`" is shown as "Fix foo". Null when there is none. Throws `titleMatchesMultiple`.
+  /// The active note of this title, or of the title that a note created with it (from `text`) would
+  /// have: "Fix `foo`" becomes "Fix foo". Null if there is none. Throws `titleMatchesMultiple`.
   tavimodel::KVNote* noteMadeWithTitle(const std::string& title, const std::string& text);
   /// Throws `noNoteWithTitle` or `titleMatchesMultiple`.
   tavimodel::KVNote& noteForTitle(const std::string& title);
+  /// Throws `tagNotFound`.
   tavimodel::KVNoteTag tagForPin(const std::string& tag);
-  /// The tag of the canonical name or, without one, a tag that another program wrote in a form that
-  /// is not canonical: as `text` has it, or one with the same canonical name.
+  /// The tag with the canonical name of `text`. If there is none, a tag that another program
+  /// created under a name that is not canonical: exactly `text`, or one with the same canonical
+  /// name.
   std::optional<tavimodel::KVNoteTag> findTag(const std::string& text);
 
+  /// Throws `concurrentModification` and the model's other errors.
   void save();
   void updateText(tavimodel::KVNote& note, std::string text, tavimodel::UnlinkedFiles unlinked);
   WriteResponse rewrite(tavimodel::KVNote& note, std::string text, const RemovalGate& gate);
+  /// Rolls back and throws `attachmentRemovalGateFailed` if the gate refuses the change.
   void passGate(const NoteMetadata& before, const NoteMetadata& after, const RemovalGate& gate);
   Note newNote(const std::string& text, const std::vector<std::string>& tags, bool tagsAtBottom);
-  /// Makes a change of the note, lets it pass the gate, if any, and saves it. The response says
-  /// what it changed.
+  /// Changes the note with `make`, checks the gate, if any, and saves. The response has what
+  /// changed.
   WriteResponse change(tavimodel::KVNote& note, const std::function<void()>& make,
                        const RemovalGate* gate = nullptr);
 

@@ -47,7 +47,8 @@ SortKey sortKey(SortField field) {
   return SortKey::pinned;
 }
 
-/// A list sorts titles by code points, a search as the user's locale does and without case.
+/// `localized`: sort titles by the user's locale, ignoring case, as a search does. A list sorts
+/// them by code points.
 FetchRequest fetchRequest(const ListRequest& request, std::shared_ptr<const SearchQuery> search,
                           bool localized) {
   FetchRequest fetch;
@@ -68,12 +69,12 @@ FetchRequest listRequest(const ListRequest& request) {
   return fetchRequest(request, searchForTag(*request.tag), true);
 }
 
-/// The rows of one fetch, which is made when the first row is asked for; texts come one at a time,
-/// each time round.
+/// The rows of one fetch. The fetch runs at the first pass; each pass reads the texts again, one at
+/// a time.
 template <class Record>
 class FetchedList final : public RecordSource<Record> {
  public:
-  /// Makes a row of a note, and of its text where the row has or counts it.
+  /// Fills the row from a note and its text, which is empty unless `readsText`.
   using Convert = std::function<void(const NoteView&, std::string_view text, Record& row)>;
 
   FetchedList(ManagedObjectContext& context, FetchRequest request, bool readsText, Convert convert)
@@ -91,7 +92,7 @@ class FetchedList final : public RecordSource<Record> {
 
   void forEach(const std::function<void(const Record&)>& visit) override {
     if (!table_) table_ = context_.fetch(request_);
-    Record row;  // one for all, so that its memory is used again
+    Record row;  // reused for all rows to save allocations
     if (readsText_) {
       context_.forEachText(*table_, [&](const NoteView& note, std::string_view text) {
         convert_(note, text, row);

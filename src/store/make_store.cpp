@@ -29,7 +29,7 @@ std::unique_ptr<TaviDatabaseStore> open(const StoreOptions& options,
                                         tavimodel::KeptConnection* kept) {
   if (TaviPreferences::isApplicationLockEnabled()) throw NoteStoreError::appLockEnabled();
   using Stack = tavimodel::KVCoreDataStackForExtensions;
-  std::string reason;  // not shown: the user can do nothing with the platform's own words
+  std::string reason;  // not shown: the platform's message does not help the user
   const auto folder = platform::system::applicationDataDirectory();
   if (!folder) throw NoteStoreError::storeUnavailable("cannot open Tavi database");
   auto stack = Stack::initStackOutputError(

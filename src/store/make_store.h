@@ -12,8 +12,8 @@ namespace tavi {
 
 struct StoreOptions;
 
-/// What a server keeps from one tool call to the next, below the store: the connection, as long as
-/// opening the database anew would find the very same thing. Releasing it closes the database.
+/// Keeps the database connection open between the tool calls of a server. A store reuses it as long
+/// as opening the database again would give the same file. The destructor closes the database.
 class StoreKeeper {
  public:
   StoreKeeper();
@@ -21,8 +21,8 @@ class StoreKeeper {
   StoreKeeper(const StoreKeeper&) = delete;
   StoreKeeper& operator=(const StoreKeeper&) = delete;
 
-  /// For times when no call comes: does a slice, about 10 ms long, of what closing the database
-  /// does otherwise. False when nothing is left to do. Never throws.
+  /// Call it while the server is idle: does about 10 ms of the work that closing the database would
+  /// otherwise do. False if no work is left. Never throws.
   bool work();
 
  private:
@@ -30,18 +30,19 @@ class StoreKeeper {
   std::unique_ptr<tavimodel::KeptConnection> kept_;
 };
 
+/// How to open the store.
 struct StoreOptions {
-  bool preserveModificationDate = false;  ///< writes of text leave the note's date as it is
-  bool onlyReads = false;  ///< the database must be there; nothing is made, and nobody waited for
-  StoreKeeper* keeper = nullptr;  ///< a server's
+  bool preserveModificationDate = false;  ///< changes of texts keep the note's modification date
+  bool onlyReads = false;  ///< fail if there is no database instead of creating it; never wait
+  StoreKeeper* keeper = nullptr;  ///< of a server, which must outlive the store; null: none
 };
 
-/// Opens the application's notes, once per command or tool call; releasing the store closes them.
-/// Throws NoteStoreError: `appLockEnabled` when the application is locked, before anything is
-/// opened, and `storeUnavailable` when the database cannot be had.
+/// Opens the application's database, for one command or tool call; destroying the store closes it.
+/// Throws NoteStoreError: `appLockEnabled`, before opening anything, if the application's lock is
+/// enabled, and `storeUnavailable` if the database cannot be opened.
 std::unique_ptr<NoteStore> makeStore(const StoreOptions& options = {});
 
-/// The same store, for a program that brings whole notes in.
+/// Opens the same store for importing. Throws like makeStore.
 std::unique_ptr<ImportingStore> makeImportingStore();
 
 }  // namespace tavi

@@ -11,21 +11,21 @@
 
 namespace tavi {
 
-/// The one conversion of a note of the model, which every read and every write response goes
-/// through. Of a locked note, hash, counts and attachments are empty.
-/// What `metadata` held before goes; its memory is used again, which is what a long list lives on.
+/// Converts a note of the model; all reads and write responses use it. Hash, counts and attachments
+/// of a locked note are empty. Overwrites `metadata` and reuses its memory, which keeps long lists
+/// fast.
 void convert(const tavimodel::NoteView& note, NoteMetadata& metadata);
 
-/// The same of an object of the model; the text of a locked note is not read.
+/// Converts an object of the model, without reading the text of a locked note.
 NoteMetadata metadataOf(tavimodel::KVNote& note);
 
-/// The note with its text, or with an empty one when it is locked.
+/// The note with its text, which is empty if the note is locked.
 Note noteOf(tavimodel::KVNote& note);
 
-/// Sorts by the code points of the normalised texts.
+/// Sorts by code points after normalization (Unicode UAX #15).
 std::vector<std::string> sortedByCodePoints(std::vector<std::string> texts);
 
-/// The hashtag form of each name, ascending; names without one are left out.
+/// The hashtags of the tag names, ascending. Names that no hashtag can express are left out.
 std::vector<std::string> sortedHashtags(std::span<const std::string_view> names);
 
 }  // namespace tavi

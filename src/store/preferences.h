@@ -2,10 +2,11 @@
 
 namespace tavi {
 
-/// The application's preferences that concern this program. Each call reads them afresh.
+/// The preferences of the application that matter to this program. Each call reads the files again;
+/// a missing or unreadable file gives the default.
 struct TaviPreferences {
-  static bool isApplicationLockEnabled();
-  /// Where new tags go: the bottom of a note, unless the application is set to the top.
+  static bool isApplicationLockEnabled();  ///< default: false
+  /// Whether new tags go to the bottom of a note rather than below its title. Default: true.
   static bool tagsAtBottom();
 };
 

@@ -6,18 +6,18 @@
 
 namespace tavi {
 
-/// Both ends of the signal by which a program that changed the notes asks the application to read
-/// them again. This program only sends it; one that wants it makes a bridge.
+/// Sends and receives the signal with which a program that changed notes asks the application to
+/// reload them. This program only sends it; a receiver creates a bridge.
 class TaviCLIBridge {
  public:
-  /// Sends the signal. Waits for nobody and cannot fail.
+  /// Sends the signal. Never waits, and ignores failures.
   static void requestAppRefresh();
 
-  /// Calls `refreshHandler`, if there is one, from `deliver()` for signals that have come since.
-  /// Destroying the bridge ends it. Throws std::system_error when there is nothing to listen on.
+  /// Listens until destroyed; `deliver()` calls `refreshHandler`, which may be empty, if signals
+  /// have arrived. Throws std::system_error if it cannot listen.
   explicit TaviCLIBridge(std::function<void()> refreshHandler);
 
-  /// Readable when a signal has come: for poll(2).
+  /// Becomes readable when a signal arrives; for poll(2). The bridge owns it.
   int descriptor() const { return observer_.descriptor(); }
   void deliver() { observer_.deliver(); }
 

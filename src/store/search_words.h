@@ -7,11 +7,11 @@ namespace tavi {
 
 /// A directive of the search language.
 struct SearchWord {
-  std::string word;   ///< "@todo"; with a value an example of it, "@last7days"
-  std::string finds;  ///< which notes, "with open to-dos"
+  std::string word;   ///< "@todo"; with an example value if it takes one, "@last7days"
+  std::string finds;  ///< the notes that it finds: "with open to-dos"
 };
 
-/// All directives there are, as docs/search.md lists them. Reads no notes.
+/// All directives, as docs/search.md lists them. Does not open the database.
 std::vector<SearchWord> searchWords();
 
 }  // namespace tavi

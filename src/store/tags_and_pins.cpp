@@ -40,7 +40,7 @@ WriteResponse TaviDatabaseStore::removeTags(const std::string& id,
   KVNote& note = unlockedNoteWithID(id);
   return change(note, [&] {
     for (const std::string& tag : tags) {
-      // The text may mention a tag that has no row: another program wrote it.
+      // If another program wrote the text, it may contain a tag that has no row.
       const std::string name = TagParser::canonicalName(tag);
       const auto found = findTag(tag);
       const KVNoteTag named = found ? *found : KVNoteTag::getOrCreateTagWithName(name, context());

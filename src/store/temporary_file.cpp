@@ -24,7 +24,7 @@ constexpr std::string_view prefix = "tavi-attach-";
   throw std::system_error(errno, std::generic_category(), "Could not write the temporary file");
 }
 
-/// "tavi-attach-" and a UUID as `newUUID` writes it.
+/// Whether the name is "tavi-attach-" and a UUID in the format of `newUUID`.
 bool isNameOfOurs(std::string_view name) {
   if (!name.starts_with(prefix)) return false;
   const std::string_view uuid = name.substr(prefix.size());
@@ -35,25 +35,25 @@ bool isNameOfOurs(std::string_view name) {
   });
 }
 
-/// Removes the file and its folder; a folder that holds anything else stays.
+/// Removes the file and its folder, unless the folder has other entries.
 void removeFolder(const fs::path& folder, const fs::path& file) {
   if (!file.empty()) unlink(file.c_str());
   rmdir(folder.c_str());
 }
 
-/// The folder, locked (flock(2)), or none, and why in errno, when another process holds it or it is
-/// gone.
+/// Opens and locks the folder (flock(2)). Empty, with errno set, if another process holds the lock
+/// or the folder is gone.
 FileDescriptor lockFolder(const fs::path& path, int how) {
   FileDescriptor folder(open(path.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
   struct stat status {};
   if (!folder || flock(folder.get(), how) != 0 || fstat(folder.get(), &status) != 0) return {};
   if (status.st_nlink > 0) return folder;
-  errno = ENOENT;  // removed while we waited
+  errno = ENOENT;  // removed while waiting for the lock
   return {};
 }
 
-/// What a program that was killed has left in its folder: at most one regular file. False when
-/// the folder holds anything else, which is not ours to remove.
+/// Finds the file that a killed process left in its folder; `file` stays empty if there is none.
+/// False if the folder has other entries: then it is not one of ours.
 bool findLeftFile(const fs::path& folder, fs::path& file) {
   std::error_code error;
   for (fs::directory_iterator entry(folder, error), end; entry != end && !error;
@@ -65,7 +65,7 @@ bool findLeftFile(const fs::path& folder, fs::path& file) {
   return !error;
 }
 
-/// Removes the folders of programs that were killed: nobody has them locked.
+/// Removes the folders of killed processes, which no process holds locked.
 void sweep(const fs::path& temporary) {
   std::error_code error;
   for (fs::directory_iterator entry(temporary, error), end; entry != end && !error;
@@ -87,7 +87,7 @@ TemporaryFile::TemporaryFile(std::string_view bytes, const std::string& filename
   const fs::path temporary = platform::system::temporaryDirectory();
   sweep(temporary);
   fs::create_directories(temporary);
-  while (!lock_) {  // another program's sweep may come between
+  while (!lock_) {  // another process may sweep the new folder before it is locked
     folder_ = temporary / (std::string(prefix) + platform::system::newUUID());
     platform::system::makePrivateFolder(folder_);
     lock_ = lockFolder(folder_, LOCK_EX);
@@ -118,7 +118,7 @@ void TemporaryFile::remove() {
 void TemporaryFile::write(std::string_view bytes) {
   FileDescriptor file(open(path_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
   if (!file) fail();
-  constexpr std::size_t piece = 256 * 1024;  // one write of 50 MB takes three times as long
+  constexpr std::size_t piece = 256 * 1024;  // writing 50 MB in one call takes three times as long
   while (!bytes.empty()) {
     const ssize_t count = ::write(file.get(), bytes.data(), std::min(bytes.size(), piece));
     if (count < 0 && errno == EINTR) continue;

@@ -8,11 +8,11 @@
 
 namespace tavi {
 
-/// A file under a name of its own, in a private folder among the system's temporary ones; both go
-/// with the object. What a program left there that was killed goes with the next file.
+/// A temporary file with a given name, in a private folder of its own; the destructor removes both.
+/// The constructor also removes the folders that killed processes left behind.
 class TemporaryFile {
  public:
-  /// `filename` must be the name of a file, without a folder. Throws std::system_error.
+  /// `filename` must not contain a folder. Throws std::system_error.
   TemporaryFile(std::string_view bytes, const std::string& filename);
   ~TemporaryFile();
   TemporaryFile(const TemporaryFile&) = delete;
@@ -26,7 +26,7 @@ class TemporaryFile {
 
   std::filesystem::path folder_;
   std::filesystem::path path_;
-  platform::system::FileDescriptor lock_;  ///< on the folder (flock(2)), as long as it is in use
+  platform::system::FileDescriptor lock_;  ///< holds flock(2) on the folder while it is in use
 };
 
 }  // namespace tavi

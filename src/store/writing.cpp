@@ -25,7 +25,7 @@ using zephyrdown::ZDKHashtag;
 
 namespace {
 
-/// The tag line of a new note: the tags that its content does not hold already, joined by a blank.
+/// The tag line of a new note: hashtags for the tags that its content does not contain.
 std::string tagLine(const std::vector<std::string>& tags, const std::string& content) {
   std::vector<std::string> written;
   if (!content.empty() && !tags.empty()) written = zephyrdown::textSummary(content).tags;
@@ -46,7 +46,7 @@ std::string headingOf(const std::string& title) {
   return "# " + title;
 }
 
-/// The title that a note of this text has.
+/// The title of a note with this text.
 std::string titleOf(const std::string& text) {
   return zephyrdown::textSummary(text).title;
 }
@@ -62,7 +62,7 @@ std::string composeText(const std::string& title, const std::string& content,
   return text;
 }
 
-/// Canonically equivalent names are one name.
+/// Compares sets of file names; canonically equivalent names (Unicode UAX #15) are equal.
 bool haveSameNames(const std::set<std::string>& a, const std::set<std::string>& b) {
   using Names = std::set<std::string_view, platform::text::CodePointLess>;
   const Names left(a.begin(), a.end());
@@ -173,7 +173,7 @@ KVNote* TaviDatabaseStore::noteMadeWithTitle(const std::string& title, const std
   const std::string heading = headingOf(title);
   const std::string shown = titleOf(heading);
   if (!shown.empty()) return shown == title ? nullptr : onlyActiveNoteWithTitle(shown);
-  // The heading shows nothing, so the note's title comes from what follows it.
+  // The heading has no visible text, so the title of the note comes from the text after it.
   for (KVNote* note : activeNotesWithTitle(titleOf(text))) {
     if (!note->encryptedValue() && note->text().starts_with(heading)) return note;
   }
@@ -185,7 +185,7 @@ Note TaviDatabaseStore::createNoteIfAbsent(const std::string& title,
                                            const std::vector<std::string>& tags) {
   const std::string text = composeText(title, content.value_or(""), tags);
   if (KVNote* existing = noteMadeWithTitle(title, text)) return noteOf(*existing);
-  // Another process may be making the note just now, so look again where nobody else can write.
+  // Another process may be creating the same note: look again while holding the write lock.
   context().lockForWriting();
   if (KVNote* existing = noteMadeWithTitle(title, text)) {
     Note found = noteOf(*existing);

@@ -10,18 +10,19 @@
 namespace tavi::vault {
 namespace {
 
-/// Reads a date from left to right; a piece that is not there leaves the place where it is.
+/// Reads a text from left to right. A part that does not match leaves the position unchanged.
 class Reader {
  public:
   explicit Reader(std::string_view text) : text_(text) {}
 
   bool atEnd() const { return text_.empty(); }
+  /// Skips one character if it is in `any`.
   bool skip(std::string_view any) {
     if (text_.empty() || any.find(text_.front()) == std::string_view::npos) return false;
     text_.remove_prefix(1);
     return true;
   }
-  /// A number of between `least` and `most` digits.
+  /// A number of at least `least` and at most `most` digits.
   std::optional<int> number(std::size_t least, std::size_t most) {
     std::size_t length = 0;
     while (length < most && length < text_.size() && text_[length] >= '0' && text_[length] <= '9')
@@ -32,7 +33,7 @@ class Reader {
     text_.remove_prefix(length);
     return value;
   }
-  /// ".25" or ",25"
+  /// ".25" or ",25"; 0 if there is none.
   double fraction() {
     if (text_.size() < 2 || (text_[0] != '.' && text_[0] != ',')) return 0;
     double value = 0;
@@ -50,6 +51,7 @@ class Reader {
   std::string_view text_;
 };
 
+/// A time of day.
 struct Clock {
   int hour = 0, minute = 0, second = 0;
   double fraction = 0;
@@ -71,7 +73,7 @@ std::optional<Clock> readClock(Reader& in) {
   return clock;
 }
 
-/// Seconds east of Greenwich; absent where the text names no zone.
+/// The offset from UTC in seconds, positive in the east; absent if the text has no time zone.
 std::optional<int> readZone(Reader& in) {
   in.skip(" ");
   if (in.skip("zZ")) return 0;
@@ -87,7 +89,7 @@ std::optional<double> sinceEpoch(std::string_view text) {
   double value = 0;
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
   if (error != std::errc() || end != text.data() + text.size()) return std::nullopt;
-  if (value >= 1e11 && value < 1e14) return value / 1000;  // milliseconds, from 1973 on
+  if (value >= 1e11 && value < 1e14) return value / 1000;  // milliseconds, since 1973
   if (value >= 1e8 && value < 1e11) return value;
   return std::nullopt;
 }
@@ -149,7 +151,7 @@ std::string writeDate(double value) {
   const hh_mm_ss clock(time - midnight);
   const auto written = [&](int digits) {
     std::string fraction = fmt::format("{:.{}f}", value - whole, digits);
-    fraction.erase(0, 1);  // the zero before the point
+    fraction.erase(0, 1);  // drops the zero before the point
     return fmt::format("{:04}-{:02}-{:02}T{:02}:{:02}:{:02}{}Z", int{day.year()},
                        unsigned{day.month()}, unsigned{day.day()}, clock.hours().count(),
                        clock.minutes().count(), clock.seconds().count(),

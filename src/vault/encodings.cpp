@@ -37,7 +37,7 @@ std::optional<std::string> toUTF8(std::string_view bytes, const std::string& enc
   const auto size = static_cast<std::int32_t>(bytes.size());
   UErrorCode status = U_ZERO_ERROR;
   icu::UnicodeString text;
-  const std::int32_t room = size * 2 + 1;  // a byte is at most two units in any encoding of ICU's
+  const std::int32_t room = size * 2 + 1;  // ICU converts a byte to at most two UTF-16 units
   char16_t* units = text.getBuffer(room);
   if (units == nullptr) return std::nullopt;
   const std::int32_t length =
@@ -50,7 +50,7 @@ std::optional<std::string> toUTF8(std::string_view bytes, const std::string& enc
 }
 
 std::optional<std::string> likelyEncoding(std::string_view bytes) {
-  constexpr std::size_t enough = 64 * 1024;
+  constexpr std::size_t enough = 64 * 1024;  // bytes
   const bool isBinary = bytes.find('\0') != std::string_view::npos &&
                         !bytes.starts_with("\xFF\xFE") && !bytes.starts_with("\xFE\xFF");
   if (isBinary) return std::nullopt;

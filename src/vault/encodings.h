@@ -4,17 +4,18 @@
 #include <string>
 #include <string_view>
 
-/// Texts of files in other encodings than UTF-8 (ICU's converters and names).
+/// Converts texts from other encodings to UTF-8. Encodings have ICU's names, such as
+/// "windows-1252".
 namespace tavi::vault {
 
-/// Whether there is an encoding of this name.
+/// Whether ICU has a converter of this name.
 bool isEncoding(const std::string& name);
 
-/// The text in UTF-8; absent when the bytes are no text of that encoding.
+/// Converts a text to UTF-8; absent if the bytes are not valid in that encoding.
 std::optional<std::string> toUTF8(std::string_view bytes, const std::string& encoding);
 
-/// What the bytes, which are not UTF-8, most likely are: a name for `toUTF8`. Absent where nothing
-/// can be said, as of a picture.
+/// The most likely encoding of a text that is not UTF-8, as a name for `toUTF8`. Absent if there is
+/// no guess, as for a picture.
 std::optional<std::string> likelyEncoding(std::string_view bytes);
 
 }  // namespace tavi::vault

@@ -7,31 +7,32 @@
 #include <string>
 #include <string_view>
 
-/// Files of the user's own, read without harm and written without a moment in which half of one
-/// stands under its name.
+/// Reads and writes files of the user safely.
 namespace tavi::vault {
 
-/// Why one file cannot be taken or written; what() follows the file's name and a colon.
+/// A file cannot be read or written. what() completes a message that starts with the file's name:
+/// "it cannot be read (Permission denied)".
 class FileFault : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
-/// The bytes of a regular file. Follows no symbolic link and never waits (a FIFO, a device). Throws
-/// FileFault, also for a file of more than `limit` bytes.
+/// Reads a regular file. Does not follow a symbolic link and does not block on a FIFO or a device.
+/// Throws FileFault, also if the file has more than `limit` bytes.
 std::string contentsOf(const std::filesystem::path& path, std::uint64_t limit);
 
-/// Seconds since 1970-01-01 UTC. Throws FileFault.
+/// The dates of a file, in seconds since 1970-01-01 UTC.
 struct FileDates {
   double modified = 0;
-  std::optional<double> born;  ///< absent where the file system does not know
+  std::optional<double> born;  ///< absent if the file system does not record it
 };
+/// Throws FileFault.
 FileDates datesOf(const std::filesystem::path& path);
 
-/// Writes a new file for its owner and, as the umask allows, others; what stood there is written
-/// over. The bytes are on the disk after the next `syncFolder`. Throws FileFault.
+/// Creates or overwrites a file, with mode 0666 less the umask. The bytes are on disk after the
+/// next `syncFolder`. Throws FileFault.
 void writeFile(const std::filesystem::path& path, std::string_view bytes);
 
-/// Waits until everything written to the file system of `folder` is on the disk.
+/// Waits until all writes to the file system of `folder` are on disk (syncfs(2)). Throws FileFault.
 void syncFolder(const std::filesystem::path& folder);
 
 }  // namespace tavi::vault

@@ -10,8 +10,9 @@ namespace tavi::vault {
 namespace {
 
 constexpr std::size_t npos = std::string_view::npos;
-constexpr std::size_t longest = std::size_t{4} << 20;  // bytes: what is longer is no front matter
+constexpr std::size_t longest = std::size_t{4} << 20;  // bytes; longer text is not front matter
 
+/// Owns an event of libyaml.
 class Event {
  public:
   Event() = default;
@@ -34,7 +35,8 @@ class Event {
   yaml_event_t event_{};
 };
 
-/// Goes through the parser's events; aliases are not followed, so that nothing grows.
+/// Reads fields from libyaml's events. YAML aliases are not expanded, so the result cannot become
+/// larger than the input.
 class FieldReader {
  public:
   explicit FieldReader(std::string_view yaml) {
@@ -47,7 +49,7 @@ class FieldReader {
   FieldReader(const FieldReader&) = delete;
   FieldReader& operator=(const FieldReader&) = delete;
 
-  /// False when the text is not YAML, or no mapping of names.
+  /// False if the text is not YAML, or not a mapping with scalar keys.
   bool read(std::vector<Field>& fields) {
     if (!expect(YAML_STREAM_START_EVENT)) return false;
     Event first;
@@ -111,7 +113,7 @@ class FieldReader {
     }
   }
 
-  /// To the end of the list or mapping that has just begun.
+  /// Skips to the end of the list or mapping that has just started.
   bool skip() {
     for (int depth = 1; depth > 0;) {
       Event event;
@@ -127,7 +129,8 @@ class FieldReader {
   yaml_parser_t parser_{};
 };
 
-/// The line that begins at `begin`, without its line break; `end` is behind that.
+/// The line that starts at `begin`, without its line break and trailing blanks. Sets `end` to the
+/// start of the next line.
 std::string_view lineAt(std::string_view text, std::size_t begin, std::size_t& end) {
   const std::size_t newline = text.find('\n', begin);
   end = newline == npos ? text.size() : newline + 1;
@@ -137,6 +140,7 @@ std::string_view lineAt(std::string_view text, std::size_t begin, std::size_t& e
   return line;
 }
 
+/// Writes YAML into a string.
 class Emitter {
  public:
   Emitter() {
@@ -157,7 +161,7 @@ class Emitter {
       throw std::runtime_error("YAML cannot be written");
   }
 
-  /// `style`: quoted where a reader could take the text for a number, a date or a tag mark.
+  /// `style`: double-quoted if a parser could take the text for a number, a date or a tag.
   void scalar(const std::string& text, yaml_scalar_style_t style) {
     emit(&yaml_scalar_event_initialize, nullptr, nullptr,
          reinterpret_cast<const yaml_char_t*>(text.data()), static_cast<int>(text.size()), 1, 1,
@@ -219,7 +223,7 @@ std::optional<FrontMatter> readFrontMatter(std::string_view text) {
   if (lineAt(text, 0, at) != "---" || at == text.size()) return std::nullopt;
   const std::size_t begin = at;
   std::size_t end = at;
-  if (lineAt(text, begin, end).empty()) return std::nullopt;  // a rule, and text below it
+  if (lineAt(text, begin, end).empty()) return std::nullopt;  // a thematic break and a blank line
   for (; at < text.size() && at < longest; at = end) {
     const std::string_view line = lineAt(text, at, end);
     if (line != "---" && line != "...") continue;

@@ -2,8 +2,8 @@
 
 namespace tavi::vault {
 
-/// While one lives, the first SIGINT or SIGTERM only asks for an end, so that what is under way is
-/// finished; the second ends the process.
+/// While an object exists, the first SIGINT or SIGTERM only sets a flag, so that the program can
+/// finish its current step; the second one ends the process.
 class Interruption {
  public:
   Interruption();
@@ -11,6 +11,7 @@ class Interruption {
   Interruption(const Interruption&) = delete;
   Interruption& operator=(const Interruption&) = delete;
 
+  /// Whether a signal has arrived.
   static bool isRequested();
 };
 

@@ -14,7 +14,7 @@ namespace {
 
 namespace text = platform::text;
 
-constexpr std::size_t longestName = 120;  // bytes: room for a number, an extension and a prefix
+constexpr std::size_t longestName = 120;  // bytes; leaves room for a number and an extension
 
 bool isControl(char32_t c) {
   const bool turnsDirection = (c >= 0x202A && c <= 0x202E) || (c >= 0x2066 && c <= 0x2069);
@@ -30,7 +30,8 @@ void forEachScalar(std::string_view from, Visit visit) {
   }
 }
 
-/// Reserved whatever the extension is, on a system that many share folders with.
+/// Whether it is the name of a DOS device (CON, COM1, ...), which is reserved with any extension on
+/// systems that users share folders with.
 bool isReserved(const std::string& name) {
   const std::string folded = text::foldedForSearch(name.substr(0, name.find('.')));
   constexpr std::array reserved{"con", "prn", "aux", "nul"};
@@ -83,7 +84,7 @@ std::string fileNameForTitle(std::string_view title) {
     }
   });
   const auto trim = [&] {
-    name.erase(0, name.find_first_not_of(". "));  // a dot in front hides a file
+    name.erase(0, name.find_first_not_of(". "));  // a leading dot would hide the file
     name.erase(name.find_last_not_of(". ") + 1);
   };
   trim();
@@ -94,7 +95,7 @@ std::string fileNameForTitle(std::string_view title) {
 }
 
 std::string uuidOf(std::string_view from) {
-  // A random UUID that stands for "a note made of a file".
+  // The namespace of these UUIDs, itself a random UUID.
   uuid_t space;
   uuid_parse("5f0d6f3e-8a0c-4f0b-9c55-2f6b7b1f8c11", space);
   uuid_t made;

@@ -3,23 +3,24 @@
 #include <string>
 #include <string_view>
 
-/// Names of files: as they are shown, compared and made.
+/// Displays, compares and creates names of files.
 namespace tavi::vault {
 
-/// The name on one line of a terminal: ill-formed UTF-8 and control characters are U+FFFD.
+/// The name for display on a terminal: ill-formed UTF-8 and control characters become U+FFFD.
 std::string shown(std::string_view name);
 
-/// Letters and digits alone, without case: what a title and the file named after it share.
+/// Only the letters and digits, case-folded: equal for a title and the file named after it.
 std::string comparable(std::string_view name);
 
-/// A name, without an extension, that every common file system takes and a person would give to a
-/// note of this title: "A/B: draft?" becomes "A-B- draft". At most 120 bytes; never empty, hidden
-/// or reserved.
+/// A readable file name, without an extension, for a note of this title, valid on all common file
+/// systems: "A/B: draft?" becomes "A-B- draft". At most 120 bytes; never empty, hidden or reserved.
 std::string fileNameForTitle(std::string_view title);
 
-/// A UUID that follows from the text alone (RFC 4122, version 5), in upper case.
+/// The name-based UUID of the text (RFC 4122, version 5), in upper case. The same text always has
+/// the same UUID.
 std::string uuidOf(std::string_view text);
 
+/// Whether the text is a UUID in its usual form (RFC 4122), in either case.
 bool isUUID(std::string_view text);
 
 }  // namespace tavi::vault

@@ -6,17 +6,17 @@
 
 namespace tavi::vault {
 
-/// A line on a terminal's standard error that says how far a run is, how fast, and how much longer
-/// it will take; nothing where standard error is no terminal. It goes with the object.
+/// A progress line on standard error, if that is a terminal: steps done, speed and remaining time.
+/// The destructor erases the line.
 class Progress {
  public:
-  /// `what`: "files".
+  /// `total`: the number of steps. `what`: what a step handles, "files".
   Progress(std::size_t total, std::string what);
   ~Progress();
   Progress(const Progress&) = delete;
   Progress& operator=(const Progress&) = delete;
 
-  /// One more is done.
+  /// Counts one step. Redraws the line at most every 100 ms.
   void step();
 
  private:

@@ -7,9 +7,9 @@
 #include "shelf.h"
 #include "support/fuzzing.h"
 
-// A line of tokens, apart by NUL as the system hands them over. What a token is cut into can be put
-// together to the token again; a line is a command or a CommandError, with a text for the user, and
-// the same each time.
+// Fuzzes the parser with lines of tokens, separated by NUL. The elements of a token must add up to
+// the token again; parsing a line must give a command or a CommandError with a message, and the
+// same result each time.
 
 namespace {
 
@@ -64,7 +64,7 @@ void checkSplit(const std::vector<std::string>& tokens) {
   }
 }
 
-/// The command's type, or the text of what was thrown.
+/// The command's type, or the message of the error.
 std::string outcome(const std::vector<std::string>& tokens) {
   const CommandType root = commandType<shelf::Shelf>();
   try {

@@ -7,7 +7,7 @@
 #include "ArgumentParser/completion_shell.h"
 #include "support/completing_shell.h"
 
-// Each test runs in each shell: in a terminal, with the shelf as the program.
+// Each test runs in each shell, in a terminal, with the shelf program.
 
 namespace ArgumentParser {
 namespace {
@@ -57,11 +57,11 @@ TEST_P(Completion, OffersWhatMayStandAtTheCursor) {
            {"shelf list --",
             {"--sort", "--limit", "--offset", "--shelf", "--count", "--format", "--fields",
              "--help"}},
-           // What is given is not offered again, under none of its names.
+           // An option that was given is not offered again, under any of its names,
            {"shelf list -s x --limit=5 --count --format csv --o", {"--offset"}},
            {"shelf list -s x --s", {"--shelf"}},
            {"shelf ls --count --fi", {"--fields"}},
-           // It is if it repeats.
+           // unless it may be repeated.
            {"shelf edit --find x --f", {"--find", "--force"}},
            {"shelf edit -f --force --force --f", {"--find"}},
            {"shelf list --sort ", {"title", "year of print"}},

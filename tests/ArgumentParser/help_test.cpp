@@ -36,7 +36,7 @@ std::string toolPage(std::function<void(Tool&, ArgumentSet&)> declaration,
   return helpMessage({commandType<Tool>()}, columns);
 }
 
-/// The usage line of a command with so many arguments.
+/// The usage line of a command with these arguments.
 std::string usageWith(int flags, bool withPositional, bool withRequired) {
   const std::string page = toolPage([&](Tool& tool, ArgumentSet& args) {
     if (withPositional) args.argument(tool.text, "place");
@@ -132,7 +132,7 @@ TEST(Help, TakesTheWidthFromEnvironmentOrTerminal) {
   EXPECT_EQ(width("40", "20"), 40);
   EXPECT_EQ(width("60", nullptr), 60);
   unsetenv("COLUMNS");
-  testing::internal::CaptureStdout();  // a file, which has no width
+  testing::internal::CaptureStdout();  // redirects to a file, which has no width
   for (const char* columns : {"", "wide", "0", "-40", "40x"}) EXPECT_EQ(width(columns, "20"), 80);
   EXPECT_EQ(width(nullptr, nullptr), 80);
   testing::internal::GetCapturedStdout();

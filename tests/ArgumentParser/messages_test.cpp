@@ -33,7 +33,7 @@ TEST(Messages, StandAboveTheUsageOfTheCommandReached) {
             "Error: Unknown option '-n'\n"
             "Usage: shelf tags list [<book-id>] [--count]\n"
             "  See 'shelf tags list --help' for more information.");
-  EXPECT_THAT(full({"ls", "x"}),  // an alias, which shows the name
+  EXPECT_THAT(full({"ls", "x"}),  // an alias; the message shows the name
               testing::StartsWith("Error: Unexpected argument 'x'\nUsage: shelf list [--sort"));
 }
 
@@ -81,7 +81,7 @@ TEST(Messages, SuggestTheNearestLongNameWithinThreeEdits) {
   EXPECT_EQ(suggestion("-limit"), "'--limit'?");
   EXPECT_EQ(suggestion("--xxxit"), "'--limit'?");  // 3 edits
   EXPECT_EQ(suggestion("--xxxxt"), "");            // 4 from "--limit", "--sort" and "--count"
-  EXPECT_EQ(suggestion("--lorit"), "'--sort'?");   // 2, as from "--limit", which comes later
+  EXPECT_EQ(suggestion("--lorit"), "'--sort'?");   // 2, like "--limit", which is declared later
   EXPECT_EQ(suggestion("-z"), "");
 }
 
@@ -94,7 +94,7 @@ class Scale {
   friend std::string describeValue(const Scale&) { return {}; }
 };
 
-/// Throws from its body what the test wants.
+/// A command whose `run` throws what the test chooses.
 struct Thrower : ParsableCommand {
   static CommandConfiguration configuration() { return {.commandName = "thrower"}; }
   void declare(ArgumentSet& args) override {
@@ -144,7 +144,7 @@ TEST(Messages, OfAnyErrorComeWithItsExitCode) {
             "Error: The value '5' is invalid for '--scale <scale>': Scales are out of stock.\n" +
                 usage,
             64},
-           // An empty line is answered with the whole page.
+           // For an empty line, the whole help page is shown.
            {{}, "Error: Missing expected argument '<kind>'\n\n" + page, 64},
        }) {
     const auto error = errorOf(kThrower, line);

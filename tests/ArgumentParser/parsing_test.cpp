@@ -45,7 +45,7 @@ std::string describe(const ParsableCommand& command) {
   return dynamic_cast<const shelf::Shelf*>(&command) ? "shelf" : "?";
 }
 
-/// What comes of a line: the command with its values, or the message.
+/// The result of parsing a line: the command with its values, or the message.
 std::string outcome(const Line& line) {
   try {
     return describe(*parseAsRoot(kShelf, line));
@@ -101,7 +101,7 @@ TEST(Parsing, LeavesWhatLooksLikeAnOptionToOptionsThatTakeAnything) {
       {{"edit", "--find", "--find", "--find", "x"}, "edit find=--find|x"},
       {{"edit", "--find", "-h"}, "edit find=-h"},
       {{"edit", "--find"}, "fails: Missing value for '--find <find>'"},
-      // The root has a flag of this name, and parses before the command.
+      // The root has a flag of this name and parses its arguments before the command.
       {{"edit", "--find", "-v", "--replace", "--version"}, "edit find=-v replace=--version"},
       {{"edit", "--find", "--version=2", "-f", "-v=1"}, "edit find=--version=2|-v=1"},
       {{"edit", "-vf", "--all", "--find", "-x?"}, "edit find=--all|-x?"},
@@ -141,7 +141,7 @@ TEST(Parsing, FindsTheCommandByItsPath) {
       {{"tag"}, "fails: Unexpected argument 'tag'"},
       {{"Tags"}, "fails: Unexpected argument 'Tags'"},
       {{"--", "tags"}, "fails: Unexpected argument 'tags'"},
-      // An option in front that nobody knows hides the name.
+      // After an unknown option, the command's name is not recognised.
       {{"--nonsense", "tags"}, "fails: Unknown option '--nonsense'"},
       {{"tags", "-c", "add"}, "tags list id=add count"},
   });
@@ -154,7 +154,7 @@ TEST(Parsing, ReadsLettersBehindOneDashAsOneNameOrMany) {
       {{"list", "-n5"}, "fails: Unknown option '-n5'"},
       {{"list", "-nv", "5"}, "fails: Unknown option '-nv'"},
       {{"list", "-xyz"}, "fails: Unknown option '-xyz'"},
-      // Refused whole where one letter is unknown, and no request for help for an "h" in it.
+      // A group with an unknown letter is refused as a whole, even if it contains an "h" for help.
       {{"list", "-vx"}, "fails: Unknown option '-vx'"},
       {{"list", "-vegan"}, "fails: Unknown option '-vegan'"},
       {{"list", "-vexn", "abc"}, "fails: Unknown option '-vexn'"},
@@ -209,7 +209,7 @@ TEST(Parsing, TellsTheFirstFault) {
       {{"list", "--count=1"},
        "fails: The option '--count' does not take any value, but '1' was specified."},
       {{"list", "x", "--bogus", "y", "-z"}, "fails: Unknown option '--bogus'"},
-      // A command's own check stands before what is left of the line, a missing value before it.
+      // Order of errors: a missing value, then the command's validation, then unused elements.
       {{"scan", "p", "--printer", "x", "--copies", "0", "--bogus"}, "fails: At least one copy."},
       {{"scan", "p", "--copies", "0"}, "fails: Missing expected argument '--printer <printer>'"},
       {{"scan", "--copies", "x"}, "fails: The value 'x' is invalid for '--copies <copies>'"},

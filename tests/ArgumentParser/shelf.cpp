@@ -10,7 +10,7 @@ using ArgumentParser::ValidationError;
 
 namespace {
 
-/// Titles that shells find hard to quote. A line with a word "nothing" makes it fail.
+/// Titles that are hard to quote in shells. Fails if a word of the line is "nothing".
 std::vector<std::string> titles(const CompletionRequest& request) {
   for (const std::string& word : request.words)
     if (word == "nothing") throw ValidationError("no titles");
@@ -18,7 +18,7 @@ std::vector<std::string> titles(const CompletionRequest& request) {
           "Über [1] *",    "un`paired $(date)", "back\\slash", "-dash"};
 }
 
-/// What the program was told, for a look at the protocol from the other side.
+/// Returns the request itself as candidates, so that tests can check it.
 std::vector<std::string> echo(const CompletionRequest& request) {
   std::string words = "words";
   for (const std::string& word : request.words) words += "|" + word;

@@ -1,4 +1,4 @@
-// The shelf as a program, for shells to complete.
+// The shelf as a program that shells can complete.
 
 #include "shelf.h"
 

@@ -21,7 +21,7 @@ TEST(TextWrapping, CutsAtBlanksAndKeepsBreaks) {
            {"", 10, 0, ""},
            {"one two", 10, 0, "one two"},
            {"one two three", 9, 0, "one two\nthree"},
-           // The blank itself must fit: "one two" is seven wide, and the eighth is looked at.
+           // The blank must fit into the width too: "one two" has seven columns, plus the blank.
            {"one two three", 8, 0, "one two\nthree"},
            {"one two three", 7, 0, "one\ntwo\nthree"},
            {"one  two", 5, 0, "one \ntwo"},

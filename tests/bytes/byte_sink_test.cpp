@@ -31,7 +31,7 @@ TEST(DescriptorSink, TellsAReaderThatLeftFromAFault) {
   DescriptorSink toNobody(ends[1]);
   toNobody.put('x');
   EXPECT_THROW(toNobody.flush(), OutputClosed);
-  EXPECT_NO_THROW(toNobody.flush());  // nothing is left to fail again
+  EXPECT_NO_THROW(toNobody.flush());  // the failed bytes were dropped
   ::close(ends[1]);
 
   const int full = ::open("/dev/full", O_WRONLY);

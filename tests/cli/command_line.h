@@ -14,6 +14,7 @@ namespace tavi::testing {
 /// A test that runs command lines within its own process.
 class CommandLine : public StoreTest {
  protected:
+  /// The result of one run.
   struct Result {
     int exitCode;
     std::string output, errors;

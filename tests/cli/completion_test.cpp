@@ -9,7 +9,8 @@
 #include "support/program.h"
 #include "support/throwaway_home.h"
 
-// The built program's lines, completed in real shells and by questions asked as scripts ask them.
+// Completes command lines of the built program in real shells and with the requests of their
+// scripts.
 
 namespace tavi {
 namespace {
@@ -22,7 +23,7 @@ using ::testing::HasSubstr;
 using Line = std::vector<std::string>;
 using Texts = CompletingShell::Texts;
 
-/// A home of notes whose titles and tags shells find hard to quote.
+/// A home with notes whose titles and tags are hard to quote in shells.
 class Notes : public ::testing::Test {
  protected:
   void writeNotes() {
@@ -47,7 +48,7 @@ class Notes : public ::testing::Test {
     return result.output;
   }
 
-  /// Everything below the home, with sizes.
+  /// All files below the home with their sizes.
   std::map<std::string, std::uintmax_t> files() const {
     std::map<std::string, std::uintmax_t> result;
     for (const auto& entry : fs::recursive_directory_iterator(home.path()))
@@ -154,7 +155,7 @@ TEST_P(CompletionInShells, OffersNothingAndMakesNothingWithoutNotes) {
 INSTANTIATE_TEST_SUITE_P(Shells, CompletionInShells, ::testing::Values("bash", "zsh", "fish"),
                          [](const auto& shell) { return std::string(shell.param); });
 
-/// What the program answers to a script. `words`: of the line, behind the program's name.
+/// Requests as completion scripts send them. `words`: those of the line after the program's name.
 class CompletionAnswer : public Notes {
  protected:
   static std::string answer(const Line& path, const std::string& argument, const Line& words) {
@@ -173,7 +174,7 @@ class CompletionAnswer : public Notes {
 TEST_F(CompletionAnswer, HasOneCandidateALine) {
   EXPECT_EQ(titlesAnswered(), "");
   create({"--", "-dash"}, "");
-  EXPECT_EQ(titlesAnswered(), "");  // the parser would not take it there
+  EXPECT_EQ(titlesAnswered(), "");  // the parser would not accept it there
   EXPECT_EQ(answer({"cat"}, "--title", {"cat", "--title=-d"}), "-dash\n");
   create({"Mars"}, "");
   EXPECT_EQ(titlesAnswered(), "Mars\n");
@@ -206,7 +207,7 @@ TEST_F(CompletionAnswer, KnowsTheNoteOfTheLineInEveryForm) {
     line.insert(line.end(), words.begin(), words.end());
     EXPECT_EQ(answer({"attachments", "save"}, "--filename", line), names);
   }
-  // `tags` alone is `tags list`.
+  // `tags` without a subcommand is `tags list`.
   EXPECT_THAT(answer({"tags", "list"}, "positional@0", {"tags", marsID.substr(0, 4)}),
               HasSubstr(marsID + "\n"));
 }
@@ -244,7 +245,7 @@ TEST_F(CompletionAnswer, ReadsAndLeavesEverythingAsItIs) {
   writer.run("ROLLBACK");
 
   writer.run("PRAGMA wal_checkpoint(TRUNCATE)");
-  writer.run("PRAGMA journal_mode = DELETE");  // no log, and no index of it
+  writer.run("PRAGMA journal_mode = DELETE");  // neither a log nor a log index
   writer.run("PRAGMA journal_mode = WAL");
   const auto quiet = files();
   EXPECT_EQ(titlesAnswered(), "Mars\n");

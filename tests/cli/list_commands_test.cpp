@@ -5,7 +5,7 @@ namespace {
 
 using testing::CommandLine;
 
-/// The commands about tags, pins and attachments.
+/// The commands for tags, pins and attachments.
 class ListCommands : public CommandLine {
  protected:
   ListCommands() { add("# Mars\nred\n#a #multi word#"); }

@@ -11,12 +11,12 @@
 namespace tavi {
 namespace {
 
-/// The built program, run by a shell as `$tavicli` in a home of its own.
+/// Runs the built program from a shell, as `$tavicli`, in a temporary home.
 class Program : public ::testing::Test {
  protected:
   Program() { ::setenv("tavicli", TAVI_PROGRAM, 1); }
 
-  /// What a script prints, errors included, and how it ends.
+  /// The output of a script, including errors, and its exit code.
   static std::string shell(const std::string& script) {
     std::FILE* pipe = ::popen(("exec 2>&1; " + script).c_str(), "r");
     std::string output;
@@ -89,7 +89,7 @@ TEST_F(Program, TakesAllOfItsInputOrNothing) {
         << input;
     EXPECT_EQ(shell("$tavicli cat -t Mars"), nothing) << input;
   }
-  // What cannot be read to its end is no text.
+  // Input that cannot be read to its end is refused.
   EXPECT_EQ(shell("$tavicli overwrite -t Mars < /"),
             "Error: Could not read the standard input: Is a directory\nexit 1\n");
   EXPECT_EQ(shell("$tavicli cat -t Mars"), nothing);

@@ -1,7 +1,7 @@
 #include "command_line.h"
 
-// What the program prints of a line that the parser refuses, one of each kind. Which lines those
-// are is tested with the parser.
+// The output for a line that the parser refuses, one of each kind. The parser's tests cover which
+// lines it refuses.
 
 namespace tavi {
 namespace {
@@ -11,14 +11,14 @@ using Line = std::vector<std::string>;
 
 struct Refused {
   Line line;
-  Line path;  ///< of the command whose usage is shown
+  Line path;  ///< the command whose usage is shown
   std::string message;
   std::string help = {};
 };
 
 class RefusedLines : public CommandLine {
  protected:
-  /// As the command's own help page has it.
+  /// The usage line of the command's help page.
   std::string usage(Line path) {
     path.insert(path.begin(), "help");
     const std::string page = run(path).output;
@@ -39,7 +39,7 @@ class RefusedLines : public CommandLine {
     }
   }
 
-  /// The same in JSON, which the word --format=json asks for whether or not the command has it.
+  /// The same in JSON: --format=json has that effect even if the command has no such option.
   void checkInJSON(const std::vector<Refused>& refusals) {
     for (const Refused& refused : refusals) {
       Line line = refused.line;

@@ -19,7 +19,7 @@ namespace json = boost::json;
 const std::string kList = R"({"jsonrpc":"2.0","id":1,"method":"tools/list"})"
                           "\n";
 
-/// The object with "command" in it, wherever a client's configuration has it.
+/// The object with the key "command" in a client's configuration, at any depth.
 const json::object* serverIn(const json::value& configuration) {
   const json::object* object = configuration.if_object();
   if (object == nullptr || object->contains("command")) return object;

@@ -8,7 +8,7 @@ namespace docs {
 
 /// A fenced block of a page.
 struct Block {
-  std::string kind;  ///< what stands behind the fence: "sh", "output"
+  std::string kind;  ///< the info string of the fence: "sh", "output"
   std::string text;
   int line = 0;  ///< of its fence
 };

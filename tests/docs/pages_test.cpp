@@ -42,7 +42,7 @@ TEST_F(Pages, RecipesDoWhatTheirPageShows) {
     const support::ThrowawayHome home;
     ASSERT_EQ(bash(blocks[0].text).exitCode, 0);
     std::string script = blocks[i].text;
-    // Of a line of cron the command, which begins behind five fields.
+    // The command of a cron line follows five fields.
     if (blocks[i].kind == "cron") script.erase(0, script.find("tavi"));
     ProgramResult result = bash(script);
     if (!result.output.empty() && result.output.back() != '\n') result.output += '\n';

@@ -7,7 +7,7 @@
 namespace tavi {
 namespace {
 
-/// The criteria in full, or the message of the refusal.
+/// The criteria in full, or the error's message.
 std::string parsed(std::string_view text) {
   try {
     std::string result;

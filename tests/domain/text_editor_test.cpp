@@ -16,7 +16,7 @@ EditOperation replacement(std::string find, std::string text) {
   return {.find = std::move(find), .action = {Kind::replace, std::move(text)}};
 }
 
-/// The new text, or the message of the refusal.
+/// The new text, or the error's message.
 std::string edited(const EditOperation& edit, std::string_view text) {
   try {
     return TextEditor::applyEdit(edit, text, "42");
@@ -103,7 +103,7 @@ TEST(TextEditor, FindsWholeWords) {
       ambiguous(2));
 }
 
-// A separator outside ASCII sends the same text to the regular expression.
+// With a non-ASCII separator, the same text is searched with the regular expression.
 TEST(TextEditor, FindsTheSameWordsInPlainTextsAsTheRegularExpression) {
   constexpr std::string_view kAlphabet = "aaAb_1 .#\n\r";
   std::mt19937 random(8);

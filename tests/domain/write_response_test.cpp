@@ -24,7 +24,7 @@ NoteMetadata metadata() {
           .attachments = {"x.png"}};
 }
 
-/// The names of the fields that are there, in their order.
+/// The names of the fields that are present, in order.
 std::string fields(const WriteResponse& r) {
   std::string names;
   const auto note = [&names](const char* name, bool isThere) {

@@ -31,7 +31,7 @@ class Exporting : public StoreTest {
     std::ofstream(folder / name, std::ios::binary) << bytes;
   }
 
-  /// The files that a person sees.
+  /// All files except those in hidden folders.
   std::set<std::string> files() {
     std::set<std::string> names;
     for (const auto& entry : fs::recursive_directory_iterator(folder)) {

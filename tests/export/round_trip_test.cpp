@@ -16,7 +16,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// Notes of all kinds that a store may hold, made from a seed.
+/// Generates notes of all kinds from a seed.
 class RandomNotes {
  public:
   explicit RandomNotes(unsigned seed) : random_(seed) {}
@@ -60,7 +60,7 @@ class RandomNotes {
   std::mt19937 random_;
 };
 
-/// Everything of a note that counts, and the bytes of its files.
+/// All properties of a note that are compared, and the bytes of its files.
 struct Kept {
   std::string title, text;
   double created, modified;

@@ -21,7 +21,7 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
-/// A folder of the user's own beside a store of the test's own.
+/// A folder to import, and a store.
 class Importing : public StoreTest {
  protected:
   using Files = std::map<std::string, std::string>;

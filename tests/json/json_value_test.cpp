@@ -7,7 +7,7 @@ namespace {
 
 TEST(JSONValue, KeepsEachKindApart) {
   using Kind = JSONValue::Kind;
-  EXPECT_EQ(JSONValue("text").kind(), Kind::string);  // and is no boolean, as a pointer would be
+  EXPECT_EQ(JSONValue("text").kind(), Kind::string);  // not a boolean made from the pointer
   EXPECT_EQ(JSONValue(7).integer(), 7);
   EXPECT_EQ(JSONValue(7.0).kind(), Kind::number);
   EXPECT_EQ(JSONValue(false).kind(), Kind::boolean);

@@ -49,8 +49,8 @@ TEST(JSONWriter, EscapesWhatMustBeEscapedAndNothingElse) {
   EXPECT_EQ(escapeJSON("say \"hi\"/\x01"), R"(say \"hi\"/\u0001)");
 }
 
-// An escape at every distance from the start and from the end of the eight bytes that are looked
-// at together, and texts longer than the sink's buffer.
+// Escapes at every position in the eight bytes that are scanned at once, and texts longer than the
+// sink's buffer.
 TEST(JSONWriter, IsReadBackAsItWas) {
   std::mt19937 random(7);
   const std::string alphabet = "aaaaaaaaaaaaaaaaaa/\\\"\n\x01\x1f ~\x7f";

@@ -11,13 +11,13 @@
 #include "domain/store_errors.h"
 #include "support/throwaway_home.h"
 
-// docs/scripting.md is the golden file of the contract with scripts: its examples are run, and its
-// tables are held against the program.
+// docs/scripting.md is the golden file of the contract with scripts: this test runs its examples
+// and compares its tables with the program.
 
 namespace tavi::manual {
 namespace {
 
-/// What a command prints, errors included, with <id>, <time> and <hash> for what is never the same.
+/// The output of a command, including errors, with <id>, <time> and <hash> for values that vary.
 std::string answer(const std::string& command) {
   std::FILE* pipe = ::popen(("exec 2>&1; " + command).c_str(), "r");
   std::string text;
@@ -38,7 +38,7 @@ class ScriptingPage : public ::testing::Test {
   }
   ~ScriptingPage() override { ::setenv("PATH", path.c_str(), 1); }
 
-  /// The first cells of the rows of the table under a heading: what stands there in backquotes.
+  /// The first cells, in backquotes, of the rows of the tables under a heading.
   std::set<std::string> rows(const std::string& heading) const {
     std::set<std::string> result;
     const std::size_t begin = page.find("\n## " + heading + "\n") + 4;

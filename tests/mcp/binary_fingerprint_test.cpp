@@ -25,7 +25,7 @@ class BinaryFingerprintTest : public ::testing::Test {
     std::ofstream(folder / name, std::ios::binary) << bytes;
     return folder / name;
   }
-  /// The error's text, with the folder's path as "~".
+  /// The error's message, with "~" for the folder's path.
   std::string refusal(const std::string& path) {
     try {
       BinaryFingerprint::ofFile(path);

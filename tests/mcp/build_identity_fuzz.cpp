@@ -3,22 +3,22 @@
 #include "image_builder.h"
 #include "support/fuzzing.h"
 
-// The readers of executable files: an identity is bytes of the file (a short one filled up with
-// zeros), the same each time, and found in a number of reads that the file's size bounds.
+// Fuzzes the readers of executable files: an identity consists of bytes of the file (padded with
+// zeros), is the same each time, and takes a number of reads that the file's size bounds.
 
 namespace {
 
 using namespace tavi::mcp;
 using support::require;
 
-/// Real files have a handful of notes; the reader stops at 4096, each of which it reads thrice.
+/// The reader stops after 4096 notes and makes three reads for each.
 constexpr std::size_t kMostReads = 3 * 4096 + 64;
 
 template <class Reader>
 void check(std::string_view bytes, Reader read) {
   testing::MemoryImage image(bytes);
   const std::optional<BuildUUID> found = read(image);
-  // No header is shorter than a load command of 8 bytes, and no segment table longer than 65535.
+  // The shortest header is a load command of 8 bytes; a segment table has at most 65535 entries.
   require(static_cast<std::size_t>(image.reads) <= bytes.size() / 8 + 65'536 + kMostReads);
   testing::MemoryImage same(bytes);
   require(read(same) == found);

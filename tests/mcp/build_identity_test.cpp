@@ -26,7 +26,7 @@ std::optional<std::string> elf(std::string_view bytes) {
   return text(elfBuildID(image));
 }
 
-/// A fat file with a slice for each processor; slices of the same bytes but for their UUID.
+/// A fat file with a slice for each processor. The slices differ in their UUIDs only.
 std::string fatMachO(bool wide) {
   const std::size_t entry = wide ? 32 : 20, first = 8 + 2 * entry;
   const std::string arm = thinMachO(1, uuidCommand("ARM64-ARM64-ARM6"));
@@ -102,8 +102,8 @@ TEST(ELF, FitsTheBuildIDToSixteenBytes) {
   EXPECT_EQ(elf(elfFile("")), std::nullopt);
 }
 
-/// Turns the note of `elfFile` into three: a stranger's of the same type, an odd-sized one of
-/// another type, and the build id.
+/// Replaces the note of `elfFile` with three: one with another name but the same type, one of
+/// another type with an odd size, and the build id.
 std::string withOtherNotesBefore(std::uint64_t alignment) {
   Bytes notes(endian::little);
   const auto align = [&] { notes.zerosTo((notes.size() + alignment - 1) & ~(alignment - 1)); };

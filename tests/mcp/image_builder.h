@@ -36,6 +36,7 @@ class Bytes {
   std::string text_;
 };
 
+/// The bytes of an executable file in memory.
 class MemoryImage final : public ImageBytes {
  public:
   explicit MemoryImage(std::string_view bytes) : bytes_(bytes) {}

@@ -15,8 +15,9 @@
 #include "platform/text/utf8.h"
 #include "support/fuzzing.h"
 
-// What a client sends: bytes are cut into lines as a plain cut would do it, each line is JSON or a
-// JSONParseError, and a value that is written, in either style, is read back as it was.
+// Fuzzes the input of the server: LineReader splits bytes into the same lines as a simple split,
+// each line is JSON or a JSONParseError, and a value written in either style is read back
+// unchanged.
 
 namespace {
 
@@ -35,7 +36,7 @@ std::vector<std::string> plainlyCut(std::string_view bytes) {
   return lines;
 }
 
-/// A file in memory that holds the bytes, to be read from its start.
+/// A file in memory with the bytes, positioned at its start.
 class File {
  public:
   explicit File(std::string_view bytes) : descriptor_(::memfd_create("input", MFD_CLOEXEC)) {
@@ -59,7 +60,7 @@ JSONValue converted(const boost::json::value& value) {
       return value.get_bool();
     case boost::json::kind::int64:
       return value.get_int64();
-    case boost::json::kind::uint64:  // beyond what an integer of ours holds
+    case boost::json::kind::uint64:  // above the range of JSONValue's integers
       return static_cast<double>(value.get_uint64());
     case boost::json::kind::double_:
       return value.get_double();
@@ -96,7 +97,7 @@ bool areNear(double a, double b) {
          std::max(std::abs(a), std::abs(b)) < 1e-300;
 }
 
-/// A whole number is the same one with and without a point; members come in any order.
+/// Numbers are the same with and without a decimal point; members may be in any order.
 bool areSame(const JSONValue& a, const JSONValue& b) {
   if (isNumber(a) && isNumber(b)) {
     const bool areIntegers = a.kind() == b.kind() && a.kind() == JSONValue::Kind::integer;
@@ -115,7 +116,7 @@ bool areSame(const JSONValue& a, const JSONValue& b) {
          });
 }
 
-/// 1e400 is read as infinity, which has no written form; the server refuses it.
+/// 1e400 is read as infinity, which JSON cannot represent; the server refuses it.
 bool isFinite(const JSONValue& value) {
   if (value.kind() == JSONValue::Kind::array)
     return std::all_of(value.array().begin(), value.array().end(), isFinite);

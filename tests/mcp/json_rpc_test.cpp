@@ -8,7 +8,7 @@
 namespace tavi::mcp {
 namespace {
 
-/// What became of a line, in words: "nothing", the error, or the request's parts.
+/// The result of parsing a line: "nothing", the error, or the parts of the request.
 std::string reading(std::string_view line) {
   try {
     const auto request = parseRequest(line);

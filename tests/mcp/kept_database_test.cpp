@@ -1,5 +1,5 @@
-// The server keeps its connection from one call to the next, and nobody can tell: whatever happens
-// to the files in between, it answers what a server that has just been started answers.
+// The server keeps its connection between calls, which must not be observable: whatever happens to
+// the files in between, it answers like a server that was just started.
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <unistd.h>
@@ -41,7 +41,7 @@ class KeptDatabase : public ::testing::Test {
   fs::path database() const { return home.database(); }
   fs::path log() const { return database().string() + "-wal"; }
 
-  /// Whether the server has a file of that name open.
+  /// Whether the server has the file at this path open.
   static bool holds(const ServerProcess& server, const fs::path& path) {
     const fs::path descriptors = "/proc/" + std::to_string(server.id()) + "/fd";
     for (const auto& entry : fs::directory_iterator(descriptors)) {
@@ -51,7 +51,7 @@ class KeptDatabase : public ::testing::Test {
     return false;
   }
 
-  /// Until the server has let go of the database.
+  /// Waits until the server has closed the database.
   static void awaitRest(const ServerProcess& server, const fs::path& path) {
     for (int i = 0; i < 2000 && holds(server, path); ++i) {
       std::this_thread::sleep_for(std::chrono::milliseconds(5));
@@ -69,7 +69,7 @@ TEST_F(KeptDatabase, IsOpenBetweenTwoCallsAndAtRestWhenNoneComes) {
   awaitRest(*server, database());
   EXPECT_EQ(fs::file_size(log()), 0U) << "the log is written back";
   bool kept = false;
-  for (int i = 0; i < 50 && !kept; ++i) {  // where the machine is busy the moment may be missed
+  for (int i = 0; i < 50 && !kept; ++i) {  // on a busy machine the moment may be missed
     server->ask(list);
     server->ask(list);
     kept = holds(*server, database());
@@ -149,7 +149,7 @@ const Event events[] = {
                           const fs::path&) { fs::remove_all(database.parent_path() / "files"); }},
 };
 
-// Each event comes right behind a call that wrote, and once more when the server is at rest.
+// Each event happens once right after a call that wrote, and once while the server is idle.
 TEST_F(KeptDatabase, IsWhatANewServerFindsWhateverHappenedInBetween) {
   for (const Event& event : events) {
     for (const bool atRest : {false, true}) {
@@ -176,7 +176,7 @@ TEST_F(KeptDatabase, IsWhatANewServerFindsWhateverHappenedInBetween) {
       if (std::string(event.name) == "nothing") {
         EXPECT_NE(answer.find("# two"), std::string::npos);
       }
-      // A write, and what both find then.
+      // A write, after which both servers must find the same.
       const std::string written = server->ask(save);
       EXPECT_EQ(written.find("isError") != std::string::npos,
                 launch()->ask(save).find("isError") != std::string::npos)

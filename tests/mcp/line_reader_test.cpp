@@ -13,7 +13,7 @@
 #include "pipe.h"
 
 namespace {
-std::atomic<std::size_t> arrayBytes = 0;  // allocated as arrays since the program began
+std::atomic<std::size_t> arrayBytes = 0;  // allocated with new[] since the start of the program
 std::atomic<std::size_t> largestArray = SIZE_MAX;
 }  // namespace
 

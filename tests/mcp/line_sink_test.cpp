@@ -26,7 +26,7 @@ TEST(LineSink, HoldsALineBackUntilItIsFinished) {
 }
 
 TEST(LineSink, WritesALineThatFitsInOnePiece) {
-  int ends[2];  // a socket that keeps what was written together apart from the rest
+  int ends[2];  // a socket that preserves the boundaries of writes
   ASSERT_EQ(::socketpair(AF_UNIX, SOCK_SEQPACKET, 0, ends), 0);
   const int room = 1 << 20;
   ::setsockopt(ends[0], SOL_SOCKET, SO_SNDBUF, &room, sizeof room);
@@ -70,7 +70,7 @@ TEST_P(LongLines, GoOutWholeOrNotAtAll) {
     EXPECT_TRUE(written(line) == line + "\n" + line + "\n") << line.size();
 }
 
-// Without a folder for the file, memory has to do.
+// If the temporary folder does not exist, the line is held in memory.
 INSTANTIATE_TEST_SUITE_P(LineSink, LongLines, ::testing::Values("/tmp", "/nonexistent"));
 
 TEST(LineSink, TellsThatTheOutputIsLost) {

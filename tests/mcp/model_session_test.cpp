@@ -1,4 +1,4 @@
-// A model's session of forty calls with typical mistakes, on the program as it is built.
+// A model's session of forty calls with typical mistakes, with the built program.
 #include <gtest/gtest.h>
 #include <unistd.h>
 #include <boost/json.hpp>
@@ -20,7 +20,7 @@ void replaceAll(std::string& text, const std::string& what, const std::string& b
     text.replace(at, what.size(), by);
 }
 
-/// Keeps the value of the last `"key":"value"` in an answer.
+/// Stores the value of the last `"key":"value"` in an answer, if there is one.
 void keepLast(std::string& value, const std::string& answer, const std::string& key) {
   const std::string before = "\"" + key + "\":\"";
   const std::size_t at = answer.rfind(before);

@@ -8,8 +8,7 @@
 
 namespace tavi::mcp::testing {
 
-/// `program mcp-server` as a client runs it: over pipes, with nothing but HOME and PATH in the
-/// environment.
+/// Runs `program mcp-server` like a client: over pipes, with only HOME and PATH in the environment.
 class ServerProcess {
  public:
   ServerProcess(const std::string& program, const std::string& home, const std::string& path);

@@ -60,7 +60,7 @@ MCPTool longTool(int rows, std::size_t rowSize, std::function<void(int)> visit) 
   });
 }
 
-/// A server of a few tools of the tests' own, and what happens around it, in order.
+/// A server with a few test tools; records the calls to its environment in order.
 class Server : public ::testing::Test {
  protected:
   /// The lines written for one line of input.
@@ -198,7 +198,7 @@ TEST_F(Server, WarnsOnceWhenStaleAndMarksEveryResultFromThenOn) {
   onDisk.size = 2;
   onDisk.uuid = {2};
   now += 2s;
-  // Found out by a call that fails for another reason.
+  // A call that fails for another reason also detects the new build.
   EXPECT_EQ(answerTo(R"({"id":1,"method":"tools/call"})"),
             R"({"jsonrpc":"2.0","method":"notifications\/message","params":{"data":")" + warning +
                 R"(","level":"warning","logger":"tavicli"}})"
@@ -212,7 +212,7 @@ TEST_F(Server, WarnsOnceWhenStaleAndMarksEveryResultFromThenOn) {
   }
 }
 
-/// What a client receives while one call is answered: too much for the pipe.
+/// Answers that are longer than the pipe's buffer.
 class LongAnswers : public Server {
  protected:
   std::string received(const MCPTool& long_) {
@@ -263,7 +263,7 @@ TEST_F(LongAnswers, ThatFailAnywhereAreToolFailures) {
   EXPECT_EQ(received(failAt(29)), failure);
 }
 
-// The whole way through, with the tools that clients see.
+// runServer with the real tools
 
 class RunServer : public Server {
  protected:
@@ -305,7 +305,7 @@ TEST_F(RunServer, StopsQuietlyWhenNobodyReads) {
   ::signal(SIGPIPE, SIG_IGN);
   output.closeReader();
   Pipe input;
-  input.write("{\"id\":1,\"method\":\"ping\"}\n");  // and stays open
+  input.write("{\"id\":1,\"method\":\"ping\"}\n");  // the input stays open
   environment.input = input.reader();
   runServer(environment);
 }

@@ -1,5 +1,5 @@
-// A working day of a client, with the program as it is built: the wires from the pipe to the
-// database and back are connected. TAVICLI_PROGRAM is its path.
+// A long session of a client with the built program (TAVICLI_PROGRAM), from the pipe to the
+// database and back.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <unistd.h>
@@ -28,7 +28,7 @@ class WorkingDay : public ::testing::Test {
     fs::permissions(home / "bin/xdg-open", fs::perms::owner_all);
   }
   ~WorkingDay() override {
-    server.reset();  // it may still write
+    server.reset();  // first, since the server may still write
     fs::remove_all(home);
   }
 
@@ -49,7 +49,7 @@ class WorkingDay : public ::testing::Test {
     EXPECT_TRUE(answer.at("id") == lastID);
     return answer.at("result");
   }
-  /// What a tool answers, which stands in its result twice.
+  /// The answer of a tool, after checking that both copies in its result are equal.
   std::string call(const std::string& tool, const std::string& arguments = R"({"id":"$"})") {
     const json::value all = result(tool, arguments);
     const std::string text(all.at("content").at(0).at("text").as_string());
@@ -63,7 +63,7 @@ class WorkingDay : public ::testing::Test {
     EXPECT_TRUE(all.as_object().contains("isError")) << tool << ": " << all;
     return std::string(all.at("content").at(0).at("text").as_string());
   }
-  /// A member of an answer that is a text, found by its JSON pointer.
+  /// A string in an answer, by its JSON pointer (RFC 6901).
   static std::string member(const std::string& answer, std::string_view pointer) {
     return std::string(json::parse(answer).at_pointer(pointer).as_string());
   }
@@ -90,7 +90,7 @@ TEST_F(WorkingDay, BeginsWithAHandshakeHoweverTheClientGoesAboutIt) {
   EXPECT_TRUE(hello.at("result").at("protocolVersion") == "2025-06-18");
   server->send(R"({"jsonrpc":"2.0","method":"notifications/initialized"})");
   server->send(R"({"jsonrpc":"2.0","method":"notifications/cancelled","params":{"requestId":7}})");
-  server->send(R"({"jsonrpc":"2.0","id":9,"result":{"roots":[]}})");  // an answer nobody asked for
+  server->send(R"({"jsonrpc":"2.0","id":9,"result":{"roots":[]}})");  // an unsolicited response
   EXPECT_THAT(server->receive(), HasSubstr("-32600"));
   EXPECT_THAT(server->ask("{\"id\":1,"), HasSubstr("-32700"));
   const auto list = json::parse(server->ask(R"({"jsonrpc":"2.0","id":2,"method":"tools/list"})"));

@@ -22,7 +22,7 @@ bool signalled(TaviCLIBridge& bridge, int milliseconds) {
 
 TEST(RefreshBridge, CarriesTheSignalFromOneProcessToAnother) {
   const support::ThrowawayHome home;
-  TaviCLIBridge::requestAppRefresh();  // nobody there, and no folder: nothing happens
+  TaviCLIBridge::requestAppRefresh();  // does nothing without a listener and a folder
   std::filesystem::create_directories(home.data());
   int received = 0;
   TaviCLIBridge bridge([&] { ++received; });

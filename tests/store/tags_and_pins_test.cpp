@@ -70,8 +70,8 @@ TEST_F(TagsAndPins, ChangesOnlyTheRecordOfALockedNote) {
   EXPECT_EQ(value("SELECT group_concat(DISTINCT modificationDate) FROM note"), "1000.0");
 }
 
-// Another program may write rows or texts alone, and a text stays as it is where a tag is renamed
-// while its note is locked.
+// Rows and text can differ: another program may write only one of the two, and renaming a tag does
+// not change the text of a locked note.
 TEST_F(TagsAndPins, BringRowsAndTextIntoStep) {
   const auto note = [&](const std::string& text, const Texts& rows) {
     const std::string id = create("");

@@ -24,7 +24,7 @@ class Writing : public StoreTest {
   static EditOperation replaceEdit(const std::string& find, const std::string& by) {
     return {find, {EditAction::Kind::replace, by}, false, false, false};
   }
-  /// A note with two attachments that its text links.
+  /// Creates a note whose text links to its two attachments.
   std::string noteWithFiles() {
     const std::string id = create("# Files\n![](a.png)\n[b.zip](b.zip)");
     otherProgram("INSERT INTO file (note, filename) VALUES (1, 'a.png'), (1, 'b.zip')");
@@ -99,7 +99,7 @@ TEST_F(Writing, MakesOneNoteOfATitleThatManyAskForAtOnce) {
   }
 }
 
-// Another program has changed the text and nothing else, or has stored it as a BLOB.
+// Another program changed only the text, or stored it as a BLOB.
 TEST_F(Writing, DerivesAfreshFromTheSameText) {
   const std::string id = noteWithFiles();
   const std::string text = "# New\n[b.zip](b.zip) ![](a.png) #tag";
@@ -215,8 +215,7 @@ TEST_F(Writing, RefusesLockedNotes) {
   EXPECT_EQ(value("SELECT text FROM note"), "# T\ntext");
 }
 
-// The stranger's write lies in the middle of ours: the text editor has read the note, and the save
-// is still to come. A gate that is passed in lets the test step in there.
+// The other program writes between our read of the note and our save.
 TEST_F(Writing, FindsAChangeBetweenItsReadAndItsSave) {
   const std::string id = create("counter 1");
   const auto ours = fresh();
@@ -227,8 +226,8 @@ TEST_F(Writing, FindsAChangeBetweenItsReadAndItsSave) {
   EXPECT_EQ(text(id), "counter 2");
 }
 
-// Large texts are read and compared piece by piece. The stranger has no triggers, so that the text
-// alone tells.
+// Large texts are read and compared in parts. The other program drops the triggers first, so that
+// only the text shows its change.
 TEST_F(Writing, FindsAChangeInALargeText) {
   const std::string large = "# Large\n" + std::string(500'000, 'x') + "\nend";
   const std::string id = create(large);

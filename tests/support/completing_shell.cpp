@@ -16,8 +16,8 @@ std::string read(const fs::path& file) {
   return {std::istreambuf_iterator<char>(stream), {}};
 }
 
-// What each shell runs at its start: PROGRAM prints its arguments, and `offer` (in zsh, Control-T)
-// writes what is offered for the text in the file "line" into the file "offered".
+// The start-up scripts of the shells: PROGRAM prints its arguments, and `offer` (in zsh, Control-T)
+// writes the candidates for the text in the file "line" into the file "offered".
 
 constexpr const char* forBash = R"sh(
 PROGRAM() {
@@ -106,7 +106,8 @@ std::vector<std::string> withoutConfiguration(const std::string& shell) {
   return {shell, "--norc", "--noprofile", "-i"};
 }
 
-/// An offer as a text of its own: without description, the option's name, and what is put behind.
+/// A candidate alone: without its description, the option's name and the suffix that the shell
+/// adds.
 std::string bare(std::string offer) {
   offer.erase(std::min(offer.find('\t'), offer.size()));
   if (offer.starts_with("--") && offer.find('=') != offer.npos)

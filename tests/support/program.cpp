@@ -33,7 +33,7 @@ struct Pipe {
   std::array<int, 2> ends{-1, -1};
 };
 
-/// Reads what there is; closes the pipe at its end.
+/// Reads the available bytes; closes the pipe at the end of input.
 void drain(Pipe& from, std::string& into) {
   std::array<char, 65536> buffer;
   const ssize_t count = read(from.ends[0], buffer.data(), buffer.size());
@@ -118,7 +118,7 @@ int runAndKill(const std::vector<std::string>& arguments, const std::filesystem:
 }
 
 bool passesInItsOwnProcess(const std::function<void()>& body) {
-  std::fflush(nullptr);  // or the child prints it again
+  std::fflush(nullptr);  // otherwise the child would print the buffers again
   const pid_t child = fork();
   if (child == 0) {
     int code = 1;
@@ -139,7 +139,7 @@ bool passesInItsOwnProcess(const std::function<void()>& body) {
 bool passesAsOrdinaryUser(const std::filesystem::path& home, const std::function<void()>& body,
                           uid_t user) {
   if (geteuid() != 0) return passesInItsOwnProcess(body);
-  // The build folder may be closed to others.
+  // Other users may not have access to the build folder.
   const std::filesystem::path program = home / "tavicli";
   std::filesystem::copy_file(programPath(), program,
                              std::filesystem::copy_options::overwrite_existing);

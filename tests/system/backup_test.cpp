@@ -1,5 +1,5 @@
-// What a copy of the database holds, however it is made: the one file at rest, and each recipe of
-// docs/database.md.
+// Copies of the database are complete: the single file when no program has it open, and each recipe
+// of docs/database.md.
 
 #include <gtest/gtest.h>
 
@@ -40,14 +40,14 @@ class Backup : public testing::Test {
   }
   fs::path log() const { return home.database().string() + "-wal"; }
 
-  /// How many notes a copy of the one file holds.
+  /// The number of notes in a copy of the database file alone.
   std::string notesInACopy() const {
     const fs::path copy = home.path() / "copy.sqlite";
     fs::copy_file(home.database(), copy, fs::copy_options::overwrite_existing);
     return ForeignClient(copy).value("SELECT count(*) FROM note");
   }
 
-  /// Leaves a log as a crash does: somebody reads while the program writes, and dies.
+  /// Leaves a log behind like a crash: a process that reads while the program writes is killed.
   void leaveLog(const std::string& title) {
     EXPECT_TRUE(support::passesInItsOwnProcess([&] {
       auto* reader = new ForeignClient(home.database());
@@ -144,7 +144,7 @@ TEST_F(Backup, RestoredBesideTheLogOfAnotherStateIsRefusedAndBothStay) {
   EXPECT_EQ(logSize(), 0U);
 }
 
-/// A recipe of the page: its heading, and the shell's lines to make a copy and to restore it.
+/// A recipe of the page: its heading, and the shell commands to make a copy and to restore it.
 struct Recipe {
   std::string name, backup, restore;
 };
@@ -205,7 +205,7 @@ TEST_F(Backup, ByEachRecipeOfTheDocumentationComesBackWhole) {
   }
 }
 
-// A copy that somebody else is reading stays in the mode that it has, and works.
+// While another process reads the database, its journal mode stays as it is, and the program works.
 TEST_F(Backup, InAnotherJournalModeIsUsedAsItIsWhileSomebodyReadsIt) {
   create("kept");
   ForeignClient(home.database()).run("PRAGMA journal_mode = DELETE");

@@ -1,5 +1,5 @@
-/* Loaded ahead of the C library (LD_PRELOAD): the call number FAIL_AT, among those that change
-   files, fails with the error FAIL_WITH, and the file FAIL_MARK comes into being. */
+/* A preloaded library (LD_PRELOAD): among the calls that change files, call number FAIL_AT fails
+   with the error FAIL_WITH, and the file FAIL_MARK is created. */
 #define _GNU_SOURCE
 #include <dlfcn.h>
 #include <errno.h>

@@ -17,8 +17,8 @@
 #include "support/program.h"
 #include "support/throwaway_home.h"
 
-// The program as it is built, beside a process that knows nothing of it and writes the database
-// with plain SQL.
+// Runs the built program at the same time as another process that writes to the database with plain
+// SQL.
 
 namespace {
 
@@ -44,7 +44,7 @@ std::size_t filesBelow(const fs::path& folder) {
 }
 
 #ifdef GATE_LIBRARY
-/// Stops the program where it has read and is about to save.
+/// Stops the program between its read and its save.
 class Gate {
  public:
   explicit Gate(const fs::path& folder)
@@ -61,7 +61,7 @@ class Gate {
   Gate(const Gate&) = delete;
   Gate& operator=(const Gate&) = delete;
 
-  /// Waits for the program; false when it does not come.
+  /// Waits until the program stops there; false if it does not.
   bool isReached() const {
     pollfd waiting{reached_, POLLIN, 0};
     char byte = 0;
@@ -74,7 +74,7 @@ class Gate {
  private:
   static int made(const fs::path& pipe) {
     mkfifo(pipe.c_str(), 0600);
-    return open(pipe.c_str(), O_RDWR | O_CLOEXEC);  // for both: opening does not wait
+    return open(pipe.c_str(), O_RDWR | O_CLOEXEC);  // O_RDWR, so that opening does not block
   }
   int reached_;
   int pass_;
@@ -82,17 +82,18 @@ class Gate {
 
 class ForeignWriter : public testing::Test {
  protected:
-  /// A home with the note and another one; each case has one of its own.
+  /// A home with two notes, a new one for each case.
   struct Notes {
     Notes() {
       id = firstLine(runProgram({"create", "--fields", "id"}, "# Mine\n\nwords #tag").output);
       runProgram({"create", "Other", "--content", "text"});
       runProgram({"attachments", "add", id, "-f", "old.bin"}, "old");
       hash = firstLine(runProgram({"show", id, "--fields", "hash"}).output);
-      // With a reader there the program need not recover the log's index, which takes the lock too.
+      // With a reader present the program need not recover the log's index, which takes the lock
+      // too.
       reader.emplace(home.database()).run("SELECT 1 FROM note");
     }
-    /// All that users see of the database.
+    /// The contents of the database that users can see.
     std::string state() const {
       return ForeignClient(home.database())
           .value(
@@ -106,8 +107,8 @@ class ForeignWriter : public testing::Test {
     std::optional<ForeignClient> reader;
   };
 
-  /// Runs the program, and `sql` by another process between its read and its save. `state` is what
-  /// that left.
+  /// Runs the program; another process runs `sql` between its read and its save. `state` is the
+  /// state after that.
   static ProgramResult runWith(const Notes& notes, Arguments arguments, const std::string& sql,
                                std::string& state) {
     for (std::string& argument : arguments) {
@@ -178,14 +179,14 @@ TEST_F(ForeignWriter, DoesNotDisturbWritesToOtherNotes) {
 }
 #endif
 
-// Several processes of ours and one stranger count in the first line of one note, and one attaches
-// files to it. Whoever was told of a success finds it in the note.
+// Several processes of ours and one other program increment a counter in one note, and one process
+// attaches files to it. Every reported success must be in the note.
 class Load : public testing::Test {
  protected:
-  static constexpr int enough = 25;  ///< successes of each
+  static constexpr int enough = 25;  ///< successes per process
 
-  /// A process that tries until enough has come through. It ends with 0, or with what else than a
-  /// conflict was said.
+  /// A process that tries until it has had enough successes. It exits with 0; on an error other
+  /// than a conflict it prints the error and exits with 1.
   template <class Try>
   static pid_t worker(Try attempt) {
     const pid_t process = fork();
@@ -205,7 +206,7 @@ class Load : public testing::Test {
   static bool isRefusal(const ProgramResult& result) {
     return result.errors == conflict ||
            result.errors.starts_with("Error: Note has changed since last read") ||
-           result.errors.starts_with("Error: String not found");  // the count has moved on
+           result.errors.starts_with("Error: String not found");  // the counter has changed
   }
 
   static std::string counted(const std::string& text) {
@@ -246,7 +247,7 @@ TEST_F(Load, LosesNoChangeOfSeveralProcessesAndAStranger) {
       }),
   };
   ForeignClient stranger(home.database());
-  for (int i = 0; i < enough; ++i) {  // and no more: it is far quicker than a process that starts
+  for (int i = 0; i < enough; ++i) {  // no more, since it is far faster than starting a process
     usleep(20'000);
     stranger.run(
         "UPDATE note SET text = 'count: ' || (CAST(substr(text, 8) AS INTEGER) + 1) || "

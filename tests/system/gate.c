@@ -1,6 +1,6 @@
-/* Loaded ahead of the C library (LD_PRELOAD): before it first takes the database's write lock, when
-   it has read and is about to save, the program writes a byte to the pipe named GATE.reached and
-   waits for one from GATE.pass; GATE is a variable of its environment. */
+/* A preloaded library (LD_PRELOAD): before the program first takes the database's write lock, which
+   is after its read and before its save, it writes a byte to the pipe GATE.reached and waits for
+   one from GATE.pass; GATE is an environment variable. */
 #define _GNU_SOURCE
 #include <dlfcn.h>
 #include <fcntl.h>

@@ -9,7 +9,7 @@
 #include "support/program.h"
 #include "support/throwaway_home.h"
 
-// `open` hands its URL to the desktop by `xdg-open`; another program stands in for that here.
+// `open` runs `xdg-open` with its URL; these tests replace that program.
 
 namespace {
 
@@ -62,7 +62,7 @@ TEST_F(Open, HandsOverTheURLAndNoStreams) {
 }
 
 TEST_F(Open, SaysNoWhenTheDesktopDoes) {
-  expectRefused();  // nothing on PATH
+  expectRefused();  // no xdg-open in PATH
   for (const char* script : {"exit 1", "exit 4", "kill -9 $$"}) {
     installOpener(script);
     expectRefused();

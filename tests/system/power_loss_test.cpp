@@ -1,6 +1,6 @@
-// The calls that a command makes on files are recorded, and the disk is built anew from the record
-// as a power cut at any moment would leave it: what was not synced is lost, or comes through in
-// part. What was answered is there all the same.
+// Records the calls that a command makes on files, and reconstructs the disk as a power cut at any
+// point would leave it: writes that were not synced are lost, or some of them are. What the program
+// had reported as done must still be there.
 
 #include <gtest/gtest.h>
 
@@ -45,8 +45,8 @@ std::vector<Call> readRecord(const fs::path& path) {
   return calls;
 }
 
-/// A disk and the cache before it. A file's bytes reach the disk when the file is synced, its name
-/// when its folder is.
+/// A disk and its cache. The bytes of a file reach the disk when the file is synced, its name when
+/// its folder is synced.
 class Disk {
  public:
   explicit Disk(const fs::path& folder) {
@@ -85,11 +85,11 @@ class Disk {
     }
   }
 
-  /// Writes down what a power cut now would leave, below another folder. With `random`, each write
-  /// that is not synced comes through or does not.
+  /// Writes the state that a power cut would leave now into another folder. With `random`, each
+  /// write that is not synced is randomly lost or not.
   void leave(const fs::path& from, const fs::path& to, std::mt19937* random) const {
     for (const auto& [path, file] : namesOnDisk_) {
-      if (path.ends_with("-shm")) continue;  // made anew by whoever comes first
+      if (path.ends_with("-shm")) continue;  // the next process to open the database rebuilds it
       File left = *file;
       if (random != nullptr) {
         std::erase_if(left.unsynced, [&](const Call&) { return (*random)() % 2 == 0; });
@@ -150,7 +150,7 @@ class PowerLoss : public testing::Test {
     return readRecord(home.path() / "record");
   }
 
-  /// The notes and their files as the program shows them, of a copy that it may change.
+  /// The notes and their files as the program shows them, from a copy that it may change.
   std::string state(const fs::path& data) {
     const fs::path there = home.path() / "looked at";
     fs::remove_all(there);
@@ -216,7 +216,8 @@ TEST_F(PowerLoss, LeavesTheStateBeforeOrAfterAndKeepsWhatWasAnswered) {
   }
 }
 
-// Bytes before their folder, both before the row that names them, and that before the answer.
+// Bytes are synced before their folder, both before the row that names them, and that before the
+// answer.
 TEST_F(PowerLoss, SyncsInOrderBeforeTheAnswer) {
   const auto syncs = [&](const std::vector<std::string>& command) {
     std::string order;
@@ -238,7 +239,8 @@ TEST_F(PowerLoss, SyncsInOrderBeforeTheAnswer) {
   EXPECT_EQ(syncs({"create", "Another"}), "log answer log database ");
   EXPECT_EQ(syncs({"append", id, "--content", "x"}), "log database ");
   EXPECT_EQ(syncs({"attachments", "add", id, "-f", "new.bin"}), "bytes staged files log database ");
-  // The log first, that the row is gone; then the folders, that the file is; then its name goes.
+  // First the log, in which the row is deleted; then the folders of the file; then its name is
+  // removed.
   EXPECT_EQ(syncs({"attachments", "delete", id, "-f", "new.bin"}),
             "log files staged log database ");
 }

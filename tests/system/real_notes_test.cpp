@@ -13,8 +13,8 @@
 #include "support/program.h"
 #include "support/throwaway_home.h"
 
-// Markdown that nobody here wrote, kept and found by the program as a user would run it, and held
-// against reckonings that share no code with it.
+// Stores and searches real Markdown files with the built program, and compares the results with
+// calculations that share no code with it.
 
 namespace {
 
@@ -41,7 +41,7 @@ std::string lowered(std::string text) {
   return text;
 }
 
-/// The title, where any reader would agree: the text begins with a plain heading.
+/// The title, if it is beyond doubt: the text begins with a plain heading.
 std::string plainTitle(const std::string& text) {
   std::smatch match;
   static const std::regex heading("# ([A-Za-z0-9][A-Za-z0-9 .,-]{0,80}[A-Za-z0-9])\r?");
@@ -107,8 +107,7 @@ TEST_F(RealNotes, ComeBackByteForByteWithTheirHashTitleAndTags) {
       EXPECT_EQ(cells[2], title);
       ++titles;
     }
-    // A tag stands in the text as it is written; where there is no "#" before a letter there is
-    // none.
+    // Each tag occurs in the text as written; a text without a "#" before a letter has none.
     if (cells[3] != "\n") {
       const std::string first = cells[3].substr(0, cells[3].find_first_of(",\n"));
       EXPECT_NE(texts[i].find(first), std::string::npos) << first;

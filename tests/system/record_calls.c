@@ -1,10 +1,10 @@
-/* Loaded ahead of the C library (LD_PRELOAD): appends what the program does to files below
-   RECORD_UNDER to the file RECORD_TO, a record a call:
+/* A preloaded library (LD_PRELOAD): records the program's calls on files below RECORD_UNDER in the
+   file RECORD_TO, one record per call:
 
      OPERATION OFFSET SIZE PATH-LENGTH PATH "\n" SIZE bytes
 
-   C: created; W: these bytes were written there; T: cut to the offset; S: synced, a folder too;
-   R: renamed to the name in the bytes; U: removed; A: something was written to standard output. */
+   C: create; W: write the bytes at the offset; T: truncate to the offset; S: sync a file or folder;
+   R: rename to the name in the bytes; U: unlink; A: write to standard output. */
 #define _GNU_SOURCE
 #include <dlfcn.h>
 #include <fcntl.h>
@@ -42,7 +42,7 @@ static void recordOf(char operation, int fd, off_t offset, const void* bytes, si
   record(operation, path, offset, bytes, size);
 }
 
-/* What the kernel has copied to the end of the file. */
+/* Records the bytes that the kernel copied to the end of the file. */
 static void recordCopied(int fd, ssize_t count) {
   char link[64];
   snprintf(link, sizeof link, "/proc/self/fd/%d", fd);

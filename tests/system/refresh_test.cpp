@@ -14,8 +14,8 @@
 #include "support/program.h"
 #include "support/throwaway_home.h"
 
-// The signal to the application, from the program as it is built to a listener in this process:
-// once for each run that succeeded, and never after one that failed.
+// The refresh signal from the built program to a listener in this process: once for each successful
+// run, and never for a failed one.
 
 namespace {
 
@@ -137,7 +137,7 @@ TEST_F(Refresh, GoesOutOfTheServerAfterEachSuccessfulWriteAndAtItsEnd) {
     std::string tool, arguments;
     int signals;
   };
-  // With $ for the note's id. What fails has "nosuch" in it.
+  // $ stands for the note's id. Calls with "nosuch" fail.
   const Call calls[] = {
       {"create_note", R"({"title":"Phobos"})", 1},
       {"create_note", R"({"title":"nosuch","ifNotExists":3})", 0},

@@ -7,6 +7,7 @@
 
 namespace tavi {
 
+/// `tavicli append`: see AppendToNoteOp.
 class AppendCommand : public LeafCommand {
  public:
   static CommandConfiguration configuration();

@@ -15,12 +15,13 @@ const ArgumentParser::Names filenameNames() {
   return {"-f", "--filename"};
 }
 
-/// What the note that is named on the line has, for a shell to offer.
+/// Completes to the attachments of the note on the command line.
 completions::CandidateFunction attachmentsOf(const NoteOptions& note) {
   return [&note](auto&) { return completions::attachmentsOf({note.id, note.title}); };
 }
 
-/// Declared optional, so that its absence gets our own message, once the store is open.
+/// The option is declared as optional, so that this check, with its own message, replaces the
+/// parser's and runs after the store is opened.
 const std::string& required(const std::optional<std::string>& filename) {
   if (!filename) throw TaviCLIError::usage("--filename is required");
   return *filename;

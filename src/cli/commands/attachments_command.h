@@ -10,6 +10,7 @@
 /// `attachments` and its subcommands.
 namespace tavi {
 
+/// `tavicli attachments list`: see ListAttachmentsOp.
 class ListAttachmentsCommand : public LeafCommand {
  public:
   static CommandConfiguration configuration();
@@ -22,6 +23,7 @@ class ListAttachmentsCommand : public LeafCommand {
   FormatOptions options_{fieldNames<AttachmentInfo>};
 };
 
+/// `tavicli attachments add`: see AddAttachmentOp. Reads the bytes from standard input.
 class AddAttachmentCommand : public LeafCommand {
  public:
   static CommandConfiguration configuration();
@@ -35,6 +37,7 @@ class AddAttachmentCommand : public LeafCommand {
   ModificationDateOption date_;
 };
 
+/// `tavicli attachments delete`: see DeleteAttachmentOp.
 class DeleteAttachmentCommand : public LeafCommand {
  public:
   static CommandConfiguration configuration();
@@ -48,6 +51,7 @@ class DeleteAttachmentCommand : public LeafCommand {
   ModificationDateOption date_;
 };
 
+/// `tavicli attachments save`: see ReadAttachmentOp. Writes the bytes to standard output.
 class SaveAttachmentCommand : public LeafCommand {
  public:
   static CommandConfiguration configuration();
@@ -61,6 +65,7 @@ class SaveAttachmentCommand : public LeafCommand {
   FormatOnlyOptions options_;
 };
 
+/// `tavicli attachments`: lists attachments unless a subcommand is given.
 class AttachmentsCommand : public ArgumentParser::ParsableCommand {
  public:
   static CommandConfiguration configuration();

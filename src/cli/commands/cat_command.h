@@ -8,6 +8,7 @@
 
 namespace tavi {
 
+/// `tavicli cat`: see ReadNoteContentOp.
 class CatCommand : public LeafCommand {
  public:
   static CommandConfiguration configuration();

@@ -9,22 +9,22 @@
 #include "cli/help.h"
 #include "operations/operation.h"
 
-/// What the commands have in common.
+/// The common part of the commands.
 namespace tavi {
 
 using ArgumentParser::ArgumentSet;
 using ArgumentParser::CommandConfiguration;
 
-/// A command that does something, and says more below its help page.
+/// A command without subcommands. Its help page has a footer.
 class LeafCommand : public ArgumentParser::ParsableCommand, public HelpFooter {};
 
-/// A command that is the face of an operation.
+/// The configuration of a command that runs an operation.
 template <class Operation>
 CommandConfiguration commandFor(std::string_view name) {
   return {.commandName = std::string(name), .abstract = std::string(Operation::metadata.abstract)};
 }
 
-/// A help text made from a field's description and more.
+/// A help text: the description of an operation's field and additions for the command line.
 inline std::string help(std::string_view description, std::string_view more,
                         std::string_view evenMore = {}) {
   return std::string(description).append(more).append(evenMore);
@@ -32,13 +32,14 @@ inline std::string help(std::string_view description, std::string_view more,
 inline constexpr std::string_view interpretsEscapes = " Interprets \\n, \\t, \\r, \\\\.";
 inline constexpr std::string_view readFromStdin = " Read from stdin when omitted.";
 
-/// The note that a command is about: <note-id> or --title.
+/// Identifies the note of a command: <note-id> or --title.
 struct NoteOptions : ArgumentParser::ParsableArguments {
   std::optional<std::string> id, title;
 
   explicit NoteOptions(std::string_view idText = NoteFields::id.description,
                        std::string_view titleText = NoteFields::title.description)
       : idHelp(idText), titleHelp(titleText) {}
+  /// With shorter help texts.
   static NoteOptions brief() {
     return NoteOptions("Note ID.", "Identify note by title (case-insensitive).");
   }

@@ -9,6 +9,7 @@
 
 namespace tavi {
 
+/// `tavicli create`: see CreateNoteOp.
 class CreateCommand : public LeafCommand {
  public:
   static CommandConfiguration configuration();

@@ -8,7 +8,8 @@
 namespace tavi {
 namespace {
 
-/// An action, by the name of its option and by its place in an edit.
+/// An action of the command line: its option, the values given, and the member of NoteEdit for
+/// them.
 struct Action {
   std::string name;
   const std::vector<std::string>& values;

@@ -8,6 +8,7 @@
 
 namespace tavi {
 
+/// `tavicli edit`: see EditNoteOp.
 class EditCommand : public LeafCommand {
  public:
   static CommandConfiguration configuration();
@@ -16,7 +17,7 @@ class EditCommand : public LeafCommand {
   std::string_view footer() const override;
 
  private:
-  /// The finds paired with the values of the one action that was given.
+  /// Pairs each --find with a value of the one action that was given. Throws TaviCLIError.
   std::vector<NoteEdit> edits() const;
 
   NoteOptions note_;

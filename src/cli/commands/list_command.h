@@ -5,6 +5,7 @@
 
 namespace tavi {
 
+/// `tavicli list`: see ListNotesOp.
 class ListCommand : public LeafCommand {
  public:
   static CommandConfiguration configuration();

@@ -12,15 +12,17 @@
 #include "cli/session.h"
 #include "operations/read_operations.h"
 
-/// What `list` and `search` share.
+/// The common part of the commands `list` and `search`.
 namespace tavi {
 
+/// --sort, --limit, --offset and --location. See ListNotesInput.
 struct ListingOptions : ArgumentParser::ParsableArguments {
   std::string sort = "pinned,modified";
   std::optional<std::int64_t> limit;
   std::int64_t offset = 0;
   std::string location = "notes";
 
+  /// `moreOnLimit` is appended to the help of --limit.
   explicit ListingOptions(std::string_view moreOnLimit = {}) : limitHelp(moreOnLimit) {}
 
   void declare(ArgumentSet& args) override {
@@ -34,6 +36,7 @@ struct ListingOptions : ArgumentParser::ParsableArguments {
         .completes({"notes", "trash", "archive", "all"});
   }
 
+  /// Throws TaviCLIError if an option was given that --count excludes.
   void refuseWithCount() const {
     if (limit || offset != 0)
       throw TaviCLIError::usage("--count cannot be combined with --limit or --offset");
@@ -43,12 +46,13 @@ struct ListingOptions : ArgumentParser::ParsableArguments {
   std::string_view limitHelp;
 };
 
-/// Whichever of its two forms the list has.
+/// The number of rows of an operation's output, with or without content.
 template <class Lists>
 std::int64_t countOf(const Lists& lists) {
   return std::visit([](const auto& list) { return list->count(); }, lists);
 }
 
+/// Writes the rows to the session's output, or a message to its errors if there are none.
 template <class Record>
 void writeList(RecordSource<Record>& rows, const FormatOptions& options) {
   const auto fields = OutputFormatter::resolveFields<Record>(options);
@@ -58,6 +62,7 @@ void writeList(RecordSource<Record>& rows, const FormatOptions& options) {
     session.errors.append("No notes found.\n");
 }
 
+/// The same for an operation's output, with or without content.
 template <class Lists>
 void writeLists(const Lists& lists, const FormatOptions& options) {
   std::visit([&](const auto& list) { writeList(*list, options); }, lists);

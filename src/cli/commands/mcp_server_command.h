@@ -4,6 +4,7 @@
 
 namespace tavi {
 
+/// `tavicli mcp-server`: see mcp::runServer.
 class MCPServerCommand : public LeafCommand {
  public:
   static CommandConfiguration configuration();

@@ -2,9 +2,10 @@
 
 #include "cli/commands/command.h"
 
-/// The commands that move a note: to the trash, to the archive, and back.
+/// The commands that move a note to the trash, to the archive, and back.
 namespace tavi {
 
+/// The common part of the three commands.
 class MoveCommand : public LeafCommand {
  public:
   void declare(ArgumentSet& args) override { args.group(note_); }
@@ -17,6 +18,7 @@ class MoveCommand : public LeafCommand {
   NoteOptions note_ = NoteOptions::brief();
 };
 
+/// `tavicli trash`: see TrashNoteOp.
 class TrashCommand : public MoveCommand {
  public:
   static CommandConfiguration configuration();
@@ -24,6 +26,7 @@ class TrashCommand : public MoveCommand {
   std::string_view footer() const override;
 };
 
+/// `tavicli archive`: see ArchiveNoteOp.
 class ArchiveCommand : public MoveCommand {
  public:
   static CommandConfiguration configuration();
@@ -31,6 +34,7 @@ class ArchiveCommand : public MoveCommand {
   std::string_view footer() const override;
 };
 
+/// `tavicli restore`: see RestoreNoteOp.
 class RestoreCommand : public MoveCommand {
  public:
   static CommandConfiguration configuration();

@@ -11,8 +11,9 @@
 
 namespace tavi {
 
-/// A note and a list of names: <note-id> <names> ..., or --title and the names alone. The parser
-/// cannot know that the first word after a --title is a name already.
+/// A command that takes a note and a list of names: <note-id> <names> ..., or --title and <names>
+/// .... With --title, the parser still assigns the first name to <note-id>; this class corrects
+/// that.
 class NoteListCommand : public LeafCommand {
  public:
   void declare(ArgumentSet& args) override {
@@ -27,16 +28,16 @@ class NoteListCommand : public LeafCommand {
  protected:
   using CompletionRequest = completions::CompletionRequest;
   using Candidates = completions::Candidates;
+  /// The help texts of the arguments, and the candidates for the names.
   struct Texts {
     std::string_view id;
     FieldDoc names;
     std::string_view title;
-    /// The names that a shell offers.
     Candidates (*candidates)(const completions::NoteOnLine& note, const CompletionRequest& request);
   };
   explicit NoteListCommand(const Texts& texts) : texts_(texts) {}
 
-  /// `list`: the member of the operation's input that takes the names.
+  /// Runs the operation. `list`: the member of its input that holds the names.
   template <class Operation>
   void execute(std::vector<std::string> Operation::Input::*list) const {
     NoteStore& store = openStore();

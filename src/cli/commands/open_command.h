@@ -7,6 +7,7 @@
 
 namespace tavi {
 
+/// `tavicli open`: see OpenNoteOp.
 class OpenCommand : public LeafCommand {
  public:
   static CommandConfiguration configuration();

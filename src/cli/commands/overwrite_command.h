@@ -7,6 +7,7 @@
 
 namespace tavi {
 
+/// `tavicli overwrite`: see OverwriteNoteOp.
 class OverwriteCommand : public LeafCommand {
  public:
   static CommandConfiguration configuration();

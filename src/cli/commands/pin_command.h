@@ -9,6 +9,7 @@
 /// `pin` and its subcommands.
 namespace tavi {
 
+/// `tavicli pin list`: see ListPinsOp.
 class ListPinsCommand : public LeafCommand {
  public:
   static CommandConfiguration configuration();
@@ -21,6 +22,7 @@ class ListPinsCommand : public LeafCommand {
   FormatOptions options_{fieldNames<PinRecord>};
 };
 
+/// `tavicli pin add`: see AddPinsOp.
 class AddPinCommand : public NoteListCommand {
  public:
   AddPinCommand();
@@ -29,6 +31,7 @@ class AddPinCommand : public NoteListCommand {
   std::string_view footer() const override;
 };
 
+/// `tavicli pin remove`: see RemovePinsOp.
 class RemovePinCommand : public NoteListCommand {
  public:
   RemovePinCommand();
@@ -37,6 +40,7 @@ class RemovePinCommand : public NoteListCommand {
   std::string_view footer() const override;
 };
 
+/// `tavicli pin`: lists pins unless a subcommand is given.
 class PinCommand : public ArgumentParser::ParsableCommand {
  public:
   static CommandConfiguration configuration();

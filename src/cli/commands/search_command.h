@@ -5,6 +5,7 @@
 
 namespace tavi {
 
+/// `tavicli search`: see SearchNotesOp. Accepts the query as a positional or as --query.
 class SearchCommand : public LeafCommand {
  public:
   static CommandConfiguration configuration();

@@ -11,6 +11,7 @@
 
 namespace tavi {
 
+/// `tavicli search-in`: see SearchInNoteOp.
 class SearchInCommand : public LeafCommand {
  public:
   static CommandConfiguration configuration();

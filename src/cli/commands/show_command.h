@@ -6,6 +6,7 @@
 
 namespace tavi {
 
+/// `tavicli show`: see GetNoteOp.
 class ShowCommand : public LeafCommand {
  public:
   static CommandConfiguration configuration();

@@ -22,7 +22,7 @@ RecordList<TagRecord> records(const std::vector<std::string>& names) {
   return recordList(std::move(rows));
 }
 
-/// The positional, else the option of the same meaning.
+/// The positional or, if it is absent, the option with the same meaning.
 std::string required(const std::optional<std::string>& positional,
                      const std::optional<std::string>& option, const char* message) {
   if (!positional && !option) throw TaviCLIError::usage(message);
@@ -132,7 +132,7 @@ CommandConfiguration RenameTagCommand::configuration() {
 
 void RenameTagCommand::declare(ArgumentSet& args) {
   using Fields = RenameTagOp::Fields;
-  // A new name is often one below or beside an old one.
+  // The new name is completed too: it often extends an existing one.
   const auto name = [](ArgumentParser::Declaration argument, std::string_view text) {
     argument.help(text).completes(completions::tags);
   };

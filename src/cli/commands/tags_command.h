@@ -11,6 +11,7 @@
 /// `tags` and its subcommands.
 namespace tavi {
 
+/// `tavicli tags list`: see ListTagsOp.
 class ListTagsCommand : public LeafCommand {
  public:
   static CommandConfiguration configuration();
@@ -24,6 +25,7 @@ class ListTagsCommand : public LeafCommand {
   FormatOptions options_{fieldNames<TagRecord>};
 };
 
+/// `tavicli tags add`: see AddTagsOp.
 class AddTagsCommand : public NoteListCommand {
  public:
   AddTagsCommand();
@@ -32,6 +34,7 @@ class AddTagsCommand : public NoteListCommand {
   std::string_view footer() const override;
 };
 
+/// `tavicli tags remove`: see RemoveTagsOp.
 class RemoveTagsCommand : public NoteListCommand {
  public:
   RemoveTagsCommand();
@@ -40,6 +43,7 @@ class RemoveTagsCommand : public NoteListCommand {
   std::string_view footer() const override;
 };
 
+/// `tavicli tags rename`: see RenameTagOp. Accepts the names as positionals or as options.
 class RenameTagCommand : public LeafCommand {
  public:
   static CommandConfiguration configuration();
@@ -52,6 +56,7 @@ class RenameTagCommand : public LeafCommand {
   bool force_ = false;
 };
 
+/// `tavicli tags delete`: see DeleteTagOp. Accepts the name as a positional or as an option.
 class DeleteTagCommand : public LeafCommand {
  public:
   static CommandConfiguration configuration();
@@ -63,6 +68,7 @@ class DeleteTagCommand : public LeafCommand {
   std::optional<std::string> tag_, name_;
 };
 
+/// `tavicli tags`: lists tags unless a subcommand is given.
 class TagsCommand : public ArgumentParser::ParsableCommand {
  public:
   static CommandConfiguration configuration();

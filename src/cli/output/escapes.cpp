@@ -5,11 +5,11 @@
 namespace tavi {
 
 void writeEscapedTSV(ByteSink& sink, std::string_view text) {
-  // All controls are looked at, though three are escaped: one comparison finds them together.
-  using Suspects = ByteSet<0x20, '\\'>;
+  // Only three control characters are escaped, but one comparison finds all of them at once.
+  using Candidates = ByteSet<0x20, '\\'>;
   std::size_t looked = 0;
   while (true) {
-    looked += Suspects::lengthBefore(text.substr(looked));
+    looked += Candidates::lengthBefore(text.substr(looked));
     if (looked == text.size()) return sink.append(text);
     const char byte = text[looked++];
     const char letter = byte == '\n'   ? 'n'

@@ -24,7 +24,7 @@ const Note& noteOf(const SearchResultWithContent& record) {
   return record.note;
 }
 
-/// A field's function for Record, from one that takes the note's metadata.
+/// Adapts an extractor of NoteMetadata to a Record that contains it.
 template <class Record, FieldValue (*extract)(const NoteMetadata&, FieldContext&)>
 FieldValue ofMetadata(const Record& record, FieldContext& context) {
   return extract(metadataOf(record), context);
@@ -33,7 +33,7 @@ FieldValue ofMetadata(const Record& record, FieldContext& context) {
 using Metadata = const NoteMetadata&;
 using Context = FieldContext&;
 
-/// What depends on the text is not known of a locked note.
+/// Null if the note is locked: values that depend on its text are unknown.
 template <class Value>
 FieldValue unlessLocked(Metadata note, const Value& value) {
   return note.locked ? FieldValue() : FieldValue(value);
@@ -109,7 +109,7 @@ FieldValue matches(const Record& record, Context) {
   return record.matchCount;
 }
 
-/// The metadata's fields, then these.
+/// The fields of the metadata, followed by further fields.
 template <class Record, std::size_t count>
 constexpr auto metadataFieldsAnd(const FieldDescriptor<Record> (&further)[count]) {
   std::array<FieldDescriptor<Record>, 13 + count> fields{};

@@ -8,17 +8,19 @@
 #include "cli/output/field_value.h"
 #include "domain/note_records.h"
 
-/// The fields that can be printed of each kind of record, and those printed by default.
+/// For each kind of record, the fields that can be printed and those printed by default.
 namespace tavi {
 
-/// A tag or a pin, wrapped so that it goes through the same writer as notes.
+/// A tag as a record, so that RecordWriter can write it.
 struct TagRecord {
-  std::string tag;
+  std::string tag;  ///< a hashtag
 };
+/// A pin context as a record.
 struct PinRecord {
-  std::string pin;
+  std::string pin;  ///< "global" or a hashtag
 };
 
+/// The fields of a kind of record.
 template <class Record>
 FieldTable<Record> fieldTable() = delete;
 template <>
@@ -38,7 +40,7 @@ FieldTable<TagRecord> fieldTable();
 template <>
 FieldTable<PinRecord> fieldTable();
 
-/// What may be selected, "all" included.
+/// The names that --fields accepts: "all" and the fields of the record.
 template <class Record>
 std::vector<std::string> fieldNames() {
   std::vector<std::string> names{"all"};
@@ -46,6 +48,7 @@ std::vector<std::string> fieldNames() {
   return names;
 }
 
+/// The fields that are printed without --fields.
 template <class Record>
 inline constexpr std::array<std::string_view, 3> defaultFields{"id", "title", "tags"};
 template <>

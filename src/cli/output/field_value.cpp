@@ -6,7 +6,7 @@
 namespace tavi {
 namespace {
 
-/// The form of `text`, made on first sight.
+/// The cached form of `text`; `make` computes it the first time.
 template <class Forms, class Make>
 const std::optional<std::string>& form(Forms& forms, const std::string& text, const Make& make) {
   const auto found = forms.find(text);

@@ -13,18 +13,20 @@
 
 namespace tavi {
 
+/// A cell with several texts, such as tags.
 using TextList = std::span<const std::string_view>;
 
-/// The value of one cell; std::monostate is null. It owns nothing: texts are those of the record,
-/// or of the FieldContext, and live until the next value is extracted with it.
+/// The value of one cell; std::monostate is null. It does not own its texts: they belong to the
+/// record or to the FieldContext, and are valid until the context is used again.
 using FieldValue = std::variant<std::monostate, std::string_view, std::int64_t, Instant, TextList>;
 
-/// What extracting the cells of many rows needs to be cheap: room for one list, and the written
-/// forms of the tags that were seen, since the same few come again and again.
+/// Memory that is reused while extracting the cells of many rows: a buffer for one list, and a
+/// cache of the hashtags, since the same few tags occur in most rows. Each call invalidates the
+/// previous list.
 class FieldContext {
  public:
   TextList list(const std::vector<std::string>& texts);
-  /// Each tag in its written form; one that has none is left out.
+  /// The tags as hashtags, without those that no hashtag can express.
   TextList writtenTags(const std::vector<std::string>& names);
   TextList displayedPins(const std::vector<std::string>& pins);
 
@@ -36,14 +38,15 @@ class FieldContext {
   Forms pins_;
 };
 
-/// One field that a user may select of a record.
+/// A field of a record that the user can select.
 template <class Record>
 struct FieldDescriptor {
   std::string_view name;
   FieldValue (*extract)(const Record& record, FieldContext& context);
-  bool isDetail = false;  ///< of the metadata; no default field is one, see ListRequest::detailed
+  bool isDetail = false;  ///< needs ListRequest::detailed; never true for a default field
 };
 
+/// All fields of a kind of record, in the order of "all".
 template <class Record>
 using FieldTable = std::span<const FieldDescriptor<Record>>;
 

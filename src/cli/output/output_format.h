@@ -10,15 +10,17 @@
 #include "ArgumentParser/parsable_command.h"
 #include "cli/completions.h"
 
-/// The options by which a user chooses what is printed, and how.
+/// The options that select the fields and the format of the output.
 namespace tavi {
 
+/// TSV without a header, CSV (RFC 4180) with a header, or one JSON document (RFC 8259).
 enum class OutputFormat { tsv, csv, json };
 
 constexpr std::array<std::pair<std::string_view, OutputFormat>, 3> argumentValues(OutputFormat) {
   return {{{"tsv", OutputFormat::tsv}, {"csv", OutputFormat::csv}, {"json", OutputFormat::json}}};
 }
 
+/// --format
 struct FormatOnlyOptions : ArgumentParser::ParsableArguments {
   OutputFormat format = OutputFormat::tsv;
 
@@ -27,10 +29,11 @@ struct FormatOnlyOptions : ArgumentParser::ParsableArguments {
   }
 };
 
+/// --format and --fields
 struct FormatOptions : FormatOnlyOptions {
-  using FieldNames = std::vector<std::string> (*)();
+  using FieldNames = std::vector<std::string> (*)();  ///< the names that --fields accepts
 
-  std::optional<std::string> fields;  ///< names between commas
+  std::optional<std::string> fields;  ///< comma-separated names; absent: the default fields
 
   explicit FormatOptions(FieldNames all) : fieldNames(all) {}
 

@@ -11,14 +11,14 @@
 
 namespace tavi {
 
-/// The selection of fields, and the forms of texts on the command line.
+/// Selects fields and escapes texts for the command line.
 struct OutputFormatter {
-  /// The names in a --fields value; "all" stands for every available name but "content". Nothing
-  /// is dropped or checked. Absent when the option was not given.
+  /// Splits a --fields value into names, not checked against `available`. "all" becomes all
+  /// available names except "content". Absent if the option was not given.
   static std::optional<std::vector<std::string>> parseFieldList(
       std::span<const std::string_view> available, const std::optional<std::string>& fields);
 
-  /// The fields to print. Throws TaviCLIError at the first name that the record's table lacks.
+  /// The fields to print. Throws TaviCLIError for the first unknown name.
   template <class Record>
   static std::vector<FieldDescriptor<Record>> resolveFields(const FormatOptions& options) {
     const FieldTable<Record> table = fieldTable<Record>();
@@ -31,17 +31,17 @@ struct OutputFormatter {
     return fields;
   }
 
-  /// Whether the text of notes was selected, which only its own name does.
+  /// Whether the text of notes was selected, which "all" does not do.
   static bool selectsContent(const FormatOptions& options);
-  /// Whether a detail of the notes was selected, see FieldDescriptor.
+  /// Whether a field with `isDetail` was selected.
   static bool selectsDetails(const FormatOptions& options);
 
-  /// Backslash, line feed, carriage return and tab as \\, \n, \r and \t.
+  /// See writeEscapedTSV.
   static std::string escapeTSV(std::string_view text);
-  /// As RFC 4180 has it: in double quotes, where the text needs them.
+  /// See writeEscapedCSV.
   static std::string escapeCSV(std::string_view text);
-  /// \n, \t, \r and \\ in a text of the command line become what they stand for; a backslash
-  /// before anything else, or at the end, stays.
+  /// Replaces the escapes \n, \t, \r and \\ in an argument. A backslash before another character,
+  /// or at the end, is kept.
   static std::string unescape(std::string_view text);
 
  private:

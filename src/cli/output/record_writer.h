@@ -14,14 +14,15 @@
 
 namespace tavi {
 
-/// Renders records as lines of TSV, as CSV under a header, or as one JSON document. Each row is
-/// written as it is read, so memory follows one row.
+/// Writes records as lines of TSV, as CSV with a header (RFC 4180), or as one JSON document. Rows
+/// are written as they are read, so only one is in memory at a time.
 class RecordWriter {
  public:
+  /// The sink must outlive the writer, which throws what the sink throws.
   RecordWriter(ByteSink& sink, OutputFormat format)
       : sink_(sink), json_(sink, JSONStyle::commandLine), format_(format) {}
 
-  /// The number of rows written.
+  /// Writes a list. Returns the number of rows.
   template <class Record>
   std::int64_t writeRows(RecordSource<Record>& rows,
                          const std::vector<FieldDescriptor<Record>>& fields) {
@@ -35,7 +36,7 @@ class RecordWriter {
     return count;
   }
 
-  /// In JSON the object alone, else as one row.
+  /// Writes a single record: in JSON as an object, otherwise as a list of one row.
   template <class Record>
   void writeRecord(const Record& record, const std::vector<FieldDescriptor<Record>>& fields) {
     if (format_ == OutputFormat::csv) beginRows(namesOf(fields));
@@ -44,9 +45,10 @@ class RecordWriter {
   }
 
   void writeCount(std::int64_t count);
-  /// The text of a note, in TSV as it stands.
+  /// Writes the text of a note; in TSV without escaping.
   void writeContent(std::string_view text);
-  /// In TSV the bytes alone, else with the name, the size and the bytes in base64.
+  /// Writes the raw bytes in TSV; in CSV and JSON the name, the size and the bytes in base64 (RFC
+  /// 4648).
   void writeAttachment(std::string_view filename, std::string_view bytes);
 
  private:

@@ -13,8 +13,8 @@ std::string base64Encoded(std::string_view bytes) {
 }
 
 std::optional<std::string> base64Decoded(std::string_view text) {
-  // nettle skips white space and takes what follows the padding; a standard text has neither,
-  // which shows in its length and in encoding the answer again.
+  // nettle ignores white space and accepts data after the padding. Checking the length and encoding
+  // the result again finds both.
   if (text.size() % 4 != 0) return std::nullopt;
   base64_decode_ctx context;
   base64_decode_init(&context);

@@ -6,10 +6,11 @@
 
 namespace platform::system {
 
-/// Standard base64 (RFC 4648, section 4), padded, without line breaks.
+/// Encodes as standard base64 (RFC 4648, section 4) with padding, without line breaks.
 std::string base64Encoded(std::string_view bytes);
 
-/// The bytes, or nothing for a text that is not standard padded base64. Blanks are not skipped.
+/// Decodes standard base64 with padding. Absent if the text is anything else, or contains white
+/// space.
 std::optional<std::string> base64Decoded(std::string_view text);
 
 }  // namespace platform::system

@@ -5,20 +5,21 @@
 #include "platform/system/property_list_formats.h"
 #include "platform/text/utf8.h"
 
-// The form's layout: the magic, the objects, a table of their offsets, and a trailer of 32 bytes.
-// All numbers are big-endian.
+// The format: a magic number, the objects, a table of their offsets, and a trailer of 32 bytes. All
+// numbers are big-endian.
 //
 //   "bplist00" | object ... | offset ... | 6 bytes, offset size, reference size,
 //                                        | object count, top object, table's offset (8 bytes each)
 //
-// An object begins with a byte of kind (high half) and size (low half). A dictionary of n pairs
-// holds n references to keys, then n to values; a reference is an index into the offset table.
+// An object starts with a marker byte: its kind in the upper four bits, its size in the lower. A
+// dictionary of n pairs has n references to keys, then n references to values. A reference is an
+// index into the offset table.
 
 namespace platform::system {
 namespace {
 
 constexpr std::size_t kTrailerSize = 32;
-constexpr std::size_t kMostText = std::size_t{64} << 20;
+constexpr std::size_t kMostText = std::size_t{64} << 20;  // bytes
 
 enum Kind : unsigned {
   kSingleton = 0x0,
@@ -29,14 +30,14 @@ enum Kind : unsigned {
   kDictionary = 0xD,
 };
 
-/// Ends the reading of a malformed list; does not leave this file.
+/// The list is malformed. Thrown and caught in this file only.
 struct Malformed {};
 
 void require(bool condition) {
   if (!condition) throw Malformed{};
 }
 
-/// Everything is read through `slice`, which checks bounds.
+/// Reads the objects. All access goes through `slice`, which checks bounds.
 class Reader {
  public:
   explicit Reader(std::string_view bytes) : bytes_(bytes) {
@@ -66,9 +67,9 @@ class Reader {
  private:
   struct Object {
     unsigned kind;
-    unsigned size;        // the low half of its first byte
-    std::uint64_t count;  // of pairs, bytes or UTF-16 units, for kinds that have a count
-    std::size_t content;  // where its content begins
+    unsigned size;        // the lower four bits of the marker
+    std::uint64_t count;  // pairs, bytes or UTF-16 units, for kinds that have a count
+    std::size_t content;  // offset of the content
   };
 
   std::string_view slice(std::uint64_t offset, std::uint64_t length) const {
@@ -95,7 +96,7 @@ class Reader {
                   marker & 0xF, offset + 1};
     const bool isCounted = result.kind >= 0x4;
     if (isCounted && result.size == 0xF) {
-      // The count did not fit the half byte: an integer object follows.
+      // The count does not fit into four bits, so an integer object with the count follows.
       const std::uint64_t countMarker = integer(slice(offset + 1, 1));
       require(countMarker >> 4 == kInteger && (countMarker & 0xF) <= 3);
       const std::uint64_t length = std::uint64_t{1} << (countMarker & 0xF);
@@ -124,7 +125,7 @@ class Reader {
 
   PropertyValue number(const Object& object) const {
     require(object.size <= 4);
-    if (object.size < 4) {  // those of 8 bytes are signed, shorter ones are not
+    if (object.size < 4) {  // integers of 8 bytes are signed, shorter ones are unsigned
       const std::uint64_t length = std::uint64_t{1} << object.size;
       return static_cast<std::int64_t>(integer(slice(object.content, length)));
     }
@@ -141,7 +142,7 @@ class Reader {
     return static_cast<double>(std::bit_cast<float>(bits));
   }
 
-  /// Few bytes can name one long text many times: the sum is bounded.
+  /// Bounds the total size of all texts, since a small file can refer to a long text many times.
   std::string text(const Object& object) {
     require(object.count <= bytes_.size());
     const std::uint64_t unitSize = object.kind == kUTF16Text ? 2 : 1;

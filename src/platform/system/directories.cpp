@@ -15,14 +15,15 @@ namespace {
 
 using std::filesystem::path;
 
-/// The path that an environment variable holds, where it is absolute.
+/// The path in an environment variable; absent unless it is absolute.
 std::optional<path> absolutePathIn(const char* variable) {
   const char* value = std::getenv(variable);
   if (value == nullptr || *value != '/') return std::nullopt;
   return path(value);
 }
 
-/// From the file itself: getpwuid(3) loads shared libraries to ask, which a static program cannot.
+/// Reads /etc/passwd directly: getpwuid(3) loads shared libraries, which a static program cannot
+/// do.
 std::optional<path> homeOfUser(uid_t id) {
   const std::unique_ptr<std::FILE, int (*)(std::FILE*)> users(std::fopen("/etc/passwd", "re"),
                                                               std::fclose);
@@ -54,7 +55,7 @@ std::optional<path> applicationDataDirectory() {
 }
 
 void makePrivateFolder(const path& folder) {
-  // A umask may take rights from the owner, too.
+  // chmod, since a umask can remove the owner's permissions too.
   if (mkdir(folder.c_str(), S_IRWXU) == 0 && chmod(folder.c_str(), S_IRWXU) == 0) return;
   if (errno == EEXIST) return;
   throw std::system_error(errno, std::generic_category(), "Could not create " + folder.string());

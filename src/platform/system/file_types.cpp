@@ -7,7 +7,7 @@
 namespace platform::system {
 namespace {
 
-/// Raster images, camera raw files among them; in order, for the search by halves.
+/// Raster images, including camera raw files. Sorted for the binary search.
 constexpr std::string_view kImageExtensions[] = {
     "3fr",  "apng",  "arw",  "astc", "avci", "avif", "bmp", "cr2", "cr3",  "crw",  "cur",
     "dcr",  "dds",   "dib",  "dng",  "erf",  "exr",  "fff", "gif", "hdr",  "heic", "heics",

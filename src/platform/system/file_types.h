@@ -4,18 +4,18 @@
 
 namespace platform::system {
 
-/// What a filename's extension says of a file. `svg` files conform to image as well.
+/// The type of a file according to its extension. An SVG conforms to image too.
 struct FileType {
   bool conformsToSVG = false;
   bool conformsToImage = false;
   bool conformsToPDF = false;
 };
 
-/// By the extension after the last dot, ignoring case; all false for none or an unknown one.
+/// Looks up the extension, ignoring case. All fields are false if it is missing or unknown.
 FileType fileTypeOf(std::string_view filename);
 
-/// The text after the last dot of a file name, without the dot; empty for none, for a name that
-/// begins with its only dot, and for one that ends in a dot.
+/// The part of a file name after its last dot. Empty if there is no dot, or the only dot is the
+/// first character, or the last dot is the last character.
 std::string_view pathExtension(std::string_view filename);
 
 }  // namespace platform::system

@@ -7,15 +7,15 @@
 
 namespace platform::system {
 
+/// A SHA-256 digest (FIPS 180-4).
 using SHA256Digest = std::array<std::uint8_t, 32>;
 
-/// SHA-256 (FIPS 180-4) of the bytes.
 SHA256Digest sha256(std::string_view bytes);
 
-/// Two lower-case hexadecimal digits a byte, in order.
+/// Formats bytes as lower-case hexadecimal digits, two per byte.
 std::string hexadecimal(std::string_view bytes);
 
-/// A new random UUID (RFC 4122, version 4), in its 36-character upper-case text form.
+/// A new random UUID (RFC 4122, version 4) as 36 characters in upper case.
 std::string newUUID();
 
 }  // namespace platform::system

@@ -15,8 +15,8 @@
 namespace platform::system {
 namespace {
 
-/// What can have changed a file's modification time, seen from its directory: the file need not
-/// be there when the watch begins.
+/// The events of the directory that may mean a new modification time of the file. The directory is
+/// watched because the file may not exist yet.
 constexpr std::uint32_t kEvents = IN_ATTRIB | IN_CREATE | IN_CLOSE_WRITE | IN_MOVED_TO;
 
 [[noreturn]] void throwSystemError(int error) {
@@ -32,7 +32,7 @@ void postNotification(const std::string& name) {
   if (utimensat(AT_FDCWD, path.c_str(), nullptr, AT_SYMLINK_NOFOLLOW) == 0 || errno != ENOENT) {
     return;
   }
-  // Opened for reading, so that closing it is no second event.
+  // Opened for reading only, so that closing it does not cause a second event.
   const FileDescriptor made(
       open(path.c_str(), O_RDONLY | O_CREAT | O_EXCL | O_CLOEXEC, S_IRUSR | S_IWUSR));
 }
@@ -57,7 +57,7 @@ void NotificationObserver::deliver() {
     for (const char* at = buffer; at < buffer + length;) {
       inotify_event event;
       std::memcpy(&event, at, sizeof event);
-      // A queue that ran over may have lost the one that counts.
+      // If the queue overflowed, the event may have been lost: assume that it was posted.
       posted = posted || (event.mask & IN_Q_OVERFLOW) != 0 ||
                (event.len > 0 && name_ == at + sizeof event);
       at += sizeof event + event.len;

@@ -8,21 +8,21 @@
 
 namespace platform::system {
 
-/// A bare named event between processes, without payload or acknowledgement. An event named NAME
-/// is the modification time of the empty file NAME in the application's data directory.
+// Named events between processes, without payload or acknowledgement. Posting the event NAME sets
+// the modification time of the empty file NAME in the application's data directory.
 
-/// Posts the event, creating the file (mode 0600) if needed. Does nothing when the data directory
-/// is not there or cannot be written; never waits, never fails.
+/// Posts the event. Creates the file (mode 0600) if necessary. Never waits, and ignores failures,
+/// such as a missing data directory.
 void postNotification(const std::string& name);
 
-/// Watches for an event (inotify(7)). The owner waits on `descriptor()` and calls `deliver()` when
-/// it is readable; the handler runs inside `deliver()`, once for the events that have come since.
+/// Watches for an event with inotify(7). The owner waits until `descriptor()` is readable and then
+/// calls `deliver()`, which calls the handler once for all events since the last time.
 class NotificationObserver {
  public:
-  /// Throws std::system_error when the data directory cannot be watched.
+  /// Throws std::system_error if the data directory cannot be watched.
   NotificationObserver(std::string name, std::function<void()> handler);
 
-  int descriptor() const { return inotify_.get(); }
+  int descriptor() const { return inotify_.get(); }  ///< owned by the observer
   void deliver();
 
  private:

@@ -12,9 +12,9 @@
 namespace platform::system {
 namespace {
 
-constexpr std::size_t kLargestFile = std::size_t{16} << 20;
+constexpr std::size_t kLargestFile = std::size_t{16} << 20;  // bytes
 
-/// All bytes of a regular file that is not too large. Does not wait for the writer of a pipe.
+/// The bytes of a regular file of at most kLargestFile. Does not block on a FIFO.
 std::optional<std::string> contents(const std::filesystem::path& path) {
   const FileDescriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
   struct stat status {};
@@ -40,6 +40,7 @@ bool isYes(const std::string& text) {
   return is("yes") || is("true") || is("1");
 }
 
+/// Converts a value to bool; see UserDefaults::boolForKey.
 struct Truth {
   bool operator()(std::monostate) const { return false; }
   bool operator()(bool value) const { return value; }

@@ -5,7 +5,8 @@
 
 #include "platform/system/preferences.h"
 
-/// The two forms of a property list. Inside this room only.
+/// Parsers of the two formats of property lists, for use in this room only. Both return absent for
+/// malformed input; see readPropertyList.
 namespace platform::system {
 
 inline constexpr std::string_view kBinaryPropertyListMagic = "bplist00";

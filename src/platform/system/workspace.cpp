@@ -16,11 +16,11 @@
 namespace platform::system {
 namespace {
 
-/// The standard streams on /dev/null, since what the desktop's program prints is not our output; a
-/// session of its own, so that an interrupt at the terminal is not meant for it.
-class Surroundings {
+/// The attributes of the child process: standard streams on /dev/null, since its output is not
+/// ours, and its own session, so that Ctrl-C at the terminal does not reach it.
+class SpawnAttributes {
  public:
-  Surroundings() {
+  SpawnAttributes() {
     posix_spawn_file_actions_init(&actions_);
     for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
       posix_spawn_file_actions_addopen(&actions_, stream, "/dev/null", O_RDWR, 0);
@@ -28,12 +28,12 @@ class Surroundings {
     posix_spawnattr_init(&attributes_);
     posix_spawnattr_setflags(&attributes_, POSIX_SPAWN_SETSID);
   }
-  ~Surroundings() {
+  ~SpawnAttributes() {
     posix_spawnattr_destroy(&attributes_);
     posix_spawn_file_actions_destroy(&actions_);
   }
-  Surroundings(const Surroundings&) = delete;
-  Surroundings& operator=(const Surroundings&) = delete;
+  SpawnAttributes(const SpawnAttributes&) = delete;
+  SpawnAttributes& operator=(const SpawnAttributes&) = delete;
 
   const posix_spawn_file_actions_t* actions() const { return &actions_; }
   const posix_spawnattr_t* attributes() const { return &attributes_; }
@@ -43,10 +43,10 @@ class Surroundings {
   posix_spawnattr_t attributes_;
 };
 
-/// Whether the process ended in time.
+/// Whether the process ends within `patience`.
 bool endsWithin(std::chrono::milliseconds patience, pid_t process) {
   const FileDescriptor descriptor(static_cast<int>(syscall(SYS_pidfd_open, process, 0)));
-  if (!descriptor) return true;  // an old kernel: waitpid(2) will wait
+  if (!descriptor) return true;  // old kernels have no pidfd_open; the caller's waitpid(2) waits
   pollfd end{descriptor.get(), POLLIN, 0};
   const auto deadline = std::chrono::steady_clock::now() + patience;
   int ready = -1;
@@ -73,15 +73,15 @@ bool openURL(const std::string& url) {
 }
 
 bool openURLWithin(std::chrono::milliseconds patience, const std::string& url) {
-  while (waitpid(-1, nullptr, WNOHANG) > 0) {  // openers that went on, and have ended since
+  while (waitpid(-1, nullptr, WNOHANG) > 0) {  // reaps processes that earlier calls left running
   }
   std::string program = "xdg-open";
   std::string argument = url;
   char* const arguments[] = {program.data(), argument.data(), nullptr};
   pid_t process = 0;
-  const Surroundings surroundings;
-  if (posix_spawnp(&process, program.c_str(), surroundings.actions(), surroundings.attributes(),
-                   arguments, environ) != 0) {
+  const SpawnAttributes spawn;
+  if (posix_spawnp(&process, program.c_str(), spawn.actions(), spawn.attributes(), arguments,
+                   environ) != 0) {
     return false;
   }
   return !endsWithin(patience, process) || succeeded(process);

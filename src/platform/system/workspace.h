@@ -5,14 +5,14 @@
 
 namespace platform::system {
 
-/// Hands a URL to the desktop: runs the `xdg-open` found in PATH with the URL as its one argument,
-/// without a shell, in a session of its own and with its standard streams on /dev/null. False when
-/// there is no such program or it ends with anything but 0.
+/// Opens a URL on the desktop: runs the `xdg-open` in PATH with the URL as its only argument,
+/// without a shell, in its own session and with its standard streams on /dev/null. False if there
+/// is no such program or its exit code is not 0.
 ///
-/// Some desktops have it become the application itself. So one that is still at work after two
-/// seconds counts as a yes, and goes on; it is reaped at a later call.
+/// On some desktops xdg-open turns into the application itself and keeps running. If it still runs
+/// after two seconds, that counts as success; a later call reaps it.
 bool openURL(const std::string& url);
-/// The same with another patience.
+/// The same with another time limit than two seconds.
 bool openURLWithin(std::chrono::milliseconds patience, const std::string& url);
 
 }  // namespace platform::system

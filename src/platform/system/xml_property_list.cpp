@@ -8,7 +8,7 @@
 #include "platform/text/utf8.h"
 
 // <plist><dict><key>name</key> value ... </dict></plist>: only elements at these three depths
-// matter. What stands deeper is counted, not kept.
+// matter. Deeper elements are only counted.
 
 namespace platform::system {
 namespace {
@@ -18,7 +18,7 @@ constexpr int kDictionaryDepth = 2;
 constexpr int kEntryDepth = 3;
 constexpr int kDeepest = 10'000;
 
-/// The number that the whole of `text` is, or no value.
+/// Parses `text` as a number; std::monostate if it is not one.
 template <class Number>
 PropertyValue numberIn(std::string_view text) {
   text = platform::text::trimmingWhitespaceAndNewlines(text);
@@ -38,6 +38,7 @@ PropertyValue valueOf(std::string_view element, const std::string& text) {
   return std::monostate{};
 }
 
+/// Reads the list with expat.
 class Reader {
  public:
   Reader() : parser_(XML_ParserCreate(nullptr), XML_ParserFree) {}
@@ -98,8 +99,8 @@ class Reader {
     }
   }
 
-  /// The reader, unless it has refused: expat still tells the end of an element that was stopped
-  /// at.
+  /// The reader; null after `refuse`, since expat still reports the end of the element at which it
+  /// was stopped.
   static Reader* reader(void* data) {
     auto* reader = static_cast<Reader*>(data);
     return reader->refused_ ? nullptr : reader;
@@ -113,7 +114,7 @@ class Reader {
   static void XMLCALL onText(void* data, const XML_Char* part, int length) {
     if (Reader* r = reader(data)) r->text({part, static_cast<std::size_t>(length)});
   }
-  /// Property lists declare no entities; the entities of an attack multiply.
+  /// Refuses entity declarations: property lists have none, and attacks use them to multiply text.
   static void XMLCALL onEntity(void* data, const XML_Char*, int, const XML_Char*, int,
                                const XML_Char*, const XML_Char*, const XML_Char*, const XML_Char*) {
     if (Reader* r = reader(data)) r->refuse();
@@ -121,7 +122,7 @@ class Reader {
 
   std::unique_ptr<XML_ParserStruct, decltype(&XML_ParserFree)> parser_;
   PropertyDictionary values_;
-  std::optional<std::string> key_;  // read, and waiting for its value
+  std::optional<std::string> key_;  // the key whose value comes next
   std::string text_;
   int depth_ = 0;
   bool complete_ = false;

@@ -17,7 +17,7 @@ std::string hexOfDigest(std::string_view bytes) {
   return hexadecimal({reinterpret_cast<const char*>(digest.data()), digest.size()});
 }
 
-TEST(Hashing, IsSHA256) {  // FIPS 180-4's example values
+TEST(Hashing, IsSHA256) {  // the examples of FIPS 180-4
   EXPECT_EQ(hexOfDigest(""), "e3b0c44298fc1c149afbf4c8996fb92427ae41e4649b934ca495991b7852b855");
   EXPECT_EQ(hexOfDigest("abc"), "ba7816bf8f01cfea414140de5dae2223b00361a396177a9cb410ff61f20015ad");
   EXPECT_EQ(hexOfDigest(std::string(1'000'000, 'a')),

@@ -47,7 +47,7 @@ TEST(Directories, PrivateFoldersAreTheirOwnersAloneUnderAnyUmask) {
     umask(before);
     EXPECT_EQ(std::filesystem::status(path).permissions(), std::filesystem::perms::owner_all);
     std::filesystem::permissions(path, std::filesystem::perms(0750));
-    makePrivateFolder(path);  // is there, and stays as its owner has made it
+    makePrivateFolder(path);  // exists already and keeps its permissions
     EXPECT_EQ(std::filesystem::status(path).permissions(), std::filesystem::perms(0750));
   }
   EXPECT_THROW(makePrivateFolder(folder.path() / "no/parent"), std::system_error);

@@ -32,7 +32,7 @@ TEST_F(NotificationCenter, TellsEachPostOnceAndOnlyItsOwn) {
   int count = 0;
   NotificationObserver observer("event", [&] { ++count; });
   EXPECT_FALSE(isReadable(observer));
-  for (int post = 1; post <= 3; ++post) {  // the first one makes the file
+  for (int post = 1; post <= 3; ++post) {  // the first one creates the file
     postNotification("event");
     EXPECT_TRUE(isReadable(observer));
     observer.deliver();
@@ -42,7 +42,7 @@ TEST_F(NotificationCenter, TellsEachPostOnceAndOnlyItsOwn) {
   postNotification("event");
   postNotification("event");
   observer.deliver();
-  EXPECT_EQ(count, 4);  // once for all that have come since
+  EXPECT_EQ(count, 4);  // one call for all events since the last
   postNotification("events");
   writeFile(directory() / "tavi.sqlite", "x");
   observer.deliver();

@@ -1,12 +1,12 @@
 #include "platform/system/preferences.h"
 #include "support/fuzzing.h"
 
-// Hostile bytes are either no property list or one and the same dictionary each time.
+// Fuzzes the parsers of property lists: bytes give no dictionary, or the same dictionary each time.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const std::string_view bytes = support::fuzzed(data, size);
   const auto dictionary = platform::system::parsePropertyList(bytes);
   const auto again = platform::system::parsePropertyList(bytes);
-  // Not by their values: a property list can hold NaN, which differs from itself.
+  // Does not compare values: a property list can contain NaN, which is not equal to itself.
   support::require(dictionary.has_value() == again.has_value());
   if (!dictionary) return 0;
   support::require(dictionary->size() == again->size());

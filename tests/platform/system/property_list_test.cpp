@@ -128,7 +128,7 @@ std::string bigEndian(std::uint64_t value, int size) {
   return bytes;
 }
 
-/// A dictionary whose every key is a text of its own, and whose values are all one long text.
+/// A dictionary with distinct keys, whose values all refer to the same long text.
 std::string binaryWithSharedText(std::size_t pairs, std::size_t textSize) {
   std::string bytes = "bplist00";
   std::string offsets;
@@ -178,7 +178,7 @@ TEST(PropertyList, ReadsBinaryTextsOfEveryWidthAndBrokenOnes) {
     EXPECT_EQ(parsePropertyList(withValue(object)), (PropertyDictionary{{"a", value}}))
         << object.size();
   }
-  // A count that reaches past the file, and one whose product overflows.
+  // A count that exceeds the file, and one whose size in bytes overflows.
   EXPECT_EQ(parsePropertyList(withValue("\x5F\x13\x7F\xFF\xFF\xFF\xFF\xFF\xFF\xFF")), std::nullopt);
   EXPECT_EQ(parsePropertyList(withValue("\x6F\x13\x80\x00\x00\x00\x00\x00\x00\x00"s)),
             std::nullopt);
