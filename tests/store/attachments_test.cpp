@@ -1,10 +1,12 @@
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <filesystem>
 #include <fstream>
 #include <map>
 #include <random>
 
+#include "store/temporary_file.h"
 #include "store_fixture.h"
 
 namespace tavi {
@@ -215,7 +217,14 @@ TEST_F(Attachments, SweepOnlyTheirOwnTemporaryFolders) {
   const fs::path holder = home.temporary() / "tavi-attach-0B9A6C1E-6076-437C-B7E8-566D8DF12426";
   fs::create_directories(holder);
   fs::create_symlink(home.database(), holder / "link");
+  const fs::path strangers = make("tavi-attach-0B9A6C1E-6076-437C-B7E8-566D8DF12427/theirs");
+  if (geteuid() == 0) {  // only the superuser can give a folder away
+    ASSERT_EQ(chown(strangers.parent_path().c_str(), 65534, 65534), 0);
+  }
+  const TemporaryFile inUse("y", "b");
   fresh()->addAttachment(id, "x", "a");
+  EXPECT_TRUE(fs::exists(inUse.path()));
+  EXPECT_EQ(fs::exists(strangers), geteuid() == 0);
   EXPECT_FALSE(fs::exists(left.parent_path()));
   for (const fs::path& path : others) EXPECT_TRUE(fs::exists(path)) << path;
   EXPECT_TRUE(fs::is_symlink(link));
@@ -275,6 +284,11 @@ TEST_F(Attachments, SayWhenTheBytesAreGone) {
   EXPECT_EQ(refusal([&] { fresh()->readAttachment(id, "gone.bin"); }), "store_unavailable");
   EXPECT_EQ(refusal([&] { fresh()->readAttachment(id, "climb.bin"); }), "store_unavailable");
   EXPECT_EQ(refusal([&] { fresh()->readAttachment(id, "other"); }), "attachment_not_found");
+  // Nor is the file of another name removed in its stead.
+  fresh()->addAttachment(id, "kept", "kept.bin");
+  otherProgram("INSERT INTO removedFile SELECT storedName || char(0) || 'x' FROM file");
+  EXPECT_EQ(fresh()->readAttachment(id, "kept.bin"), "kept");
+  EXPECT_EQ(fresh()->readAttachment(id, "kept.bin"), "kept");
 }
 
 // Whatever a stranger puts into the folder is not followed, not waited for and not removed.
