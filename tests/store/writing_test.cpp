@@ -215,18 +215,6 @@ TEST_F(Writing, RefusesLockedNotes) {
   EXPECT_EQ(value("SELECT text FROM note"), "# T\ntext");
 }
 
-// The stranger's write lies in the middle of ours: the text editor has read the note, and the save
-// is still to come. A gate that is passed in lets the test step in there.
-TEST_F(Writing, FindsAChangeBetweenItsReadAndItsSave) {
-  const std::string id = create("counter 1");
-  const auto ours = fresh();
-  EXPECT_EQ(ours->noteWithID(id).content, "counter 1");  // our read
-  otherProgram("UPDATE note SET text = 'counter 2'");
-  EXPECT_EQ(refusal([&] { ours->editNote(id, replaceEdit("1", "100"), {}); }),
-            "concurrent_modification");
-  EXPECT_EQ(text(id), "counter 2");
-}
-
 // Large texts are read and compared piece by piece. The stranger has no triggers, so that the text
 // alone tells.
 TEST_F(Writing, FindsAChangeInALargeText) {
