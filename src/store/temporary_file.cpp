@@ -116,7 +116,7 @@ void TemporaryFile::remove() {
 }
 
 void TemporaryFile::write(std::string_view bytes) {
-  FileDescriptor file(open(path_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
+  FileDescriptor file(open(path_.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600));
   if (!file) fail();
   constexpr std::size_t piece = 256 * 1024;  // writing 50 MB in one call takes three times as long
   while (!bytes.empty()) {

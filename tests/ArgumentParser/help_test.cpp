@@ -84,42 +84,6 @@ SUBCOMMANDS:
   See 'shelf help tags <subcommand>' for detailed help.)");
 }
 
-TEST(Help, WrapsToTheWidth) {
-  EXPECT_EQ(helpMessage({kShelf, commandType<shelf::List>()}, 40),
-            R"(OVERVIEW: List books.
-
-USAGE: shelf list [--sort <sort>] [--limit <limit>] [--offset <offset>] [--shelf <shelf>] [--count] [--format <format>] [--fields <fields>]
-
-OPTIONS:
-  -s, --sort <sort>       Sort field.
-                          (default:
-                          title)
-  -n, --limit <limit>     Maximum
-                          number of
-                          books.
-  -o, --offset <offset>   Number of
-                          books to
-                          skip.
-                          (default: 0)
-  --shelf <shelf>         Shelf to look
-                          at.
-  --count                 Print only
-                          the number of
-                          books.
-  --format <format>       Output
-                          format: tsv,
-                          csv, json.
-                          (values: tsv,
-                          csv, json;
-                          default: tsv)
-  --fields <fields>       Comma-separated
-                          field names,
-                          or "all".
-  -h, --help              Show help
-                          information.
-)");
-}
-
 TEST(Help, TakesTheWidthFromEnvironmentOrTerminal) {
   const auto width = [](const char* columns, const char* lines) {
     columns ? setenv("COLUMNS", columns, 1) : unsetenv("COLUMNS");

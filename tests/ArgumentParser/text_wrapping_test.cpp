@@ -68,9 +68,5 @@ TEST(TextWrapping, BreaksNoWordAndOverrunsOnlyForOne) {
   }
 }
 
-TEST(TextWrapping, IndentsLaterLines) {
-  EXPECT_EQ(withLaterLinesIndented("a\nb\nc", 2), "a\n  b\n  c");
-}
-
 }  // namespace
 }  // namespace ArgumentParser

@@ -38,17 +38,6 @@ TEST_F(ErrorReport, ComesFromTheStoreBeforeAnyCheckOfOurs) {
   EXPECT_EQ(run({"list", "--format", "json"}), json(1, "app_lock_enabled", message));
 }
 
-TEST_F(ErrorReport, OfALineThatCannotBeParsedShowsTheUsage) {
-  const Result plain = run({"trash", "--format=csv"});
-  EXPECT_EQ(plain.exitCode, 64);
-  EXPECT_EQ(plain.output, "");
-  EXPECT_TRUE(plain.errors.starts_with("Error: Unknown option '--format'\nUsage: tavicli trash"))
-      << plain.errors;
-  EXPECT_EQ(run({"trash", "ID-1", "--format=json"}),
-            json(64, "usage", "Unknown option '--format'"));
-  EXPECT_FALSE(opened);
-}
-
 TEST_F(ErrorReport, HelpsWithSearchesThatLookRight) {
   EXPECT_EQ(run({"search", "--title", "Mars"}),
             refused(64,

@@ -67,17 +67,6 @@ TEST(HelpPages, BreakNoWordAtAnyWidth) {
   });
 }
 
-TEST(HelpPages, NameEveryArgumentAtAnyWidth) {
-  forEachCommand({kRoot}, [](const CommandStack& stack) {
-    const DeclaredCommand declared(stack.back());
-    for (const int width : {20, 26, 27, 80, 200}) {
-      const std::string page = ArgumentParser::helpMessage(stack, width);
-      for (const ArgumentDefinition& argument : declared.arguments.definitions())
-        EXPECT_THAT(page, HasSubstr("\n  " + argument.label())) << width;
-    }
-  });
-}
-
 class PrintedHelp : public testing::CommandLine {
  protected:
   std::string page(const CommandStack& stack) {

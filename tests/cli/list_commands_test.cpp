@@ -12,7 +12,8 @@ class ListCommands : public CommandLine {
   Texts tags() { return metadata("ID-1").tags; }
 };
 
-TEST_F(ListCommands, TagsAreListed) {
+TEST_F(ListCommands, TagsAreListedAlsoOfLockedNotes) {
+  lock("ID-1");
   for (const auto& arguments :
        {Texts{"tags"}, {"tags", "list"}, {"tags", "ID-1"}, {"tags", "list", "-t", "mars"}})
     EXPECT_EQ(run(arguments), printed("#a\n#multi word#\n"));

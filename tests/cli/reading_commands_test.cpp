@@ -38,6 +38,8 @@ TEST_F(ReadingCommands, ListPrintsRowsOrTheirNumber) {
   EXPECT_EQ(run({"list"}), printed("ID-2\tVenus\t\nID-1\tMars\t#planet\n"));
   EXPECT_EQ(run({"list", "-l", "all", "-s", "title", "-n", "2", "--fields", "title"}),
             printed("Venus\nPluto\n"));
+  EXPECT_EQ(run({"list", "-l", "all", "-s", "title", "-n", "1", "-o", "1", "--fields", "title"}),
+            printed("Pluto\n"));
   EXPECT_EQ(run({"list", "--tag", "planet", "--fields", "id,content"}),
             printed("ID-1\t# Mars\\nred #planet\\nred\n"));
   EXPECT_EQ(run({"list", "--count", "--fields", "nosuch"}), printed("2\n"));

@@ -59,20 +59,8 @@ TEST_F(RefusedLines, ShowTheFaultTheArgumentAndTheUsageInTextAndInJSON) {
        {"list"},
        "Unknown option '-limit'. Did you mean '--limit'?\n"
        "   or: Missing value for '-l <location>' in '-limit'"},
-      {{"overwrite", "--hash", "x"},
-       {"overwrite"},
-       "Unknown option '--hash'. Did you mean '--base'?"},
-      {{"tags", "--counts"},
-       {"tags", "list"},
-       "Unknown option '--counts'. Did you mean '--count'?"},
-      {{"mcp-server", "--port", "1"}, {"mcp-server"}, "Unknown option '--port'"},
       {{"--format=csv", "list"}, {}, "Unknown option '--format'"},
       {{"list", "x", "-%=5"}, {}, "Invalid option: -%"},
-      {{"list", "--limit", "---x"}, {}, "Invalid option: ---x"},
-      {{"list", "--limit", "-5"},
-       {"list"},
-       "Missing value for '--limit <limit>'",
-       "--limit <limit>  Maximum number of notes to return. Default: all."},
       {{"attachments", "save", "x", "-f"},
        {"attachments", "save"},
        "Missing value for '-f <filename>'",
@@ -98,18 +86,6 @@ TEST_F(RefusedLines, ShowTheFaultTheArgumentAndTheUsageInTextAndInJSON) {
   };
   check(refusals);
   checkInJSON(refusals);
-}
-
-TEST_F(RefusedLines, MayTakeTheFormatForSomethingElse) {
-  check({{{"tags", "add", "x", "--format=csv"}, {"tags", "add"}, "Unknown option '--format'"},
-         {{"append", "x", "-c"},
-          {"append"},
-          "Missing value for '-c <content>'",
-          "-c <content>  Content to add to the note. Read from stdin when omitted. Interprets "
-          "\\n, \\t, \\r, \\\\."},
-         {{"lst"}, {}, "Unexpected argument 'lst'"},
-         {{"list", "--", "--count"}, {"list"}, "Unexpected argument '--count'"},
-         {{"help", "nosuch", "extra"}, {}, "2 unexpected arguments: 'nosuch', 'extra'"}});
 }
 
 }  // namespace

@@ -15,8 +15,9 @@ TEST_F(WritingCommands, CreatePrintsTheNewNote) {
   EXPECT_EQ(run({"create", "Venus", "-c", "hot\\ncloudy", "--tags", " #planet, ,hot", "--fields",
                  "title,tags,content"}),
             printed("Venus\t#hot,#planet\t# Venus\\n\\nhot\\ncloudy\\n\\n#planet #hot\n"));
-  EXPECT_EQ(run({"create", "--content", "# Io\nmoon", "--format", "json", "--fields", "title"}),
-            printed("{\"title\":\"Io\"}\n"));
+  EXPECT_EQ(run({"create", "--content", "# Io\nmoon", "--tags", "a", "--format", "json", "--fields",
+                 "title,tags"}),
+            printed("{\"title\":\"Io\",\"tags\":[\"#a\"]}\n"));
   EXPECT_EQ(run({"create", "MARS", "--if-not-exists", "--fields", "id"}), printed("ID-1\n"));
   EXPECT_EQ(run({"create"}), refused(64, "Provide a title, content, or both"));
 }
@@ -53,6 +54,10 @@ TEST_F(WritingCommands, OverwriteGuardsTheTextAndTheAttachments) {
   const std::string before = mars();
   EXPECT_EQ(run({"overwrite", "ID-1", "-c", "x"}).exitCode, 1);
   EXPECT_EQ(mars(), before);
+  EXPECT_EQ(run({"edit", "ID-1", "--find", "(a.png)", "--replace", ""}).exitCode, 1);
+  EXPECT_EQ(mars(), before);
+  EXPECT_EQ(run({"edit", "ID-1", "--find", "(a.png)", "--replace", "", "--force"}), printed(""));
+  store().addAttachment("ID-1", "bytes", "b.png");
   EXPECT_EQ(run({"overwrite", "ID-1", "-c", "x", "--force"}), printed(""));
   EXPECT_EQ(mars(), "x");
 }
@@ -111,7 +116,8 @@ TEST_F(WritingCommands, OnlyTheFlagKeepsTheModificationDate) {
   EXPECT_GT(modified(), before);
 }
 
-TEST_F(WritingCommands, NotesMoveAndOpen) {
+TEST_F(WritingCommands, NotesMoveAndOpenAlsoWhenLocked) {
+  lock("ID-1");
   for (const auto& [line, location] :
        {std::pair{std::vector<std::string>{"trash", "-t", "mars"}, NoteLocation::trash},
         {{"archive", "ID-1"}, NoteLocation::archive},

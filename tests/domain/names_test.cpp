@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include "domain/content_hash.h"
-#include "domain/note_records.h"
 #include "domain/tag_parser.h"
 
 namespace tavi {
@@ -21,20 +20,6 @@ TEST(TagParser, GivesTheTwoFormsOfATag) {
   EXPECT_EQ(TagParser::writtenForm("nested/child"), "#nested/child");
   EXPECT_EQ(TagParser::writtenForm("multi word"), "#multi word#");
   EXPECT_EQ(TagParser::writtenForm("line\nbreak"), std::nullopt);
-}
-
-TEST(RawTexts, AreMatchedExactly) {
-  for (const NoteLocation location :
-       {NoteLocation::notes, NoteLocation::trash, NoteLocation::archive}) {
-    EXPECT_EQ(noteLocation(rawText(location)), location);
-  }
-  EXPECT_EQ(rawText(NoteLocation::archive), "archive");
-  EXPECT_EQ(insertPosition("end"), InsertPosition::end);
-  EXPECT_EQ(rawText(InsertPosition::beginning), "beginning");
-  for (const char* text : {"", "all", "Trash", " trash"}) {
-    EXPECT_EQ(noteLocation(text), std::nullopt) << text;
-  }
-  EXPECT_EQ(insertPosition("End"), std::nullopt);
 }
 
 }  // namespace

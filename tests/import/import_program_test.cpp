@@ -62,9 +62,7 @@ TEST_F(ImportProgram, EndsAsTheOtherProgramsDo) {
 }
 
 TEST_F(ImportProgram, TakesNothingInWhileTheApplicationIsLocked) {
-  fs::create_directories(home.path() / "Library/Preferences");
-  std::ofstream(home.path() / "Library/Preferences/X7Q2M5R8K1.net.kelvaro.tavi.plist")
-      << R"(<plist version="1.0"><dict><key>applicationLockingEnabled</key><true/></dict></plist>)";
+  home.lockApplication();
   EXPECT_THAT(import({folder}).errors, HasSubstr("app lock"));
   EXPECT_FALSE(fs::exists(home.database()));
 }

@@ -151,13 +151,6 @@ TEST_F(Server, AnswersEachKindOfLine) {
   EXPECT_THAT(events, IsEmpty());
 }
 
-TEST_F(Server, GivesAnAnswerAsTextAndAsStructure) {
-  EXPECT_EQ(call("look"), R"({"id":1,"jsonrpc":"2.0","result":{"content":[{"text":)"
-                          R"("{\"a\":\"b\\\/\\\"c\"}","type":"text"}],)"
-                          R"("structuredContent":{"a":"b\/\"c"}}})"
-                          "\n");
-}
-
 TEST_F(Server, TurnsFailuresOfToolAndStoreIntoResults) {
   EXPECT_EQ(call("refuse"),
             R"({"id":1,"jsonrpc":"2.0","result":{"content":[{"text":"Note has changed since last )"
@@ -172,6 +165,8 @@ TEST_F(Server, TurnsFailuresOfToolAndStoreIntoResults) {
   EXPECT_EQ(call("look"), R"({"id":1,"jsonrpc":"2.0","result":{"content":[{"text":)"
                           R"("disk\/full","type":"text"}],"isError":true}})"
                           "\n");
+  open = []() -> std::unique_ptr<NoteStore> { throw std::bad_alloc(); };
+  EXPECT_THAT(call("look"), ::testing::HasSubstr(R"("There is not enough memory")"));
 }
 
 TEST_F(Server, OpensAStoreForEachCallAndSignalsAfterSuccessfulWritesOnly) {

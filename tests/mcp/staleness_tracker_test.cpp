@@ -62,12 +62,5 @@ TEST_F(StalenessTrackerTest, TakesAMissingFileForAnotherBuild) {
   EXPECT_TRUE(checkAt(0s));
 }
 
-TEST_F(StalenessTrackerTest, IsOffWithoutABaseline) {
-  StalenessTracker off{std::nullopt, provider};
-  onDisk.uuid = {2};
-  EXPECT_FALSE(off.checkForStaleness({}));
-  EXPECT_EQ(looks, 0);
-}
-
 }  // namespace
 }  // namespace tavi::mcp

@@ -22,17 +22,6 @@ class LocationOperations : public StoreTest {
   }
 };
 
-TEST_F(LocationOperations, MoveALockedNoteByTitleAndBackById) {
-  lock(add("# Mars"));
-  EXPECT_EQ(ArchiveNoteOp::execute({.title = "mars"}, store()).location, NoteLocation::archive);
-  EXPECT_EQ(TrashNoteOp::execute({.id = "ID-1"}, store()).location, NoteLocation::trash);
-  EXPECT_EQ(TrashNoteOp::execute({.id = "ID-1"}, store()).location, std::nullopt);
-  EXPECT_EQ(refusal([&] { RestoreNoteOp::execute({.title = "Mars"}, store()); }),
-            "note_not_found: No note with title: Mars "
-            "(in notes — use note ID for trash/archive)");
-  EXPECT_EQ(RestoreNoteOp::execute({.id = "ID-1"}, store()).location, NoteLocation::notes);
-}
-
 TEST_F(LocationOperations, OpenNamesTheNoteAndWhatToDo) {
   lock(add("# Mars"));
   const std::string base = "tavi://x-callback-url/open-note?id=";

@@ -25,10 +25,6 @@ TEST_F(NoteResolver, WantsExactlyOneIdentificationThatIsNotBlank) {
   }
 }
 
-TEST_F(NoteResolver, PassesAnIdOnAsItIs) {
-  EXPECT_EQ(Resolver::resolveNoteID(" no such ", {}, store()), " no such ");
-}
-
 TEST_F(NoteResolver, LooksATitleUpAsTheOperationTreatsLockedNotes) {
   lock(add("# Mars"));
   EXPECT_EQ(refusal([&] { Resolver::resolveNoteID({}, "mars", store()); }),

@@ -66,33 +66,6 @@ TEST_F(ReadOperations, ReadNoteContentChecksItsNumbersFirst) {
             "invalid input: Limit must be non-negative");
 }
 
-TEST_F(ReadOperations, ListNotesFiltersAndPages) {
-  for (const char* text : {"# Mars", "# Venus", "# Earth\n#home/blue", "# Pluto"}) add(text);
-  store().moveNote("ID-4", NoteLocation::archive);
-
-  EXPECT_THAT(listed({}), ElementsAre("Earth", "Venus", "Mars"));
-  EXPECT_THAT(listed({.sort = "title:asc", .location = "all"}),
-              ElementsAre("Earth", "Mars", "Pluto", "Venus"));
-  EXPECT_THAT(listed({.limit = 1, .offset = 1}), ElementsAre("Venus"));
-  EXPECT_THAT(listed({.offset = 9}), IsEmpty());
-  EXPECT_THAT(listed({.location = "archive"}), ElementsAre("Pluto"));
-  EXPECT_THAT(listed({.tag = " #home# "}), ElementsAre("Earth"));
-}
-
-TEST_F(ReadOperations, ListNotesGivesTheFormThatWasAskedFor) {
-  add("# Mars\n#planet");
-  for (const std::optional<std::string>& tag : {std::optional<std::string>(), {"planet"}}) {
-    const auto output = ListNotesOp::execute({.includeContent = true, .tag = tag}, store());
-    std::get<RecordList<Note>>(output)->forEach(
-        [](const Note& note) { EXPECT_EQ(note.content, "# Mars\n#planet"); });
-    EXPECT_EQ(std::get<RecordList<Note>>(output)->count(), 1);
-  }
-  EXPECT_EQ(std::get<RecordList<Note>>(
-                ListNotesOp::execute({.limit = 0, .includeContent = true}, store()))
-                ->count(),
-            0);
-}
-
 TEST_F(ReadOperations, ListNotesChecksInOrder) {
   for (const auto& [input, message] : {
            std::pair{ListNotesInput{.sort = "size", .limit = -1},
@@ -117,14 +90,6 @@ TEST_F(ReadOperations, ALimitOfZeroFindsNothingAndAsksNothing) {
   EXPECT_EQ(std::get<RecordList<SearchResult>>(results)->count(), 0);
   EXPECT_THAT(SearchInNoteOp::execute({.id = "none", .string = "x", .limit = 0}, store()),
               IsEmpty());
-}
-
-TEST_F(ReadOperations, SearchNotesHandsTheQueryOnAsItIs) {
-  add("# Mars\na red planet, red");
-  const auto results = SearchNotesOp::execute({.query = "\" red\""}, store());
-  EXPECT_EQ(all(std::get<RecordList<SearchResult>>(results)).at(0).matchCount, 2);
-  EXPECT_EQ(refusal([&] { SearchNotesOp::execute({.query = " \n", .sort = "size"}, store()); }),
-            "invalid input: Query is required");
 }
 
 TEST_F(ReadOperations, SearchInNoteChecksItsNumbersFirst) {

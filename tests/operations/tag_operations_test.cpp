@@ -24,21 +24,6 @@ class TagOperations : public StoreTest {
   }
 };
 
-TEST_F(TagOperations, ListTagsOfOneNoteOrOfAll) {
-  lock("ID-2");
-  EXPECT_THAT(ListTagsOp::execute({}, store()), ElementsAre("planet", "red"));
-  EXPECT_THAT(ListTagsOp::execute({.title = "venus"}, store()), ElementsAre("planet"));
-  EXPECT_EQ(refusal([&] { ListTagsOp::execute({.id = ""}, store()); }),
-            "invalid input: Note ID must not be empty");
-}
-
-TEST_F(TagOperations, AddAndRemoveTakeNamesInAnyForm) {
-  const auto added = AddTagsOp::execute({.id = "ID-2", .tags = {"#hot ", "planet"}}, store());
-  EXPECT_THAT(*added.tags, ElementsAre("hot", "planet"));
-  const auto removed = RemoveTagsOp::execute({.id = "ID-2", .tags = {"#hot", "cold"}}, store());
-  EXPECT_THAT(*removed.tags, ElementsAre("planet"));
-}
-
 TEST_F(TagOperations, AddAndRemoveCheckTheNamesBeforeTheNote) {
   EXPECT_EQ(refusal([&] { AddTagsOp::execute({}, store()); }),
             "invalid input: Provide at least one tag");

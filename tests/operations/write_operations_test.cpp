@@ -1,15 +1,14 @@
 #include "operations/write_operations.h"
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "operations/attachment_operations.h"
 #include "refusal.h"
 #include "support/store_test.h"
 
 namespace tavi {
 namespace {
 
-using ::testing::ElementsAre;
 using testing::refusal;
 
 using WriteOperations = StoreTest;
@@ -32,19 +31,6 @@ TEST_F(WriteOperations, CreateNoteDropsARepeatedTitleFromTheContent) {
   }
 }
 
-TEST_F(WriteOperations, CreateNoteFromTextAddsTheTags) {
-  const Note note = CreateNoteOp::execute({.content = "# Mars\nred", .tags = {"#a", ""}}, store());
-  EXPECT_EQ(note.content, "# Mars\nred\n\n#a");
-  EXPECT_THAT(note.metadata.tags, ElementsAre("a"));
-}
-
-TEST_F(WriteOperations, CreateNoteReturnsTheExistingNoteWhenAskedTo) {
-  add("# Mars\nold");
-  const Note note =
-      CreateNoteOp::execute({.title = "mars", .content = "new", .ifNotExists = true}, store());
-  EXPECT_EQ(note.content, "# Mars\nold");
-}
-
 TEST_F(WriteOperations, CreateNoteWantsATitleOrAText) {
   for (const auto& [input, message] : {
            std::pair{CreateNoteInput{}, "Provide a title, content, or both"},
@@ -57,16 +43,6 @@ TEST_F(WriteOperations, CreateNoteWantsATitleOrAText) {
               std::string("invalid input: ") + message);
   }
   EXPECT_EQ(value("SELECT count(*) FROM note"), "0");
-}
-
-TEST_F(WriteOperations, AppendToNoteInsertsAtEitherEnd) {
-  add("# Mars\nred");
-  AppendToNoteOp::execute({.id = "ID-1", .content = "dust"}, store());
-  AppendToNoteOp::execute({.title = "Mars", .content = "hot", .position = "beginning"}, store());
-  AppendToNoteOp::execute({.id = "ID-1", .content = "", .position = "end"}, store());
-  EXPECT_EQ(text("ID-1"), "# Mars\nhot\nred\ndust");
-  EXPECT_EQ(refusal([&] { AppendToNoteOp::execute({.content = "", .position = "End"}, store()); }),
-            "invalid input: Invalid position: End");
 }
 
 TEST_F(WriteOperations, EditNoteAppliesOneEditPlainAndSeveralAsABatch) {
@@ -109,39 +85,9 @@ TEST_F(WriteOperations, EditNoteChecksEveryEditBeforeAnythingElse) {
             "invalid input: Note ID or title is required");
 }
 
-TEST_F(WriteOperations, AWriteThatDropsAnAttachmentMustSaySo) {
-  add("# Mars");
-  store().addAttachment("ID-1", "bytes", "a.png");
-  const std::string before = text("ID-1");
-  const auto overwrite = [&](std::optional<std::vector<std::string>> expected, bool force) {
-    return refusal([&] {
-             OverwriteNoteOp::execute(
-                 {.id = "ID-1", .content = "gone", .expectedRemovedAttachments = expected}, store(),
-                 force);
-           })
-        .substr(0, 26);
-  };
-  EXPECT_EQ(overwrite({}, false), "attachment_removal_blocked");
-  EXPECT_EQ(overwrite({{}}, false), "attachment_removal_blocked");
-  EXPECT_EQ(overwrite({{"a.png", "b.png"}}, false), "attachment_removal_blocked");
-  EXPECT_EQ(text("ID-1"), before);
-  EXPECT_EQ(overwrite({{"a.png"}}, false), "");
-
-  add("# Venus");
-  store().addAttachment("ID-2", "bytes", "b.png");
-  EditNoteOp::execute({.id = "ID-2", .edits = {{.find = "(b.png)", .replace = ""}}}, store(), true);
-  EXPECT_TRUE(metadata("ID-2").attachments.empty());
-}
-
-TEST_F(WriteOperations, OverwriteNoteComparesTheHashWhereOneIsGiven) {
-  const std::string hash = metadata(add("red")).contentHash;
-  OverwriteNoteOp::execute({.id = "ID-1", .content = "1", .baseHash = hash}, store());
-  EXPECT_EQ(refusal([&] {
-              OverwriteNoteOp::execute({.id = "ID-1", .content = "2", .baseHash = hash}, store());
-            }).substr(0, 13),
-            "hash_mismatch");
-  OverwriteNoteOp::execute({.id = "ID-1", .content = "3"}, store());
-  EXPECT_EQ(text("ID-1"), "3");
+TEST_F(WriteOperations, AddAttachmentWantsBytesBeforeItLooksForTheNote) {
+  EXPECT_EQ(refusal([&] { AddAttachmentOp::execute({.filename = "a"}, store()); }),
+            "invalid input: Attachment data is empty");
 }
 
 }  // namespace

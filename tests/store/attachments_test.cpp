@@ -1,10 +1,13 @@
 #include <sys/stat.h>
+#include <unistd.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <map>
 #include <random>
 
+#include "store/temporary_file.h"
 #include "store_fixture.h"
 
 namespace tavi {
@@ -211,14 +214,22 @@ TEST_F(Attachments, SweepOnlyTheirOwnTemporaryFolders) {
       make("tavi-attach-0b9a6c1e-6076-437c-b7e8-566d8df12423/small"),
       make("tavi-attach-0B9A6C1E-6076-437C-B7E8-566D8DF12424 copy/x")};
   const fs::path link = home.temporary() / "tavi-attach-0B9A6C1E-6076-437C-B7E8-566D8DF12425";
-  fs::create_directory_symlink(home.path(), link);
+  fs::create_directory_symlink(home.path() / "mine", link);
+  std::ofstream(make("../mine/only")) << "x";
   const fs::path holder = home.temporary() / "tavi-attach-0B9A6C1E-6076-437C-B7E8-566D8DF12426";
   fs::create_directories(holder);
   fs::create_symlink(home.database(), holder / "link");
+  const fs::path strangers = make("tavi-attach-0B9A6C1E-6076-437C-B7E8-566D8DF12427/theirs");
+  if (geteuid() == 0) {  // only the superuser can give a folder away
+    ASSERT_EQ(chown(strangers.parent_path().c_str(), 65534, 65534), 0);
+  }
+  const TemporaryFile inUse("y", "b");
   fresh()->addAttachment(id, "x", "a");
+  EXPECT_TRUE(fs::exists(inUse.path()));
+  EXPECT_EQ(fs::exists(strangers), geteuid() == 0);
   EXPECT_FALSE(fs::exists(left.parent_path()));
   for (const fs::path& path : others) EXPECT_TRUE(fs::exists(path)) << path;
-  EXPECT_TRUE(fs::is_symlink(link));
+  EXPECT_TRUE(fs::exists(link / "only"));
   EXPECT_TRUE(fs::is_symlink(holder / "link"));
 }
 
@@ -230,6 +241,10 @@ TEST_F(Attachments, GiveWayToAFileOfTheSameName) {
   fresh()->addAttachment(id, "3", "photo.jpg");
   EXPECT_EQ(fresh()->readAttachment(id, "photo.jpg"), "1");
   EXPECT_EQ(fresh()->readAttachment(id, "photo 3.jpg"), "3");
+  const std::string longest(255, 'x');
+  fresh()->addAttachment(id, "4", longest);
+  EXPECT_THROW(fresh()->addAttachment(id, "5", longest), std::runtime_error)
+      << "\" 2\" has no room";
 }
 
 TEST_F(Attachments, AreDeletedWithTheirLinkAndBytes) {
@@ -253,7 +268,7 @@ TEST_F(Attachments, RefuseAHostileNameAndWriteNothing) {
   for (const std::string& name :
        {std::string(), std::string("."), std::string(".."), std::string("../x"),
         std::string("/etc/x"), std::string("a\0b", 3), std::string(300, 'x'),
-        std::string("\xFF.txt")}) {
+        std::string("\xFF.txt"), std::string("\x1B[2J\n/")}) {
     std::string said;
     try {
       fresh()->addAttachment(id, "x", name);
@@ -261,6 +276,7 @@ TEST_F(Attachments, RefuseAHostileNameAndWriteNothing) {
       said = error.what();
     }
     EXPECT_TRUE(said.starts_with("The file name \"") && said.ends_with(".")) << name << said;
+    EXPECT_EQ(std::count_if(said.begin(), said.end(), [](char c) { return c >= 0 && c < ' '; }), 0);
   }
   EXPECT_EQ(text(id), before);
   EXPECT_EQ(storedFiles(), 0U);
@@ -275,6 +291,11 @@ TEST_F(Attachments, SayWhenTheBytesAreGone) {
   EXPECT_EQ(refusal([&] { fresh()->readAttachment(id, "gone.bin"); }), "store_unavailable");
   EXPECT_EQ(refusal([&] { fresh()->readAttachment(id, "climb.bin"); }), "store_unavailable");
   EXPECT_EQ(refusal([&] { fresh()->readAttachment(id, "other"); }), "attachment_not_found");
+  // Nor is the file of another name removed in its stead.
+  fresh()->addAttachment(id, "kept", "kept.bin");
+  otherProgram("INSERT INTO removedFile SELECT storedName || char(0) || 'x' FROM file");
+  EXPECT_EQ(fresh()->readAttachment(id, "kept.bin"), "kept");
+  EXPECT_EQ(fresh()->readAttachment(id, "kept.bin"), "kept");
 }
 
 // Whatever a stranger puts into the folder is not followed, not waited for and not removed.

@@ -32,6 +32,7 @@ TEST_F(Reading, ConvertsANoteToItsMetadata) {
 
 TEST_F(Reading, HidesWhatALockedNoteHolds) {
   const std::string id = create("# Secret\n- [ ] x #tag");
+  fresh()->addAttachment(id, "x", "a.png");
   lock(id);
   const NoteMetadata read = metadata(id);
   EXPECT_TRUE(read.locked);
@@ -44,9 +45,17 @@ TEST_F(Reading, HidesWhatALockedNoteHolds) {
   EXPECT_EQ(fresh()->metadataWithTitle("secret").id, id);
   EXPECT_EQ(fresh()->listTags(id), Texts{"tag"});
   const auto store = fresh();
+  const NoteMetadata listed = all(store->listNotes({.detailed = true})).at(0);
+  EXPECT_EQ(listed.contentHash, "");
+  EXPECT_EQ(listed.contentLength + listed.todos + listed.done, 0);
+  EXPECT_EQ(listed.attachments, Texts{});
   EXPECT_EQ(all(store->listNotesWithContent({})).at(0).content, "");
   EXPECT_EQ(all(store->searchNotesWithContent("secret", {})).at(0).note.content, "");
   EXPECT_TRUE(all(store->searchNotes("tag", {})).empty());
+  EXPECT_EQ(fresh()->createNoteIfAbsent("secret", {}, {}).content, "");
+  const std::string odd = fresh()->createNoteIfAbsent("#", "Body", {}).metadata.id;
+  lock(odd);
+  EXPECT_NE(fresh()->createNoteIfAbsent("#", "Body", {}).metadata.id, odd) << "how it begins";
 }
 
 TEST_F(Reading, FindsTitlesAmongActiveNotesOnly) {
@@ -223,11 +232,7 @@ TEST_F(Reading, TellsNothingOfALockedText) {
 }
 
 TEST_F(Reading, RefusesEverythingWhileTheApplicationIsLocked) {
-  const auto folder = home.path() / "Library/Preferences";
-  std::filesystem::create_directories(folder);
-  std::ofstream(folder / "X7Q2M5R8K1.net.kelvaro.tavi.plist")
-      << "<?xml version=\"1.0\"?><plist version=\"1.0\"><dict>"
-         "<key>applicationLockingEnabled</key><true/></dict></plist>";
+  home.lockApplication();
   EXPECT_EQ(refusal([&] { fresh(); }), "app_lock_enabled");
   EXPECT_FALSE(std::filesystem::exists(home.data())) << "nothing was opened";
 }

@@ -215,17 +215,6 @@ TEST_F(Writing, RefusesLockedNotes) {
   EXPECT_EQ(value("SELECT text FROM note"), "# T\ntext");
 }
 
-// The other program writes between our read of the note and our save.
-TEST_F(Writing, FindsAChangeBetweenItsReadAndItsSave) {
-  const std::string id = create("counter 1");
-  const auto ours = fresh();
-  EXPECT_EQ(ours->noteWithID(id).content, "counter 1");  // our read
-  otherProgram("UPDATE note SET text = 'counter 2'");
-  EXPECT_EQ(refusal([&] { ours->editNote(id, replaceEdit("1", "100"), {}); }),
-            "concurrent_modification");
-  EXPECT_EQ(text(id), "counter 2");
-}
-
 // Large texts are read and compared in parts. The other program drops the triggers first, so that
 // only the text shows its change.
 TEST_F(Writing, FindsAChangeInALargeText) {

@@ -135,6 +135,13 @@ TEST_F(Backup, RestoredBesideTheLogOfAnotherStateIsRefusedAndBothStay) {
       EXPECT_TRUE(result.errors.starts_with("Error: The Tavi database does not belong to the log"))
           << result.errors;
     }
+    for (int round = 0; round < 10; ++round) {  // each must be alone when it looks
+      std::vector<std::thread> readers;
+      for (int i = 0; i < 4; ++i) {
+        readers.emplace_back([] { EXPECT_EQ(runProgram({"list"}).exitCode, 1); });
+      }
+      for (std::thread& reader : readers) reader.join();
+    }
     EXPECT_EQ(fs::exists(home.database()), !missing);
     EXPECT_EQ(bytes(missing ? older : home.database()), bytes(older));
     EXPECT_EQ(bytes(log()), bytes(home.path() / "log"));

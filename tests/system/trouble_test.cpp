@@ -56,7 +56,7 @@ class Trouble : public testing::Test {
   }
 
   static constexpr const char* kept = "# Kept\n\nold text";
-  support::ThrowawayHome home;
+  support::ThrowawayHome home{support::ThrowawayHome::On::memory};
   std::string id;
 };
 
@@ -204,7 +204,9 @@ TEST_F(Trouble, EverythingIsPrivateAndUsableUnderAnyUmask) {
 }
 
 #ifdef FAILING_CALLS_LIBRARY
-class FailingCalls : public Trouble {
+using Command = std::vector<std::string>;
+
+class FailingCalls : public Trouble, public testing::WithParamInterface<Command> {
  protected:
   /// Runs the command on a fresh copy of the notes; the call of that number fails.
   ProgramResult runFailing(const std::vector<std::string>& command, int call, int error) {
@@ -232,50 +234,50 @@ class FailingCalls : public Trouble {
   }
 };
 
+INSTANTIATE_TEST_SUITE_P(
+    Writes, FailingCalls,
+    testing::Values(Command{"append", "$", "--content", "appended"}, Command{"create", "Another"},
+                    Command{"edit", "$", "--find", "old text", "--replace", "new text"},
+                    Command{"tags", "rename", "tag", "other"},
+                    Command{"attachments", "add", "$", "--filename", "new.bin"},
+                    Command{"attachments", "delete", "$", "--filename", "old.bin"},
+                    Command{"trash", "$"}));
+
 // Each call that changes a file fails once, at every point of every kind of write.
-TEST_F(FailingCalls, LeaveTheStateBeforeOrAfter) {
+TEST_P(FailingCalls, LeaveTheStateBeforeOrAfter) {
   runProgram({"attachments", "add", id, "--filename", "old.bin"}, "old bytes");
   runProgram({"create", "Tagged", "--tags", "tag"});
   support::ForeignClient(home.database()).run("PRAGMA wal_checkpoint(TRUNCATE)");
   const std::string before = state();
   fs::copy(home.data(), home.path() / "pristine", fs::copy_options::recursive);
-  const std::vector<std::vector<std::string>> commands = {
-      {"append", id, "--content", "appended"},
-      {"create", "Another"},
-      {"edit", id, "--find", "old text", "--replace", "new text"},
-      {"tags", "rename", "tag", "other"},
-      {"attachments", "add", id, "--filename", "new.bin"},
-      {"attachments", "delete", id, "--filename", "old.bin"},
-      {"trash", id},
-  };
-  for (const auto& command : commands) {
-    constexpr int none = 10'000;
-    ASSERT_EQ(runFailing(command, none, EIO).exitCode, 0);
-    const std::string after = state();
-    const std::size_t filesAfter = storedFiles();
-    for (const int error : {ENOSPC, EIO}) {
-      const std::regex cause(error == ENOSPC ? "full|No space|cannot open"
-                                             : "nput/output|cannot open");
-      int call = 1;
-      for (;; ++call) {
-        ASSERT_LT(call, 200);
-        const ProgramResult result = runFailing(command, call, error);
-        if (!hasFailed()) break;
-        if (result.exitCode == 0) {  // what failed was tidying up, which the next command does
-          EXPECT_EQ(state(), after) << command[0] << ", call " << call;
-          EXPECT_EQ(runProgram({"cat", id}).exitCode, 0);
-          EXPECT_EQ(storedFiles(), filesAfter) << command[0] << ", call " << call;
-          continue;
-        }
-        expectOneSentence(result, "");
-        EXPECT_TRUE(std::regex_search(result.errors, cause))
-            << command[0] << ", call " << call << ": " << result.errors;
-        EXPECT_EQ(state(), before) << command[0] << ", call " << call;
-        EXPECT_EQ(runProgram({"cat", id}).exitCode, 0);  // this clears up
-        EXPECT_EQ(storedFiles(), 1U) << command[0] << ", call " << call;
+  Command command = GetParam();
+  std::replace(command.begin(), command.end(), std::string("$"), id);
+  constexpr int none = 10'000;
+  ASSERT_EQ(runFailing(command, none, EIO).exitCode, 0);
+  const std::string after = state();
+  const std::size_t filesAfter = storedFiles();
+  for (const int error : {ENOSPC, EIO}) {
+    const std::regex cause(error == ENOSPC ? "full|No space|cannot open"
+                                           : "nput/output|cannot open");
+    int call = 1;
+    for (;; ++call) {
+      SCOPED_TRACE(call);
+      ASSERT_LT(call, 200);
+      const ProgramResult result = runFailing(command, call, error);
+      if (!hasFailed()) break;
+      if (result.exitCode == 0) {  // what failed was tidying up, which the next command does
+        EXPECT_EQ(state(), after);
+        EXPECT_EQ(runProgram({"cat", id}).exitCode, 0);
+        EXPECT_EQ(storedFiles(), filesAfter);
+        continue;
       }
-      EXPECT_GT(call, 3) << command[0];
+      expectOneSentence(result, "");
+      EXPECT_TRUE(std::regex_search(result.errors, cause)) << result.errors;
+      EXPECT_EQ(state(), before);
+      EXPECT_EQ(runProgram({"cat", id}).exitCode, 0);  // this clears up
+      EXPECT_EQ(storedFiles(), 1U);
     }
+    EXPECT_GT(call, 3);
   }
 }
 #endif

@@ -48,12 +48,12 @@ Ranks firstLinks(const std::vector<KVNoteFile>& files, const std::vector<FileLin
 
 std::vector<KVNoteFile> filesAfterChange(std::vector<KVNoteFile> files,
                                          const std::vector<FileLink>& before,
-                                         const std::vector<FileLink>& after, UnlinkedFiles policy) {
+                                         const std::vector<FileLink>& after) {
   if (files.empty()) return files;
   const Ranks now = firstLinks(files, after);
   std::vector<std::size_t> order(files.size());
   std::iota(order.begin(), order.end(), std::size_t{0});
-  if (policy == UnlinkedFiles::remove) {
+  if (!before.empty()) {
     const Ranks then = firstLinks(files, before);
     std::erase_if(order, [&](std::size_t i) { return then[i] != unlinked && now[i] == unlinked; });
   }

@@ -17,11 +17,10 @@ enum class UnlinkedFiles {
 /// those that it does not link come last, in the order that they had. `position` counts from 0.
 ///
 /// A link names the files of exactly its name, or, where the note has none, those of a canonically
-/// equivalent one. `before` is only needed for `UnlinkedFiles::remove`: a file that the old text
-/// did not link stays in any case.
+/// equivalent one. A file that `before` links and `after` does not is left out; one that neither
+/// links stays. So an empty `before` keeps all files.
 std::vector<KVNoteFile> filesAfterChange(std::vector<KVNoteFile> files,
                                          const std::vector<zephyrdown::FileLink>& before,
-                                         const std::vector<zephyrdown::FileLink>& after,
-                                         UnlinkedFiles unlinked);
+                                         const std::vector<zephyrdown::FileLink>& after);
 
 }  // namespace tavimodel

@@ -159,8 +159,7 @@ void KVNote::updateNoteWithText(std::string text, bool updateModificationDate,
   if (rewritten && unlinked == UnlinkedFiles::remove && !orderedFiles().empty()) {
     linkedBefore = zephyrdown::textSummary(this->text()).files;
   }
-  std::vector<KVNoteFile> files =
-      filesAfterChange(orderedFiles(), linkedBefore, summary.files, unlinked);
+  std::vector<KVNoteFile> files = filesAfterChange(orderedFiles(), linkedBefore, summary.files);
   // Read in any case: the save compares with what was there.
   const std::vector<std::string>& tags = tagsStrings();
   const bool agrees = title() == summary.title && areSame(tags, summary.tags) &&

@@ -32,7 +32,6 @@ bool tidy(sqlite::Connection& connection, FileStore& files, IndexUpdate updateIn
 void closeWhole(std::unique_ptr<sqlite::Connection> connection,
                 const std::filesystem::path& folder) {
   if (!canWrite(*connection) || logSize(databaseIn(folder)) == 0) return;
-  connection->setBusyTimeout(0);
   // Of two processes that close at once each would leave the log to the other.
   const FolderLock oneAtATime(folder, std::chrono::milliseconds(100));
   sqlite3_wal_checkpoint_v2(connection->handle(), nullptr, SQLITE_CHECKPOINT_TRUNCATE, nullptr,

@@ -17,7 +17,7 @@ bool tidy(sqlite::Connection& connection, FileStore& files, IndexUpdate updateIn
           TidyBudget budget);
 
 /// Writes the log back, which leaves it empty unless another connection is reading it, and closes
-/// the database.
+/// the database. Comes after `tidy`, from which on the connection waits for no lock.
 void closeWhole(std::unique_ptr<sqlite::Connection> connection,
                 const std::filesystem::path& folder);
 

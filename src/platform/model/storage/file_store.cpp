@@ -33,7 +33,7 @@ void syncFolder(const fs::path& path) {
 /// Creates the file and locks it. A sweep may take a file between the two: then it is made anew.
 FileDescriptor createLocked(const fs::path& path) {
   while (true) {
-    FileDescriptor file(open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
+    FileDescriptor file(open(path.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600));
     if (!file) fail(path, "Could not create the file");
     // A umask may have taken rights from the owner, too.
     if (fchmod(file.get(), 0600) != 0) fail(path, "Could not create the file");
@@ -52,8 +52,7 @@ FileDescriptor createLocked(const fs::path& path) {
 FileDescriptor moveLocked(const fs::path& source, const fs::path& target) {
   FileDescriptor file(open(source.c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC));
   struct stat status {};
-  if (!file || fstat(file.get(), &status) != 0) return {};
-  if (!S_ISREG(status.st_mode) || status.st_nlink != 1) return {};
+  if (!file || fstat(file.get(), &status) != 0 || status.st_nlink != 1) return {};
   if (flock(file.get(), LOCK_EX | LOCK_NB) != 0 || fchmod(file.get(), 0600) != 0) return {};
   if (rename(source.c_str(), target.c_str()) != 0) return {};
   return file;
@@ -143,11 +142,8 @@ void FileStore::discardStaged() {
 
 std::optional<fs::path> FileStore::locate(std::string_view storedName) const {
   // A stored name from the database is not trusted to stay inside the folder.
-  if (storedName.empty() || storedName.front() == '.' ||
-      storedName.find('/') != std::string_view::npos ||
-      storedName.find('\0') != std::string_view::npos) {
-    return std::nullopt;
-  }
+  if (storedName.find('/') != std::string_view::npos) return std::nullopt;
+  if (storedName.find('\0') != std::string_view::npos) return std::nullopt;
   for (const fs::path& path : {folder_ / storedName, folder_ / "staged" / storedName}) {
     if (isRegularFile(path)) return path;
   }
@@ -169,7 +165,8 @@ void FileStore::sweepStaged(sqlite::Connection& connection) {
     // What is no regular file is not ours: it is neither followed nor waited for.
     const FileDescriptor file(
         open(entry.path().c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
-    if (!file || !isRegularFile(entry.path())) continue;
+    struct stat status {};
+    if (!file || fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode)) continue;
     if (flock(file.get(), LOCK_EX | LOCK_NB) != 0) continue;  // being written
     const std::string name = entry.path().filename();
     if (hasRow(connection, name)) {

@@ -1,13 +1,12 @@
 #include <fmt/format.h>
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sqlite3.h>
 
 #include <algorithm>
-#include <chrono>
 #include <filesystem>
 #include <fstream>
 #include <memory>
+#include <utility>
 
 #include "platform/model/objects/core_data_stack.h"
 #include "platform/model/objects/errors.h"
@@ -56,19 +55,6 @@ int conflictCode(ManagedObjectContext& context) {
   return 0;
 }
 
-TEST_F(Model, MakesItsFolderAndFilesPrivateWhateverTheUmask) {
-  const mode_t before = umask(0);
-  create("# a");
-  umask(before);
-  const auto mode = [](const std::filesystem::path& path) {
-    return static_cast<unsigned>(std::filesystem::status(path).permissions());
-  };
-  EXPECT_EQ(mode(home.data()), 0700U);
-  EXPECT_EQ(mode(home.data() / "files"), 0700U);
-  EXPECT_EQ(mode(home.database()), 0600U);
-  EXPECT_EQ(mode(home.database().string() + "-wal"), 0600U);
-}
-
 TEST_F(Model, RefusesWhatIsNoDatabaseOfOursAndLeavesItAsItWas) {
   std::filesystem::create_directories(home.data());
   const auto refused = [&] {
@@ -82,8 +68,11 @@ TEST_F(Model, RefusesWhatIsNoDatabaseOfOursAndLeavesItAsItWas) {
     return std::string(std::istreambuf_iterator<char>(file), {});
   };
   std::ofstream(home.database()) << std::string(5000, 'x');
+  constexpr std::filesystem::perms theirMode{0640};
+  std::filesystem::permissions(home.database(), theirMode);
   EXPECT_TRUE(refused());
   EXPECT_EQ(bytes(), std::string(5000, 'x'));
+  EXPECT_EQ(std::filesystem::status(home.database()).permissions(), theirMode);
 
   std::filesystem::remove(home.database());
   ForeignClient(home.database()).run("CREATE TABLE theirs (a)");
@@ -108,13 +97,6 @@ TEST_F(Model, RefusesATruncatedDatabase) {
   std::filesystem::resize_file(home.database(), std::filesystem::file_size(home.database()) / 3);
   std::string error;
   EXPECT_EQ(KVCoreDataStackForExtensions::initStackOutputError(home.data(), error), nullptr);
-}
-
-TEST_F(Model, IsOneObjectANote) {
-  const std::string id = create("# One");
-  auto stack = open();
-  EXPECT_EQ(&note(*stack, id), &note(*stack, id));
-  EXPECT_EQ(KVNote::notesWithTitle("ONE", *stack->managedObjectContext()).at(0), &note(*stack, id));
 }
 
 TEST_F(Model, FindsTitlesWithoutCaseInEveryScript) {
@@ -158,28 +140,6 @@ TEST_F(Model, FindsEveryForeignChangeAtTheSave) {
     EXPECT_EQ(conflictCode(*stack->managedObjectContext()), code) << sql;
     EXPECT_EQ(client.value("SELECT text FROM note"), theirs) << sql;
   }
-}
-
-TEST_F(Model, SavesBesideForeignChangesOfOtherNotes) {
-  const std::string mine = create("# mine");
-  const std::string theirs = create("# theirs");
-  auto stack = open();
-  note(*stack, mine).updateNoteWithText("# mine too", true);
-  ForeignClient client(home.database());
-  client.run("UPDATE note SET text = 'x' WHERE uniqueIdentifier = '" + theirs + "'");
-  EXPECT_EQ(conflictCode(*stack->managedObjectContext()), 0);
-  EXPECT_EQ(client.value("SELECT text FROM note WHERE uniqueIdentifier = '" + mine + "'"),
-            "# mine too");
-}
-
-TEST_F(Model, SeesForeignTextsWithFreshFacts) {
-  const std::string id = create("# a\n- [ ] one");
-  ForeignClient(home.database()).run("UPDATE note SET text = '- [x] é'");
-  auto stack = open();
-  EXPECT_EQ(note(*stack, id).text(), "- [x] é");
-  EXPECT_EQ(note(*stack, id).textFacts().length, 8);
-  EXPECT_EQ(note(*stack, id).todoCompletedValue(), 1);
-  EXPECT_EQ(note(*stack, id).todoIncompleteValue(), 0);
 }
 
 TEST_F(Model, ReadsATextThatIsOnlyLookedAtAsTheNoteHasIt) {
@@ -298,27 +258,6 @@ TEST_F(Model, BringsAVersion1DatabaseUpToDate) {
   EXPECT_EQ(note(*open(), id).tagsStrings(), std::vector<std::string>{"work"});
 }
 
-TEST_F(Model, CountsNotesByTheirPlaceThroughAllChanges) {
-  for (int i = 0; i < 6; ++i) create("# n");
-  ForeignClient client(home.database());
-  client.run(
-      "UPDATE note SET trashed = 1 WHERE id <= 2; UPDATE note SET archived = 1 WHERE id = 3");
-  client.run("UPDATE note SET permanentlyDeleted = 1 WHERE id = 4; DELETE FROM note WHERE id = 5");
-  client.run("INSERT OR REPLACE INTO note (id, text) VALUES (6, 'x')");
-  auto stack = open();
-  const auto count = [&](Place place) {
-    const FetchRequest request{.place = place};
-    const std::int64_t counted = stack->managedObjectContext()->count(request);
-    EXPECT_EQ(counted,
-              static_cast<std::int64_t>(stack->managedObjectContext()->fetch(request).size()));
-    return counted;
-  };
-  EXPECT_EQ(count(Place::trash), 2);
-  EXPECT_EQ(count(Place::archive), 1);
-  EXPECT_EQ(count(Place::notes), 1);
-  EXPECT_EQ(count(Place::anywhere), 4);
-}
-
 TEST_F(Model, MakesAncestorsTagsAndDropsTheDead) {
   const std::string id = create("# a #work/draft/old");
   ForeignClient client(home.database());
@@ -358,16 +297,27 @@ TEST_F(Model, RollbackAndResetForgetChanges) {
   EXPECT_FALSE(note(*stack, id).trashedValue());
 }
 
-TEST_F(Model, ReadsWhileAnotherProcessHoldsTheWriteLock) {
+// SQLite waits for a lock by sleeping, which is counted here and takes no time.
+TEST_F(Model, ReadsAndClosesWithoutWaitingForTheWriteLock) {
+  static int waits = 0;
+  sqlite3_vfs& system = *sqlite3_vfs_find(nullptr);
+  const auto sleep = std::exchange(system.xSleep, [](sqlite3_vfs*, int time) {
+    ++waits;
+    return time;
+  });
   const std::string id = create("# a");
   ForeignClient client(home.database());
+  client.run("INSERT INTO removedFile VALUES ('to be tidied up')");
   client.run("BEGIN IMMEDIATE; UPDATE note SET title = 'theirs'");
   {
     auto stack = open();
     EXPECT_EQ(note(*stack, id).title(), "a");
     EXPECT_EQ(stack->managedObjectContext()->fetch({}).size(), 1U);
   }
-  client.run("ROLLBACK");
+  EXPECT_EQ(waits, 0);
+  EXPECT_THROW(create("# b"), std::runtime_error);
+  EXPECT_GT(waits, 0) << "a writer waits";
+  system.xSleep = sleep;
 }
 
 // Every page is written to the log and read again by the next program: an index whose columns stay
@@ -410,36 +360,6 @@ TEST_F(Model, MovesAFileInUnlessSomebodyElseHasIt) {
     EXPECT_EQ(std::string(std::istreambuf_iterator<char>(stored), {}), "bytes") << *file.filename;
     EXPECT_EQ(file.fileSizeValue, 5);
   }
-}
-
-TEST_F(Model, ReadsAListInFewStatements) {
-  constexpr std::int64_t many = 500;
-  const std::string row = create("# n #a #b/c\n- [ ] x");
-  ForeignClient client(home.database());
-  client.run(
-      "WITH RECURSIVE more(i) AS (SELECT 2 UNION ALL SELECT i + 1 FROM more WHERE i < 500) "
-      "INSERT INTO note (id, title, text) SELECT i, note.title, note.text FROM more, note");
-  client.run("INSERT OR IGNORE INTO noteTag SELECT note.id, noteTag.tag FROM note, noteTag");
-  const auto statements = [&](std::int64_t limit, bool detailed) {
-    auto stack = open();
-    FetchRequest request;
-    request.fetchLimit = limit;
-    request.detailed = detailed;
-    const NoteTable notes = stack->managedObjectContext()->fetch(request);
-    EXPECT_EQ(static_cast<std::int64_t>(notes.size()), limit);
-    stack->managedObjectContext()->forEachText(
-        notes, [&](const NoteView& read, std::string_view text) {
-          EXPECT_THAT(read.tags, testing::ElementsAre("a", "b/c"));
-          EXPECT_EQ(read.todoIncomplete, detailed ? 1 : 0);
-          EXPECT_EQ(read.length, detailed ? static_cast<std::int64_t>(text.size()) : 0);
-          EXPECT_TRUE(read.filenames.empty() && read.pinnedInTags.empty());
-        });
-    return stack->connection().statementsRun();
-  };
-  // One more where the facts of their texts are still to be worked out.
-  EXPECT_LE(statements(30, true), statements(5, true) + 25 * 3 + 1) << "tags, pins and files";
-  EXPECT_LE(statements(30, false), statements(5, false) + 25) << "tags";
-  EXPECT_LE(statements(many, true), 13) << "a walk over each relation";
 }
 
 }  // namespace
