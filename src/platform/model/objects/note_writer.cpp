@@ -5,6 +5,7 @@
 
 #include "platform/model/objects/errors.h"
 #include "platform/model/objects/large_text.h"
+#include "platform/model/storage/note_links.h"
 #include "platform/text/folding.h"
 
 namespace tavimodel {
@@ -122,6 +123,7 @@ void NoteWriter::writeFacts(NoteRow& row) {
     row.version = query.integer(0);
     keyUnknown = query.integer(1) != 0;
   }
+  if (!row.encrypted && !row.permanentlyDeleted) storeLinks(connection_, row.id, facts.links);
   if (!keyUnknown) return;  // an old title's: it is not written anew
   const std::string key = platform::text::foldedForSearch(row.title.value_or(""));
   sqlite::Query query = connection_.query("UPDATE noteSummary SET titleKey = ?2 WHERE note = ?1");

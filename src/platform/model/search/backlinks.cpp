@@ -6,8 +6,8 @@
 #include <string_view>
 #include <unordered_map>
 
-#include "platform/markdown/ast.h"
 #include "platform/model/storage/note_texts.h"
+#include "platform/model/storage/schema.h"
 #include "platform/model/storage/text_facts.h"
 #include "platform/text/folding.h"
 
@@ -28,8 +28,11 @@ class TitleLookup {
     }
   }
 
-  /// The notes that a link names. It may name a heading inside the note, "Title/Heading", and a
-  /// title may have slashes: the longest title counts.
+  /// Notes by their folded titles, as far as the index of these lacks them.
+  const std::unordered_map<std::string, Notes>& unknown() const { return unknown_; }
+
+  /// The notes that a folded link names. It may name a heading inside the note, "Title/Heading",
+  /// and a title may have slashes: the longest title counts.
   const Notes& notesCalled(std::string_view target) {
     for (std::size_t length = target.size(); length != std::string::npos && length > 0;
          length = target.rfind('/', length - 1)) {
@@ -41,7 +44,7 @@ class TitleLookup {
 
  private:
   const Notes& notesWithTitle(std::string_view title) {
-    const auto [known, isNew] = known_.try_emplace(platform::text::foldedForSearch(title));
+    const auto [known, isNew] = known_.try_emplace(std::string(title));
     if (!isNew) return known->second;
     Notes& notes = known->second;
     const std::string& key = known->first;
@@ -64,17 +67,39 @@ class TitleLookup {
 std::vector<std::int64_t> linkedNotes(sqlite::Connection& connection) {
   TitleLookup titles(connection);
   std::vector<std::int64_t> linked;
+  const auto addAll = [&](std::int64_t from, const Notes& notes) {
+    for (const std::int64_t note : notes) {
+      if (note != from) linked.push_back(note);
+    }
+  };
+  const auto add = [&](std::int64_t from, std::string_view target) {
+    addAll(from, titles.notesCalled(target));
+  };
+  const char* unknown = "(s.features IS NULL OR (s.features & 4) <> 0)";
+  if (isCurrent(connection)) {
+    unknown = "s.searchRow IS NULL AND (s.features IS NULL OR (s.features & 20) = 4)";
+    sqlite::Query exact = connection.query(
+        "SELECT s.note FROM noteLink l CROSS JOIN noteSummary s ON s.titleKey = l.target "
+        "WHERE s.note <> l.note");
+    while (exact.step()) {
+      if (linked.empty() || linked.back() != exact.integer(0)) linked.push_back(exact.integer(0));
+    }
+    for (const auto& [key, notes] : titles.unknown()) {
+      sqlite::Query links = connection.query("SELECT note FROM noteLink WHERE target = ?1");
+      links.bind(1, key);
+      while (links.step()) addAll(links.integer(0), notes);
+    }
+    sqlite::Query toHeadings =
+        connection.query("SELECT note, target FROM noteLink WHERE instr(target, '/') > 0");
+    while (toHeadings.step()) add(toHeadings.integer(0), toHeadings.text(1));
+  }
   sqlite::Query texts = connection.query(
       fmt::format("SELECT note.id, {} FROM noteSummary s JOIN note ON note.id = s.note "
-                  "WHERE s.encrypted = 0 AND ifnull(s.permanentlyDeleted, 0) = 0 "
-                  "AND (s.features IS NULL OR (s.features & {}) <> 0)",
-                  readableText, static_cast<std::int64_t>(TextFacts::wikiLinks)));
+                  "WHERE s.encrypted = 0 AND ifnull(s.permanentlyDeleted, 0) = 0 AND {}",
+                  readableText, unknown));
   while (texts.step()) {
-    const auto summary = zephyrdown::ZDKAST::fromMarkdown(std::string(texts.text(1))).textSummary();
-    for (const std::string& target : summary.wikiLinks) {
-      for (const std::int64_t note : titles.notesCalled(target)) {
-        if (note != texts.integer(0)) linked.push_back(note);
-      }
+    for (const std::string& target : TextFacts::of(texts.text(1)).links) {
+      add(texts.integer(0), target);
     }
   }
   return linked;

@@ -1,79 +1,52 @@
 #include "platform/model/search/search_index.h"
 
 #include <algorithm>
-#include <chrono>
+#include <array>
 #include <string>
 
+#include "platform/model/search/slice_blocks.h"
+#include "platform/model/storage/note_links.h"
 #include "platform/model/storage/row_ids.h"
+#include "platform/model/storage/schema.h"
 #include "platform/model/storage/text_facts.h"
 #include "platform/text/folding.h"
-#include "platform/text/utf8.h"
 
 namespace tavimodel {
 namespace {
 
-/// A look-up of every trigram of a huge term keeps FTS5 busy for many seconds, and the first dozen
-/// tell nearly all that there is to tell.
+/// Each one takes a page of every slice to be read, and the first dozen tell nearly all that there
+/// is to tell.
 constexpr std::size_t mostTrigrams = 12;
 
-std::vector<std::size_t> scalarStarts(std::string_view text) {
-  std::vector<std::size_t> starts;
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    if ((static_cast<unsigned char>(text[i]) & 0xC0) != 0x80) starts.push_back(i);
-  }
-  starts.push_back(text.size());
-  return starts;
-}
+/// Slices with fewer notes are merged when there are more than `mostSmallSlices`.
+constexpr std::int64_t smallSlice = sliceCapacity * 3 / 4;
+constexpr std::size_t mostSmallSlices = 8;
+/// Bytes of `searchSlice.firsts`: a slice of few notes with many trigrams is not merged.
+constexpr std::int64_t mostFirsts = 8192;
 
-/// `"abc" AND "bcd" ...`, spread over the whole term; each trigram is a string of FTS5's query
-/// language, in which a double quote is doubled.
-std::string trigramQuery(std::string_view folded, const std::vector<std::size_t>& starts) {
-  const std::size_t trigrams = starts.size() - 1 - 2;
-  const std::size_t used = std::min(trigrams, mostTrigrams);
-  std::string query;
-  for (std::size_t i = 0; i < used; ++i) {
-    const std::size_t at = used == 1 ? 0 : i * (trigrams - 1) / (used - 1);
-    if (!query.empty()) query += " AND ";
-    query += '"';
-    for (const char c : folded.substr(starts[at], starts[at + 3] - starts[at])) {
-      query += c;
-      if (c == '"') query += c;
-    }
-    query += '"';
+/// The trigrams of the term by which it is looked up, spread over the whole of it.
+std::vector<Trigram> tellingTrigrams(std::string_view folded) {
+  std::vector<Trigram> all;
+  forEachTrigram(folded, [&](Trigram trigram) { all.push_back(trigram); });
+  if (all.size() <= mostTrigrams) return all;
+  std::vector<Trigram> some;
+  for (std::size_t i = 0; i < mostTrigrams; ++i) {
+    some.push_back(all[i * (all.size() - 1) / (mostTrigrams - 1)]);
   }
-  return query;
+  return some;
 }
 
 }  // namespace
 
-std::string SearchIndex::folded(std::string_view text) {
-  std::string result = platform::text::foldedForSearch(text);
-  // The tokenizer takes a NUL for the text's end.
-  std::replace(result.begin(), result.end(), '\0', ' ');
-  return result;
-}
-
 std::optional<SearchIndex::Candidates> SearchIndex::candidates(std::string_view term,
                                                                std::size_t most) {
-  const std::string key = folded(term);
-  const std::vector<std::size_t> starts = scalarStarts(key);
-  if (starts.size() - 1 < shortestTerm) return std::nullopt;
+  const std::vector<Trigram> trigrams = tellingTrigrams(platform::text::foldedForSearch(term));
+  if (trigrams.empty() || !isCurrent(connection_)) return std::nullopt;
 
   Candidates result;
-  std::vector<std::int64_t> rows;
-  const std::string match = trigramQuery(key, starts);
-  {
-    sqlite::Query query =
-        connection_.query("SELECT rowid FROM searchIndex WHERE searchIndex MATCH ?1");
-    query.bind(1, match);
-    while (query.step()) {
-      if (rows.size() == most) {
-        result.complete = false;
-        break;
-      }
-      rows.push_back(query.integer(0));
-    }
-  }
+  std::vector<std::int64_t> rows = rowsWith(trigrams, most);
+  result.complete = rows.size() <= most;
+  if (!result.complete) rows.resize(most);
   const std::string list = jsonArray(rows);
   sqlite::Query notes = connection_.query(
       "SELECT s.note FROM json_each(?1) wanted CROSS JOIN noteSummary s "
@@ -85,46 +58,60 @@ std::optional<SearchIndex::Candidates> SearchIndex::candidates(std::string_view 
   return result;
 }
 
-/// One note's row of the index, and what else is worked out of its title and text. The text of a
-/// locked note stays out: it is found by its title only.
-void SearchIndex::bring(std::int64_t note, std::int64_t searchRow) {
+/// The values of `searchRow` that may have all of the trigrams; more than `most` when there are.
+std::vector<std::int64_t> SearchIndex::rowsWith(const std::vector<Trigram>& trigrams,
+                                                std::size_t most) {
+  std::vector<std::int64_t> rows;
+  sqlite::Query slices = connection_.query("SELECT slice, firsts FROM searchSlice");
+  while (rows.size() <= most && slices.step()) {
+    const std::int64_t slice = slices.integer(0);
+    SliceReader reader(connection_, slice, slices.text(1));
+    reader.notesWith(trigrams).forEach(
+        [&](int position) { rows.push_back(slice * sliceCapacity + position); });
+  }
+  return rows;
+}
+
+/// Adds a note, and works out what else is kept of its title and text. Of a locked note the title
+/// is found only, of one that was permanently deleted nothing.
+void SearchIndex::addNote(SliceBuilder& builder, std::int64_t note, std::int64_t slice) {
   sqlite::Query read = connection_.query(
-      "SELECT note.title, note.text, note.encrypted, s.textDigest IS NULL "
+      "SELECT note.title, note.text, note.encrypted, ifnull(note.permanentlyDeleted, 0), "
+      "s.textDigest IS NULL OR (s.features & 20) = 4 "
       "FROM note JOIN noteSummary s ON s.note = note.id WHERE note.id = ?1");
   if (!read.bind(1, note).step()) return;
+  const bool isLocked = read.integer(2) != 0;
+  const bool isDeleted = read.integer(3) != 0;
   const std::string_view text = read.text(1);
-  std::string body = read.integer(2) != 0 ? std::string() : folded(text);
-  body += '\n';
-  body += folded(read.text(0));
-  sqlite::Query insert = connection_.query("INSERT INTO searchIndex (rowid, body) VALUES (?1, ?2)");
-  insert.bind(1, searchRow).bind(2, body).run();
+  const std::string title = platform::text::foldedForSearch(read.text(0));
+  const std::int64_t searchRow = slice * sliceCapacity + builder.notes();
+  const bool isReadable = !isLocked && !isDeleted;
+  const std::string body = isReadable ? platform::text::foldedForSearch(text) : std::string();
+  builder.addNote({body, isDeleted ? std::string_view() : title});
 
-  if (read.integer(3) == 0) {
+  if (read.integer(4) == 0) {
     sqlite::Query update =
         connection_.query("UPDATE noteSummary SET searchRow = ?2 WHERE note = ?1");
     return update.bind(1, note).bind(2, searchRow).run();
   }
   const TextFacts facts = TextFacts::of(text);
-  const std::string key = platform::text::foldedForSearch(read.text(0));
   sqlite::Query update = connection_.query(
       "UPDATE noteSummary SET searchRow = ?2, titleKey = ?3, textDigest = ?4, textLength = ?5, "
       "todoIncomplete = ?6, todoCompleted = ?7, features = ?8 WHERE note = ?1");
-  update.bind(1, note).bind(2, searchRow).bind(3, key).bind(4, facts.digest);
+  update.bind(1, note).bind(2, searchRow).bind(3, title).bind(4, facts.digest);
   update.bind(5, facts.length).bind(6, facts.todoIncomplete).bind(7, facts.todoCompleted);
   update.bind(8, facts.features).run();
+  if (isReadable) storeLinks(connection_, note, facts.links);
 }
 
-void SearchIndex::dropWhenStale() {
-  sqlite::Query query = connection_.query(
-      "SELECT (SELECT value FROM counter WHERE name = 'searchRow'), "
-      "(SELECT sum(value) FROM counter WHERE name GLOB 'notes[0-7]')");
+std::int64_t SearchIndex::number(std::string_view sql) {
+  sqlite::Query query = connection_.query(sql);
   query.step();
-  constexpr std::int64_t slack = 4096;  // rows that point nowhere before it is worth the while
-  if (query.integer(0) < 2 * query.integer(1) + slack) return;
-  connection_.execute(
-      "INSERT INTO searchIndex (searchIndex) VALUES ('delete-all');"
-      "UPDATE noteSummary SET searchRow = NULL;"
-      "UPDATE counter SET value = 0 WHERE name = 'searchRow'");
+  return query.integer(0);
+}
+
+std::int64_t SearchIndex::newSlice() {
+  return number("SELECT ifnull(max(slice), 0) + 1 FROM searchSlice");
 }
 
 std::vector<std::int64_t> SearchIndex::nextUnknown(std::int64_t after) {
@@ -137,31 +124,154 @@ std::vector<std::int64_t> SearchIndex::nextUnknown(std::int64_t after) {
   return notes;
 }
 
-void SearchIndex::bringUpToDate(int milliseconds) {
-  const auto deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(milliseconds);
-  dropWhenStale();
-  std::int64_t searchRow = 0;
-  {
-    sqlite::Query last = connection_.query("SELECT value FROM counter WHERE name = 'searchRow'");
-    last.step();
-    searchRow = last.integer(0);
-  }
-  bool timeIsLeft = true;
+bool SearchIndex::areUnknown(std::int64_t atLeast) {
+  sqlite::Query query = connection_.query(
+      "SELECT count(*) FROM (SELECT 1 FROM noteSummary WHERE searchRow IS NULL LIMIT ?1)");
+  query.bind(1, atLeast).step();
+  return query.integer(0) >= atLeast;
+}
+
+/// Makes one slice. True when it is full before time has run out.
+bool SearchIndex::addNotes(Clock::time_point deadline) {
+  SliceBuilder builder;
+  const std::int64_t slice = newSlice();
+  bool goesOn = true;
   std::int64_t note = INT64_MIN;
-  for (auto notes = nextUnknown(note); timeIsLeft && !notes.empty(); notes = nextUnknown(note)) {
-    for (std::size_t i = 0; i < notes.size() && timeIsLeft; ++i) {
+  for (auto notes = nextUnknown(note); goesOn && !notes.empty(); notes = nextUnknown(note)) {
+    for (std::size_t i = 0; i < notes.size() && goesOn; ++i) {
       note = notes[i];
-      bring(note, ++searchRow);
-      timeIsLeft = std::chrono::steady_clock::now() < deadline;
+      addNote(builder, note, slice);
+      goesOn = !builder.isFull() && Clock::now() < deadline;
     }
   }
-  connection_.query("UPDATE counter SET value = ?1 WHERE name = 'searchRow'")
-      .bind(1, searchRow)
+  if (builder.notes() > 0) builder.write(connection_, slice);
+  return builder.isFull() && Clock::now() < deadline;
+}
+
+/// The positions of the notes that are as the slice tells.
+PositionSet SearchIndex::liveIn(std::int64_t slice) {
+  sqlite::Query rows =
+      connection_.query("SELECT searchRow FROM noteSummary WHERE searchRow BETWEEN ?1 AND ?2");
+  rows.bind(1, slice * sliceCapacity).bind(2, (slice + 1) * sliceCapacity - 1);
+  PositionSet live;
+  while (rows.step()) live.add(static_cast<int>(rows.integer(0) % sliceCapacity));
+  return live;
+}
+
+/// False when there was nothing to remove.
+bool SearchIndex::removeStale(std::int64_t slice) {
+  const PositionSet live = liveIn(slice);
+  {
+    sqlite::Query notes = connection_.query("SELECT notes FROM searchSlice WHERE slice = ?1");
+    if (!notes.bind(1, slice).step() || notes.integer(0) == live.count()) return false;
+  }
+  std::vector<std::pair<std::string, std::string>> entries;
+  forEachEntry(connection_, slice, [&](std::string_view key, std::string_view positions) {
+    PositionSet set = PositionSet::decoded(positions);
+    set &= live;
+    if (!set.isEmpty()) entries.emplace_back(key, set.encoded());
+  });
+  removeSlice(connection_, slice);
+  if (live.isEmpty()) return true;
+  SliceWriter writer(connection_, slice);
+  for (const auto& [key, positions] : entries) writer.add(key, positions);
+  writer.finish(live.count());
+  return true;
+}
+
+/// Texts of deleted and locked notes, and former ones of all notes: from one slice at least.
+void SearchIndex::removeExpired(Clock::time_point deadline) {
+  std::int64_t slice = number("SELECT value FROM counter WHERE name = 'unpurged'");
+  if (slice == 0) return;
+  bool removed = false;
+  while (slice > 0 && !(removed && Clock::now() >= deadline)) {
+    if (removeStale(slice)) removed = true;
+    sqlite::Query next =
+        connection_.query("SELECT ifnull(max(slice), 0) FROM searchSlice WHERE slice < ?1");
+    next.bind(1, slice).step();
+    slice = next.integer(0);
+  }
+  setCounter("unpurged", slice);
+}
+
+/// Former texts from one slice, or a look at some in vain. Each slice has its turn.
+void SearchIndex::removeNextStale() {
+  constexpr int mostLooked = 16;
+  std::int64_t first = 0;
+  for (int looked = 0; looked < mostLooked; ++looked) {
+    const std::int64_t slice = number(
+        "SELECT ifnull((SELECT slice FROM searchSlice "
+        "ORDER BY slice <= (SELECT value FROM counter WHERE name = 'purged'), slice LIMIT 1), 0)");
+    if (slice == first) return;
+    if (looked == 0) first = slice;
+    setCounter("purged", slice);
+    if (removeStale(slice)) return;
+  }
+}
+
+void SearchIndex::setCounter(std::string_view name, std::int64_t value) {
+  connection_.query("UPDATE counter SET value = ?2 WHERE name = ?1")
+      .bind(1, name)
+      .bind(2, value)
       .run();
 }
 
-void updateSearchIndex(sqlite::Connection& connection, int milliseconds) {
-  SearchIndex(connection).bringUpToDate(milliseconds);
+void SearchIndex::mergeSmall() {
+  std::vector<std::int64_t> slices;
+  std::int64_t notes = 0;
+  std::size_t small = 0;
+  sqlite::Query query = connection_.query(
+      "SELECT slice, notes FROM searchSlice WHERE notes < ?1 AND length(firsts) < ?2 "
+      "ORDER BY notes, slice");
+  query.bind(1, smallSlice).bind(2, mostFirsts);
+  for (; query.step(); ++small) {
+    notes += query.integer(1);
+    if (notes <= sliceCapacity) slices.push_back(query.integer(0));
+  }
+  if (small > mostSmallSlices && slices.size() > 1) merge(slices);
+}
+
+/// Puts the notes of some slices into a new one, from what these tell.
+void SearchIndex::merge(const std::vector<std::int64_t>& slices) {
+  const std::int64_t merged = newSlice();
+  SliceBuilder builder;
+  for (const std::int64_t slice : slices) {
+    std::array<int, sliceCapacity> moved{};  // the new position of each old one
+    const PositionSet live = liveIn(slice);
+    live.forEach(
+        [&](int position) { moved[static_cast<std::size_t>(position)] = builder.addPosition(); });
+    forEachEntry(connection_, slice, [&](std::string_view key, std::string_view positions) {
+      PositionSet set = PositionSet::decoded(positions);
+      set &= live;
+      if (set.isEmpty()) return;
+      PositionList& list = builder.listOf(key);
+      set.forEach([&](int position) { list.add(moved[static_cast<std::size_t>(position)]); });
+    });
+    removeSlice(connection_, slice);
+    live.forEach([&](int position) {
+      sqlite::Query move =
+          connection_.query("UPDATE noteSummary SET searchRow = ?2 WHERE searchRow = ?1");
+      move.bind(1, slice * sliceCapacity + position);
+      move.bind(2, merged * sliceCapacity + moved[static_cast<std::size_t>(position)]).run();
+    });
+  }
+  if (builder.notes() > 0) builder.write(connection_, merged);
+}
+
+void SearchIndex::bringUpToDate(TidyBudget budget) {
+  const auto start = Clock::now();
+  const auto deadline = start + std::chrono::milliseconds(budget.milliseconds);
+  removeExpired(deadline);
+  if (Clock::now() >= deadline || !areUnknown(budget.fewestNotes)) return;
+  // A slice is written when its notes have been read, which takes less than reading them.
+  while (addNotes(Clock::now() + (deadline - Clock::now()) * 2 / 3)) {
+  }
+  removeNextStale();
+  mergeSmall();
+}
+
+void updateSearchIndex(sqlite::Connection& connection, TidyBudget budget) {
+  SearchIndex(connection).bringUpToDate(budget);
 }
 
 }  // namespace tavimodel

@@ -1,48 +1,66 @@
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <optional>
 #include <string_view>
 #include <vector>
 
+#include "platform/model/search/slice_builder.h"
+#include "platform/model/search/trigrams.h"
+#include "platform/model/storage/bookkeeping.h"
 #include "platform/model/storage/sqlite.h"
 
 namespace tavimodel {
 
 /// The trigram index over the notes' titles and texts: a prefilter. It tells which notes may hold a
 /// term; whether they do is decided on their texts.
+///
+/// Notes are in slices (see slice_blocks.h). A note whose text changes or goes away is taken out of
+/// the index by triggers, which count it as stale in its slice; what its slice says of it is
+/// removed later, at once for a note that was deleted or locked (`removeExpired`).
 class SearchIndex {
  public:
   explicit SearchIndex(sqlite::Connection& connection) : connection_(connection) {}
 
   /// Terms shorter than this (in scalars, after folding) are not in the index.
-  static constexpr std::size_t shortestTerm = 3;
-
-  /// The form of a term or a text in the index.
-  static std::string folded(std::string_view text);
+  static constexpr std::size_t shortestTerm = trigramLength;
 
   struct Candidates {
     std::vector<std::int64_t> notes;  ///< ascending; may hold the term
     bool complete = true;             ///< false: there are more than `most`, these are some
   };
   /// Notes that may hold the term, and all that the index does not know yet. Nothing when the term
-  /// is too short for the index.
+  /// is too short for the index, or the database too old.
   std::optional<Candidates> candidates(std::string_view term, std::size_t most);
 
-  /// Brings notes into the index until it knows all, or `milliseconds` have passed, and works out
-  /// the facts of their texts on the way. Needs an open write transaction.
-  void bringUpToDate(int milliseconds);
+  /// Does what there is to do, for about as long as the budget says. Needs an open write
+  /// transaction.
+  void bringUpToDate(TidyBudget budget);
 
  private:
-  void bring(std::int64_t note, std::int64_t searchRow);
-  /// Ids of the next few notes behind that one that are not indexed, ascending.
+  using Clock = std::chrono::steady_clock;
+
+  std::vector<std::int64_t> rowsWith(const std::vector<Trigram>& trigrams, std::size_t most);
+  void removeExpired(Clock::time_point deadline);
+  void removeNextStale();
+  bool removeStale(std::int64_t slice);
+  bool addNotes(Clock::time_point deadline);
+  void addNote(SliceBuilder& builder, std::int64_t note, std::int64_t slice);
+  void mergeSmall();
+  void merge(const std::vector<std::int64_t>& slices);
+  bool areUnknown(std::int64_t atLeast);
+  /// Ids of the next few notes after that one that are not indexed, ascending.
   std::vector<std::int64_t> nextUnknown(std::int64_t after);
-  void dropWhenStale();
+  std::int64_t newSlice();
+  std::int64_t number(std::string_view sql);
+  void setCounter(std::string_view name, std::int64_t value);
+  PositionSet liveIn(std::int64_t slice);
 
   sqlite::Connection& connection_;
 };
 
 /// SearchIndex::bringUpToDate, as the database calls it when it is closed (see IndexUpdate).
-void updateSearchIndex(sqlite::Connection& connection, int milliseconds);
+void updateSearchIndex(sqlite::Connection& connection, TidyBudget budget);
 
 }  // namespace tavimodel

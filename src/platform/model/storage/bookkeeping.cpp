@@ -18,21 +18,24 @@ OpenWork openWork(sqlite::Connection& connection) {
     // that are not indexed.
     sqlite::Query work = connection.query(
         "SELECT EXISTS (SELECT 1 FROM removedFile) OR EXISTS (SELECT 1 FROM orphan), "
-        "(SELECT count(*) FROM (SELECT 1 FROM noteSummary WHERE searchRow IS NULL LIMIT ?1))");
+        "(SELECT count(*) FROM (SELECT 1 FROM noteSummary WHERE searchRow IS NULL LIMIT ?1)), "
+        "(SELECT value FROM counter WHERE name = 'unpurged')");
     work.bind(1, closingBudget.fewestNotes).step();
-    return {.removedFiles = work.integer(0) != 0, .notesNotIndexed = work.integer(1)};
+    return {.removedFiles = work.integer(0) != 0,
+            .expiredTexts = work.integer(2) != 0,
+            .notesNotIndexed = work.integer(1)};
   } catch (const std::exception&) {
     return {};
   }
 }
 
-bool catchUp(sqlite::Connection& connection, IndexUpdate updateIndex, int milliseconds) {
-  const auto deadline = Clock::now() + std::chrono::milliseconds(milliseconds);
+bool catchUp(sqlite::Connection& connection, IndexUpdate updateIndex, TidyBudget budget) {
+  const auto deadline = Clock::now() + std::chrono::milliseconds(budget.milliseconds);
   try {
     // What is written here can be worked out again: it need not survive a power cut.
     connection.execute("PRAGMA synchronous = NORMAL");
     sqlite::Transaction transaction(connection, sqlite::Transaction::Kind::write);
-    updateIndex(connection, milliseconds);
+    updateIndex(connection, budget);
     const bool timeRanOut = Clock::now() >= deadline;
     transaction.commit();
     return timeRanOut;

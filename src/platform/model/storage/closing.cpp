@@ -25,8 +25,8 @@ bool tidy(sqlite::Connection& connection, FileStore& files, IndexUpdate updateIn
   connection.setBusyTimeout(0);
   const OpenWork work = openWork(connection);
   files.sweep(connection, work.removedFiles);
-  if (work.notesNotIndexed < budget.fewestNotes) return false;
-  return catchUp(connection, updateIndex, budget.milliseconds);
+  if (work.notesNotIndexed < budget.fewestNotes && !work.expiredTexts) return false;
+  return catchUp(connection, updateIndex, budget);
 }
 
 void closeWhole(std::unique_ptr<sqlite::Connection> connection,

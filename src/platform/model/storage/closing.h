@@ -11,8 +11,8 @@ namespace tavimodel {
 class FileStore;
 
 /// What closing the database in `folder` is used for, when the answer is out: files without a row
-/// are removed and the search index is brought up to date, for about `milliseconds` and only where
-/// the write lock is free. True when time ran out before the work did. Never throws.
+/// are removed and the search index is brought up to date, within the budget and only where the
+/// write lock is free. True when time ran out before the work did. Never throws.
 bool tidy(sqlite::Connection& connection, FileStore& files, IndexUpdate updateIndex,
           TidyBudget budget);
 

@@ -58,6 +58,8 @@ void configure(sqlite::Connection& connection) {
   sqlite3_db_config(connection.handle(), SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 1, nullptr);
   sqlite3_wal_autocheckpoint(connection.handle(), 0);
   connection.setBeforeCommit(touchFirstPage);
+  // What is deleted is overwritten, whatever this SQLite was built for.
+  connection.query("PRAGMA secure_delete = ON").run();
 }
 
 /// An `immutable=1` URI: SQLite creates no -wal and no -shm for it.

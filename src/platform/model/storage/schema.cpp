@@ -104,22 +104,19 @@ CREATE INDEX summaryOfFew ON noteSummary (note)  -- states that few notes are in
   WHERE encrypted = 1 OR readOnly = 1 OR ifnull(title, '') = '' OR (features & 8) <> 0;
 CREATE INDEX summaryBySearchRow ON noteSummary (searchRow);
 
--- 'searchRow': the last row of searchIndex. 'notes' and a place: the number of notes there.
+-- 'notes' and a place: the number of notes there. 'unpurged': up to this slice of the
+-- search index texts of deleted and locked notes are to be removed; 0: nothing is to be. 'purged':
+-- the slice that was looked through last for former texts of changed notes.
 CREATE TABLE counter (
   name TEXT PRIMARY KEY,
   value INTEGER NOT NULL
 ) WITHOUT ROWID;
-INSERT INTO counter VALUES ('searchRow', 0),
+INSERT INTO counter VALUES
   ('notes0', 0), ('notes1', 0), ('notes2', 0), ('notes3', 0),
   ('notes4', 0), ('notes5', 0), ('notes6', 0), ('notes7', 0);
 
 -- Files under files/ whose row is gone: to be removed from the disk.
 CREATE TABLE removedFile (storedName TEXT PRIMARY KEY) WITHOUT ROWID;
-
--- Trigrams of the normalised, case-folded texts. Only ever added to: a changed note gets a new row
--- and its old one points nowhere, so no text that is gone is needed to take it out.
-CREATE VIRTUAL TABLE searchIndex USING fts5 (
-  body, content='', detail=none, columnsize=0, tokenize='trigram case_sensitive 1');
 )sql";
 
 constexpr const char* createTablesOfVersion2 = R"sql(
@@ -144,6 +141,40 @@ CREATE INDEX IF NOT EXISTS noteLocked ON note (id) WHERE encrypted = 1;
 -- Those of version 1 that have changed.
 DROP TRIGGER IF EXISTS noteInserted;
 DROP TRIGGER IF EXISTS summaryOrphaned;
+)sql";
+
+// `noteSummary.searchRow` is slice * 1024 + the note's position in that slice of the search index.
+constexpr const char* createTablesOfVersion3 = R"sql(
+-- The index of version 2 could not forget a text.
+DROP TABLE IF EXISTS searchIndex;
+UPDATE noteSummary SET searchRow = NULL WHERE searchRow IS NOT NULL;
+DELETE FROM counter WHERE name = 'searchRow';
+INSERT OR IGNORE INTO counter VALUES ('purged', 0), ('unpurged', 0);
+
+-- The search index: trigrams of the normalised, case-folded texts, in slices of up to 1024 notes.
+CREATE TABLE IF NOT EXISTS searchSlice (
+  slice INTEGER PRIMARY KEY,
+  notes INTEGER NOT NULL,              -- of whom it tells, changed and deleted ones included
+  firsts BLOB NOT NULL                 -- the first trigram of each block
+);
+CREATE TABLE IF NOT EXISTS searchBlock (
+  id INTEGER PRIMARY KEY,              -- slice * 65536 + the block's number in the slice
+  entries BLOB NOT NULL                -- see slice_blocks.h
+);
+
+-- Titles that the texts of readable notes link to, folded. Known where features has bit 16.
+CREATE TABLE IF NOT EXISTS noteLink (
+  target TEXT NOT NULL,
+  note INTEGER NOT NULL,
+  PRIMARY KEY (target, note)
+) WITHOUT ROWID;
+CREATE INDEX IF NOT EXISTS noteLinkByNote ON noteLink (note);
+
+-- Those of earlier versions that have changed.
+DROP TRIGGER IF EXISTS noteRewritten;
+DROP TRIGGER IF EXISTS noteLockChanged;
+DROP TRIGGER IF EXISTS summaryDeleted;
+DROP TRIGGER IF EXISTS summaryRenumbered;
 )sql";
 
 // Every program that opens the database parses these, so they are short: a word costs a thousand
@@ -191,11 +222,14 @@ CREATE TRIGGER IF NOT EXISTS noteRewritten AFTER UPDATE OF title, text ON note
   UPDATE noteSummary SET textDigest = NULL, textLength = NULL,
       todoIncomplete = NULL, todoCompleted = NULL, features = NULL, searchRow = NULL
     WHERE note IN (OLD.id, NEW.id);
+  DELETE FROM noteLink WHERE note IN (OLD.id, NEW.id);
 END;
 
-CREATE TRIGGER IF NOT EXISTS noteLockChanged AFTER UPDATE OF encrypted ON note
-    WHEN NEW.encrypted <> OLD.encrypted BEGIN
-  UPDATE noteSummary SET searchRow = NULL WHERE note = NEW.id;
+CREATE TRIGGER IF NOT EXISTS noteHidden AFTER UPDATE OF encrypted, permanentlyDeleted ON note
+    WHEN NEW.encrypted <> OLD.encrypted OR NEW.permanentlyDeleted IS NOT OLD.permanentlyDeleted BEGIN
+  UPDATE noteSummary SET searchRow = NULL, features = features & ~16 WHERE note IN (OLD.id, NEW.id);
+  DELETE FROM noteLink WHERE note IN (OLD.id, NEW.id);
+  UPDATE counter SET value = (SELECT ifnull(max(slice), 0) FROM searchSlice) WHERE name = 'unpurged';
 END;
 
 CREATE TRIGGER IF NOT EXISTS noteDeleted AFTER DELETE ON note BEGIN
@@ -208,6 +242,8 @@ END;
 
 CREATE TRIGGER IF NOT EXISTS summaryDeleted AFTER DELETE ON noteSummary BEGIN
   UPDATE counter SET value = value - 1 WHERE name = 'notes' || OLD.place;
+  DELETE FROM noteLink WHERE note = OLD.note;
+  UPDATE counter SET value = (SELECT ifnull(max(slice), 0) FROM searchSlice) WHERE name = 'unpurged';
 END;
 
 CREATE TRIGGER IF NOT EXISTS summaryOrphaned AFTER DELETE ON noteSummary
@@ -232,6 +268,7 @@ CREATE TRIGGER IF NOT EXISTS summaryRenumbered AFTER UPDATE OF note ON noteSumma
   UPDATE OR IGNORE noteTag SET note = NEW.note WHERE note = OLD.note;
   UPDATE OR IGNORE pinnedInTag SET note = NEW.note WHERE note = OLD.note;
   UPDATE file SET note = NEW.note WHERE note = OLD.note;
+  UPDATE OR REPLACE noteLink SET note = NEW.note WHERE note = OLD.note;
 END;
 
 CREATE TRIGGER IF NOT EXISTS orphanAdopted AFTER DELETE ON orphan BEGIN
@@ -292,10 +329,15 @@ int knownVersion(sqlite::Connection& connection) {
 
 }  // namespace
 
+bool isCurrent(sqlite::Connection& connection) {
+  return sqlite3_table_column_metadata(connection.handle(), "main", "searchSlice", nullptr, nullptr,
+                                       nullptr, nullptr, nullptr, nullptr) == SQLITE_OK;
+}
+
 void upgradeSchema(sqlite::Connection& connection) {
   const int version = knownVersion(connection);
   if (version == currentSchemaVersion) return;
-  // Version 2 adds nothing that reading needs.
+  // Later versions add nothing that reading needs.
   if (version > 0 && sqlite3_db_readonly(connection.handle(), "main") != 0) return;
   // Writers and readers do not wait for each other, and a commit is one sync.
   // A write logs a dozen pages, and the next program to open the database reads them again, so they
@@ -306,6 +348,7 @@ void upgradeSchema(sqlite::Connection& connection) {
   if (versionNow == currentSchemaVersion) return;
   if (versionNow == 0) connection.execute(createTables);
   connection.execute(createTablesOfVersion2);
+  connection.execute(createTablesOfVersion3);
   connection.execute(createTriggers);
   connection.execute(touchFirstPage);
   transaction.commit();
@@ -320,8 +363,13 @@ void repairLocks(sqlite::Connection& connection) {
       "WHERE s.encrypted = 1 AND n.encrypted = 0";
   if (!connection.query(differing).step()) return;
   sqlite::Transaction transaction(connection, sqlite::Transaction::Kind::write);
-  connection.execute(fmt::format("UPDATE noteSummary SET encrypted = 1 - encrypted, "
-                                 "version = random(), searchRow = NULL WHERE note IN ({})",
+  connection.execute(fmt::format("UPDATE noteSummary SET encrypted = 1 - encrypted, version = "
+                                 "random(), searchRow = NULL, features = features & ~16 "
+                                 "WHERE note IN ({});"
+                                 "DELETE FROM noteLink WHERE note IN "
+                                 "(SELECT note FROM noteSummary WHERE encrypted = 1);"
+                                 "UPDATE counter SET value = (SELECT ifnull(max(slice), 0) "
+                                 "FROM searchSlice) WHERE name = 'unpurged'",
                                  differing)
                          .c_str());
   transaction.commit();

@@ -1,6 +1,9 @@
 #include "platform/model/storage/text_facts.h"
 
+#include <algorithm>
+
 #include "platform/system/hashing.h"
+#include "platform/text/folding.h"
 #include "platform/text/utf8.h"
 
 namespace tavimodel {
@@ -19,8 +22,13 @@ TextFacts TextFacts::of(std::string_view text, const zephyrdown::ZDKTextSummary&
   facts.todoCompleted = summary.todoCompleted;
   if (summary.hasImages) facts.features |= images;
   if (summary.hasCode) facts.features |= code;
-  if (!summary.wikiLinks.empty()) facts.features |= wikiLinks;
+  if (!summary.wikiLinks.empty()) facts.features |= wikiLinks | linksStored;
   if (platform::text::trimmingWhitespaceAndNewlines(text).empty()) facts.features |= blank;
+  for (const std::string& title : summary.wikiLinks) {
+    if (!title.empty()) facts.links.push_back(platform::text::foldedForSearch(title));
+  }
+  std::sort(facts.links.begin(), facts.links.end());
+  facts.links.erase(std::unique(facts.links.begin(), facts.links.end()), facts.links.end());
   return facts;
 }
 

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "platform/markdown/ast.h"
 
@@ -10,13 +11,20 @@ namespace tavimodel {
 
 /// What is kept beside a note of its text, so that lists need not read the text.
 struct TextFacts {
-  enum Feature : std::int64_t { images = 1, code = 2, wikiLinks = 4, blank = 8 };
+  enum Feature : std::int64_t {
+    images = 1,
+    code = 2,
+    wikiLinks = 4,
+    blank = 8,
+    linksStored = 16,  ///< whoever stores these facts stores `links`, too
+  };
 
   std::string digest;       ///< head of the SHA-256, 16 lower-case hexadecimal digits
   std::int64_t length = 0;  ///< UTF-8 bytes
   std::int64_t todoIncomplete = 0;
   std::int64_t todoCompleted = 0;
-  std::int64_t features = 0;  ///< bits of Feature
+  std::int64_t features = 0;       ///< bits of Feature
+  std::vector<std::string> links;  ///< titles named by wiki links, folded, each once
 
   static TextFacts of(std::string_view text);
   /// The same, where the text has been parsed already.

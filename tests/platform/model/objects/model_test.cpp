@@ -11,6 +11,7 @@
 #include "platform/model/objects/core_data_stack.h"
 #include "platform/model/objects/errors.h"
 #include "platform/model/objects/note_tag.h"
+#include "platform/model/search/note_search.h"
 #include "support/foreign_client.h"
 #include "support/throwaway_home.h"
 
@@ -243,19 +244,46 @@ TEST_F(Model, LocksANoteByItsFlagAloneWhateverTheTriggersDid) {
   EXPECT_TRUE(listed());
 }
 
-TEST_F(Model, BringsAVersion1DatabaseUpToDate) {
-  const std::string id = create("# a #work");
+TEST_F(Model, BringsADatabaseOfAnEarlierVersionUpToDate) {
+  const std::string id = create("# a #work\n[[Target]]");
+  create("# Target");
   ForeignClient client(home.database());
-  client.run(
+  const std::string version2 =
+      "DROP TABLE searchSlice; DROP TABLE searchBlock; DROP TABLE noteLink; "
+      "DELETE FROM counter WHERE name GLOB '*purged'; "
+      "CREATE VIRTUAL TABLE searchIndex USING fts5 (body, content='', detail=none, columnsize=0, "
+      "tokenize='trigram case_sensitive 1'); INSERT INTO counter VALUES ('searchRow', 2); "
+      "UPDATE noteSummary SET searchRow = iif(textDigest IS NULL, NULL, note), "
+      "features = features & ~16; "
+      "DROP TRIGGER noteHidden; DROP TRIGGER noteRewritten; DROP TRIGGER summaryDeleted; "
+      "DROP TRIGGER summaryRenumbered; PRAGMA user_version = 2";
+  const std::string version1 =
       "DROP TABLE orphan; DROP INDEX noteLocked; "
       "DROP TRIGGER noteInserted; DROP TRIGGER summaryOrphaned; "
       "CREATE TRIGGER noteInserted AFTER INSERT ON note BEGIN SELECT 1; END; "
       "CREATE TRIGGER summaryOrphaned AFTER DELETE ON noteSummary BEGIN SELECT 1; END; "
-      "PRAGMA user_version = 1");
-  EXPECT_EQ(note(*open(), id).tagsStrings(), std::vector<std::string>{"work"});
-  EXPECT_EQ(client.value("PRAGMA user_version"), "2");
-  client.run("PRAGMA recursive_triggers = ON; INSERT OR REPLACE INTO note SELECT * FROM note");
-  EXPECT_EQ(note(*open(), id).tagsStrings(), std::vector<std::string>{"work"});
+      "PRAGMA user_version = 1";
+  const auto titles = [&](const char* query, KVCoreDataStackForExtensions::Access access) {
+    std::string error, found;
+    auto stack = KVCoreDataStackForExtensions::initStackOutputError(home.data(), error, access);
+    FetchRequest request;
+    request.search = readSearch(query).query;
+    const NoteTable notes = stack->managedObjectContext()->fetch(request);
+    for (std::size_t i = 0; i < notes.size(); ++i) found += notes[i].title;
+    return found;
+  };
+  using enum KVCoreDataStackForExtensions::Access;
+  for (const std::string& earlier : {version2, version2 + "; " + version1}) {
+    client.run(earlier);
+    for (const auto access : {readOnly, readWrite}) {
+      EXPECT_EQ(titles("targ -work", access), "Target");
+      EXPECT_EQ(titles("@backlinks", access), "Target");
+      EXPECT_EQ(client.value("PRAGMA user_version") == "3", access == readWrite);
+    }
+    EXPECT_EQ(note(*open(), id).tagsStrings(), std::vector<std::string>{"work"});
+    client.run("PRAGMA recursive_triggers = ON; INSERT OR REPLACE INTO note SELECT * FROM note");
+    EXPECT_EQ(note(*open(), id).tagsStrings(), std::vector<std::string>{"work"});
+  }
 }
 
 TEST_F(Model, MakesAncestorsTagsAndDropsTheDead) {

@@ -138,7 +138,7 @@ class SearchEquivalence : public OpenedModel {
     if (invent.oneIn(12)) reopen();
     if (invent.oneIn(8)) {
       context().reset();
-      catchUp(stack->connection(), updateSearchIndex, 1000);
+      catchUp(stack->connection(), updateSearchIndex, {.fewestNotes = 1, .milliseconds = 1000});
     }
   }
 

@@ -20,7 +20,7 @@ class Search : public OpenedModel {
 
   void index() {
     context().reset();
-    catchUp(stack->connection(), updateSearchIndex, 1000);
+    catchUp(stack->connection(), updateSearchIndex, {.fewestNotes = 1, .milliseconds = 1000});
   }
 
   /// Titles of what is found, ascending.

@@ -1,0 +1,98 @@
+#include "platform/model/search/slice_blocks.h"
+
+namespace tavimodel {
+namespace {
+
+/// With its row's header such a block fills a page of 4096 bytes.
+constexpr std::size_t blockSize = 4040;
+constexpr std::int64_t blocksInSlice = 65536;
+
+/// Takes the bytes off the front of `bytes` that follow the byte with their length; stops at its
+/// end.
+std::string_view taken(std::string_view& bytes) {
+  if (bytes.empty()) return {};
+  const std::string_view part = bytes.substr(1, static_cast<unsigned char>(bytes.front()));
+  bytes.remove_prefix(1 + part.size());
+  return part;
+}
+
+void append(std::string& bytes, std::string_view part) {
+  bytes += static_cast<char>(part.size());
+  bytes += part;
+}
+
+}  // namespace
+
+void SliceWriter::add(std::string_view key, std::string_view positions) {
+  if (block_.size() + key.size() + positions.size() + 2 > blockSize) writeBlock();
+  if (block_.empty()) append(firsts_, key);
+  append(block_, key);
+  append(block_, positions);
+}
+
+void SliceWriter::writeBlock() {
+  connection_.query("INSERT INTO searchBlock VALUES (?1, ?2)")
+      .bind(1, slice_ * blocksInSlice + blocks_)
+      .bind(2, block_)
+      .run();
+  ++blocks_;
+  block_.clear();
+}
+
+void SliceWriter::finish(int notes) {
+  if (!block_.empty()) writeBlock();
+  connection_.query("INSERT INTO searchSlice (slice, notes, firsts) VALUES (?1, ?2, ?3)")
+      .bind(1, slice_)
+      .bind(2, std::int64_t{notes})
+      .bind(3, firsts_)
+      .run();
+}
+
+PositionSet SliceReader::notesWith(const std::vector<Trigram>& trigrams) {
+  PositionSet notes = PositionSet::all();
+  for (const Trigram trigram : trigrams) {
+    notes &= positionsOf(utf8Of(trigram));
+    if (notes.isEmpty()) break;
+  }
+  if (!firsts_.empty() && firsts_.front() == '\0') notes |= positionsOf({});
+  return notes;
+}
+
+PositionSet SliceReader::positionsOf(std::string_view key) {
+  std::int64_t block = -1;
+  for (std::string_view rest = firsts_; !rest.empty() && taken(rest) <= key;) ++block;
+  if (block < 0) return {};
+  sqlite::Query query = connection_.query("SELECT entries FROM searchBlock WHERE id = ?1");
+  query.bind(1, slice_ * blocksInSlice + block);
+  if (!query.step()) return {};
+  for (std::string_view entries = query.text(0); !entries.empty();) {
+    const std::string_view found = taken(entries);
+    const std::string_view positions = taken(entries);
+    if (found == key) return PositionSet::decoded(positions);
+    if (found > key) break;
+  }
+  return {};
+}
+
+void forEachEntry(sqlite::Connection& connection, std::int64_t slice,
+                  const std::function<void(std::string_view, std::string_view)>& visit) {
+  sqlite::Query query =
+      connection.query("SELECT entries FROM searchBlock WHERE id BETWEEN ?1 AND ?2 ORDER BY id");
+  query.bind(1, slice * blocksInSlice).bind(2, (slice + 1) * blocksInSlice - 1);
+  while (query.step()) {
+    for (std::string_view entries = query.text(0); !entries.empty();) {
+      const std::string_view key = taken(entries);
+      visit(key, taken(entries));
+    }
+  }
+}
+
+void removeSlice(sqlite::Connection& connection, std::int64_t slice) {
+  connection.query("DELETE FROM searchBlock WHERE id BETWEEN ?1 AND ?2")
+      .bind(1, slice * blocksInSlice)
+      .bind(2, (slice + 1) * blocksInSlice - 1)
+      .run();
+  connection.query("DELETE FROM searchSlice WHERE slice = ?1").bind(1, slice).run();
+}
+
+}  // namespace tavimodel
