@@ -1,5 +1,7 @@
 #include <fmt/format.h>
 
+#include <algorithm>
+
 #include "ArgumentParser/completion_script.h"
 
 // Every `complete` line has a condition, and fish evaluates all of them on each press of the tab
@@ -138,14 +140,20 @@ std::string quoted(const std::string& text) {
   return result + "'";
 }
 
+/// Made of characters that names of variables may have: fish takes no hyphen there.
+std::string variableName(std::string name) {
+  std::replace(name.begin(), name.end(), '-', '_');
+  return name;
+}
+
 class FishScript {
  public:
   explicit FishScript(const CompletionCommand& root)
-      : root_(root), prefix_("_" + root.functionName()) {}
+      : root_(root), program_(variableName(root.functionName())), prefix_("_" + program_) {}
 
   std::string write() {
     addChildren(root_);
-    script_ = filled(kHelpers, {{"@PROGRAM@", root_.functionName()},
+    script_ = filled(kHelpers, {{"@PROGRAM@", program_},
                                 {"@ROOT_PATHS@", reached(root_)},
                                 {"@ROOT_PATH@", path(root_)},
                                 {"@ROOT_VALUED@", valued(root_)},
@@ -182,6 +190,7 @@ class FishScript {
   }
 
   const CompletionCommand& root_;
+  std::string program_;
   std::string prefix_;
   std::string children_;
   std::string script_;

@@ -43,12 +43,18 @@ std::string escapedCharacter(std::string_view character) {
   }
 }
 
-/// A text that is read and not copied: its hyphens and quotes may be printed as such.
+/// The text of a NAME section. whatis(1) takes it apart by itself and knows few escapes: a dash's
+/// name, but not its number.
 std::string quiet(std::string_view text) {
   std::string result;
-  for (const std::string_view character : ArgumentParser::characters(text))
-    result +=
-        character == "-" || character == "'" ? std::string(character) : escapedCharacter(character);
+  for (const std::string_view character : ArgumentParser::characters(text)) {
+    if (character == "—")
+      result += "\\(em";
+    else if (character == "-" || character == "'")
+      result += character;
+    else
+      result += escapedCharacter(character);
+  }
   return result;
 }
 

@@ -214,15 +214,25 @@ TEST_F(Installed, IsFoundByManAndTheShells) {
   EXPECT_THAT(shell("MANPATH=$prefix/share/man man tavicli-edit"),
               HasSubstr("tavicli-edit - Edit a note by finding exact string"));
   EXPECT_THAT(shell("$prefix/bin/tavicli --version"), HasSubstr("."));
-  EXPECT_EQ(shell("bash -c '. $prefix/share/bash-completion/completions/tavicli;"
-                  "complete -p tavicli'"),
-            "complete -o filenames -F _tavicli tavicli\n");
-  EXPECT_EQ(shell("zsh -fc 'fpath=($prefix/share/zsh/site-functions $fpath);"
-                  "autoload -Uz compinit; compinit -u -D; echo $_comps[tavicli]'"),
-            "_tavicli\n");
-  EXPECT_THAT(shell("PATH=$prefix/bin:$PATH XDG_DATA_DIRS=$prefix/share fish -c 'complete -C "
-                    "\"tavicli search-\"'"),
-              HasSubstr("search-in\t"));
+  for (const std::string program : {"tavicli", "tavi-import", "tavi-export"}) {
+    ::setenv("program", program.c_str(), 1);
+    EXPECT_EQ(shell("bash -c '. $prefix/share/bash-completion/completions/$program;"
+                    "complete -p $program'"),
+              "complete -o filenames -F _" + program + " " + program + "\n");
+    EXPECT_EQ(shell("zsh -fc 'fpath=($prefix/share/zsh/site-functions $fpath);"
+                    "autoload -Uz compinit; compinit -u -D; echo $_comps[$program]'"),
+              "_" + program + "\n");
+    EXPECT_EQ(shell("PATH=$prefix/bin:$PATH XDG_DATA_DIRS=$prefix/share fish -c 'complete -C "
+                    "\"$program --h\"'"),
+              "--help\tShow help information.\n");
+  }
+}
+
+TEST_F(Installed, HasPagesWithoutFindings) {
+  EXPECT_EQ(shell("for page in $prefix/share/man/man?/*; do"
+                  "  mandoc -T lint $page; man --warnings -l $page >/dev/null;"
+                  "  lexgrog $page | grep -F -e '\\' -e '[u' -e 'parse failed'; done; true"),
+            "");
 }
 
 // The static program carries a part of ICU's data only.
