@@ -3,7 +3,7 @@
 # and whether warnings are errors (CMAKE_COMPILE_WARNING_AS_ERROR) are left to the user; the presets
 # set what developers and CI use.
 
-if(NOT CMAKE_BUILD_TYPE)
+if(NOT CMAKE_BUILD_TYPE AND NOT CMAKE_CXX_FLAGS)  # whose -O2 would come after a packager's own
   set(CMAKE_BUILD_TYPE RelWithDebInfo CACHE STRING "" FORCE)
 endif()
 
