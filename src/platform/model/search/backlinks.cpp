@@ -78,9 +78,10 @@ std::vector<std::int64_t> linkedNotes(sqlite::Connection& connection) {
   const char* unknown = "(s.features IS NULL OR (s.features & 4) <> 0)";
   if (isCurrent(connection)) {
     unknown = "s.searchRow IS NULL AND (s.features IS NULL OR (s.features & 20) = 4)";
+    // In the order of titles, so that neighbours are looked up on the same page of their index.
     sqlite::Query exact = connection.query(
         "SELECT s.note FROM noteLink l CROSS JOIN noteSummary s ON s.titleKey = l.target "
-        "WHERE s.note <> l.note");
+        "WHERE s.note <> l.note ORDER BY l.target");
     while (exact.step()) {
       if (linked.empty() || linked.back() != exact.integer(0)) linked.push_back(exact.integer(0));
     }

@@ -16,9 +16,10 @@ namespace tavimodel {
 /// The trigram index over the notes' titles and texts: a prefilter. It tells which notes may hold a
 /// term; whether they do is decided on their texts.
 ///
-/// Notes are in slices (see slice_blocks.h). A note whose text changes or goes away is taken out of
-/// the index by triggers, which count it as stale in its slice; what its slice says of it is
-/// removed later, at once for a note that was deleted or locked (`removeExpired`).
+/// Notes are in slices (see slice_blocks.h). When a note is changed, deleted or locked, triggers
+/// take its row out of the index at once. The trigrams of its former text stay in the slice, where
+/// they find nothing, until the slice is rewritten: by the next command after a deletion or a lock,
+/// otherwise when its turn comes.
 class SearchIndex {
  public:
   explicit SearchIndex(sqlite::Connection& connection) : connection_(connection) {}
@@ -41,6 +42,7 @@ class SearchIndex {
  private:
   using Clock = std::chrono::steady_clock;
 
+  /// Values of noteSummary.searchRow.
   std::vector<std::int64_t> rowsWith(const std::vector<Trigram>& trigrams, std::size_t most);
   void removeExpired(Clock::time_point deadline);
   void removeNextStale();
