@@ -241,6 +241,9 @@ TEST_F(PowerLoss, SyncsInOrderBeforeTheAnswer) {
   // The log first, that the row is gone; then the folders, that the file is; then its name goes.
   EXPECT_EQ(syncs({"attachments", "delete", id, "-f", "new.bin"}),
             "log files staged log database ");
+  support::ForeignClient other(home.database());
+  other.run("PRAGMA synchronous = OFF; DELETE FROM file");  // what another program has not synced
+  EXPECT_NE(syncs({"list"}).find("log files staged log"), std::string::npos);
 }
 
 }  // namespace
