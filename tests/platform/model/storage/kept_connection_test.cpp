@@ -8,6 +8,7 @@
 #include "platform/model/search/search_index.h"
 #include "platform/model/storage/open_database.h"
 #include "platform/model/storage/write_ahead_log.h"
+#include "support/foreign_client.h"
 #include "support/throwaway_home.h"
 
 namespace tavimodel {
@@ -20,6 +21,7 @@ class Kept : public testing::Test {
   void SetUp() override {
     openDatabase(home.data(), DatabaseAccess::readWrite);
     fs::copy_file(home.database(), older);
+    support::ForeignClient(home.database()).run("CREATE TABLE later (a)");
     auto connection = openDatabase(home.data(), DatabaseAccess::readWrite);
     sqlite::Transaction transaction(*connection, sqlite::Transaction::Kind::write);
     connection->query("INSERT INTO note (text) VALUES ('in the log')").run();
