@@ -91,6 +91,7 @@ TEST(TextEditor, FindsWholeWords) {
       {"cat", "Cat", nullptr},
       {"", "cat", nullptr},
       {"", "", nullptr},
+      {"", "\u00E9  \u00E9", nullptr},
   };
   for (const Case& c : cases) {
     const EditOperation edit = {.find = c.find, .action = {Kind::replace, "<>"}, .word = true};

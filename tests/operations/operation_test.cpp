@@ -137,18 +137,6 @@ TEST(DecodeInput, ReadsListsInEveryFormThatClientsSend) {
   EXPECT_EQ(expected(R"({"content":"","expectedRemovedAttachments":[]})"), Texts{});
 }
 
-TEST(DecodeInput, ReadsEveryEdit) {
-  const auto edits =
-      decoded<EditNoteOp>(R"({"edits":[{"find":"a","replace":""},)"
-                          R"({"find":"b","insertAfter":"c","all":true,"word":null}]})")
-          .edits;
-  ASSERT_EQ(edits.size(), 2U);
-  EXPECT_EQ(edits[0].replace, "");
-  EXPECT_EQ(edits[1].insertAfter, "c");
-  EXPECT_TRUE(edits[1].all);
-  EXPECT_FALSE(edits[1].word);
-}
-
 TEST(DecodeInput, NamesTheFaultyField) {
   const auto fault = []<class Operation>(const char* json) {
     return refusal([&] { decoded<Operation>(json); });

@@ -62,13 +62,5 @@ TEST_F(TagOperations, RenameGoesAheadWhereNothingIsMerged) {
   EXPECT_EQ(text("ID-1"), "# Mars\n#planet #Red");
 }
 
-TEST_F(TagOperations, RenameAndDeleteWantNames) {
-  EXPECT_EQ(rename("#", ""), "invalid input: Old must not be empty");
-  EXPECT_EQ(rename("red", " "), "invalid input: New must not be empty");
-  EXPECT_EQ(refusal([&] { DeleteTagOp::execute({.tag = "# "}, store()); }),
-            "invalid input: Tag must not be empty");
-  EXPECT_EQ(DeleteTagOp::execute({.tag = "#planet"}, store()), 2);
-}
-
 }  // namespace
 }  // namespace tavi

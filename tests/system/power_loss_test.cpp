@@ -243,6 +243,9 @@ TEST_F(PowerLoss, SyncsInOrderBeforeTheAnswer) {
   // removed.
   EXPECT_EQ(syncs({"attachments", "delete", id, "-f", "new.bin"}),
             "log files staged log database ");
+  support::ForeignClient other(home.database());
+  other.run("PRAGMA synchronous = OFF; DELETE FROM file");  // what another program has not synced
+  EXPECT_NE(syncs({"list"}).find("log files staged log"), std::string::npos);
 }
 
 }  // namespace
