@@ -206,7 +206,10 @@ class Mender {
 }  // namespace
 
 std::string withMends(std::string_view input, const std::vector<Mend>& mends) {
+  std::size_t size = input.size();
+  for (const Mend& mend : mends) size += mend.replacement.size() - mend.length;
   std::string result;
+  result.reserve(size);  // a text may be large: no room to grow, and none copied
   std::size_t done = 0;
   for (const Mend& mend : mends) {
     result.append(input.substr(done, mend.at - done)).append(mend.replacement);

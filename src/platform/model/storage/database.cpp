@@ -23,14 +23,16 @@ Database::Database(const std::filesystem::path& folder, Access access, IndexUpda
       connection_(kept != nullptr ? kept->take(folder) : nullptr),
       files_(folder / "files"),
       updateIndex_(updateIndex) {
-  if (connection_) return;
-  connection_ = openDatabase(folder, access);
-  if (!connection_->isRefused()) repairLocks(*connection_);
+  if (!connection_) {
+    connection_ = openDatabase(folder, access);
+    if (!connection_->isRefused()) repairLocks(*connection_);
+  }
+  if (kept != nullptr && !connection_->isRefused()) dataVersion_ = connection_->dataVersion();
 }
 
 Database::~Database() {
   if (kept_ != nullptr && logSize(databaseIn(folder_)) < longLog) {
-    kept_->keep(std::move(connection_), folder_, opened_);
+    kept_->keep(std::move(connection_), folder_, opened_, dataVersion_);
     return;
   }
   tidy(*connection_, files_, updateIndex_, closingBudget);

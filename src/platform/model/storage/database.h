@@ -32,7 +32,8 @@ class Database {
  private:
   std::filesystem::path folder_;
   KeptConnection* kept_;
-  DatabaseIdentity opened_;  ///< for `kept_` only
+  DatabaseIdentity opened_;       ///< for `kept_` only, like the next
+  std::int64_t dataVersion_ = 0;  ///< after opening
   std::unique_ptr<sqlite::Connection> connection_;
   FileStore files_;
   IndexUpdate updateIndex_;

@@ -32,19 +32,26 @@ KeptConnection::~KeptConnection() {
 }
 
 std::unique_ptr<sqlite::Connection> KeptConnection::take(const std::filesystem::path& folder) {
+  const bool isSame = connection_ && reusable_ && folder == folder_ && isCurrent();
   auto kept = std::move(connection_);
-  if (!kept || !reusable_ || folder != folder_ || DatabaseIdentity::of(folder) != identity_) {
-    return nullptr;
-  }
   // What permissions say of the way there may have changed.
-  if (access(databaseIn(folder).c_str(), R_OK | W_OK) != 0) return nullptr;
+  if (!isSame || access(databaseIn(folder).c_str(), R_OK | W_OK) != 0) return nullptr;
   return kept;
 }
 
+/// Whether the files are those of the last use, and nobody else has committed since.
+bool KeptConnection::isCurrent() const try {
+  return DatabaseIdentity::of(folder_) == identity_ && connection_->dataVersion() == dataVersion_;
+} catch (const sqlite::Error&) {
+  return false;  // a new connection finds out why
+}
+
 void KeptConnection::keep(std::unique_ptr<sqlite::Connection> connection,
-                          const std::filesystem::path& folder, const DatabaseIdentity& opened) {
+                          const std::filesystem::path& folder, const DatabaseIdentity& opened,
+                          std::int64_t dataVersion) {
   connection_ = std::move(connection);
   folder_ = folder;
+  dataVersion_ = dataVersion;
   identity_ = DatabaseIdentity::of(folder);
   // The call itself may have changed the log, and nothing else.
   reusable_ = !connection_->isRefused() && identity_.database == opened.database &&
@@ -74,12 +81,13 @@ void KeptConnection::drop() {
 
 /// A file that was put in the database's place must not get this connection's log.
 void KeptConnection::ensureCurrent() {
-  const DatabaseIdentity now = DatabaseIdentity::of(folder_);
-  if (now == identity_) return;
+  if (isCurrent()) return;
   connection_.reset();
-  if (!now.database.exists) throw std::runtime_error("The database is gone.");
+  if (!DatabaseIdentity::of(folder_).database.exists)
+    throw std::runtime_error("The database is gone.");
   connection_ = openDatabase(folder_, DatabaseAccess::readWrite);
   if (!connection_->isRefused()) repairLocks(*connection_);
+  dataVersion_ = connection_->dataVersion();
 }
 
 }  // namespace tavimodel

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <array>
+#include <cstdint>
 #include <filesystem>
 #include <memory>
 
@@ -25,9 +25,10 @@ class KeptConnection {
 
   /// The connection to the database in that folder, or null: open it anew.
   std::unique_ptr<sqlite::Connection> take(const std::filesystem::path& folder);
-  /// Takes a connection back. `opened`: the files as they were before it was opened or taken.
+  /// Takes a connection back. `opened`: the files as they were before it was opened or taken;
+  /// `dataVersion`: the connection's right after that.
   void keep(std::unique_ptr<sqlite::Connection> connection, const std::filesystem::path& folder,
-            const DatabaseIdentity& opened);
+            const DatabaseIdentity& opened, std::int64_t dataVersion);
 
   /// Does a slice of what is left to do, about 10 ms long. False when nothing is left: then the
   /// database is closed, and its log empty where nobody else uses it. Never throws.
@@ -36,11 +37,14 @@ class KeptConnection {
   void drop();
 
  private:
+  bool isCurrent() const;
   void ensureCurrent();
 
   std::unique_ptr<sqlite::Connection> connection_;
   std::filesystem::path folder_;
   DatabaseIdentity identity_;
+  /// Shows a commit of somebody else's that came between a call's answer and `identity_`.
+  std::int64_t dataVersion_ = 0;
   bool reusable_ = false;  ///< false: `work` has begun, or its settings are not those of a new one
   IndexUpdate updateIndex_;
 };

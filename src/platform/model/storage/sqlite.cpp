@@ -224,6 +224,12 @@ std::string Connection::fileHeader(std::size_t size) const {
   return bytes;
 }
 
+std::int64_t Connection::dataVersion() {
+  Query version = query("PRAGMA data_version");
+  version.step();
+  return version.integer(0);
+}
+
 void Connection::syncLog() {
   sqlite3_file* log = nullptr;
   sqlite3_file_control(handle_, "main", SQLITE_FCNTL_JOURNAL_POINTER, &log);

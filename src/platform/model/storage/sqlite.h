@@ -104,6 +104,8 @@ class Connection {
   /// The first bytes of the database file itself, whatever the log holds; empty where the file is
   /// shorter. Takes no lock.
   std::string fileHeader(std::size_t size) const;
+  /// Changes whenever another connection has committed (PRAGMA data_version).
+  std::int64_t dataVersion();
   /// Brings the log's file up to date on the disk: what others have committed without a sync, too.
   void syncLog();
   /// Whether a script has been run, which may have changed settings or made temporary tables.

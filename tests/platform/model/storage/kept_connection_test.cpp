@@ -26,8 +26,13 @@ class Kept : public testing::Test {
     sqlite::Transaction transaction(*connection, sqlite::Transaction::Kind::write);
     connection->query("INSERT INTO note (text) VALUES ('in the log')").run();
     transaction.commit();
+    const std::int64_t version = connection->dataVersion();
+    keep(std::move(connection), version);
+  }
+
+  void keep(std::unique_ptr<sqlite::Connection> connection, std::int64_t version) {
     while (!DatabaseIdentity::of(home.data()).isSettled()) std::this_thread::yield();
-    kept->keep(std::move(connection), home.data(), DatabaseIdentity::of(home.data()));
+    kept->keep(std::move(connection), home.data(), DatabaseIdentity::of(home.data()), version);
   }
 
   support::ThrowawayHome home{support::ThrowawayHome::On::memory};
@@ -41,6 +46,15 @@ TEST_F(Kept, IsTakenAgain) {
 
 TEST_F(Kept, IsNotTakenForAnotherFile) {
   fs::rename(older, home.database());
+  EXPECT_EQ(kept->take(home.data()), nullptr);
+}
+
+// A client that has its answer may write before the files are looked at.
+TEST_F(Kept, IsNotTakenAfterACommitThatTheFilesDoNotShow) {
+  auto connection = kept->take(home.data());
+  const std::int64_t version = connection->dataVersion();
+  support::ForeignClient(home.database()).run("PRAGMA user_version = 99");
+  keep(std::move(connection), version);
   EXPECT_EQ(kept->take(home.data()), nullptr);
 }
 
