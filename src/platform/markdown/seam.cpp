@@ -91,8 +91,10 @@ bool staysWhatItWas(const ScannedLine& now, const ScannedLine& before) {
 
 /// Whether no line above can change how this one and those below it are read: a block or item that
 /// stands in no other begins here, below a blank line or with a mark that ends a paragraph.
+/// Indented lines below an empty item are no code to the parser.
 bool isCut(const ScannedLine& line, bool isBelowBlank, std::string_view text) {
   if (line.matched > 0 || !line.kind || !(line.isFirst || line.opened > 0)) return false;
+  if (line.kind == BlockKind::indentedCode) return false;
   if (isBelowBlank) return true;
   const auto mark = listMark(text.substr(skipBlanks(text, 0)));
   return line.opened > 0 && mark && mark->isFirst;
@@ -111,6 +113,10 @@ std::size_t lineCount(std::string_view text) {
   for (Lines lines(text); lines.next();) ++count;
   return count;
 }
+
+/// Beyond this the blocks around a place are not read with the parser, so that an insertion into a
+/// large note stays cheap.
+constexpr std::size_t kMostRead = 16'384;
 
 /// A HTML block that ends all others above it.
 constexpr std::string_view kWall = "\n<!-- -->\n\n";
@@ -256,6 +262,7 @@ bool Seam::keepsPlaces(std::string_view before, std::string_view inserted, std::
 /// Whether the parser reads all lines as it did before, those inserted as behind a wall.
 bool Seam::keepsReadings(std::string_view before, std::string_view inserted,
                          std::string_view behind, std::size_t end) const {
+  if (end - cut_ > kMostRead) return true;
   const std::string_view above = text_.substr(cut_, end_ - cut_);
   const std::string_view below = text_.substr(below_, end - below_);
   std::string now;
