@@ -6,7 +6,9 @@
 
 #include "platform/markdown/ascii.h"
 #include "platform/markdown/ast.h"
+#include "platform/markdown/block_scanner.h"
 #include "platform/markdown/document.h"
+#include "platform/markdown/layout.h"
 #include "platform/markdown/lines.h"
 
 namespace zephyrdown::testing {
@@ -61,25 +63,27 @@ bool holdsWord(const std::string& line) {
 
 Lines linesOf(const std::string& text) {
   const Document document = readDocument(text);
+  const Layout layout(text, document);
   Lines lines;
   auto block = document.blocks.begin();
-  bool isFoot = false;
+  BlockScanner scanner;
+  bool isAttached = false;
   for (std::size_t at = document.bodyBegin; at < text.size(); at = nextLine(text, at)) {
     const SourceRange range{at, lineEnd(text, at)};
     const std::string line = text.substr(at, range.end - at);
-    // The foot may stand directly below a list or quote, as a part of its last paragraph.
-    isFoot = line.starts_with("[^") || (line.size() > 1 && line[0] == '#' && !isBlank(line[1])) ||
-             (isFoot && isASCIILetter(byteOf(line.c_str()[0])));
     // What closes HTML that was open.
     const bool isClosing =
         line == "</pre>" || line == "</script>" || line == "</style>" || line == "</textarea>";
-    if (isClosing || !holdsWord(line)) continue;
     while (block != document.blocks.end() && block->text.end <= at) ++block;
+    // Tag lines and footnotes directly below a list or quote count as no part of it.
+    const bool mayBeFoot = line.starts_with("[^") || layout.isTagLine(at);
+    isAttached = scanner.read(line).isLazy && (mayBeFoot || isAttached);
+    if (isClosing || !holdsWord(line)) continue;
     const bool isInside = block != document.blocks.end() && block->text.begin < range.end;
     Line found{std::nullopt, showsText(document, range), line};
     // Where a list or quote ends is known by its text only.
     const bool isKnown = isInside && (found.showsText || !isMarked(*block));
-    if (isKnown) found.kind = isMarked(*block) && isFoot ? BlockKind::paragraph : block->kind;
+    if (isKnown) found.kind = isAttached ? BlockKind::paragraph : block->kind;
     lines.push_back(found);
   }
   return lines;
@@ -167,15 +171,21 @@ class Text {
     EXPECT_EQ(after.wikiLinks, summary_.wikiLinks) << longer;
     const ZDKTextSummary own = summaryOf(inserted);
     EXPECT_EQ(after.files.size(), summary_.files.size() + own.files.size()) << longer;
-    const Document before = readDocument(text_);
-    const bool mayTitle =
-        !before.headingEnd && (!before.titleEnd || readDocument(inserted).headingEnd ||
-                               text_.find_first_not_of(" \t\r\n") == text_.find("[^"));
-    EXPECT_TRUE(mayTitle || after.title == summary_.title) << after.title << " in\n" << longer;
+    EXPECT_TRUE(mayChangeTitle(inserted) || after.title == summary_.title)
+        << after.title << " in\n"
+        << longer;
     EXPECT_TRUE(isInsertion(linesOf(text_), linesOf(inserted), linesOf(longer)))
         << inserted << " in\n"
         << longer;
     return longer;
+  }
+
+  /// Where the title is none yet, no heading though one is inserted, or a part of the foot.
+  bool mayChangeTitle(const std::string& inserted) const {
+    const Document document = readDocument(text_);
+    const auto titleEnd = document.headingEnd ? document.headingEnd : document.titleEnd;
+    if (!titleEnd || *titleEnd > Layout(text_, document).footBegin()) return true;
+    return !document.headingEnd && readDocument(inserted).headingEnd;
   }
 
   /// A link that is appended is found, and its removal gives the text before.
@@ -212,9 +222,15 @@ class Text {
     EXPECT_TRUE(ZDKAST::fromMarkdown(tagged).addHashtag("zz top", bottom).empty());
   }
 
+  /// Whether only the "--" in the tag keeps what stands around it from being a comment.
+  bool mayBecomeComment(const std::string& name) const {
+    return name.find("--") != std::string::npos && text_.find("<!--") != std::string::npos;
+  }
+
   void checkRemovalOfTag(const std::string& name) {
     const Operations removal = tree_.removeHashtag(name);
     const std::string removed = rewritten(text_, removal);
+    if (mayBecomeComment(name)) return;
     // HTML or code that stood directly behind a tag may become a block at the line's begin.
     const bool bares = std::any_of(removal.begin(), removal.end(), [&](const auto& result) {
       const std::string next = text_.substr(result.range.end, 1);
@@ -225,8 +241,7 @@ class Text {
   }
 
   void checkRenamingOfTag(const std::string& name) {
-    // What was no comment for a "--" in it becomes one.
-    if (name.find("--") != std::string::npos && text_.find("<!--") != std::string::npos) return;
+    if (mayBecomeComment(name)) return;
     const std::string renamed = rewritten(text_, tree_.renameHashtag(name, "zz top"));
     const Names tags = summaryOf(renamed).tags;
     EXPECT_FALSE(holds(tags, name)) << renamed;
