@@ -57,7 +57,7 @@ std::size_t behindPreviewComment(std::string_view text, std::size_t at) {
   constexpr std::string_view kClose = "-->";
   constexpr std::size_t kLongest = 200;
   if (!text.substr(at).starts_with(kOpen)) return at;
-  const std::string_view comment = text.substr(at, kLongest);
+  const std::string_view comment = text.substr(at, std::min(lineEnd(text, at) - at, kLongest));
   const std::size_t close = comment.find(kClose);
   if (close == std::string_view::npos) return at;
   const bool isPreview = comment.substr(0, close).find("\"preview\"") != std::string_view::npos;

@@ -267,7 +267,7 @@ bool Seam::keepsReadings(std::string_view before, std::string_view inserted,
   const std::string_view below = text_.substr(below_, end - below_);
   std::string now;
   for (const auto lines : {above, before, inserted, behind, below}) appendLines(now, lines);
-  if (cut_ == begin_ && !keepsTitle(now, inserted, end)) return false;
+  if (!keepsTitle(now, inserted, end)) return false;
   std::string apart;
   const std::string closing = scanned(inserted).closingLine();
   for (const auto lines : {kWall, inserted, std::string_view(closing), kWall, above, below}) {
@@ -289,9 +289,12 @@ bool Seam::keepsReadings(std::string_view before, std::string_view inserted,
   return areSame(here.next(below), oldBelow, below);
 }
 
+/// Whether the lines from the cut on, with the text in place, leave the title as it was.
 bool Seam::keepsTitle(const std::string& lines, std::string_view inserted, std::size_t end) const {
+  const auto title = document_.headingEnd ? document_.headingEnd : document_.titleEnd;
+  if ((title && *title < cut_) || end - begin_ > kMostRead) return true;
   const Document before = readDocument(text_.substr(0, end));
-  const std::string longer = std::string(text_.substr(0, begin_)) + lines;
+  const std::string longer = std::string(text_.substr(0, cut_)) + lines;
   const Document after = readDocument(longer);
   if (after.bodyBegin != before.bodyBegin) return false;
   const bool isBelow = document_.headingEnd && !before.headingEnd;

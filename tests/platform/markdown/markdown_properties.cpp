@@ -49,10 +49,17 @@ bool isMarked(const Block& block) {
          block.kind == BlockKind::quote;
 }
 
-bool showsText(const Document& document, SourceRange line) {
-  return std::any_of(document.stretches.begin(), document.stretches.end(), [&](const auto& piece) {
-    return piece.range.begin < line.end && piece.range.end > line.begin;
-  });
+/// Plain text, or the link to a file.
+bool showsText(std::string_view text, const Document& document, SourceRange line) {
+  const auto isOn = [&](SourceRange range) {
+    const std::size_t begin = std::max(range.begin, line.begin);
+    const std::size_t end = std::min(range.end, line.end);
+    return begin < end && !isBlankText(text.substr(begin, end - begin));
+  };
+  return std::any_of(document.stretches.begin(), document.stretches.end(),
+                     [&](const auto& piece) { return isOn(piece.range); }) ||
+         std::any_of(document.files.begin(), document.files.end(),
+                     [&](const auto& file) { return isOn(file.link.range); });
 }
 
 /// Lines that hold a word: a block's text may or may not reach marks alone.
@@ -80,10 +87,15 @@ Lines linesOf(const std::string& text) {
     isAttached = scanner.read(line).isLazy && (mayBeFoot || isAttached);
     if (isClosing || !holdsWord(line)) continue;
     const bool isInside = block != document.blocks.end() && block->text.begin < range.end;
-    Line found{std::nullopt, showsText(document, range), line};
-    // Where a list or quote ends is known by its text only.
-    const bool isKnown = isInside && (found.showsText || !isMarked(*block));
-    if (isKnown) found.kind = isAttached ? BlockKind::paragraph : block->kind;
+    Line found{std::nullopt, showsText(text, document, range), line};
+    // Where text ends is known, but not which block the markup around it belongs to.
+    const bool isMarkup = isInside && !found.showsText &&
+                          (isMarked(*block) || block->kind == BlockKind::paragraph);
+    if (isAttached) {
+      found.kind = BlockKind::paragraph;
+    } else if (isInside && !isMarkup) {
+      found.kind = block->kind;
+    }
     lines.push_back(found);
   }
   return lines;
