@@ -194,8 +194,8 @@ Operations plannedPrepend(std::string_view text, const Layout& layout, std::stri
   // Nothing can stand in the midst of some paragraphs, and no item above code: further down then.
   constexpr int kMostTries = 5;
   std::size_t position = layout.bodyBegin();
-  if (readDocument(inserted).headingEnd) {
-    position = std::max(position, layout.lineBelowHeading().value_or(0));
+  if (const auto line = layout.lineBelowHeading(); line && readDocument(inserted).headingEnd) {
+    position = std::max(position, skipBlankLines(text, *line));
   }
   if (!layout.headStandsAlone()) position = nextParagraph(text, position);
   for (int tries = 0; tries < kMostTries && position < layout.footBegin(); ++tries) {

@@ -89,8 +89,8 @@ Lines linesOf(const std::string& text) {
     const bool isInside = block != document.blocks.end() && block->text.begin < range.end;
     Line found{std::nullopt, showsText(text, document, range), line};
     // Where text ends is known, but not which block the markup around it belongs to.
-    const bool isMarkup = isInside && !found.showsText &&
-                          (isMarked(*block) || block->kind == BlockKind::paragraph);
+    const bool isMarkup =
+        isInside && !found.showsText && (isMarked(*block) || block->kind == BlockKind::paragraph);
     if (isAttached) {
       found.kind = BlockKind::paragraph;
     } else if (isInside && !isMarkup) {
@@ -183,9 +183,8 @@ class Text {
     EXPECT_EQ(after.wikiLinks, summary_.wikiLinks) << longer;
     const ZDKTextSummary own = summaryOf(inserted);
     EXPECT_EQ(after.files.size(), summary_.files.size() + own.files.size()) << longer;
-    EXPECT_TRUE(mayChangeTitle(inserted) || after.title == summary_.title)
-        << after.title << " in\n"
-        << longer;
+    EXPECT_TRUE(mayChangeTitle(inserted) || after.title == summary_.title) << after.title << " in\n"
+                                                                           << longer;
     EXPECT_TRUE(isInsertion(linesOf(text_), linesOf(inserted), linesOf(longer)))
         << inserted << " in\n"
         << longer;
