@@ -13,16 +13,6 @@ BlockKind kindOf(const Container& container) {
   return container.mark == '>' ? BlockKind::quote : BlockKind::list;
 }
 
-/// "[label]:", but not that of a footnote.
-bool mayBeDefinition(std::string_view content) {
-  if (!content.starts_with('[') || content.starts_with("[^")) return false;
-  std::size_t end = content.find_first_of("[]", 1);
-  while (end != std::string_view::npos && isEscaped(content, end)) {
-    end = content.find_first_of("[]", end + 1);
-  }
-  return end != std::string_view::npos && content.substr(end).starts_with("]:");
-}
-
 }  // namespace
 
 ScannedLine BlockScanner::read(std::string_view text) {
@@ -66,8 +56,7 @@ bool BlockScanner::operator==(const BlockScanner& other) const {
   if (leaf_ == BlockKind::fencedCode) return fence_ == other.fence_;
   if (leaf_ == BlockKind::html) return html_ == other.html_;
   if (leaf_ != BlockKind::paragraph) return true;
-  return mayDefine_ == other.mayDefine_ &&
-         std::min<std::size_t>(lines_, 2) == std::min<std::size_t>(other.lines_, 2) &&
+  return std::min<std::size_t>(lines_, 2) == std::min<std::size_t>(other.lines_, 2) &&
          (lines_ > 1 || headerCells_ == other.headerCells_);
 }
 
@@ -196,7 +185,6 @@ void BlockScanner::readLeaf(ScannedLine& line) {
     beginLeaf(line, BlockKind::paragraph);
     lines_ = 1;
     headerCells_ = columnsOfRow(content(line));
-    mayDefine_ = line.mayDefine = mayBeDefinition(content(line));
   }
 }
 

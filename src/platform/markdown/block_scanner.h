@@ -27,7 +27,6 @@ struct ScannedLine {
   bool joinsList = false;         ///< the first of those goes on with the list above
   bool isLazy = false;            ///< goes on with a paragraph whose containers it does not name
   bool isFirst = false;           ///< its block begins here
-  bool mayDefine = false;         ///< the first one of a paragraph, "[label]:" as in a definition
   std::size_t indent = 0;         ///< columns of blanks before the content, in its containers
   std::size_t content = 0;        ///< the offset of the first byte behind marks and blanks
 };
@@ -45,8 +44,6 @@ class BlockScanner {
   /// The kind of the block that a next line may go on with; absent behind a blank line and behind
   /// blocks that have their end.
   std::optional<BlockKind> openKind() const { return leaf_; }
-  /// Whether the open block is a paragraph that begins as the definition of a reference does.
-  bool mayDefine() const { return leaf_ == BlockKind::paragraph && mayDefine_; }
   /// The kind of the last block that stands in no other; absent where none was read.
   std::optional<BlockKind> outermostKind() const { return outermost_; }
 
@@ -87,7 +84,6 @@ class BlockScanner {
   std::string verbatimTag_;      // of the open HTML: "script"
   std::size_t lines_ = 0;        // of the open paragraph
   std::size_t headerCells_ = 0;  // of its first line
-  bool mayDefine_ = false;
 };
 
 }  // namespace zephyrdown

@@ -15,6 +15,7 @@
 #include "platform/markdown/outline.h"
 #include "platform/markdown/parser_input.h"
 #include "platform/markdown/parser_mending.h"
+#include "platform/markdown/text_pieces.h"
 #include "platform/markdown/title_builder.h"
 #include "platform/markdown/wiki_links.h"
 
@@ -56,7 +57,7 @@ std::size_t behindPreviewComment(std::string_view text, std::size_t at) {
   constexpr std::string_view kClose = "-->";
   constexpr std::size_t kLongest = 200;
   if (!text.substr(at).starts_with(kOpen)) return at;
-  const std::string_view comment = text.substr(at, kLongest);
+  const std::string_view comment = text.substr(at, std::min(lineEnd(text, at) - at, kLongest));
   const std::size_t close = comment.find(kClose);
   if (close == std::string_view::npos) return at;
   const bool isPreview = comment.substr(0, close).find("\"preview\"") != std::string_view::npos;
@@ -75,6 +76,11 @@ BlockKind blockKind(MD_BLOCKTYPE type, const void* detail) {
     case MD_BLOCK_QUOTE:
       return BlockKind::quote;
     case MD_BLOCK_TABLE:
+    case MD_BLOCK_THEAD:
+    case MD_BLOCK_TBODY:
+    case MD_BLOCK_TR:
+    case MD_BLOCK_TH:
+    case MD_BLOCK_TD:
       return BlockKind::table;
     case MD_BLOCK_CODE:
       return static_cast<const MD_BLOCK_CODE_DETAIL*>(detail)->fence_char != 0
@@ -89,20 +95,28 @@ BlockKind blockKind(MD_BLOCKTYPE type, const void* detail) {
   }
 }
 
+/// What is written down beside the document, where it is wanted.
+struct Extras {
+  Outline* outline = nullptr;
+  std::vector<TextPiece>* pieces = nullptr;
+};
+
 /// Listens to the parser.
 class DocumentReader {
  public:
   DocumentReader(std::string_view text, std::size_t bodyBegin, std::string_view input,
-                 const OffsetMap& offsets, Outline* outline)
+                 const OffsetMap& offsets, Extras extras)
       : text_(text),
         input_(input),
         inputBegin_(bodyBegin),
         offsets_(offsets),
         links_(text),
         budget_(input.size() + kSmallText),
-        outline_(outline) {
+        outline_(extras.outline),
+        pieces_(extras.pieces) {
     document_.bodyBegin = inputBegin_;
     if (outline_) *outline_ = {.bodyBegin = inputBegin_};
+    if (pieces_) pieces_->clear();
   }
 
   /// Nothing when a bound was passed.
@@ -152,6 +166,7 @@ class DocumentReader {
       if (type == MD_BLOCK_H) enterHeading(*static_cast<MD_BLOCK_H_DETAIL*>(detail));
     }
     block_ = type;
+    leaf_ = blockKind(type, detail);
     return goOn();
   }
 
@@ -159,7 +174,9 @@ class DocumentReader {
     endSpans();
     if (type == MD_BLOCK_DOC) return goOn();
     endTitleLine();
-    if (--depth_ == 0 && type == MD_BLOCK_H) title_.leaveHeading();
+    if (--depth_ == 0 && type == MD_BLOCK_H) leaveHeading();
+    block_ = MD_BLOCK_P;  // text that follows without a block of its own is an item's
+    leaf_ = BlockKind::paragraph;
     return goOn();
   }
 
@@ -169,11 +186,17 @@ class DocumentReader {
       outline_->titleLevel = static_cast<int>(heading.level);
   }
 
+  void leaveHeading() {
+    title_.leaveHeading();
+    if (title_.hasHeading() && !document_.headingEnd) document_.headingEnd = passed_;
+  }
+
   /// No span reaches beyond its block. The parser forgets to leave some: an address directly
   /// before "www." is entered twice and left once.
   void endSpans() {
     glue_ = Glue::boundary;
     linkDepth_ = 0;
+    spans_ = 0;
     links_.endBlock();
   }
 
@@ -192,6 +215,7 @@ class DocumentReader {
 
   int enterSpan(MD_SPANTYPE type, void* detail) {
     glue_ = Glue::boundary;
+    spans_ |= 1U << type;
     switch (type) {
       case MD_SPAN_CODE:
         document_.hasCode = true;
@@ -220,6 +244,7 @@ class DocumentReader {
 
   int leaveSpan(MD_SPANTYPE type, void* detail) {
     glue_ = Glue::boundary;
+    spans_ &= ~(1U << type);
     switch (type) {
       case MD_SPAN_CODE:
         glue_ = Glue::other;
@@ -245,6 +270,7 @@ class DocumentReader {
     const auto located = links_.leave();
     if (!located) return;
     pass(located->range);
+    if (pieces_) pieces_->push_back({located->range, leaf_, 0});  // its label may be empty
     if (kind == LinkKind::wikiLink) {
       addWikiLink(*located);
     } else {
@@ -288,6 +314,7 @@ class DocumentReader {
       if (isPlain && linkDepth_ == 0) addStretch(range);
       if (type == MD_TEXT_HTML && outline_)
         outline_->html.push_back({range, block_ == MD_BLOCK_HTML});
+      if (pieces_) pieces_->push_back({range, leaf_, marksOf(type)});
       pass(range);
     }
     if (title_.isOpen()) readTitle(type, offset ? text_.substr(*offset, piece.size()) : piece);
@@ -298,6 +325,11 @@ class DocumentReader {
     }
     if (type == MD_TEXT_HTML) glue_ = Glue::boundary;
     return goOn();
+  }
+
+  unsigned marksOf(MD_TEXTTYPE type) const {
+    constexpr unsigned kTextTypes = 16;
+    return 1U << type | spans_ << kTextTypes;
   }
 
   void readTitle(MD_TEXTTYPE type, std::string_view piece) {
@@ -399,10 +431,13 @@ class DocumentReader {
   std::size_t budget_;
   Document document_;
   TitleBuilder title_;
-  Outline* outline_;  // filled along the way where one is wanted
+  Outline* outline_;                // filled along the way where one is wanted
+  std::vector<TextPiece>* pieces_;  // likewise
   std::vector<WikiMention> wikiLinks_;
   Glue glue_ = Glue::boundary;
   MD_BLOCKTYPE block_ = MD_BLOCK_DOC;
+  BlockKind leaf_ = BlockKind::paragraph;
+  unsigned spans_ = 0;  // that are open: a bit for each type
   int depth_ = 0;
   int linkDepth_ = 0;
   std::size_t passed_ = 0;  // the end of the last thing with a place in the text
@@ -410,7 +445,7 @@ class DocumentReader {
   std::size_t targetBytes_ = 0;
 };
 
-Document readDocument(std::string_view text, Outline* outline) {
+Document readDocument(std::string_view text, Extras extras) {
   Document unread;
   unread.bodyBegin = bodyBegin(text);
   const std::string_view body = text.substr(unread.bodyBegin);
@@ -423,10 +458,10 @@ Document readDocument(std::string_view text, Outline* outline) {
   const std::string_view input = mends.empty() ? shown : mended;
   const unsigned dialect =
       hasEndlessAddresses(input) ? kDialect & ~unsigned{MD_FLAG_PERMISSIVEAUTOLINKS} : kDialect;
-  if (auto document = DocumentReader(text, unread.bodyBegin, input, offsets, outline).read(dialect))
+  if (auto document = DocumentReader(text, unread.bodyBegin, input, offsets, extras).read(dialect))
     return std::move(*document);
   const std::string plain = maskedForPlainReading(input);
-  auto document = DocumentReader(text, unread.bodyBegin, plain, offsets, outline)
+  auto document = DocumentReader(text, unread.bodyBegin, plain, offsets, extras)
                       .read(dialect & ~unsigned{MD_FLAG_TABLES});
   return document ? std::move(*document) : unread;
 }
@@ -434,12 +469,16 @@ Document readDocument(std::string_view text, Outline* outline) {
 }  // namespace
 
 Document readDocument(std::string_view text) {
-  return readDocument(text, nullptr);
+  return readDocument(text, Extras{});
+}
+
+Document readDocument(std::string_view text, std::vector<TextPiece>& pieces) {
+  return readDocument(text, Extras{.pieces = &pieces});
 }
 
 Outline outlineOf(std::string_view text) {
   Outline outline;
-  const Document document = readDocument(text, &outline);
+  const Document document = readDocument(text, Extras{.outline = &outline});
   for (const Block& block : document.blocks)
     if (block.kind == BlockKind::table) outline.tables.push_back(block.text);
   std::stable_sort(outline.links.begin(), outline.links.end(),

@@ -50,6 +50,8 @@ struct Document {
   std::string title;
   /// Behind the title's last text, where it is the first line of text and no heading.
   std::optional<std::size_t> titleEnd;
+  /// The same of a heading that gives the title.
+  std::optional<std::size_t> headingEnd;
   std::vector<HashtagMention> hashtags;
   std::vector<FileMention> files;  ///< ascending by begin
   std::vector<std::string> wikiLinks;

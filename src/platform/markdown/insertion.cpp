@@ -79,8 +79,7 @@ class InsertionAbove {
       : text_(text),
         inserted_(inserted),
         position_(position),
-        seam_{scanned(text.substr(layout.textBegin(), position - layout.textBegin())),
-              text.substr(position)},
+        seam_(text, layout.document(), position, position),
         closing_(scanned(inserted).closingLine()) {
     const bool goesOn = position == layout.bodyBegin() && layout.bodyGoesOn();
     const Side bottom = lowerSideOf(scanned(inserted));
@@ -136,17 +135,16 @@ Operations plannedBelow(std::string_view text, const Layout& layout, std::string
                         std::size_t limit) {
   const std::size_t end = lineEnd(text, contentEnd(text.substr(0, limit)));
   const std::string_view tail = text.substr(end, limit - end);
-  const std::size_t begin = std::min(layout.textBegin(), end);
-  const Seam seam{scanned(text.substr(begin, end - begin)),
-                  text.substr(behindLineBreak(text, end))};
   const bool isLast = limit == text.size();
+  const Seam seam(text, layout.document(), end, isLast ? text.size() : behindLineBreak(text, end));
   const bool isAttached = !isLast && nextLine(tail, 0) == tail.size();
   const Side top = upperSideOf(inserted);
-  const std::string closing = seam.above.closingLine();
+  const std::string closing = seam.above().closingLine();
   const bool keepsApart = isLast && skipBlankLines(tail, nextLine(tail, 0)) > nextLine(tail, 0);
   // A paragraph may join the block above where the foot does so too.
   const bool mayJoin = isAttached && isPlainParagraph(top);
-  const bool mustPart = closing.empty() && !mayJoin && needBlankLine(lowerSideOf(seam.above), top);
+  const bool mustPart =
+      closing.empty() && !mayJoin && needBlankLine(lowerSideOf(seam.above()), top);
   const bool belowTags = !layout.hasBody() && layout.headEndsInTags();
   const BlockScanner own = scanned(inserted);
   const std::string ownClosing = isLast ? std::string() : own.closingLine();
@@ -196,6 +194,9 @@ Operations plannedPrepend(std::string_view text, const Layout& layout, std::stri
   // Nothing can stand in the midst of some paragraphs, and no item above code: further down then.
   constexpr int kMostTries = 5;
   std::size_t position = layout.bodyBegin();
+  if (const auto line = layout.lineBelowHeading(); line && readDocument(inserted).headingEnd) {
+    position = std::max(position, skipBlankLines(text, *line));
+  }
   if (!layout.headStandsAlone()) position = nextParagraph(text, position);
   for (int tries = 0; tries < kMostTries && position < layout.footBegin(); ++tries) {
     const InsertionAbove place(text, layout, inserted, position);

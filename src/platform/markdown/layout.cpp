@@ -65,6 +65,14 @@ bool Layout::isHeader(std::size_t line) const {
   return block->kind == BlockKind::heading && block->text.begin <= line;
 }
 
+std::optional<std::size_t> Layout::lineBelowHeading() const {
+  if (!document_.headingEnd) return std::nullopt;
+  const std::size_t line = nextLine(text_, *document_.headingEnd);
+  const std::size_t content = skipBlanks(text_, line);
+  const bool isUnderlined = isUnderline(text_.substr(content, lineEnd(text_, content) - content));
+  return isUnderlined ? nextLine(text_, line) : line;
+}
+
 bool Layout::bodyGoesOn() const {
   const auto block = firstEndingBehind(document_.blocks, bodyBegin_);
   return hasBody() && block != document_.blocks.end() && block->text.begin < bodyBegin_ &&
@@ -182,7 +190,7 @@ void Layout::findFootnotes() {
 /// "[^label]:", where it is text and not code.
 bool Layout::startsFootnote(std::size_t line) const {
   const std::string_view here = text_.substr(line);
-  if (!here.starts_with("[^")) return false;
+  if (!here.starts_with("[^") || isHeader(line)) return false;
   const std::size_t end = here.find_first_of(" \t\r\n[]", 2);
   return end != npos && end > 2 && here.substr(end).starts_with("]:") &&
          stretchAt(document_, line) != nullptr;
@@ -194,12 +202,21 @@ std::size_t Layout::footnoteEnd(std::size_t line) const {
   line = nextLine(text_, line);
   while (line < text_.size()) {
     const std::size_t next = skipBlankLines(text_, line);
-    const bool goesOn = next == line ? !isTagLine(line) && !startsFootnote(line)
-                                     : next < text_.size() && isIndented(text_, next);
+    const bool goesOn =
+        next == line ? goesOnWithFootnote(line) : next < text_.size() && isIndented(text_, next);
     if (!goesOn) break;
     line = nextLine(text_, next);
   }
   return line;
+}
+
+/// Whether the line directly below one of a footnote belongs to it.
+bool Layout::goesOnWithFootnote(std::size_t line) const {
+  if (isTagLine(line) || startsFootnote(line)) return false;
+  const auto block = firstEndingBehind(document_.blocks, line);
+  const bool beginsHere = block != document_.blocks.end() && block->text.begin >= line &&
+                          block->text.begin < lineEnd(text_, line);
+  return isIndented(text_, line) || !beginsHere;
 }
 
 const SourceRange* Layout::footnoteAt(std::size_t position) const {

@@ -28,6 +28,7 @@ class Layout {
  public:
   Layout(std::string_view text, const Document& document);
 
+  const Document& document() const { return document_; }
   /// Behind a byte order mark and front matter.
   std::size_t textBegin() const { return document_.bodyBegin; }
   bool hasHead() const { return headEnd_.has_value(); }
@@ -37,6 +38,9 @@ class Layout {
   bool headEndsInTags() const { return headEndsInTags_; }
   /// The end of the title's last line, where the title is a heading.
   std::optional<std::size_t> headingEnd() const { return headingEnd_; }
+
+  /// The line below the heading that gives the title, wherever it stands.
+  std::optional<std::size_t> lineBelowHeading() const;
 
   /// The first line of the body; the foot's begin where there is no body.
   std::size_t bodyBegin() const { return bodyBegin_; }
@@ -67,6 +71,7 @@ class Layout {
   void endHead(std::size_t end, bool inTags);
   bool isHeader(std::size_t line) const;
   bool startsFootnote(std::size_t line) const;
+  bool goesOnWithFootnote(std::size_t line) const;
   std::size_t footnoteEnd(std::size_t line) const;
   const SourceRange* footnoteAt(std::size_t position) const;
   std::size_t lastTagEnd(std::size_t lineEnd) const;

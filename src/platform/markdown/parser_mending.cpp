@@ -28,6 +28,7 @@ class Mender {
     for (std::size_t line = 0; line < input.size();) {
       const std::size_t end = lineEnd(input, line);
       begin_ = line;
+      isBelowCR_ = line > 0 && input[line - 1] == '\r';
       text_ = input.substr(line, end - line);
       line = behindLineBreak(input, end);
       mendLine();
@@ -180,7 +181,10 @@ class Mender {
     }
   }
 
-  void insertLine(const std::string& line) { insert(0, line + "\n"); }
+  void insertLine(const std::string& line) {
+    const bool wouldJoinCR = isBelowCR_ && line.empty();
+    insert(0, (wouldJoinCR ? "\n" : line) + "\n");
+  }
   void insert(std::size_t at, std::string text) {
     added_ += text.size();
     mends_.push_back({begin_ + at, 0, std::move(text)});
@@ -195,6 +199,7 @@ class Mender {
   ScannedLine here_;
   std::optional<BlockKind> above_;  // of the line above
   std::size_t begin_ = 0;
+  bool isBelowCR_ = false;                  // the line above ends in a lone CR
   std::string_view text_;                   // of the line
   std::size_t stored_ = 0;                  // what the parser last stored, as it sees offsets
   std::optional<std::size_t> storedAbove_;  // the end of the line above that

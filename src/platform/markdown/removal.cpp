@@ -124,7 +124,8 @@ class Remover {
       ++range.end;
     }
     const bool hashBehind = range.end < line.end && text_[range.end] == '#';
-    const bool blankBefore = range.begin > line.begin && isBlank(text_[range.begin - 1]);
+    const bool blankBefore = range.begin > line.begin && isBlank(text_[range.begin - 1]) &&
+                             !endsInAddress(line.begin, range.begin - 1);
     const bool blankBehind = range.end < line.end && isBlank(text_[range.end]);
     if (opensLine && blankBehind) {
       range.end = skipBlanks(text_, range.end);
@@ -140,6 +141,13 @@ class Remover {
   bool holdsOnlyMarks(std::size_t begin, std::size_t end) const {
     constexpr std::string_view kMarks = " \t>-+*0123456789.)[]xX";
     return text_.substr(begin, end - begin).find_first_not_of(kMarks) == npos;
+  }
+
+  /// Whether the word before `end` may be an address, which would take in what stands behind it.
+  bool endsInAddress(std::size_t begin, std::size_t end) const {
+    const std::string_view before = text_.substr(begin, end - begin);
+    const std::string_view word = before.substr(before.find_last_of(" \t") + 1);
+    return word.find_first_of(":@") != npos || word.find("www.") != npos;
   }
 
   bool endsClause(std::size_t at, std::size_t end) const {

@@ -1,8 +1,12 @@
 #include "platform/markdown/seam.h"
 
 #include <algorithm>
+#include <span>
+#include <string>
 #include <utility>
+#include <vector>
 
+#include "platform/markdown/line_readings.h"
 #include "platform/markdown/lines.h"
 
 namespace zephyrdown {
@@ -73,7 +77,7 @@ bool isRow(const ScannedLine& now, const ScannedLine& alone, std::string_view li
 bool staysByItself(const ScannedLine& now, const ScannedLine& alone, std::string_view line) {
   if (now.kind != alone.kind && !isRow(now, alone, line)) return false;
   if (now.isLazy && !alone.isLazy) return false;
-  return haveSamePlace(now, alone) && now.mayDefine == alone.mayDefine;
+  return haveSamePlace(now, alone);
 }
 
 /// Whether the line reads `now` as it did `before` something was put above it. A line below a list
@@ -82,39 +86,69 @@ bool staysWhatItWas(const ScannedLine& now, const ScannedLine& before) {
   if (isBlankLine(now) && isBlankLine(before)) return true;
   if (now.kind != before.kind || (before.joinsList && !now.joinsList)) return false;
   if (now.isLazy && !before.isLazy) return false;
-  return haveSamePlace(now, before) && now.mayDefine == before.mayDefine;
+  return haveSamePlace(now, before);
 }
 
-/// Notices where two paragraphs became one and an underline below makes a heading of both.
-class Joint {
+/// Whether no line above can change how this one and those below it are read: a block or item that
+/// stands in no other begins here, below a blank line or with a mark that ends a paragraph.
+/// Indented lines below an empty item are no code to the parser.
+bool isCut(const ScannedLine& line, bool isBelowBlank, std::string_view text) {
+  if (line.matched > 0 || !line.kind || !(line.isFirst || line.opened > 0)) return false;
+  if (line.kind == BlockKind::indentedCode) return false;
+  if (isBelowBlank) return true;
+  const auto mark = listMark(text.substr(skipBlanks(text, 0)));
+  return line.opened > 0 && mark && mark->isFirst;
+}
+
+/// Adds `lines` as lines of their own.
+void appendLines(std::string& text, std::string_view lines) {
+  if (lines.empty()) return;
+  if (text.ends_with('\r') && lines.starts_with('\n')) text += '\n';
+  text += lines;
+  if (!isLineBreak(lines.back())) text += '\n';
+}
+
+std::size_t lineCount(std::string_view text) {
+  std::size_t count = 0;
+  for (Lines lines(text); lines.next();) ++count;
+  return count;
+}
+
+/// Beyond this the blocks around a place are not read with the parser, so that an insertion into a
+/// large note stays cheap.
+constexpr std::size_t kMostRead = 16'384;
+
+/// A HTML block that ends all others above it.
+constexpr std::string_view kWall = "\n<!-- -->\n\n";
+
+/// The readings of the texts that were joined, one behind the other.
+class Parts {
  public:
-  /// Whether the line, read `now` and `before` by itself, leaves what stands above the seam alone.
-  bool holds(const ScannedLine& now, const ScannedLine& before) {
-    if (now.isFirst || now.kind != BlockKind::paragraph) {
-      const bool isUnderline = now.kind == BlockKind::heading && !now.isFirst;
-      return !std::exchange(isJoined_, false) || !isUnderline;
-    }
-    isJoined_ |= before.isFirst;
-    return true;
+  explicit Parts(const std::string& text) : readings_(lineReadings(text)) {}
+
+  std::span<const LineReading> next(std::string_view part) {
+    const std::size_t begin = std::exchange(at_, at_ + lineCount(part));
+    return std::span(readings_).subspan(begin, at_ - begin);
   }
-  bool isOpen() const { return isJoined_; }
 
  private:
-  bool isJoined_ = false;
+  std::vector<LineReading> readings_;
+  std::size_t at_ = 0;
 };
 
-/// The begin of a title, or of the rest of a definition whose label stands above.
-bool mayGoOnWithDefinition(const BlockScanner& above, std::string_view line) {
-  return above.mayDefine() && !isBlankText(line);
+bool isRow(const LineReading& now, const LineReading& alone, std::string_view line) {
+  return now.kind == BlockKind::table && alone.kind == BlockKind::paragraph &&
+         line.starts_with('|');
 }
 
-/// Whether `text` begins with the definition of a reference. Its first paragraph tells.
-bool beginsWithDefinition(std::string_view text) {
-  std::size_t end = 0;
-  while (end < text.size() && skipBlankLines(text, end) == end) end = nextLine(text, end);
-  text = text.substr(0, end);
-  const Document document = readDocument(text);
-  return document.blocks.empty() || document.blocks.front().text.begin >= lineEnd(text, 0);
+bool areSame(std::span<const LineReading> now, std::span<const LineReading> alone,
+             std::string_view text) {
+  Lines lines(text);
+  return std::equal(now.begin(), now.end(), alone.begin(), alone.end(),
+                    [&](const LineReading& a, const LineReading& b) {
+                      const std::string_view line = *lines.next();
+                      return a == b || isRow(a, b, line);
+                    });
 }
 
 }  // namespace
@@ -135,10 +169,8 @@ Side upperSideOf(std::string_view text) {
   while (const auto line = lines.next()) {
     const ScannedLine read = scanner.read(*line);
     if (side.kind == BlockKind::paragraph && (read.isFirst || !read.kind || read.opened > 0)) break;
-    const bool mayDefine = !side.kind && read.mayDefine;
     side.kind = scanner.outermostKind();
     if (side.kind != BlockKind::paragraph) break;
-    if (mayDefine && beginsWithDefinition(text)) return {std::nullopt, side.line};
   }
   if (side.kind != BlockKind::list) return side;
   const auto mark = listMark(side.line.substr(skipBlanks(side.line, 0)));
@@ -179,35 +211,96 @@ BlockScanner scanned(std::string_view text) {
   return scanner;
 }
 
+Seam::Seam(std::string_view text, const Document& document, std::size_t end, std::size_t below)
+    : text_(text),
+      document_(document),
+      begin_(std::min(document.bodyBegin, end)),
+      end_(end),
+      below_(below),
+      cut_(begin_) {
+  bool isBelowBlank = true;
+  for (std::size_t at = begin_; at < end; at = nextLine(text, at)) {
+    const std::string_view line = text.substr(at, lineEnd(text, at) - at);
+    const ScannedLine read = above_.read(line);
+    if (isCut(read, isBelowBlank, line)) cut_ = at;
+    isBelowBlank = isBlankLine(read);
+  }
+}
+
 bool Seam::holds(std::string_view before, std::string_view inserted,
                  std::string_view behind) const {
-  BlockScanner now = above;
+  std::size_t end = below_;
+  return keepsPlaces(before, inserted, behind, end) && keepsReadings(before, inserted, behind, end);
+}
+
+/// Whether all lines stay in their lists and quotes. `end` becomes the first line below that cannot
+/// be read in another way.
+bool Seam::keepsPlaces(std::string_view before, std::string_view inserted, std::string_view behind,
+                       std::size_t& end) const {
+  BlockScanner now = above_;
   readAll(now, before);
   BlockScanner alone;
   Lines own(inserted);
-  Joint top, bottom;
-  bool isBelowRow = false;
   while (const auto line = own.next()) {
-    const bool mayVanish = mayGoOnWithDefinition(now, *line);
-    const ScannedLine here = now.read(*line);
-    const ScannedLine there = alone.read(*line);
-    if (!staysByItself(here, there, *line) || !top.holds(here, there)) return false;
-    if (mayVanish && !here.isFirst && there.isFirst) return false;
-    if (isBelowRow && there.kind == BlockKind::table) return false;  // a table of its own
-    isBelowRow |= isRow(here, there, *line);
+    if (!staysByItself(now.read(*line), alone.read(*line), *line)) return false;
   }
   readAll(now, behind);
-  BlockScanner was = above;
-  Lines old(below);
-  while (const auto line = old.next()) {
-    if (now == was && !bottom.isOpen()) break;
-    const bool mayVanish = mayGoOnWithDefinition(now, *line) && !mayGoOnWithDefinition(was, *line);
-    const ScannedLine here = now.read(*line);
-    const ScannedLine there = was.read(*line);
-    if (!staysWhatItWas(here, there) || !bottom.holds(here, there)) return false;
-    if (mayVanish && !here.isFirst) return false;
+  BlockScanner was = above_;
+  bool isSame = false, isBelowBlank = false, hasBlock = false;
+  for (; end < text_.size(); end = nextLine(text_, end)) {
+    const std::string_view line = text_.substr(end, lineEnd(text_, end) - end);
+    isSame = isSame || now == was;
+    const ScannedLine there = was.read(line);
+    if (!isSame && !staysWhatItWas(now.read(line), there)) return false;
+    if (isSame && hasBlock && isCut(there, isBelowBlank, line)) return true;
+    isBelowBlank = isBlankLine(there);
+    hasBlock |= !isBelowBlank;
   }
   return true;
+}
+
+/// Whether the parser reads all lines as it did before, those inserted as behind a wall.
+bool Seam::keepsReadings(std::string_view before, std::string_view inserted,
+                         std::string_view behind, std::size_t end) const {
+  if (end - cut_ > kMostRead) return true;
+  const std::string_view above = text_.substr(cut_, end_ - cut_);
+  const std::string_view below = text_.substr(below_, end - below_);
+  std::string now;
+  for (const auto lines : {above, before, inserted, behind, below}) appendLines(now, lines);
+  if (!keepsTitle(now, inserted, end)) return false;
+  std::string apart;
+  const std::string closing = scanned(inserted).closingLine();
+  for (const auto lines : {kWall, inserted, std::string_view(closing), kWall, above, below}) {
+    appendLines(apart, lines);
+  }
+  Parts there(apart);
+  there.next(kWall);
+  const auto alone = there.next(inserted);
+  there.next(closing);
+  there.next(kWall);
+  const auto oldAbove = there.next(above);
+  const auto oldBelow = there.next(below);
+  Parts here(std::string(kWall) + now);
+  here.next(kWall);
+  if (!areSame(here.next(above), oldAbove, above)) return false;
+  here.next(before);
+  if (!areSame(here.next(inserted), alone, inserted)) return false;
+  here.next(behind);
+  return areSame(here.next(below), oldBelow, below);
+}
+
+/// Whether the lines from the cut on, with the text in place, leave the title as it was.
+bool Seam::keepsTitle(const std::string& lines, std::string_view inserted, std::size_t end) const {
+  const auto title = document_.headingEnd ? document_.headingEnd : document_.titleEnd;
+  if ((title && *title < cut_) || end - begin_ > kMostRead) return true;
+  const Document before = readDocument(text_.substr(0, end));
+  const std::string longer = std::string(text_.substr(0, cut_)) + lines;
+  const Document after = readDocument(longer);
+  if (after.bodyBegin != before.bodyBegin) return false;
+  const bool isBelow = document_.headingEnd && !before.headingEnd;
+  if (isBelow) return !readDocument(inserted).headingEnd;
+  if (!before.headingEnd && (!before.titleEnd || readDocument(inserted).headingEnd)) return true;
+  return after.title == before.title;
 }
 
 }  // namespace zephyrdown

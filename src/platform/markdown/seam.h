@@ -30,15 +30,33 @@ bool needBlankLine(const Side& above, const Side& below);
 BlockScanner scanned(std::string_view text);
 
 /// A place between two lines of a text.
-struct Seam {
-  BlockScanner above;      ///< has read the lines above
-  std::string_view below;  ///< the lines below
+class Seam {
+ public:
+  /// Between the lines of `text` up to `end`, a line's end or begin, and those that begin at
+  /// `below`. The document is that of the text.
+  Seam(std::string_view text, const Document& document, std::size_t end, std::size_t below);
 
-  /// Whether `inserted` is read there as it is by itself, and the lines below as they were:
-  /// no block takes in a line of another. Paragraphs are looked at line by line, as are lists item
-  /// by item and tables row by row: those may join. `before` and `behind` are put around
-  /// `inserted`; all three are lines, and only the last one has no line break where none follows.
+  /// Has read the lines above.
+  const BlockScanner& above() const { return above_; }
+
+  /// Whether `inserted` is read there as it is by itself, and the lines around it as they were: in
+  /// the same lists and quotes, as the same kind of block, with the same code, links and hashtags,
+  /// below the same title. Paragraphs are looked at line by line, lists item by item and tables row
+  /// by row: those may join. `before` and `behind` are lines put around `inserted`.
   bool holds(std::string_view before, std::string_view inserted, std::string_view behind) const;
+
+ private:
+  bool keepsPlaces(std::string_view before, std::string_view inserted, std::string_view behind,
+                   std::size_t& end) const;
+  bool keepsReadings(std::string_view before, std::string_view inserted, std::string_view behind,
+                     std::size_t end) const;
+  bool keepsTitle(const std::string& lines, std::string_view inserted, std::size_t end) const;
+
+  std::string_view text_;
+  const Document& document_;
+  std::size_t begin_, end_, below_;
+  BlockScanner above_;
+  std::size_t cut_;  // the last place above where what stands before it cannot matter
 };
 
 }  // namespace zephyrdown

@@ -139,7 +139,15 @@ Operations plannedTagRemoval(std::string_view text, const Document& document,
   for (const HashtagMention& tag : document.hashtags) {
     if (tag.name == name) ranges.push_back(tag.range);
   }
-  return plannedRemoval(text, ranges);
+  Operations results = plannedRemoval(text, ranges);
+  // A line "---" that becomes the first one must not open front matter.
+  const bool mayOpenFrontMatter = !results.empty() &&
+                                  results.front().range.begin <= document.bodyBegin &&
+                                  text.substr(results.front().range.end).starts_with("---");
+  if (mayOpenFrontMatter && bodyBegin(withOperations(text, results)) != document.bodyBegin) {
+    results.front().replacement = lineBreakStyle(text);
+  }
+  return results;
 }
 
 Operations plannedTagRename(std::string_view text, const Document& document, std::string_view from,

@@ -76,6 +76,13 @@ TEST(AppendedText, StaysABlockOfItsOwn) {
            {"[a]: /u", "(New)", "[a]: /u\n\n(New)"},
            {"Body\n\n<prefix>", "New", "Body\n\n<prefix>\n\nNew"},
            {"<script>\na", "New", "<script>\na\n</script>\nNew"},
+           {"a `b", "c` d", "a `b\n\nc` d"},
+           {"a *b", "c* d", "a *b\n\nc* d"},
+           {"a [b", "c](d)", "a [b\n\nc](d)"},
+           {"1.\n\n    b", "[a]: /u", "1.\n\n    b\n\n[a]: /u"},
+           {"a\n|---|\nb\r```\nc", "New", "a\n|---|\nb\r```\nc\n```\nNew"},
+           {"#t]*)  #\n1. \\`\n**~~~\nb", "New", "#t]*)  #\n1. \\`\n**~~~\nb\n\nNew"},
+           {"a\n\n[^1]: b\n- c", "New", "a\n\n[^1]: b\n- c\n\nNew"},
        }) {
     EXPECT_EQ(appended(text, inserted), result) << text;
   }
@@ -105,6 +112,8 @@ TEST(PrependedText, GoesBelowTheHead) {
            {"---\nx: y\n---\n# T\n\nBody", "New", "---\nx: y\n---\n# T\n\nNew\nBody"},
            {"# T\n\n    code", "New", "# T\n\nNew\n\n    code"},
            {"# T\n\nBody", "```\ncode", "# T\n\n```\ncode\n```\nBody"},
+           {"- a\n\n# T\n\nb", "# H", "- a\n\n# T\n\n# H\n\nb"},
+           {"\n_**,*\r[^1]: <**", "- New", "\n_**,*\r[^1]: <**\n- New"},
            {"\xEF\xBB\xBF# T\r\n\r\nBody", "New", "\xEF\xBB\xBF# T\r\n\r\nNew\r\nBody"},
        }) {
     EXPECT_EQ(prepended(text, inserted), result) << text;

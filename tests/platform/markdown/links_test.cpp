@@ -63,6 +63,8 @@ TEST(FileLinks, AreRemovedWithTheLineThatHeldNothingElse) {
   EXPECT_EQ(removing("x.pdf", "a ([n](x.pdf))"), "a ()");
   EXPECT_EQ(removing("x.pdf", "a\n\n![](x.pdf)\n\nb"), "a\n\nb");
   EXPECT_EQ(removing("x.pdf", "a\r\n[n](x.pdf)<!-- {\"preview\":\"true\"} -->\r\nb"), "a\r\nb");
+  EXPECT_EQ(removing("x.pdf", "[n](x.pdf)<!--\n<hr>\n[m](y)<!-- {\"preview\":\"true\"} -->"),
+            "\\<!--\n<hr>\n[m](y)<!-- {\"preview\":\"true\"} -->");
   EXPECT_EQ(removing("x.pdf", "[n](x.pdf)"), "");
   EXPECT_EQ(removing("x.pdf", "\xEF\xBB\xBF[n](x.pdf)\n"), "\xEF\xBB\xBF");
   EXPECT_EQ(removing("x.pdf", "---\na: b\n---\n[n](x.pdf)\n\nc"), "---\na: b\n---\n\nc");

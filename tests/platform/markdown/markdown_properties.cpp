@@ -6,7 +6,9 @@
 
 #include "platform/markdown/ascii.h"
 #include "platform/markdown/ast.h"
+#include "platform/markdown/block_scanner.h"
 #include "platform/markdown/document.h"
+#include "platform/markdown/layout.h"
 #include "platform/markdown/lines.h"
 
 namespace zephyrdown::testing {
@@ -33,34 +35,68 @@ bool holds(const Names& names, const std::string& name) {
   return std::find(names.begin(), names.end(), name) != names.end();
 }
 
-/// A line, and the kind of the outermost block that has text on it.
-using Lines = std::vector<std::pair<BlockKind, std::string>>;
+/// A line, the kind of the outermost block that it lies in, if any, and whether it shows text.
+struct Line {
+  std::optional<BlockKind> kind;
+  bool showsText;
+  std::string text;
+  bool operator==(const Line&) const = default;
+};
+using Lines = std::vector<Line>;
+
+bool isMarked(const Block& block) {
+  return block.kind == BlockKind::list || block.kind == BlockKind::lateList ||
+         block.kind == BlockKind::quote;
+}
+
+/// Plain text, or the link to a file.
+bool showsText(std::string_view text, const Document& document, SourceRange line) {
+  const auto isOn = [&](SourceRange range) {
+    const std::size_t begin = std::max(range.begin, line.begin);
+    const std::size_t end = std::min(range.end, line.end);
+    return begin < end && !isBlankText(text.substr(begin, end - begin));
+  };
+  return std::any_of(document.stretches.begin(), document.stretches.end(),
+                     [&](const auto& piece) { return isOn(piece.range); }) ||
+         std::any_of(document.files.begin(), document.files.end(),
+                     [&](const auto& file) { return isOn(file.link.range); });
+}
+
+/// Lines that hold a word: a block's text may or may not reach marks alone.
+bool holdsWord(const std::string& line) {
+  return std::any_of(line.begin(), line.end(),
+                     [](char c) { return isASCIILetter(byteOf(c)) || byteOf(c) >= 0x80; });
+}
 
 Lines linesOf(const std::string& text) {
+  const Document document = readDocument(text);
+  const Layout layout(text, document);
   Lines lines;
-  std::size_t done = 0;
-  for (const Block& block : readDocument(text).blocks) {
-    for (std::size_t at = std::max(block.text.begin, done); at < block.text.end;) {
-      const std::size_t begin = lineBegin(text, at);
-      const std::string line = text.substr(begin, lineEnd(text, at) - begin);
-      // The foot may stand directly below a list or quote, as a part of its last paragraph.
-      const bool isFoot =
-          line.starts_with("[^") || (line.size() > 1 && line[0] == '#' && !isBlank(line[1]));
-      const bool isMarked = block.kind == BlockKind::list || block.kind == BlockKind::lateList ||
-                            block.kind == BlockKind::quote;
-      // Not marks alone, which a block's text may or may not reach. HTML that was open is closed.
-      const bool isClosing =
-          line == "</pre>" || line == "</script>" || line == "</style>" || line == "</textarea>";
-      const bool holdsWord = std::any_of(line.begin(), line.end(), [](char c) {
-        return isASCIILetter(byteOf(c)) || byteOf(c) >= 0x80;
-      });
-      // Nor definitions, which are in the midst of a block's text or before it.
-      const bool mayDefine = line.find("]:") != std::string::npos;
-      if (holdsWord && !isClosing && !mayDefine) {
-        lines.emplace_back(isMarked && isFoot ? BlockKind::paragraph : block.kind, line);
-      }
-      at = done = nextLine(text, at);
+  auto block = document.blocks.begin();
+  BlockScanner scanner;
+  bool isAttached = false;
+  for (std::size_t at = document.bodyBegin; at < text.size(); at = nextLine(text, at)) {
+    const SourceRange range{at, lineEnd(text, at)};
+    const std::string line = text.substr(at, range.end - at);
+    // What closes HTML that was open.
+    const bool isClosing =
+        line == "</pre>" || line == "</script>" || line == "</style>" || line == "</textarea>";
+    while (block != document.blocks.end() && block->text.end <= at) ++block;
+    // Tag lines and footnotes directly below a list or quote count as no part of it.
+    const bool mayBeFoot = line.starts_with("[^") || layout.isTagLine(at);
+    isAttached = scanner.read(line).isLazy && (mayBeFoot || isAttached);
+    if (isClosing || !holdsWord(line)) continue;
+    const bool isInside = block != document.blocks.end() && block->text.begin < range.end;
+    Line found{std::nullopt, showsText(text, document, range), line};
+    // Where text ends is known, but not which block the markup around it belongs to.
+    const bool isMarkup =
+        isInside && !found.showsText && (isMarked(*block) || block->kind == BlockKind::paragraph);
+    if (isAttached) {
+      found.kind = BlockKind::paragraph;
+    } else if (isInside && !isMarkup) {
+      found.kind = block->kind;
     }
+    lines.push_back(found);
   }
   return lines;
 }
@@ -144,10 +180,23 @@ class Text {
     EXPECT_EQ(after.todoIncomplete, summary_.todoIncomplete) << longer;
     EXPECT_EQ(after.todoCompleted, summary_.todoCompleted) << longer;
     EXPECT_EQ(after.tags, summary_.tags) << longer;
+    EXPECT_EQ(after.wikiLinks, summary_.wikiLinks) << longer;
+    const ZDKTextSummary own = summaryOf(inserted);
+    EXPECT_EQ(after.files.size(), summary_.files.size() + own.files.size()) << longer;
+    EXPECT_TRUE(mayChangeTitle(inserted) || after.title == summary_.title) << after.title << " in\n"
+                                                                           << longer;
     EXPECT_TRUE(isInsertion(linesOf(text_), linesOf(inserted), linesOf(longer)))
         << inserted << " in\n"
         << longer;
     return longer;
+  }
+
+  /// Where the title is none yet, no heading though one is inserted, or a part of the foot.
+  bool mayChangeTitle(const std::string& inserted) const {
+    const Document document = readDocument(text_);
+    const auto titleEnd = document.headingEnd ? document.headingEnd : document.titleEnd;
+    if (!titleEnd || *titleEnd > Layout(text_, document).footBegin()) return true;
+    return !document.headingEnd && readDocument(inserted).headingEnd;
   }
 
   /// A link that is appended is found, and its removal gives the text before.
@@ -184,9 +233,15 @@ class Text {
     EXPECT_TRUE(ZDKAST::fromMarkdown(tagged).addHashtag("zz top", bottom).empty());
   }
 
+  /// Whether only the "--" in the tag keeps what stands around it from being a comment.
+  bool mayBecomeComment(const std::string& name) const {
+    return name.find("--") != std::string::npos && text_.find("<!--") != std::string::npos;
+  }
+
   void checkRemovalOfTag(const std::string& name) {
     const Operations removal = tree_.removeHashtag(name);
     const std::string removed = rewritten(text_, removal);
+    if (mayBecomeComment(name)) return;
     // HTML or code that stood directly behind a tag may become a block at the line's begin.
     const bool bares = std::any_of(removal.begin(), removal.end(), [&](const auto& result) {
       const std::string next = text_.substr(result.range.end, 1);
@@ -197,6 +252,7 @@ class Text {
   }
 
   void checkRenamingOfTag(const std::string& name) {
+    if (mayBecomeComment(name)) return;
     const std::string renamed = rewritten(text_, tree_.renameHashtag(name, "zz top"));
     const Names tags = summaryOf(renamed).tags;
     EXPECT_FALSE(holds(tags, name)) << renamed;

@@ -72,6 +72,8 @@ TEST(RemovedTag, TakesItsLineWithItWhenNothingElseIsThere) {
            {"#b #a #c", "#b #c"},
            {"#a #a/b `#a` #a", "#a/b `#a`"},
            {"I like #a, really", "I like, really"},
+           {"#a\n---\nb: c\n---", "\n---\nb: c\n---"},
+           {"www.b.c #a", "www.b.c "},
            {"so **#a** it is", "so it is"},
            {"(#a)", "()"},
            {"#a - b", "\\- b"},
