@@ -259,13 +259,13 @@ TEST_F(Model, BringsADatabaseOfAnEarlierVersionUpToDate) {
     for (std::size_t i = 0; i < notes.size(); ++i) found += notes[i].title;
     return found;
   };
-  using enum KVCoreDataStackForExtensions::Access;
+  using Access = KVCoreDataStackForExtensions::Access;
   for (const std::string& earlier : {version2, version2 + "; " + version1}) {
     client.run(earlier);
-    for (const auto access : {readOnly, readWrite}) {
+    for (const Access access : {Access::readOnly, Access::readWrite}) {
       EXPECT_EQ(titles("targ -work", access), "Target");
       EXPECT_EQ(titles("@backlinks", access), "Target");
-      EXPECT_EQ(client.value("PRAGMA user_version") == "3", access == readWrite);
+      EXPECT_EQ(client.value("PRAGMA user_version") == "3", access == Access::readWrite);
     }
     EXPECT_EQ(note(*open(), id).tagsStrings(), std::vector<std::string>{"work"});
     client.run("PRAGMA recursive_triggers = ON; INSERT OR REPLACE INTO note SELECT * FROM note");
