@@ -125,7 +125,15 @@ class Mender {
       replace(here_.content - 1, ",");
     } else if (columnsOfDelimiterRow(content) > 0) {
       replace(text_.find('-', here_.content), ",");
+    } else if (isBareMark(content)) {
+      replace(here_.content, ",");
     }
+  }
+
+  /// The mark of an item without text, and blanks.
+  static bool isBareMark(std::string_view content) {
+    const auto mark = listMark(content);
+    return mark && content.find_first_not_of(" \t", mark->length) == npos;
   }
 
   /// "<prefix>", which begins as "<pre>" does.

@@ -20,6 +20,7 @@ struct Mend {
 ///   code indented by blanks stands directly below HTML: a paragraph,
 ///   the line below a quote or item that ends in open code looks like the code's end,
 ///   a fence or tag in a paragraph is indented by four blanks or more: the begin of code or HTML,
+///   the mark of an item without text, and a blank, stand directly below a paragraph: a list,
 ///   a delimiter row has cells of one or two dashes, or other columns than the row above,
 ///   an item goes on below a blank line, at one offset in 256: the item would end,
 ///   an item stands directly below a quote in the item above: its task mark is text,

@@ -82,6 +82,7 @@ TEST(AppendedText, StaysABlockOfItsOwn) {
            {"1.\n\n    b", "[a]: /u", "1.\n\n    b\n\n[a]: /u"},
            {"a\n|---|\nb\r```\nc", "New", "a\n|---|\nb\r```\nc\n```\nNew"},
            {"#t]*)  #\n1. \\`\n**~~~\nb", "New", "#t]*)  #\n1. \\`\n**~~~\nb\n\nNew"},
+           {"a\n1. \n\tb", "New", "a\n1. \n\tb\nNew"},
            {"a\n\n[^1]: b\n- c", "New", "a\n\n[^1]: b\n- c\n\nNew"},
        }) {
     EXPECT_EQ(appended(text, inserted), result) << text;
