@@ -151,6 +151,13 @@ bool areSame(std::span<const LineReading> now, std::span<const LineReading> alon
                     });
 }
 
+/// A backslash that ends the inserted text may become the mark of a line break.
+std::vector<LineReading> withoutBackslash(std::span<const LineReading> lines) {
+  std::vector<LineReading> readings(lines.begin(), lines.end());
+  if (!readings.empty()) readings.back().endsInBackslash = false;
+  return readings;
+}
+
 }  // namespace
 
 Side paragraphSide() {
@@ -284,7 +291,8 @@ bool Seam::keepsReadings(std::string_view before, std::string_view inserted,
   here.next(kWall);
   if (!areSame(here.next(above), oldAbove, above)) return false;
   here.next(before);
-  if (!areSame(here.next(inserted), alone, inserted)) return false;
+  if (!areSame(withoutBackslash(here.next(inserted)), withoutBackslash(alone), inserted))
+    return false;
   here.next(behind);
   return areSame(here.next(below), oldBelow, below);
 }
