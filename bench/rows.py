@@ -148,6 +148,13 @@ def small_note(number):
     return {"title": f"Note {number}", "content": f"Its text, number {number}.", "tags": ["work"]}
 
 
+def asked(name, factor, tool, arguments, kind=ServerRow):
+    """A server's row with one aim for the median and the p99 at every size."""
+    aim = by_size(factor, factor, factor)
+    return kind(name, aim, floor_command("server"), program_command("mcp-server"), tool=tool,
+                arguments=arguments, p99_aim=aim)
+
+
 def flat(name, *arguments, changes=False):
     return FlatRow(name, {"1m": 1.2}, None, program_command(*arguments), changes=changes)
 
@@ -285,42 +292,13 @@ ROWS = [
         None,
         program_command("list", "-n", "20"),
     ),
-    ServerRow(
-        "server: get_note",
-        by_size(2, 2, 2),
-        floor_command("server"),
-        program_command("mcp-server"),
-        tool="get_note",
-        arguments=lambda corpus: {"id": corpus.facts["sample"]},
-        p99_aim=by_size(2, 2, 2),
-    ),
-    ServerRow(
-        "server: rare word",
-        by_size(2, 2, 2),
-        floor_command("server"),
-        program_command("mcp-server"),
-        tool="search_notes",
-        arguments=lambda corpus: {"query": corpus.facts["rareWord"]},
-        p99_aim=by_size(2, 2, 2),
-    ),
-    ServerRow(
-        "server: common word, first 20",
-        by_size(2, 2, 2),
-        floor_command("server"),
-        program_command("mcp-server"),
-        tool="search_notes",
-        arguments=lambda corpus: {"query": corpus.facts["commonWord"], "limit": 20},
-        p99_aim=by_size(2, 2, 2),
-    ),
-    ServerWriteRow(
-        "server: create_note, durable",
-        by_size(1.5, 1.5, 1.5),
-        floor_command("server"),
-        program_command("mcp-server"),
-        tool="create_note",
-        arguments=lambda corpus: small_note(1),
-        p99_aim=by_size(1.5, 1.5, 1.5),
-    ),
+    asked("server: get_note", 2, "get_note", lambda corpus: {"id": corpus.facts["sample"]}),
+    asked("server: rare word", 2, "search_notes",
+          lambda corpus: {"query": corpus.facts["rareWord"]}),
+    asked("server: common word, first 20", 2, "search_notes",
+          lambda corpus: {"query": corpus.facts["commonWord"], "limit": 20}),
+    asked("server: create_note, durable", 1.5, "create_note", lambda corpus: small_note(1),
+          kind=ServerWriteRow),
     ServerRow(
         "server: 20 MB of notes with text",
         {"10k": 1.6},

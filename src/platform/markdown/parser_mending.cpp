@@ -125,13 +125,13 @@ class Mender {
       replace(here_.content - 1, ",");
     } else if (columnsOfDelimiterRow(content) > 0) {
       replace(text_.find('-', here_.content), ",");
-    } else if (isBareMark(content)) {
+    } else if (isEmptyItem(content)) {
       replace(here_.content, ",");
     }
   }
 
-  /// The mark of an item without text, and blanks.
-  static bool isBareMark(std::string_view content) {
+  /// The mark of a list's item, and blanks at most.
+  static bool isEmptyItem(std::string_view content) {
     const auto mark = listMark(content);
     return mark && content.find_first_not_of(" \t", mark->length) == npos;
   }
