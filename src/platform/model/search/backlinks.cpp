@@ -76,7 +76,7 @@ std::vector<std::int64_t> linkedNotes(sqlite::Connection& connection) {
     addAll(from, titles.notesCalled(target));
   };
   const char* unknown = "(s.features IS NULL OR (s.features & 4) <> 0)";
-  if (isCurrent(connection)) {
+  if (hasCurrentSchema(connection)) {
     unknown = "s.searchRow IS NULL AND (s.features IS NULL OR (s.features & 20) = 4)";
     // In the order of titles, so that neighbours are looked up on the same page of their index.
     sqlite::Query exact = connection.query(

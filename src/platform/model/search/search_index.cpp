@@ -41,7 +41,7 @@ std::vector<Trigram> tellingTrigrams(std::string_view folded) {
 std::optional<SearchIndex::Candidates> SearchIndex::candidates(std::string_view term,
                                                                std::size_t most) {
   const std::vector<Trigram> trigrams = tellingTrigrams(platform::text::foldedForSearch(term));
-  if (trigrams.empty() || !isCurrent(connection_)) return std::nullopt;
+  if (trigrams.empty() || !hasCurrentSchema(connection_)) return std::nullopt;
 
   Candidates result;
   std::vector<std::int64_t> rows = rowsWith(trigrams, most);
