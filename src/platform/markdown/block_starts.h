@@ -4,8 +4,8 @@
 #include <optional>
 #include <string_view>
 
-/// The lines that begin, end or underline blocks: CommonMark 0.30, chapters 4 and 5, and tables of
-/// GFM, 4.10. `content` is a line without its indentation and its line break.
+/// Recognizes the lines that begin, end or underline blocks: CommonMark 0.30, chapters 4 and 5, and
+/// tables of GFM, 4.10. `content` is a line without its indentation and its line break.
 namespace zephyrdown {
 
 /// "# Title".
@@ -17,6 +17,7 @@ bool isUnderline(std::string_view content);
 /// "---", "* * *".
 bool isRule(std::string_view content);
 
+/// The fence of a code block.
 struct Fence {
   char mark = 0;  ///< "`" or "~"
   std::size_t length = 0;
@@ -39,17 +40,17 @@ enum class HTMLKind {
 HTMLKind htmlStart(std::string_view content);
 bool endsHTML(std::string_view line, HTMLKind kind);
 
-/// The mark of a list's item.
+/// The mark of a list item.
 struct ListMark {
   char kind;           ///< "-", "+", "*", "." or ")"
-  std::size_t length;  ///< in bytes: 2 of "1."
-  bool isFirst;        ///< a bullet or the number 1: may stand directly below a paragraph
+  std::size_t length;  ///< in bytes: 2 for "1."
+  bool isFirst;        ///< a bullet or the number 1, which can interrupt a paragraph
 };
 std::optional<ListMark> listMark(std::string_view content);
 
-/// The number of columns that a delimiter row such as "|---|:-:|" has; 0 of any other line.
+/// The number of columns of a delimiter row such as "|---|:-:|"; 0 for any other line.
 std::size_t columnsOfDelimiterRow(std::string_view content);
-/// The number of cells of a table's row.
+/// The number of cells in a table row.
 std::size_t columnsOfRow(std::string_view content);
 
 }  // namespace zephyrdown

@@ -9,7 +9,7 @@ namespace {
 
 constexpr std::size_t npos = std::string_view::npos;
 
-/// Letters, digits, "+", "-" and "." up to a colon (RFC 3986, 3.1).
+/// Whether it begins with letters, digits, "+", "-" and "." up to a colon (RFC 3986, 3.1).
 bool hasScheme(std::string_view destination) {
   const std::size_t colon = destination.find(':');
   if (colon == npos || !isASCIILetter(byteOf(destination.front()))) return false;
@@ -27,7 +27,7 @@ int hexadecimalValue(char c) {
   return -1;
 }
 
-/// A "%" that no two hexadecimal digits follow stands for itself.
+/// Keeps a "%" that is not followed by two hexadecimal digits.
 std::string percentDecoded(std::string_view text) {
   std::string result;
   result.reserve(text.size());

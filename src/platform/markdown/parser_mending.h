@@ -7,15 +7,15 @@
 
 namespace zephyrdown {
 
-/// A change to what the parser is shown: `replacement` stands for `length` bytes at `at`.
+/// A correction of the parser's input: `replacement` replaces `length` bytes at `at`.
 struct Mend {
   std::size_t at = 0;
   std::size_t length = 0;
   std::string replacement;
 };
 
-/// The changes after which the parser reads the blocks of `input` as CommonMark and GFM say.
-/// Ascending. Most texts need none. The parser is wrong where
+/// Returns the corrections that make the parser read the blocks of `input` as CommonMark and GFM
+/// specify, ascending; most texts need none. The parser is wrong where
 ///   code, a heading or HTML stands directly below a table: a row for it,
 ///   code indented by blanks stands directly below HTML: a paragraph,
 ///   the line below a quote or item that ends in open code looks like the code's end,
@@ -28,9 +28,10 @@ struct Mend {
 ///   a paragraph begins with <prefix>, as if that were <pre>.
 std::vector<Mend> mendsForParser(std::string_view input);
 
+/// Applies the corrections.
 std::string withMends(std::string_view input, const std::vector<Mend>& mends);
 
-/// Where a byte of the mended text stands in the one that was given.
+/// Maps offsets in the corrected text to offsets in the original.
 class OffsetMap {
  public:
   explicit OffsetMap(const std::vector<Mend>& mends);
@@ -39,7 +40,7 @@ class OffsetMap {
  private:
   struct Shift {
     std::size_t begin;  // in the mended text
-    std::size_t added;  // bytes before it that the other does not have
+    std::size_t added;  // bytes inserted before it
   };
   std::vector<Shift> shifts_;
 };
