@@ -11,8 +11,8 @@
 #include "platform/model/storage/bookkeeping.h"
 #include "support/rounds.h"
 
-// The indexes, the short rows and the walks are shortcuts to one answer. Here it is compared with
-// the long way, on random notes and queries, after random changes by us and by a stranger.
+// Searches by index, summary rows and scans must all find what the reference implementation finds,
+// for random notes and queries, after random changes by this program and by another.
 
 namespace tavimodel {
 namespace {
@@ -151,7 +151,7 @@ class SearchEquivalence : public OpenedModel {
                            : true;
   }
 
-  /// In the order of a list: pinned ones first, the last changed first.
+  /// In list order: pinned notes first, then by modification date, newest first.
   static std::vector<std::int64_t> expected(const PlainNotes& notes, const SearchQuery& query,
                                             std::size_t location) {
     const Evaluation evaluation(query);

@@ -1,5 +1,4 @@
-// Whatever a stranger writes with plain SQL, the triggers keep what is kept beside the notes in
-// step.
+// Whatever another program writes with plain SQL, the triggers keep the derived tables consistent.
 
 #include <fmt/format.h>
 #include <gtest/gtest.h>
@@ -22,8 +21,8 @@ class Stranger {
     if (seed % 3 == 0) client_.run("PRAGMA recursive_triggers = ON");
   }
 
-  /// One change out of all that SQL allows. What breaks a constraint is refused, and changes
-  /// nothing.
+  /// Makes one of all the changes that SQL allows. A change that violates a constraint has no
+  /// effect.
   std::string change() {
     const std::string sql = statement();
     try {
@@ -90,14 +89,14 @@ class Stranger {
   std::mt19937 random_;
 };
 
-/// What a program of ours does when it closes the database: what SQL cannot compute is known.
-/// Facts are the text itself here, so that an old one shows.
+/// Does what our program does on closing: stores what SQL cannot compute. Stores the text itself as
+/// its facts, so that outdated facts are detected.
 constexpr const char* workOutFacts =
     "UPDATE noteSummary SET searchRow = note, "
     "titleKey = (SELECT ifnull(title, '') FROM note WHERE id = noteSummary.note), "
     "textDigest = (SELECT ifnull(text, '') FROM note WHERE id = noteSummary.note)";
 
-/// Empty when all is in step; otherwise what is not.
+/// Empty if everything is consistent, otherwise a description of what is not.
 std::string outOfStep(Stranger& stranger) {
   constexpr const char* columns =
       "uniqueIdentifier, title, creationDate, modificationDate, trashed, archived, "
