@@ -35,7 +35,7 @@ enum class HTMLKind {
   declaration = 4,  ///< "<!X", up to ">"
   cdata = 5,        ///< up to "]]>"
   block = 6,        ///< a tag such as <div>, up to a blank line
-  tag = 7,  ///< any other tag alone on its line, up to a blank line; goes on with a paragraph
+  tag = 7,  ///< any other tag alone on its line, up to a blank line; cannot interrupt a paragraph
 };
 HTMLKind htmlStart(std::string_view content);
 bool endsHTML(std::string_view line, HTMLKind kind);

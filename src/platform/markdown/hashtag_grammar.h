@@ -11,7 +11,7 @@
 /// users.
 ///
 ///   word    "#" and tag characters, of which one at least is no digit and no ASCII punctuation
-///   closed  "#", a name that may hold blanks, and "#" directly behind it with no tag character
+///   closed  "#", a name that may hold blanks, and "#" directly after it with no tag character
 ///           or hash mark next; a closed form wins over a word
 ///
 /// An entity such as "&quot;" counts as the character that it represents.

@@ -198,7 +198,7 @@ bool Layout::startsFootnote(std::size_t line) const {
 }
 
 /// The end of the footnote that begins at `line`: its lines up to a blank or tag line, and
-/// indented ones behind blank lines.
+/// indented ones after blank lines.
 std::size_t Layout::footnoteEnd(std::size_t line) const {
   line = nextLine(text_, line);
   while (line < text_.size()) {

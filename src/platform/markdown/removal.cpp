@@ -40,7 +40,7 @@ class Remover {
   }
 
  private:
-  /// The line that `first` is on, or the lines that its ranges join, and the first range behind.
+  /// The line of range `first`, or the lines that ranges join, and the first range after it.
   std::pair<SourceRange, RangeIterator> lineOf(RangeIterator first, RangeIterator end) const {
     SourceRange line{std::max(lineBegin(text_, first->begin), begin_), lineEnd(text_, first->end)};
     auto last = std::next(first);
