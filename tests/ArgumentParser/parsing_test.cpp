@@ -10,7 +10,7 @@ namespace {
 
 using Line = std::vector<std::string>;
 
-const CommandType kShelf = commandType<shelf::Shelf>();
+using shelf::kShelf;
 
 template <class T>
 std::string field(const char* name, const std::optional<T>& value) {

@@ -8,8 +8,6 @@
 namespace zephyrdown {
 namespace {
 
-constexpr std::size_t npos = std::string_view::npos;
-
 SourceRange rangeOf(const HashtagMention& mention) {
   return mention.range;
 }

@@ -9,6 +9,9 @@
 /// line break.
 namespace zephyrdown {
 
+/// The result of a search that finds nothing, as for std::string_view::find.
+inline constexpr std::size_t npos = std::string_view::npos;
+
 /// The start of the line that contains `position`. CR LF belongs to the line it ends.
 std::size_t lineBegin(std::string_view text, std::size_t position);
 

@@ -9,8 +9,6 @@
 namespace zephyrdown {
 namespace {
 
-constexpr std::size_t npos = std::string_view::npos;
-
 /// The part after the brackets of an inline link: "(destination "title")".
 struct InlineTail {
   SourceRange destination;

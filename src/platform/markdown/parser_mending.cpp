@@ -9,7 +9,6 @@
 namespace zephyrdown {
 namespace {
 
-constexpr std::size_t npos = std::string_view::npos;
 constexpr std::size_t kCodeIndent = 4;
 
 /// The prefix that puts a line into the first `depth` containers.
