@@ -6,7 +6,7 @@
 
 namespace zephyrdown {
 
-/// Converts between a tag's name and its hashtag.
+/// Converts between a tag's name and its hashtag. hashtag_grammar.h finds hashtags in texts.
 struct ZDKHashtag {
   /// The canonical name: without surrounding hash marks, white space at the ends and around
   /// slashes, and empty levels. Absent if no name is left, or if no hashtag can have this name, for
