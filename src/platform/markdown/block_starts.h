@@ -23,7 +23,9 @@ struct Fence {
   std::size_t length = 0;
   bool operator==(const Fence&) const = default;
 };
+/// The fence that the line opens, if any.
 std::optional<Fence> openingFence(std::string_view content);
+/// Whether the line closes a code block with this fence.
 bool isClosingFence(std::string_view content, Fence fence);
 
 /// The seven kinds of HTML blocks, by their numbers in CommonMark 0.30, 4.6.
@@ -37,7 +39,9 @@ enum class HTMLKind {
   block = 6,        ///< a tag such as <div>, up to a blank line
   tag = 7,  ///< any other tag alone on its line, up to a blank line; cannot interrupt a paragraph
 };
+/// The kind of HTML block that the line begins, or none.
 HTMLKind htmlStart(std::string_view content);
+/// Whether the line ends an HTML block of this kind. For `block` and `tag`, a blank line does.
 bool endsHTML(std::string_view line, HTMLKind kind);
 
 /// The mark of a list item.
@@ -46,6 +50,7 @@ struct ListMark {
   std::size_t length;  ///< in bytes: 2 for "1."
   bool isFirst;        ///< a bullet or the number 1, which can interrupt a paragraph
 };
+/// The list mark at the start of the line, if any.
 std::optional<ListMark> listMark(std::string_view content);
 
 /// The number of columns of a delimiter row such as "|---|:-:|"; 0 for any other line.

@@ -25,9 +25,10 @@ namespace {
 constexpr unsigned kDialect = MD_FLAG_TABLES | MD_FLAG_TASKLISTS | MD_FLAG_STRIKETHROUGH |
                               MD_FLAG_WIKILINKS | MD_FLAG_PERMISSIVEAUTOLINKS;
 
-// The parser gives what it found as callbacks; some short texts make it give far more than they
-// hold (a row of a wide table is given all its cells, also the missing ones; a reference's target
-// is given again at each use). Past these bounds reading stops and starts again without them.
+// The parser reports its results by callbacks. Some short texts cause far more callbacks or bytes
+// than they contain: a row of a wide table is reported with all its missing cells, and the target
+// of a reference at each use. Beyond these limits, reading stops and starts again without tables or
+// references.
 constexpr std::size_t kCallbacksPerByte = 8;
 constexpr std::size_t kTargetBytesPerByte = 16;
 constexpr std::size_t kSmallText = 4096;
@@ -150,7 +151,7 @@ class DocumentReader {
 
   static DocumentReader& self(void* reader) { return *static_cast<DocumentReader*>(reader); }
 
-  // Below zero: other values do not get through all of the parser's layers.
+  // Must be negative: the parser does not pass on other values through all of its layers.
   static constexpr int kStop = -1;
 
   int goOn() { return ++callbacks_ > kCallbacksPerByte * budget_ ? kStop : 0; }

@@ -65,6 +65,7 @@ struct Document {
   std::vector<TextStretch> stretches;
 };
 
+/// Parses a text. Never fails, as any bytes are a Markdown text.
 Document readDocument(std::string_view text);
 
 /// The stretch that contains the byte at `position`; null if there is none.

@@ -39,7 +39,9 @@ constexpr bool isLineBreak(char c) {
 /// Whether an odd number of backslashes precedes `position`.
 bool isEscaped(std::string_view text, std::size_t position);
 
+/// Whether the text has only blanks.
 bool isBlankText(std::string_view text);
+/// The offset of the first byte at or after `position` that is not a blank, or the text's end.
 std::size_t skipBlanks(std::string_view text, std::size_t position);
 
 /// Start of the first non-blank line at or after `begin`, which must be the start of a line; the

@@ -10,6 +10,7 @@
 
 namespace zephyrdown {
 
+/// The kinds of links that the parser reports.
 enum class LinkKind { link, image, wikiLink };
 
 /// The position of a link in the text.
@@ -51,6 +52,7 @@ class LinkLocator {
   std::optional<LocatedLink> leave();
 
  private:
+  /// A link that has begun and not ended.
   struct OpenLink {
     LinkKind kind;
     std::size_t floor;  // the link cannot begin before

@@ -36,6 +36,7 @@ struct Outline {
   std::size_t bodyBegin = 0;  ///< after a byte order mark and front matter
 };
 
+/// Parses a text, and returns its outline.
 Outline outlineOf(std::string_view text);
 
 }  // namespace zephyrdown

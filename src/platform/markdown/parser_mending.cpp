@@ -135,7 +135,7 @@ class Mender {
     return mark && content.find_first_not_of(" \t", mark->length) == npos;
   }
 
-  /// "<prefix>", which begins as "<pre>" does.
+  /// Whether the parser takes it for a verbatim tag: "<prefix>" begins like "<pre>".
   static bool isTakenForVerbatim(std::string_view content) {
     constexpr std::size_t kLongest = 7;
     if (!content.starts_with('<') || htmlStart(content) == HTMLKind::verbatim) return false;

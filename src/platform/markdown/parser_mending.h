@@ -22,7 +22,7 @@ struct Mend {
 ///   a fence or tag in a paragraph is indented by four blanks or more: the begin of code or HTML,
 ///   the mark of an item without text, and a blank, stand directly below a paragraph: a list,
 ///   a delimiter row has cells of one or two dashes, or other columns than the row above,
-///   an item goes on below a blank line, at one offset in 256: the item would end,
+///   an item continues below a blank line, at one offset in 256: the item would end,
 ///   an item stands directly below a quote in the item above: its task mark is text,
 ///   HTML begins with <h2>, <textarea> or <!doctype>, or is a "<!--" that ends the text,
 ///   a paragraph begins with <prefix>, as if that were <pre>.
@@ -38,6 +38,7 @@ class OffsetMap {
   std::size_t original(std::size_t offset) const;
 
  private:
+  /// From `begin` on, offsets differ by `added`.
   struct Shift {
     std::size_t begin;  // in the mended text
     std::size_t added;  // bytes inserted before it

@@ -21,6 +21,8 @@ Side upperSideOf(std::string_view text);
 
 /// The side of a paragraph of ordinary words, above or below.
 Side paragraphSide();
+/// Whether the side is a paragraph whose first line does not turn a paragraph above into a heading
+/// or a table.
 bool isPlainParagraph(const Side& side);
 
 /// Whether the two sides usually need a blank line between them to stay separate blocks.

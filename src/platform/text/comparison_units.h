@@ -33,6 +33,7 @@ bool attachesToPrevious(char32_t scalar);
 /// nanoseconds, and a text has few different scalars.
 class ScalarForms {
  public:
+  /// The comparison form of one scalar.
   struct Form {
     char32_t scalar = 0;  // the cache key
     std::array<char32_t, 4> scalars{};

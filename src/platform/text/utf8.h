@@ -34,6 +34,7 @@ struct DecodedScalar {
   std::size_t next;
   bool wellFormed = true;
 };
+/// decodeScalar, for a position with a byte of 0x80 or above.
 DecodedScalar decodeMultibyteScalar(std::string_view text, std::size_t position);
 /// Decodes the scalar whose first byte is at `position`, which must be less than `text.size()`.
 inline DecodedScalar decodeScalar(std::string_view text, std::size_t position) {

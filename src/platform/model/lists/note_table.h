@@ -55,6 +55,7 @@ class NoteTable {
     std::uint32_t first = 0;
     std::uint32_t count = 0;
   };
+  /// The data of a row that only a detailed list has.
   struct Details {
     std::string_view digest;
     std::int64_t length = 0;

@@ -9,6 +9,7 @@ namespace tavimodel {
 
 /// A directive for a span of days (see local_day.h). It is written as `begin`, a value, and `end`.
 struct DateDirective {
+  /// Which days the value means.
   enum class Form {
     today,      ///< no value
     yesterday,  ///< no value

@@ -7,6 +7,7 @@ namespace tavimodel {
 
 /// One condition of a query. condition_kinds.h says what each kind means.
 struct SearchCondition {
+  /// What the condition tests, in the order of conditionKinds.
   enum class Kind {
     term,  ///< the note contains `text`
     tag,

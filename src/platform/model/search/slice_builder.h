@@ -28,6 +28,7 @@ class SliceBuilder {
   void write(sqlite::Connection& connection, std::int64_t slice);
 
  private:
+  /// A trigram and the positions of the notes that contain it.
   struct Entry {
     Trigram trigram;
     PositionList positions;

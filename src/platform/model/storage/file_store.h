@@ -56,6 +56,7 @@ class FileStore {
   void sweepStaged(sqlite::Connection& connection);
   void removeUnwanted(sqlite::Connection& connection);
 
+  /// A staged file of this process.
   struct OpenFile {
     std::string storedName;
     platform::system::FileDescriptor descriptor;  ///< holds the lock (flock(2))

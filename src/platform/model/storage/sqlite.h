@@ -84,6 +84,7 @@ class Query {
 /// A database connection. Statements are prepared on first use and cached by their text.
 class Connection {
  public:
+  /// How the file is opened.
   enum class Mode { readWrite, readOnly };
 
   /// Opens an existing file; for reading, `path` may also be an SQLite URI. Throws Error.
@@ -127,6 +128,7 @@ class Connection {
   void giveBack(sqlite3_stmt* statement);
   [[noreturn]] void fail() const;
 
+  /// A prepared statement; `onLoan` while a Query uses it.
   struct Cached {
     sqlite3_stmt* statement;
     bool onLoan;
@@ -159,6 +161,7 @@ class ExclusiveLock {
 /// at once.
 class Transaction {
  public:
+  /// Whether the transaction takes the write lock.
   enum class Kind { read, write };
   Transaction(Connection& connection, Kind kind);
   ~Transaction();
