@@ -19,10 +19,10 @@ bool isContinuation(unsigned char byte) {
   return (byte & 0xC0) == 0x80;
 }
 
-/// What a lead byte asks of the bytes behind it (Unicode 15, table 3-7). Only the second byte's
-/// range varies, to keep out overlong forms, surrogates and scalars above U+10FFFF.
+/// What a lead byte requires of the following bytes (Unicode 15, table 3-7). Only the second byte's
+/// range varies, to exclude overlong forms, surrogates and scalars above U+10FFFF.
 struct LeadByte {
-  std::size_t length;  // of the whole sequence; 0 for a byte that leads none
+  std::size_t length;  // of the whole sequence; 0 if the byte cannot be the first
   unsigned char secondMin = 0x80;
   unsigned char secondMax = 0xBF;
 };
@@ -40,7 +40,8 @@ LeadByte leadByte(unsigned char byte) {
   return {0};
 }
 
-/// Unicode 15, 3.9, table 3-8: the maximal subpart ends before the first byte that does not fit.
+/// The end of the maximal subpart at `position`: before the first byte that does not fit (Unicode
+/// 15, 3.9, table 3-8).
 std::size_t endOfIllFormedPart(std::string_view text, std::size_t position) {
   const LeadByte lead = leadByte(byteAt(text, position));
   const std::size_t most = std::min(text.size(), position + std::max<std::size_t>(lead.length, 1));
@@ -53,7 +54,7 @@ std::size_t endOfIllFormedPart(std::string_view text, std::size_t position) {
   return most;
 }
 
-/// The offset of the first ill-formed part, or the size.
+/// The offset of the first ill-formed part, or the size if there is none.
 std::size_t validPrefixLength(std::string_view bytes) {
   std::size_t position = asciiPrefixLength(bytes);
   while (position < bytes.size()) {
@@ -152,7 +153,7 @@ std::size_t previousScalar(std::string_view text, std::size_t position) {
   const std::size_t earliest = position - std::min<std::size_t>(position, 4);
   std::size_t start = position - 1;
   while (start > earliest && isContinuation(byteAt(text, start))) --start;
-  // In ill-formed text the byte found may lead a sequence that ends before `position`.
+  // In ill-formed text, the sequence found may end before `position`.
   return decodeScalar(text, start).next >= position ? start : position - 1;
 }
 

@@ -11,14 +11,15 @@ namespace sqlite {
 class Connection;
 }
 
-/// Texts of this many bytes and more are read straight into their place: of others SQLite makes a
-/// copy of its own, which is quicker.
+/// Texts of at least this many bytes are read directly into their string. For shorter ones a query
+/// is faster, although SQLite makes a copy of its own.
 constexpr std::int64_t largeText = 256 * 1024;
 
-/// The text of a note; nothing when the note is gone or has none. Throws sqlite::Error.
+/// Reads the text of the note with this row id; absent if there is no such note or it has no text.
+/// Throws sqlite::Error.
 std::optional<std::string> readLargeText(sqlite::Connection& connection, std::int64_t note);
 
-/// Whether the note's text is `text`, in little memory. Throws sqlite::Error.
+/// Whether the note's text equals `text`, compared in pieces to save memory. Throws sqlite::Error.
 bool isLargeText(sqlite::Connection& connection, std::int64_t note, std::string_view text);
 
 }  // namespace tavimodel

@@ -70,7 +70,7 @@ bool ManagedObjectContext::hasChanges() {
 void ManagedObjectContext::save() {
   const Entries changed = this->changed();
   if (!locked_) snapshot_.reset();
-  // Pages that do not fit are written to the log, and read from it, again and again.
+  // Pages that do not fit in the cache would be written to the log and read again repeatedly.
   if (changed.size() > manyNotes) connection_.execute("PRAGMA cache_size = -65536");  // KiB
   if (!locked_) beginWriting();
   const std::unique_ptr<sqlite::Transaction> transaction = std::move(snapshot_);
@@ -91,7 +91,8 @@ void ManagedObjectContext::write(const Entries& changed) {
   NoteWriter writer(connection_);
   for (HeldNote* note : changed) {
     writer.checkVersion(*note->committed);
-    // An old text has done its work, and a huge one is not to be in memory beside the new one.
+    // The old text is no longer needed, and a huge one should not stay in memory beside the new
+    // one.
     if (note->committed->text != note->now.text) note->committed->text.reset();
   }
   for (HeldNote* note : changed) writer.update(note->now, *note->committed);

@@ -13,10 +13,10 @@ namespace {
 
 using Names = std::vector<std::string>;
 
-/// Tags nested deeper, which only another program can have written, lack rows for their ancestors.
+/// Limit of ancestors that get rows. Only another program can have written more deeply nested tags.
 constexpr int mostAncestors = 100;
 
-/// The names of `from` that `without` lacks.
+/// The names in `from` that are not in `without`.
 std::vector<std::string_view> difference(const Names& from, const Names& without) {
   const std::unordered_set<std::string_view> excluded(without.begin(), without.end());
   std::vector<std::string_view> result;
@@ -40,7 +40,7 @@ void NoteWriter::checkVersion(const NoteState& read) {
       "SELECT s.version, ?2 IS NULL OR CAST(note.text AS TEXT) = ?2 FROM noteSummary s "
       "JOIN note ON note.id = s.note WHERE s.note = ?1");
   query.bind(1, read.row.id);
-  // A text that is absent was read as the empty one.
+  // An absent text was read as an empty one.
   if (read.text && !read.text->empty() && !isLarge) {
     query.bind(2, *read.text);
   } else {
@@ -49,8 +49,7 @@ void NoteWriter::checkVersion(const NoteState& read) {
   if (!query.step()) {
     throw DomainError(NSCocoaErrorDomain, managedObjectMergeError, "The note has been removed.");
   }
-  // The text is compared too: a version is the triggers' work, and a program may have turned
-  // triggers off.
+  // Compares the text, too: triggers set the version, and a program may have turned them off.
   const bool sameText = isLarge ? isLargeText(connection_, read.row.id, *read.text)
                                 : !query.isNull(1) && query.integer(1) != 0;
   if (query.integer(0) != read.row.version || !sameText) {
@@ -124,7 +123,7 @@ void NoteWriter::writeFacts(NoteRow& row) {
     keyUnknown = query.integer(1) != 0;
   }
   if (!row.encrypted && !row.permanentlyDeleted) storeLinks(connection_, row.id, facts.links);
-  if (!keyUnknown) return;  // an old title's: it is not written anew
+  if (!keyUnknown) return;  // the key of the old title must not be stored again
   const std::string key = platform::text::foldedForSearch(row.title.value_or(""));
   sqlite::Query query = connection_.query("UPDATE noteSummary SET titleKey = ?2 WHERE note = ?1");
   query.bind(1, row.id).bind(2, key).run();
@@ -153,7 +152,7 @@ void NoteWriter::writeRelation(std::int64_t note, const Names& now, const Names&
 
 void NoteWriter::writeFiles(NoteState& note, const std::vector<KVNoteFile>& before) {
   std::vector<KVNoteFile>& now = *note.files;
-  std::unordered_map<std::int64_t, std::int64_t> positions;  // of the files that were there, by id
+  std::unordered_map<std::int64_t, std::int64_t> positions;  // of the previous files, by id
   for (const KVNoteFile& file : before) positions.emplace(file.id, file.position);
   for (KVNoteFile& file : now) {
     if (file.id == 0) {
@@ -202,7 +201,7 @@ std::int64_t NoteWriter::tagIDMade(std::string_view name) {
 }
 
 void NoteWriter::removeDeadTags() {
-  // "0" is the character after "/": the range holds the names below this one.
+  // "0" is the character after "/", so the range has the names of the descendants.
   constexpr const char* removeIfDead =
       "DELETE FROM tag WHERE title = ?1 "
       "AND NOT EXISTS (SELECT 1 FROM noteTag WHERE noteTag.tag = tag.id) "
