@@ -450,12 +450,11 @@ Document readDocument(std::string_view text, Extras extras) {
   unread.bodyBegin = bodyBegin(text);
   const std::string_view body = text.substr(unread.bodyBegin);
   if (body.size() > std::numeric_limits<MD_SIZE>::max() / 2) return unread;
-  const std::optional<std::string> masked = maskedForParser(body);
-  const std::string_view shown = masked ? std::string_view(*masked) : body;
-  const std::vector<Mend> mends = mendsForParser(shown);
+  std::optional<std::string> copy = maskedForParser(body);
+  const std::vector<Mend> mends = mendsForParser(copy ? *copy : body);
   const OffsetMap offsets(mends);
-  const std::string mended = mends.empty() ? std::string() : withMends(shown, mends);
-  const std::string_view input = mends.empty() ? shown : mended;
+  if (!mends.empty()) mend(copy ? *copy : copy.emplace(body), mends);
+  const std::string_view input = copy ? *copy : body;
   const unsigned dialect =
       hasEndlessAddresses(input) ? kDialect & ~unsigned{MD_FLAG_PERMISSIVEAUTOLINKS} : kDialect;
   if (auto document = DocumentReader(text, unread.bodyBegin, input, offsets, extras).read(dialect))

@@ -15,6 +15,16 @@ constexpr std::size_t npos = std::string_view::npos;
 constexpr char kPunctuation = ',';  // flanks emphasis as a bracket does
 constexpr char kLetter = 'x';
 
+/// The copy, which is made for the first byte that is masked.
+std::string& copyOf(std::string_view body, std::optional<std::string>& copy) {
+  constexpr std::size_t kRoom = 64;  // one byte in so many may be added without another copy
+  if (!copy) {
+    copy.emplace().reserve(body.size() + body.size() / kRoom);
+    copy->append(body);
+  }
+  return *copy;
+}
+
 /// The offset of the "]" of a footnote's label at `at`, or npos.
 std::size_t footnoteLabelEnd(std::string_view body, std::size_t at) {
   if (isEscaped(body, at)) return npos;
@@ -26,8 +36,8 @@ void maskFootnotes(std::string_view body, std::optional<std::string>& copy) {
   for (std::size_t at = body.find("[^"); at != npos; at = body.find("[^", at + 1)) {
     const std::size_t end = footnoteLabelEnd(body, at);
     if (end == npos) continue;
-    if (!copy) copy.emplace(body);
-    (*copy)[at] = (*copy)[end] = kPunctuation;
+    std::string& masked = copyOf(body, copy);
+    masked[at] = masked[end] = kPunctuation;
   }
 }
 
@@ -39,8 +49,8 @@ void maskLabelsInBrackets(std::string_view body, std::optional<std::string>& cop
     if (begin == npos || begin == 0 || body.substr(begin - 1, 2) != "[[") continue;
     if (isEscaped(body, begin - 1)) continue;
     if (!isInlineTail(body.substr(0, end + kLongestTail), end + 2)) continue;
-    if (!copy) copy.emplace(body);
-    (*copy)[begin] = (*copy)[end] = kPunctuation;
+    std::string& masked = copyOf(body, copy);
+    masked[begin] = masked[end] = kPunctuation;
   }
 }
 
@@ -49,9 +59,8 @@ void maskLineOfHashtags(std::string_view body, SourceRange line, std::optional<s
   findHashtags(body, line, /*opens=*/true, tags);
   for (const HashtagMention& tag : tags) {
     if (tag.name.find('_') == npos) continue;
-    if (!copy) copy.emplace(body);
-    std::replace(copy->begin() + static_cast<std::ptrdiff_t>(tag.range.begin),
-                 copy->begin() + static_cast<std::ptrdiff_t>(tag.range.end), '_', kLetter);
+    char* masked = copyOf(body, copy).data();
+    std::replace(masked + tag.range.begin, masked + tag.range.end, '_', kLetter);
   }
 }
 
@@ -86,8 +95,7 @@ void maskEndlessParagraphs(std::string_view body, std::optional<std::string>& co
     for (std::size_t at = here.find(']'); at != npos; at = here.find(']', at + 1)) {
       steps += lines;
       if (steps <= kMostSteps) continue;
-      if (!copy) copy.emplace(body);
-      (*copy)[line + at] = kPunctuation;
+      copyOf(body, copy)[line + at] = kPunctuation;
     }
   }
 }
@@ -108,8 +116,7 @@ void maskDeepNesting(std::string_view body, std::optional<std::string>& copy) {
       const std::size_t mark = isBlank(line[at]) ? at : containerMark(line, at);
       if (mark == npos) break;
       if (mark > kDeepest && !isBlank(line[mark])) {
-        if (!copy) copy.emplace(body);
-        (*copy)[begin + mark] = kLetter;
+        copyOf(body, copy)[begin + mark] = kLetter;
         break;
       }
       at = mark + 1;

@@ -28,7 +28,8 @@ struct Mend {
 ///   a paragraph begins with <prefix>, as if that were <pre>.
 std::vector<Mend> mendsForParser(std::string_view input);
 
-std::string withMends(std::string_view input, const std::vector<Mend>& mends);
+/// Makes the changes in place, for a text may be large.
+void mend(std::string& text, const std::vector<Mend>& mends);
 
 /// Where a byte of the mended text stands in the one that was given.
 class OffsetMap {
