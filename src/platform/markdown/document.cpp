@@ -148,6 +148,12 @@ class DocumentReader {
   /// What lies between the last text and the next one.
   enum class Glue { boundary, text, other };
 
+  /// A stretch of text that may go on.
+  struct OpenStretch {
+    SourceRange range;
+    bool opens;  // a "#" as its first byte may start a hashtag
+  };
+
   static DocumentReader& self(void* reader) { return *static_cast<DocumentReader*>(reader); }
 
   // Below zero: other values do not get through all of the parser's layers.
@@ -352,13 +358,20 @@ class DocumentReader {
   }
 
   void addStretch(SourceRange range) {
-    auto& stretches = document_.stretches;
-    if (glue_ == Glue::text && stretches.back().range.end == range.begin) {
-      stretches.back().range.end = range.end;
+    if (glue_ == Glue::text && stretch_ && stretch_->range.end == range.begin) {
+      stretch_->range.end = range.end;
       return;
     }
+    endStretch();
     const bool isEscape = range.begin > passed_ && isBehindBackslash(range.begin);
-    stretches.push_back({range, glue_ == Glue::boundary && !isEscape});
+    stretch_ = {range, glue_ == Glue::boundary && !isEscape};
+  }
+
+  void endStretch() {
+    if (!stretch_) return;
+    readStretch(*stretch_);
+    document_.stretches.push_back({static_cast<std::uint32_t>(stretch_->range.begin),
+                                   static_cast<std::uint32_t>(stretch_->range.end)});
   }
 
   void pass(SourceRange range) {
@@ -384,12 +397,12 @@ class DocumentReader {
               [](const FileMention& a, const FileMention& b) {
                 return a.link.range.begin < b.link.range.begin;
               });
-    for (const TextStretch& stretch : document_.stretches) readStretch(stretch);
+    endStretch();
     listWikiLinks();
     return std::move(document_);
   }
 
-  void readStretch(const TextStretch& stretch) {
+  void readStretch(const OpenStretch& stretch) {
     std::size_t begin = stretch.range.begin;
     for (WikiMention& link : longWikiLinks(text_, stretch.range)) {
       if (isBehindBackslash(link.range.begin)) continue;
@@ -404,7 +417,7 @@ class DocumentReader {
     readHashtags({begin, stretch.range.end}, stretch);
   }
 
-  void readHashtags(SourceRange range, const TextStretch& stretch) {
+  void readHashtags(SourceRange range, const OpenStretch& stretch) {
     const bool opens = range.begin == stretch.range.begin && stretch.opens;
     findHashtags(text_, range, opens, document_.hashtags);
   }
@@ -434,6 +447,7 @@ class DocumentReader {
   Outline* outline_;                // filled along the way where one is wanted
   std::vector<TextPiece>* pieces_;  // likewise
   std::vector<WikiMention> wikiLinks_;
+  std::optional<OpenStretch> stretch_;
   Glue glue_ = Glue::boundary;
   MD_BLOCKTYPE block_ = MD_BLOCK_DOC;
   BlockKind leaf_ = BlockKind::paragraph;
@@ -448,8 +462,8 @@ class DocumentReader {
 Document readDocument(std::string_view text, Extras extras) {
   Document unread;
   unread.bodyBegin = bodyBegin(text);
+  if (text.size() > std::numeric_limits<MD_SIZE>::max() / 2) return unread;
   const std::string_view body = text.substr(unread.bodyBegin);
-  if (body.size() > std::numeric_limits<MD_SIZE>::max() / 2) return unread;
   std::optional<std::string> copy = maskedForParser(body);
   const std::vector<Mend> mends = mendsForParser(copy ? *copy : body);
   const OffsetMap offsets(mends);
@@ -486,10 +500,10 @@ Outline outlineOf(std::string_view text) {
 }
 
 const TextStretch* stretchAt(const Document& document, std::size_t position) {
-  const auto found = std::partition_point(
-      document.stretches.begin(), document.stretches.end(),
-      [&](const TextStretch& stretch) { return stretch.range.end <= position; });
-  return found != document.stretches.end() && found->range.begin <= position ? &*found : nullptr;
+  const auto found =
+      std::partition_point(document.stretches.begin(), document.stretches.end(),
+                           [&](const TextStretch& stretch) { return stretch.end <= position; });
+  return found != document.stretches.end() && found->begin <= position ? &*found : nullptr;
 }
 
 }  // namespace zephyrdown

@@ -33,10 +33,10 @@ struct Block {
 };
 
 /// Plain text on one line outside of code, links, HTML and autolinks; broken by markup. Entities
-/// are plain text.
+/// are plain text. A text may hold very many, and none that is read is too large for 32 bits.
 struct TextStretch {
-  SourceRange range;
-  bool opens;  ///< a "#" as its first byte may start a hashtag
+  std::uint32_t begin;
+  std::uint32_t end;
 };
 
 struct FileMention {

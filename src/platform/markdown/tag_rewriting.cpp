@@ -93,7 +93,7 @@ class Renamer {
   }
 
   void rewrite(const HashtagMention& tag, const std::string& name, bool isKnown) {
-    const std::size_t end = stretchAt(document_, tag.range.begin)->range.end;
+    const std::size_t end = stretchAt(document_, tag.range.begin)->end;
     const auto hashtag = fittingHashtag(name, text_.substr(tag.range.end, end - tag.range.end));
     if (!hashtag) return;
     if (isKnown) {

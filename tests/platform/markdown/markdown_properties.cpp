@@ -57,7 +57,9 @@ bool showsText(std::string_view text, const Document& document, SourceRange line
     return begin < end && !isBlankText(text.substr(begin, end - begin));
   };
   return std::any_of(document.stretches.begin(), document.stretches.end(),
-                     [&](const auto& piece) { return isOn(piece.range); }) ||
+                     [&](const auto& piece) {
+                       return isOn({piece.begin, piece.end});
+                     }) ||
          std::any_of(document.files.begin(), document.files.end(),
                      [&](const auto& file) { return isOn(file.link.range); });
 }
