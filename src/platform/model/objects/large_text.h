@@ -3,7 +3,8 @@
 #include <cstdint>
 #include <optional>
 #include <string>
-#include <string_view>
+
+#include "platform/system/hashing.h"
 
 namespace tavimodel {
 
@@ -18,7 +19,9 @@ constexpr std::int64_t largeText = 256 * 1024;
 /// The text of a note; nothing when the note is gone or has none. Throws sqlite::Error.
 std::optional<std::string> readLargeText(sqlite::Connection& connection, std::int64_t note);
 
-/// Whether the note's text is `text`, in little memory. Throws sqlite::Error.
-bool isLargeText(sqlite::Connection& connection, std::int64_t note, std::string_view text);
+/// Its SHA-256, worked out in little memory; nothing when the note is gone or has no text. Throws
+/// sqlite::Error.
+std::optional<platform::system::SHA256Digest> digestOfLargeText(sqlite::Connection& connection,
+                                                                std::int64_t note);
 
 }  // namespace tavimodel

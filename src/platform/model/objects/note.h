@@ -102,6 +102,7 @@ class KVNote {
                       Value (NoteReader::*read)(std::int64_t note));
   /// Keeps what the database holds, for the save and for a rollback.
   void willChange();
+  void dropLargeText();
   void setFlag(bool NoteRow::*flag, bool value);
 
   ManagedObjectContext& context_;
