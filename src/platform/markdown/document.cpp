@@ -150,7 +150,7 @@ class DocumentReader {
 
   /// A stretch of text that may go on.
   struct OpenStretch {
-    SourceRange range;
+    ByteRange range;
     bool opens;  // a "#" as its first byte may start a hashtag
   };
 
@@ -300,14 +300,14 @@ class DocumentReader {
     if (view(target).find('/') != std::string_view::npos) return;
     std::string name = fileNameOfDestination(destination(link, target));
     if (name.empty()) return;
-    const SourceRange range{link.range.begin, behindPreviewComment(text_, link.range.end)};
+    const ByteRange range{link.range.begin, behindPreviewComment(text_, link.range.end)};
     document_.files.push_back({{range, std::move(name), isImage}, link.label});
   }
 
   /// As the text has it where the link is an inline one.
   std::string destination(const LocatedLink& link, const MD_ATTRIBUTE& target) const {
     if (!link.destination) return resolved(target);
-    const SourceRange& range = *link.destination;
+    const ByteRange& range = *link.destination;
     return unescaped(text_.substr(range.begin, range.end - range.begin));
   }
 
@@ -315,7 +315,7 @@ class DocumentReader {
     const bool isPlain = type == MD_TEXT_NORMAL || type == MD_TEXT_ENTITY;
     const auto offset = offsetOf(piece);
     if (offset) {
-      const SourceRange range{*offset, *offset + piece.size()};
+      const ByteRange range{*offset, *offset + piece.size()};
       links_.pass(range);
       if (isPlain && linkDepth_ == 0) addStretch(range);
       if (type == MD_TEXT_HTML && outline_)
@@ -357,7 +357,7 @@ class DocumentReader {
     }
   }
 
-  void addStretch(SourceRange range) {
+  void addStretch(ByteRange range) {
     if (glue_ == Glue::text && stretch_ && stretch_->range.end == range.begin) {
       stretch_->range.end = range.end;
       return;
@@ -374,7 +374,7 @@ class DocumentReader {
                                    static_cast<std::uint32_t>(stretch_->range.end)});
   }
 
-  void pass(SourceRange range) {
+  void pass(ByteRange range) {
     passed_ = std::max(passed_, range.end);
     Block& block = document_.blocks.back();
     if (block.text.begin == block.text.end) block.text.begin = range.begin;
@@ -409,7 +409,7 @@ class DocumentReader {
       readHashtags({begin, link.range.begin}, stretch);
       begin = link.range.end;
       if (outline_) {
-        const SourceRange label{link.range.begin + 2, link.range.end - 2};
+        const ByteRange label{link.range.begin + 2, link.range.end - 2};
         outline_->links.push_back({LinkMention::Kind::wikiLink, link.range, label, {}, {}});
       }
       wikiLinks_.push_back(std::move(link));
@@ -417,7 +417,7 @@ class DocumentReader {
     readHashtags({begin, stretch.range.end}, stretch);
   }
 
-  void readHashtags(SourceRange range, const OpenStretch& stretch) {
+  void readHashtags(ByteRange range, const OpenStretch& stretch) {
     const bool opens = range.begin == stretch.range.begin && stretch.opens;
     findHashtags(text_, range, opens, document_.hashtags);
   }

@@ -29,7 +29,7 @@ struct Block {
   BlockKind kind;
   /// From its first to its last text; markup at either end may lie outside. Empty at the end of
   /// the text before where a block holds no text.
-  SourceRange text;
+  ByteRange text;
 };
 
 /// Plain text on one line outside of code, links, HTML and autolinks; broken by markup. Entities
@@ -41,7 +41,7 @@ struct TextStretch {
 
 struct FileMention {
   FileLink link;
-  SourceRange label;  ///< between the brackets
+  ByteRange label;  ///< between the brackets
 };
 
 /// What one pass over a Markdown text finds. All offsets are into the text as it was given.

@@ -27,7 +27,7 @@ std::optional<std::string> canonicalTagName(std::string_view text);
 /// Adds the hashtags in `text[stretch]`, which lies on one line, to `found`, in order.
 /// `opens`: whether a "#" as the stretch's first byte may start a tag. What stands behind the
 /// stretch is no part of a tag.
-void findHashtags(std::string_view text, SourceRange stretch, bool opens,
+void findHashtags(std::string_view text, ByteRange stretch, bool opens,
                   std::vector<HashtagMention>& found);
 
 }  // namespace zephyrdown

@@ -14,9 +14,9 @@ enum class LinkKind { link, image, wikiLink };
 
 /// Where a link lies in the text.
 struct LocatedLink {
-  SourceRange range;
-  SourceRange label;                       ///< between the brackets
-  std::optional<SourceRange> destination;  ///< of an inline link, as it is written
+  ByteRange range;
+  ByteRange label;                       ///< between the brackets
+  std::optional<ByteRange> destination;  ///< of an inline link, as it is written
 };
 
 /// Whether "(destination "title")" stands at `at`.
@@ -38,7 +38,7 @@ class LinkLocator {
   explicit LinkLocator(std::string_view text) : text_(text) {}
 
   /// A text, or another thing that is no part of a link's brackets, at `range`.
-  void pass(SourceRange range);
+  void pass(ByteRange range);
 
   /// `destinationAt`: the offset of the destination's first byte, where the parser hands out the
   /// very bytes of the text; else `destination` is what it made of them.
@@ -67,7 +67,7 @@ class LinkLocator {
   bool isAutolinkAt(const OpenLink& link, std::size_t position) const;
   std::optional<std::size_t> bracketOfEmpty(const OpenLink& link) const;
   std::optional<std::size_t> bracketBeforeDestination(const OpenLink& link) const;
-  bool isDestination(const OpenLink& link, SourceRange range) const;
+  bool isDestination(const OpenLink& link, ByteRange range) const;
   std::optional<LocatedLink> close(const OpenLink& link);
 
   std::string_view text_;

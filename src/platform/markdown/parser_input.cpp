@@ -54,7 +54,7 @@ void maskLabelsInBrackets(std::string_view body, std::optional<std::string>& cop
   }
 }
 
-void maskLineOfHashtags(std::string_view body, SourceRange line, std::optional<std::string>& copy) {
+void maskLineOfHashtags(std::string_view body, ByteRange line, std::optional<std::string>& copy) {
   std::vector<HashtagMention> tags;
   findHashtags(body, line, /*opens=*/true, tags);
   for (const HashtagMention& tag : tags) {
@@ -67,7 +67,7 @@ void maskLineOfHashtags(std::string_view body, SourceRange line, std::optional<s
 void maskHashtags(std::string_view body, std::optional<std::string>& copy) {
   if (body.find('_') == npos) return;
   for (std::size_t hash = body.find('#'); hash != npos; hash = body.find('#', hash)) {
-    const SourceRange line{lineBegin(body, hash), lineEnd(body, hash)};
+    const ByteRange line{lineBegin(body, hash), lineEnd(body, hash)};
     maskLineOfHashtags(body, line, copy);
     hash = line.end;
   }

@@ -50,8 +50,8 @@ bool isMarked(const Block& block) {
 }
 
 /// Plain text, or the link to a file.
-bool showsText(std::string_view text, const Document& document, SourceRange line) {
-  const auto isOn = [&](SourceRange range) {
+bool showsText(std::string_view text, const Document& document, ByteRange line) {
+  const auto isOn = [&](ByteRange range) {
     const std::size_t begin = std::max(range.begin, line.begin);
     const std::size_t end = std::min(range.end, line.end);
     return begin < end && !isBlankText(text.substr(begin, end - begin));
@@ -78,7 +78,7 @@ Lines linesOf(const std::string& text) {
   BlockScanner scanner;
   bool isAttached = false;
   for (std::size_t at = document.bodyBegin; at < text.size(); at = nextLine(text, at)) {
-    const SourceRange range{at, lineEnd(text, at)};
+    const ByteRange range{at, lineEnd(text, at)};
     const std::string line = text.substr(at, range.end - at);
     // What closes HTML that was open.
     const bool isClosing =
