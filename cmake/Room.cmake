@@ -53,6 +53,8 @@ function(tavi_tests path)
   target_include_directories(test_${name} PRIVATE "${CMAKE_SOURCE_DIR}/tests")
   # Tests are not optimised, which halves their compile time.
   target_compile_options(test_${name} PRIVATE -O0)
+  # GoogleTest's headers take most of a test's compile time.
+  set_target_properties(test_${name} PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE 6)
   target_link_libraries(test_${name} PRIVATE tavi_compiler ${uses} ${TESTS_LIBRARIES}
     GTest::gmock GTest::gtest_main)
   if(TESTS_EACH)

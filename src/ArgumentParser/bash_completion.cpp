@@ -219,7 +219,7 @@ constexpr std::string_view kRootStart = R"sh(
 
 complete -o filenames -F @FUNCTION@ @NAME@)sh";
 
-std::string quoted(const std::string& text) {
+std::string bashQuoted(const std::string& text) {
   std::string result = "'";
   for (const char c : text) result += c == '\'' ? "'\\''" : std::string(1, c);
   return result + "'";
@@ -234,9 +234,9 @@ class BashScript {
     const std::string program = root_.functionName();
     script_ = filled(kHelpers, {{"@PROGRAM@", program}});
     writeCommand(root_);
-    script_ += filled(
-        kRootStart,
-        {{"@PROGRAM@", program}, {"@FUNCTION@", program}, {"@NAME@", quoted(root_.path.front())}});
+    script_ += filled(kRootStart, {{"@PROGRAM@", program},
+                                   {"@FUNCTION@", program},
+                                   {"@NAME@", bashQuoted(root_.path.front())}});
     return std::move(script_);
   }
 
@@ -288,7 +288,7 @@ void BashScript::writeNames(const CompletionCommand& command, const char* variab
   for (const auto& [owner, argument] : command.options()) {
     const ArgumentDefinition& definition = argument->definition;
     if (definition.isFlag() != isFlag || definition.isRepeating != isRepeating) continue;
-    entries.push_back(quoted(joined(argument->names(), " ")));
+    entries.push_back(bashQuoted(joined(argument->names(), " ")));
   }
   line(1, fmt::format("local -a {}=({})", variable, joined(entries, " ")));
 }
@@ -328,8 +328,8 @@ void BashScript::writeSubcommands(const CompletionCommand& command) {
   std::vector<std::string> names;
   line(1, "case \"${subcommand}\" in");
   for (const CompletionCommand& child : command.children) {
-    names.push_back(quoted(child.names.front()));
-    line(1, joined(each(child.names, quoted), " | ") + ")");
+    names.push_back(bashQuoted(child.names.front()));
+    line(1, joined(each(child.names, bashQuoted), " | ") + ")");
     line(2, function(child));
     line(2, "return");
     line(2, ";;");
@@ -350,17 +350,18 @@ std::string BashScript::action(const CompletionCommand& command,
                                const CompletionArgument& argument) const {
   const CompletionKind kind = argument.definition.completionKind();
   if (const auto* list = std::get_if<CompletionList>(&kind))
-    return prefix_ + "_add_completions " + joined(each(list->values, quoted), " ");
+    return prefix_ + "_add_completions " + joined(each(list->values, bashQuoted), " ");
   if (const auto* files = std::get_if<CompletionFiles>(&kind))
     return fmt::format("{}_add_files {} < <(compgen -f -- \"${{cur}}\")", prefix_,
-                       joined(each(files->extensions, quoted), " "));
+                       joined(each(files->extensions, bashQuoted), " "));
   if (std::holds_alternative<CompletionDirectories>(kind))
     return prefix_ + "_add_files < <(compgen -d -- \"${cur}\")";
   if (const auto* shell = std::get_if<CompletionShellCommand>(&kind))
-    return fmt::format("{}_add_lines < <(eval {} 2>/dev/null)", prefix_, quoted(shell->command));
+    return fmt::format("{}_add_lines < <(eval {} 2>/dev/null)", prefix_,
+                       bashQuoted(shell->command));
   if (std::holds_alternative<CompletionCustom>(kind))
     return fmt::format("{}_custom_complete {} -- {}", prefix_, command.subcommandPath(),
-                       quoted(argument.identifier));
+                       bashQuoted(argument.identifier));
   return {};
 }
 

@@ -32,7 +32,7 @@ std::string nearestName(const Name& unknown, const ArgumentSet& arguments) {
 }
 
 /// "'a', 'b'".
-std::string quoted(const std::vector<std::string>& texts, std::string_view separator = ", ") {
+std::string quotedList(const std::vector<std::string>& texts, std::string_view separator = ", ") {
   std::vector<std::string> each;
   for (const std::string& text : texts) each.push_back("'" + text + "'");
   return fmt::format("{}", fmt::join(each, separator));
@@ -46,9 +46,9 @@ std::string choiceAmong(const std::vector<std::string>& values) {
     return fmt::format(". Please provide one of the following:\n  - {}",
                        fmt::join(values, "\n  - "));
   if (values.size() <= 2)
-    return fmt::format(". Please provide one of {}.", quoted(values, " and "));
+    return fmt::format(". Please provide one of {}.", quotedList(values, " and "));
   return fmt::format(". Please provide one of {} or '{}'.",
-                     quoted({values.begin(), values.end() - 1}), values.back());
+                     quotedList({values.begin(), values.end() - 1}), values.back());
 }
 
 std::string shown(const Name& name) {
@@ -102,7 +102,7 @@ class ErrorDescriber {
   ErrorText operator()(const UnexpectedExtraValues& error) const {
     std::vector<std::string> shownValues;
     for (const std::string& value : error.values) shownValues.push_back(withoutControls(value));
-    const std::string values = quoted(shownValues);
+    const std::string values = quotedList(shownValues);
     if (error.values.size() == 1) return {"Unexpected argument " + values, {}};
     return {fmt::format("{} unexpected arguments: {}", error.values.size(), values), {}};
   }

@@ -131,7 +131,7 @@ complete -c @NAME@ -f
 )sh";
 
 /// The text in single quotes, as fish reads them.
-std::string quoted(const std::string& text) {
+std::string fishQuoted(const std::string& text) {
   std::string result = "'";
   for (const char c : text) {
     if (c == '\'' || c == '\\') result += '\\';
@@ -158,7 +158,7 @@ class FishScript {
                                 {"@ROOT_PATH@", path(root_)},
                                 {"@ROOT_VALUED@", valued(root_)},
                                 {"@CHILDREN@", children_},
-                                {"@NAME@", quoted(root_.path.front())}});
+                                {"@NAME@", fishQuoted(root_.path.front())}});
     writeCommand(root_);
     script_.pop_back();
     return std::move(script_);
@@ -169,14 +169,14 @@ class FishScript {
   void writeCommand(const CompletionCommand& command);
   void writeOption(const CompletionCommand& command, const CompletionArgument& argument);
   void writeComplete(const std::string& condition, const std::string& rest) {
-    script_ += fmt::format("complete -c {} -n {} {}\n", quoted(root_.path.front()),
-                           quoted(condition), rest);
+    script_ += fmt::format("complete -c {} -n {} {}\n", fishQuoted(root_.path.front()),
+                           fishQuoted(condition), rest);
   }
   std::string candidates(const CompletionCommand& command,
                          const CompletionArgument& argument) const;
 
   static std::string path(const CompletionCommand& command) {
-    return quoted(joined(command.path, " "));
+    return fishQuoted(joined(command.path, " "));
   }
   /// The paths of the command and of its default subcommands: all may continue the line after its
   /// name.
@@ -186,7 +186,7 @@ class FishScript {
   }
   static std::string valued(const CompletionCommand& command);
   static std::string description(const std::string& abstract) {
-    return abstract.empty() ? "" : " -d " + quoted(abstract);
+    return abstract.empty() ? "" : " -d " + fishQuoted(abstract);
   }
 
   const CompletionCommand& root_;
@@ -208,7 +208,7 @@ std::string FishScript::valued(const CompletionCommand& command) {
 void FishScript::addChildren(const CompletionCommand& command) {
   const std::string parent = joined(command.path, " ");
   for (const CompletionCommand& child : command.children) {
-    const auto pattern = [&](const std::string& name) { return quoted(parent + "/" + name); };
+    const auto pattern = [&](const std::string& name) { return fishQuoted(parent + "/" + name); };
     if (!children_.empty()) children_ += '\n';
     children_ += fmt::format(
         "                    case {}\n"
@@ -226,7 +226,7 @@ void FishScript::writeCommand(const CompletionCommand& command) {
   for (const CompletionCommand& child : command.children)
     writeComplete(
         fmt::format("{}_should_offer_completions_for_positional {} 1", prefix_, path(command)),
-        "-fa " + quoted(child.names.front()) + description(child.abstract));
+        "-fa " + fishQuoted(child.names.front()) + description(child.abstract));
   const auto positionals = command.positionals();
   for (std::size_t i = 0; i < positionals.size(); ++i) {
     const std::string values = candidates(command, *positionals[i]);
@@ -234,7 +234,7 @@ void FishScript::writeCommand(const CompletionCommand& command) {
     writeComplete(
         fmt::format("{}_should_offer_completions_for_positional {} {}{}", prefix_, path(command),
                     i + 1, positionals[i]->definition.isRepeating ? " repeating" : ""),
-        "-fka " + quoted(values));
+        "-fka " + fishQuoted(values));
   }
   for (const CompletionArgument& argument : command.arguments)
     if (!argument.definition.isPositional() && argument.definition.isVisible)
@@ -250,9 +250,9 @@ void FishScript::writeOption(const CompletionCommand& command, const CompletionA
   std::string rest;
   for (const Name& name : definition.names) {
     constexpr const char* flags[] = {"-l", "-s", "-o"};
-    rest += fmt::format("{} {} ", flags[static_cast<int>(name.kind)], quoted(name.text));
+    rest += fmt::format("{} {} ", flags[static_cast<int>(name.kind)], fishQuoted(name.text));
   }
-  rest += definition.isFlag() ? "-f" : "-rfka " + quoted(candidates(command, argument));
+  rest += definition.isFlag() ? "-f" : "-rfka " + fishQuoted(candidates(command, argument));
   writeComplete(condition, rest + description(definition.abstract));
 }
 
@@ -261,17 +261,17 @@ std::string FishScript::candidates(const CompletionCommand& command,
                                    const CompletionArgument& argument) const {
   const CompletionKind kind = argument.definition.completionKind();
   if (const auto* list = std::get_if<CompletionList>(&kind))
-    return joined(each(list->values, quoted), " ");
+    return joined(each(list->values, fishQuoted), " ");
   if (const auto* files = std::get_if<CompletionFiles>(&kind))
     return fmt::format("({}_complete_files {})", prefix_,
-                       joined(each(files->extensions, quoted), " "));
+                       joined(each(files->extensions, fishQuoted), " "));
   if (std::holds_alternative<CompletionDirectories>(kind))
     return fmt::format("({}_complete_directories)", prefix_);
   if (const auto* shell = std::get_if<CompletionShellCommand>(&kind))
-    return fmt::format("(sh -c {} 2>/dev/null)", quoted(shell->command));
+    return fmt::format("(sh -c {} 2>/dev/null)", fishQuoted(shell->command));
   if (std::holds_alternative<CompletionCustom>(kind))
     return fmt::format("({}_custom_completion {} -- {})", prefix_, command.subcommandPath(),
-                       quoted(argument.identifier));
+                       fishQuoted(argument.identifier));
   return {};
 }
 

@@ -10,7 +10,7 @@ namespace ArgumentParser {
 
 namespace {
 
-using Element = HelpGenerator::Element;
+using HelpElement = HelpGenerator::Element;
 using Section = HelpGenerator::Section;
 
 constexpr int kHelpIndent = 2;
@@ -37,21 +37,21 @@ std::string bracketText(const ArgumentDefinition& definition) {
   return parts.empty() ? std::string() : "(" + joined(parts, "; ") + ")";
 }
 
-Element element(const ArgumentDefinition& definition) {
+HelpElement element(const ArgumentDefinition& definition) {
   std::string abstract = definition.abstract;
   if (const std::string bracket = bracketText(definition); !bracket.empty())
     abstract += (abstract.empty() ? "" : " ") + bracket;
   return {definition.label(), std::move(abstract), definition.discussion};
 }
 
-Element element(const CommandConfiguration& subcommand, bool isDefault) {
+HelpElement element(const CommandConfiguration& subcommand, bool isDefault) {
   std::string label = subcommand.commandName;
   for (const std::string& alias : subcommand.aliases) label += ", " + alias;
   if (isDefault) label += " (default)";
   return {std::move(label), subcommand.abstract};
 }
 
-std::string rendered(const Element& element, int screenWidth) {
+std::string rendered(const HelpElement& element, int screenWidth) {
   const std::string label = std::string(kHelpIndent, ' ') + element.label;
   const std::string abstract = wrapped(element.abstract, screenWidth, kLabelColumn);
   const std::size_t labelWidth = characterCount(label);
@@ -67,7 +67,7 @@ std::string rendered(const Element& element, int screenWidth) {
 
 std::string rendered(const Section& section, int screenWidth) {
   std::string result = section.header + ":\n";
-  for (const Element& element : section.elements) result += rendered(element, screenWidth);
+  for (const HelpElement& element : section.elements) result += rendered(element, screenWidth);
   return result;
 }
 

@@ -52,7 +52,7 @@ else
 fi)sh";
 
 /// The text in single quotes, as zsh reads them.
-std::string quoted(const std::string& text) {
+std::string zshQuoted(const std::string& text) {
   std::string result = "'";
   for (const char c : text) result += c == '\'' ? "'\\''" : std::string(1, c);
   return result + "'";
@@ -78,8 +78,8 @@ class ZshScript {
     script_ = "#compdef " + root_.path.front() + "\n";
     script_ += filled(kHelpers, {{"@PROGRAM@", root_.functionName()}});
     writeCommand(root_);
-    script_ += filled(
-        kRootStart, {{"@FUNCTION@", root_.functionName()}, {"@NAME@", quoted(root_.path.front())}});
+    script_ += filled(kRootStart, {{"@FUNCTION@", root_.functionName()},
+                                   {"@NAME@", zshQuoted(root_.path.front())}});
     return std::move(script_);
   }
 
@@ -133,7 +133,7 @@ void ZshScript::writeCommand(const CompletionCommand& command) {
 void ZshScript::writeHandOverToDefault(const CompletionCommand& command) {
   std::vector<std::string> names;
   for (const CompletionCommand& child : command.children)
-    for (const std::string& name : child.names) names.push_back(quoted(name));
+    for (const std::string& name : child.names) names.push_back(zshQuoted(name));
   line(1, "local first=\"${${(@)words[2,CURRENT-1]:#-*}[1]}\"");
   line(1,
        fmt::format("if [[ -n \"${{first}}\" && \"${{first}}\" != ({}) ]] ||", joined(names, "|")));
@@ -149,7 +149,7 @@ void ZshScript::writeSubcommands(const CompletionCommand& command) {
   line(2, "local -a subcommands");
   line(2, "subcommands=(");
   for (const CompletionCommand& child : command.children)
-    line(3, quoted(escaped(child.names.front(), ":") + ":" + escaped(child.abstract, "")));
+    line(3, zshQuoted(escaped(child.names.front(), ":") + ":" + escaped(child.abstract, "")));
   line(2, ")");
   line(2, "_describe -V subcommand subcommands && ret=0");
   if (const CompletionCommand* child = command.defaultChild())
@@ -158,7 +158,7 @@ void ZshScript::writeSubcommands(const CompletionCommand& command) {
   line(1, "arg)");
   line(2, "case \"${words[1]}\" in");
   for (const CompletionCommand& child : command.children)
-    line(2, fmt::format("{}) {} && ret=0 ;;", joined(each(child.names, quoted), " | "),
+    line(2, fmt::format("{}) {} && ret=0 ;;", joined(each(child.names, zshQuoted), " | "),
                         function(child)));
   line(2, "esac");
   line(2, ";;");
@@ -175,7 +175,7 @@ void ZshScript::writeTexts(const CompletionCommand& command) {
     if (const auto* shell = std::get_if<CompletionShellCommand>(&kind)) texts = {shell->command};
     if (texts.empty()) continue;
     line(1, fmt::format("local -a texts_{}", i));
-    line(1, fmt::format("texts_{}=({})", i, joined(each(texts, quoted), " ")));
+    line(1, fmt::format("texts_{}=({})", i, joined(each(texts, zshQuoted), " ")));
   }
 }
 
@@ -184,14 +184,14 @@ std::string ZshScript::entry(const CompletionCommand& command, std::size_t index
   const ArgumentDefinition& definition = argument.definition;
   const std::string value =
       fmt::format(":{}:{}", escaped(definition.valueName, ":"), action(command, index));
-  if (definition.isPositional()) return quoted((definition.isRepeating ? "*" : "") + value);
+  if (definition.isPositional()) return zshQuoted((definition.isRepeating ? "*" : "") + value);
   const std::string description = "[" + escaped(definition.abstract, "[]:") + "]";
   const std::string once = definition.isRepeating ? "*" : "(" + joined(argument.names(), " ") + ")";
   std::vector<std::string> forms;
   for (const Name& name : definition.names) {
     const bool takesEqualSign = !definition.isFlag() && name.kind == Name::Kind::longName;
-    forms.push_back(quoted(once + name.written() + (takesEqualSign ? "=" : "") + description +
-                           (definition.isFlag() ? "" : value)));
+    forms.push_back(zshQuoted(once + name.written() + (takesEqualSign ? "=" : "") + description +
+                              (definition.isFlag() ? "" : value)));
   }
   return joined(forms, " ");
 }

@@ -63,7 +63,7 @@ std::string written(const object& name) {
 
 // The parts of a page
 
-constexpr const char* blank = "\\ ";  // a blank at which roff does not break the line
+constexpr const char* unbreakableBlank = "\\ ";  // a blank at which roff does not break the line
 
 std::string pageName(const Path& path) {
   return fmt::format("{}", fmt::join(path, "-"));
@@ -83,8 +83,8 @@ std::string synopsis(const object& argument) {
   std::string form;
   if (!isPositional(argument)) form = Roff::bold(written(argument.at("preferredName").as_object()));
   if (const std::string taken = value(argument); !taken.empty())
-    form += (form.empty() ? "" : blank) + taken;
-  if (flag(argument, "isRepeating")) form += std::string(blank) + "...";
+    form += (form.empty() ? "" : unbreakableBlank) + taken;
+  if (flag(argument, "isRepeating")) form += std::string(unbreakableBlank) + "...";
   return flag(argument, "isOptional") ? "[" + form + "]" : form;
 }
 
@@ -94,7 +94,7 @@ std::string usage(const object& command) {
     if (isPositional(*argument) || written(argument->at("preferredName").as_object()) != "--help")
       parts.push_back(synopsis(*argument));
   if (!shown(command, "subcommands").empty()) {
-    const std::string child = Roff::italic("command") + blank + "...";
+    const std::string child = Roff::italic("command") + unbreakableBlank + "...";
     parts.push_back(command.if_contains("defaultSubcommand") ? "[" + child + "]" : child);
   }
   return fmt::format("{}", fmt::join(parts, " "));

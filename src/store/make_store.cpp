@@ -25,8 +25,8 @@ bool StoreKeeper::work() {
 
 namespace {
 
-std::unique_ptr<TaviDatabaseStore> open(const StoreOptions& options,
-                                        tavimodel::KeptConnection* kept) {
+std::unique_ptr<TaviDatabaseStore> openStore(const StoreOptions& options,
+                                             tavimodel::KeptConnection* kept) {
   if (TaviPreferences::isApplicationLockEnabled()) throw NoteStoreError::appLockEnabled();
   using Stack = tavimodel::KVCoreDataStackForExtensions;
   std::string reason;  // not shown: the platform's message does not help the user
@@ -42,11 +42,11 @@ std::unique_ptr<TaviDatabaseStore> open(const StoreOptions& options,
 }  // namespace
 
 std::unique_ptr<NoteStore> makeStore(const StoreOptions& options) {
-  return open(options, options.keeper != nullptr ? options.keeper->kept_.get() : nullptr);
+  return openStore(options, options.keeper != nullptr ? options.keeper->kept_.get() : nullptr);
 }
 
 std::unique_ptr<ImportingStore> makeImportingStore() {
-  return open({}, nullptr);
+  return openStore({}, nullptr);
 }
 
 }  // namespace tavi

@@ -13,7 +13,7 @@ namespace {
 
 using support::forEachCommand;
 
-const CommandType kShelf = commandType<shelf::Shelf>();
+using shelf::kShelf;
 
 /// A command whose arguments and configuration come from the test.
 struct Tool : ParsableCommand {

@@ -8,7 +8,7 @@
 namespace ArgumentParser {
 namespace {
 
-const CommandType kShelf = commandType<shelf::Shelf>();
+using shelf::kShelf;
 
 std::exception_ptr errorOf(const CommandType& root, const std::vector<std::string>& line) {
   try {

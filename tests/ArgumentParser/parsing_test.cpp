@@ -10,7 +10,7 @@ namespace {
 
 using Line = std::vector<std::string>;
 
-const CommandType kShelf = commandType<shelf::Shelf>();
+using shelf::kShelf;
 
 template <class T>
 std::string field(const char* name, const std::optional<T>& value) {
@@ -57,12 +57,12 @@ std::string outcome(const Line& line) {
   }
 }
 
-struct Case {
+struct ParsingCase {
   Line line;
   std::string outcome;
 };
 
-void check(std::initializer_list<Case> cases) {
+void check(std::initializer_list<ParsingCase> cases) {
   for (const auto& [line, expected] : cases)
     EXPECT_EQ(outcome(line), expected) << "shelf " << fmt::format("{}", fmt::join(line, " "));
 }

@@ -117,4 +117,6 @@ struct Shelf : ParsableCommand {
   void declare(ArgumentSet& args) override;
 };
 
+inline const ArgumentParser::CommandType kShelf = commandType<Shelf>();
+
 }  // namespace shelf

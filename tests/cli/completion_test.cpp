@@ -21,7 +21,7 @@ using support::CompletingShell;
 using support::runProgram;
 using ::testing::HasSubstr;
 using Line = std::vector<std::string>;
-using Texts = CompletingShell::Texts;
+using Candidates = CompletingShell::Texts;
 
 /// A home with notes whose titles and tags are hard to quote in shells.
 class Notes : public ::testing::Test {
@@ -57,12 +57,12 @@ class Notes : public ::testing::Test {
   }
 
   support::ThrowawayHome home;
-  const Texts titles{"War and Peace", "What's \"$HOME\"?", "Hello!World", "a:b, c;d & e",
-                     "back\\slash",   "un`paired $(date)", "Über [1] *",  "Warum"};
+  const Candidates titles{"War and Peace", "What's \"$HOME\"?", "Hello!World", "a:b, c;d & e",
+                          "back\\slash",   "un`paired $(date)", "Über [1] *",  "Warum"};
   std::string marsID, created;
 
-  Texts titlesWith(std::initializer_list<std::string> more) const {
-    Texts all = titles;
+  Candidates titlesWith(std::initializer_list<std::string> more) const {
+    Candidates all = titles;
     all.insert(more);
     return all;
   }
@@ -80,10 +80,10 @@ class CompletionInShells : public Notes, public ::testing::WithParamInterface<co
 TEST_P(CompletionInShells, OffersWhatTheCommandsTake) {
   writeNotes();
   std::ofstream(home.path() / "photo.jpg");
-  const Texts everyTag{"space", "red planet", "work/draft", "past"};
+  const Candidates everyTag{"space", "red planet", "work/draft", "past"};
   struct Case {
     std::string line;
-    Texts offered;
+    Candidates offered;
   };
   for (const auto& [line, expected] : std::initializer_list<Case>{
            {"tavicli ",

@@ -93,8 +93,8 @@ TEST_F(WorkingDay, BeginsWithAHandshakeHoweverTheClientGoesAboutIt) {
   server->send(R"({"jsonrpc":"2.0","id":9,"result":{"roots":[]}})");  // an unsolicited response
   EXPECT_THAT(server->receive(), HasSubstr("-32600"));
   EXPECT_THAT(server->ask("{\"id\":1,"), HasSubstr("-32700"));
-  const auto list = json::parse(server->ask(R"({"jsonrpc":"2.0","id":2,"method":"tools/list"})"));
-  EXPECT_EQ(list.at("result").at("tools").as_array().size(), 24u);
+  const auto listed = json::parse(server->ask(R"({"jsonrpc":"2.0","id":2,"method":"tools/list"})"));
+  EXPECT_EQ(listed.at("result").at("tools").as_array().size(), 24u);
   EXPECT_FALSE(fs::exists(home / ".local")) << "no store before the first call";
   EXPECT_EQ(server->finish(), 0);
 }

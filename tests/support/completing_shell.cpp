@@ -11,7 +11,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-std::string read(const fs::path& file) {
+std::string contentOf(const fs::path& file) {
   std::ifstream stream(file);
   return {std::istreambuf_iterator<char>(stream), {}};
 }
@@ -142,7 +142,7 @@ CompletingShell::Texts CompletingShell::offered(const std::string& line) {
   std::ofstream(home_ / ".shell-line") << line;
   terminal_->type(shell_ == "zsh" ? "\x14" : "offer\n");
   terminal_->readUntil("DONE\r\n");
-  std::istringstream lines(read(home_ / ".shell-offered"));
+  std::istringstream lines(contentOf(home_ / ".shell-offered"));
   Texts result;
   for (std::string text; std::getline(lines, text);)
     if (text = bare(text); !text.empty()) result.insert(text);

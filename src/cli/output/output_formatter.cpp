@@ -9,7 +9,7 @@
 namespace tavi {
 namespace {
 
-constexpr std::string_view content = "content";
+constexpr std::string_view contentField = "content";
 
 }  // namespace
 
@@ -20,7 +20,7 @@ std::optional<std::vector<std::string>> OutputFormatter::parseFieldList(
   for (std::string& piece : trimmedPieces(*fields)) {
     if (piece == "all") {
       for (std::string_view name : available)
-        if (name != content) names.emplace_back(name);
+        if (name != contentField) names.emplace_back(name);
     } else {
       names.push_back(std::move(piece));
     }
@@ -46,7 +46,7 @@ std::vector<std::size_t> OutputFormatter::selectedIndices(
 }
 
 bool OutputFormatter::selectsContent(const FormatOptions& options) {
-  return options.fields && std::ranges::count(trimmedPieces(*options.fields), content) > 0;
+  return options.fields && std::ranges::count(trimmedPieces(*options.fields), contentField) > 0;
 }
 
 bool OutputFormatter::selectsDetails(const FormatOptions& options) {

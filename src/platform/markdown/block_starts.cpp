@@ -10,8 +10,6 @@
 namespace zephyrdown {
 namespace {
 
-constexpr std::size_t npos = std::string_view::npos;
-
 constexpr std::array<std::string_view, 4> kVerbatimTags = {"pre", "script", "style", "textarea"};
 
 constexpr std::string_view kBlockTags[] = {

@@ -459,7 +459,7 @@ class DocumentReader {
   std::size_t targetBytes_ = 0;
 };
 
-Document readDocument(std::string_view text, Extras extras) {
+Document readDocumentWith(Extras extras, std::string_view text) {
   Document unread;
   unread.bodyBegin = bodyBegin(text);
   if (text.size() > std::numeric_limits<MD_SIZE>::max() / 2) return unread;
@@ -482,16 +482,16 @@ Document readDocument(std::string_view text, Extras extras) {
 }  // namespace
 
 Document readDocument(std::string_view text) {
-  return readDocument(text, Extras{});
+  return readDocumentWith(Extras{}, text);
 }
 
 Document readDocument(std::string_view text, std::vector<TextPiece>& pieces) {
-  return readDocument(text, Extras{.pieces = &pieces});
+  return readDocumentWith(Extras{.pieces = &pieces}, text);
 }
 
 Outline outlineOf(std::string_view text) {
   Outline outline;
-  const Document document = readDocument(text, Extras{.outline = &outline});
+  const Document document = readDocumentWith(Extras{.outline = &outline}, text);
   for (const Block& block : document.blocks)
     if (block.kind == BlockKind::table) outline.tables.push_back(block.text);
   std::stable_sort(outline.links.begin(), outline.links.end(),

@@ -8,12 +8,10 @@
 namespace zephyrdown {
 namespace {
 
-constexpr std::size_t npos = std::string_view::npos;
-
 /// Letters, digits, "+", "-" and "." up to a colon (RFC 3986, 3.1).
 bool hasScheme(std::string_view destination) {
   const std::size_t colon = destination.find(':');
-  if (colon == npos || !isASCIILetter(byteOf(destination.front()))) return false;
+  if (colon == std::string_view::npos || !isASCIILetter(byteOf(destination.front()))) return false;
   return std::all_of(destination.begin(), destination.begin() + static_cast<std::ptrdiff_t>(colon),
                      [](char c) {
                        return isASCIILetter(byteOf(c)) || isASCIIDigit(byteOf(c)) || c == '+' ||
@@ -40,7 +38,7 @@ std::string percentDecoded(std::string_view text) {
 bool standsForItself(char c) {
   const unsigned char byte = byteOf(c);
   return isASCIILetter(byte) || isASCIIDigit(byte) || byte >= 0x80 ||
-         std::string_view("-._~!$'+,;=@").find(c) != npos;
+         std::string_view("-._~!$'+,;=@").find(c) != std::string_view::npos;
 }
 
 }  // namespace
@@ -49,9 +47,10 @@ std::string fileNameOfDestination(std::string_view destination) {
   constexpr std::string_view kForbidden("/\0", 2);
   destination = destination.substr(0, destination.find('#'));
   if (destination.empty() || hasScheme(destination)) return {};
-  if (destination.find('/') != npos) return {};
+  if (destination.find('/') != std::string_view::npos) return {};
   std::string name = percentDecoded(destination);
-  if (name.find_first_of(kForbidden) != npos || name == "." || name == "..") return {};
+  if (name.find_first_of(kForbidden) != std::string_view::npos || name == "." || name == "..")
+    return {};
   return name;
 }
 

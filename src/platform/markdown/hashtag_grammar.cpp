@@ -16,8 +16,6 @@ namespace {
 using platform::text::decodeScalar;
 using platform::text::isWhitespace;
 
-constexpr std::size_t npos = std::string_view::npos;
-
 struct ScalarRange {
   char32_t first, last;
 };

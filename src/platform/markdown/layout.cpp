@@ -8,8 +8,6 @@
 namespace zephyrdown {
 namespace {
 
-constexpr std::size_t npos = std::string_view::npos;
-
 ByteRange rangeOf(const HashtagMention& mention) {
   return mention.range;
 }

@@ -5,7 +5,6 @@
 namespace zephyrdown {
 namespace {
 
-constexpr std::size_t npos = std::string_view::npos;
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 
 std::string_view withoutTrailingBlanks(std::string_view text) {

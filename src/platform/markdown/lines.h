@@ -8,6 +8,9 @@
 /// The lines of a text. A line ends in LF, CR LF or a lone CR; the last may end in none.
 namespace zephyrdown {
 
+/// "Not found", as `std::string_view::find` says it.
+inline constexpr std::size_t npos = std::string_view::npos;
+
 /// The first byte of the line that `position` lies in. CR LF belongs to the line it ends.
 std::size_t lineBegin(std::string_view text, std::size_t position);
 

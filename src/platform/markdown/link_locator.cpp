@@ -9,8 +9,6 @@
 namespace zephyrdown {
 namespace {
 
-constexpr std::size_t npos = std::string_view::npos;
-
 /// What follows the brackets of an inline link: "(destination "title")".
 struct InlineTail {
   ByteRange destination;

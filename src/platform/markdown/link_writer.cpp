@@ -5,8 +5,6 @@
 namespace zephyrdown {
 namespace {
 
-constexpr std::size_t npos = std::string_view::npos;
-
 bool isWordCharacter(std::string_view text, std::size_t at) {
   if (at >= text.size()) return false;
   const unsigned char byte = byteOf(text[at]);
@@ -30,7 +28,7 @@ bool needsEscape(std::string_view label, std::size_t at) {
     case '_':  // inside a word it is a letter
       return at == 0 || !isWordCharacter(label, at - 1) || !isWordCharacter(label, at + 1);
     case '&':
-      return rest.find(';') != npos;
+      return rest.find(';') != std::string_view::npos;
     case ':':
       return rest.starts_with("//");
     case '.':

@@ -9,8 +9,6 @@
 namespace zephyrdown {
 namespace {
 
-constexpr std::size_t npos = std::string_view::npos;
-
 bool isUnderlineOfHeader(std::string_view content) {
   return content.find('|') != npos && content.find('-') != npos &&
          content.find_first_not_of("|:- \t") == npos;

@@ -11,7 +11,6 @@
 namespace zephyrdown {
 namespace {
 
-constexpr std::size_t npos = std::string_view::npos;
 constexpr char kPunctuation = ',';  // flanks emphasis as a bracket does
 constexpr char kLetter = 'x';
 

@@ -10,7 +10,6 @@
 namespace zephyrdown {
 namespace {
 
-constexpr std::size_t npos = std::string_view::npos;
 constexpr std::size_t kCodeIndent = 4;
 
 /// What a line begins with to be inside of the first `depth` containers.

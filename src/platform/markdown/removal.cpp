@@ -10,8 +10,6 @@
 namespace zephyrdown {
 namespace {
 
-constexpr std::size_t npos = std::string_view::npos;
-
 using Ranges = std::vector<ByteRange>;
 using RangeIterator = Ranges::const_iterator;
 

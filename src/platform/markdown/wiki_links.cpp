@@ -6,11 +6,7 @@
 #include "platform/text/utf8.h"
 
 namespace zephyrdown {
-namespace {
-
-constexpr std::size_t npos = std::string_view::npos;
-
-}  // namespace
+namespace {}  // namespace
 
 WikiMention wikiMention(ByteRange range, std::string_view inside) {
   const std::string_view target = inside.substr(0, inside.find('|'));
@@ -24,9 +20,9 @@ std::vector<WikiMention> longWikiLinks(std::string_view text, ByteRange stretch)
   constexpr std::size_t kLongestForParser = 100;
   std::vector<WikiMention> found;
   const std::string_view upToEnd = text.substr(0, stretch.end);
-  for (std::size_t at = upToEnd.find("[[", stretch.begin); at != npos;) {
+  for (std::size_t at = upToEnd.find("[[", stretch.begin); at != std::string_view::npos;) {
     const std::size_t end = upToEnd.find_first_of("[]", at + 2);
-    if (end == npos) break;
+    if (end == std::string_view::npos) break;
     const std::string_view inside = upToEnd.substr(at + 2, end - at - 2);
     const bool isLong = inside.substr(0, inside.find('|')).size() > kLongestForParser;
     if (isLong && upToEnd.substr(end).starts_with("]]")) {

@@ -38,9 +38,9 @@ void require(bool condition) {
 }
 
 /// Reads the objects. All access goes through `slice`, which checks bounds.
-class Reader {
+class BinaryReader {
  public:
-  explicit Reader(std::string_view bytes) : bytes_(bytes) {
+  explicit BinaryReader(std::string_view bytes) : bytes_(bytes) {
     require(bytes.size() >= kBinaryPropertyListMagic.size() + kTrailerSize);
     const std::size_t trailer = bytes.size() - kTrailerSize;
     offsetSize_ = integer(slice(trailer + 6, 1));
@@ -185,7 +185,7 @@ class Reader {
 
 std::optional<PropertyDictionary> parseBinaryPropertyList(std::string_view bytes) {
   try {
-    return Reader(bytes).topDictionary();
+    return BinaryReader(bytes).topDictionary();
   } catch (const Malformed&) {
     return std::nullopt;
   }

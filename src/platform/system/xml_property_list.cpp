@@ -39,9 +39,9 @@ PropertyValue valueOf(std::string_view element, const std::string& text) {
 }
 
 /// Reads the list with expat.
-class Reader {
+class XMLReader {
  public:
-  Reader() : parser_(XML_ParserCreate(nullptr), XML_ParserFree) {}
+  XMLReader() : parser_(XML_ParserCreate(nullptr), XML_ParserFree) {}
 
   std::optional<PropertyDictionary> read(std::string_view bytes) {
     if (parser_ == nullptr) return std::nullopt;
@@ -101,23 +101,23 @@ class Reader {
 
   /// The reader; null after `refuse`, since expat still reports the end of the element at which it
   /// was stopped.
-  static Reader* reader(void* data) {
-    auto* reader = static_cast<Reader*>(data);
+  static XMLReader* reader(void* data) {
+    auto* reader = static_cast<XMLReader*>(data);
     return reader->refused_ ? nullptr : reader;
   }
   static void XMLCALL onStart(void* data, const XML_Char* name, const XML_Char** /*attributes*/) {
-    if (Reader* r = reader(data)) r->start(name);
+    if (XMLReader* r = reader(data)) r->start(name);
   }
   static void XMLCALL onEnd(void* data, const XML_Char* name) {
-    if (Reader* r = reader(data)) r->end(name);
+    if (XMLReader* r = reader(data)) r->end(name);
   }
   static void XMLCALL onText(void* data, const XML_Char* part, int length) {
-    if (Reader* r = reader(data)) r->text({part, static_cast<std::size_t>(length)});
+    if (XMLReader* r = reader(data)) r->text({part, static_cast<std::size_t>(length)});
   }
   /// Refuses entity declarations: property lists have none, and attacks use them to multiply text.
   static void XMLCALL onEntity(void* data, const XML_Char*, int, const XML_Char*, int,
                                const XML_Char*, const XML_Char*, const XML_Char*, const XML_Char*) {
-    if (Reader* r = reader(data)) r->refuse();
+    if (XMLReader* r = reader(data)) r->refuse();
   }
 
   std::unique_ptr<XML_ParserStruct, decltype(&XML_ParserFree)> parser_;
@@ -132,7 +132,7 @@ class Reader {
 }  // namespace
 
 std::optional<PropertyDictionary> parseXMLPropertyList(std::string_view bytes) {
-  return Reader().read(bytes);
+  return XMLReader().read(bytes);
 }
 
 }  // namespace platform::system

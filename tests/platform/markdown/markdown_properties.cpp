@@ -11,7 +11,7 @@
 #include "platform/markdown/layout.h"
 #include "platform/markdown/lines.h"
 
-namespace zephyrdown::testing {
+namespace zephyrdown {
 namespace {
 
 using Operations = std::vector<ZDKASTOperationResult>;
@@ -273,4 +273,4 @@ void checkText(const std::string& text) {
   Text(text).check();
 }
 
-}  // namespace zephyrdown::testing
+}  // namespace zephyrdown

@@ -15,7 +15,6 @@ namespace zephyrdown {
 namespace {
 
 namespace fs = std::filesystem;
-using testing::checkText;
 
 ZDKAST parsed(const std::string& text) {
   return ZDKAST::fromMarkdown(text);

@@ -16,9 +16,9 @@ using platform::text::canonicallyComposed;
 using zephyrdown::FileLink;
 
 using Ranks = std::vector<std::size_t>;
-constexpr std::size_t unlinked = std::numeric_limits<std::size_t>::max();
+constexpr std::size_t noLink = std::numeric_limits<std::size_t>::max();
 
-/// For each file, the index of the first link that names it, or `unlinked`.
+/// For each file, the index of the first link that names it, or `noLink`.
 Ranks firstLinks(const std::vector<KVNoteFile>& files, const std::vector<FileLink>& links) {
   std::unordered_set<std::string> names;
   for (const KVNoteFile& file : files) names.insert(file.filename.value_or(""));
@@ -34,7 +34,7 @@ Ranks firstLinks(const std::vector<KVNoteFile>& files, const std::vector<FileLin
   }
   const auto rank = [](const auto& map, const std::string& name) {
     const auto found = map.find(name);
-    return found == map.end() ? unlinked : found->second;
+    return found == map.end() ? noLink : found->second;
   };
   Ranks ranks;
   for (const KVNoteFile& file : files) {
@@ -55,7 +55,7 @@ std::vector<KVNoteFile> filesAfterChange(std::vector<KVNoteFile> files,
   std::iota(order.begin(), order.end(), std::size_t{0});
   if (!before.empty()) {
     const Ranks then = firstLinks(files, before);
-    std::erase_if(order, [&](std::size_t i) { return then[i] != unlinked && now[i] == unlinked; });
+    std::erase_if(order, [&](std::size_t i) { return then[i] != noLink && now[i] == noLink; });
   }
   std::stable_sort(order.begin(), order.end(),
                    [&](std::size_t a, std::size_t b) { return now[a] < now[b]; });

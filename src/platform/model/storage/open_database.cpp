@@ -26,7 +26,7 @@ using Mode = sqlite::Connection::Mode;
 
 constexpr int waitForWriters = 5000;                 // milliseconds
 constexpr std::chrono::milliseconds patience{1000};  // with others that open or close the database
-constexpr std::size_t headerSize = 100;
+constexpr std::size_t databaseHeaderSize = 100;
 
 void makeFolders(const fs::path& folder) {
   if (folder.empty() || access(folder.c_str(), F_OK) == 0) return;
@@ -90,12 +90,12 @@ std::unique_ptr<sqlite::Connection> openImmutable(const fs::path& path) {
 bool hasForeignLog(sqlite::Connection& connection, const fs::path& path) {
   const sqlite::SoleUse alone(connection);
   if (!alone) return false;
-  return !belongTogether(connection.fileHeader(headerSize), originOf(logOf(path)));
+  return !belongTogether(connection.fileHeader(databaseHeaderSize), originOf(logOf(path)));
 }
 
 /// A copy by VACUUM INTO or from a dump has a rollback journal.
 void useWriteAheadLog(sqlite::Connection& connection) {
-  const std::string header = connection.fileHeader(headerSize);
+  const std::string header = connection.fileHeader(databaseHeaderSize);
   if (header.empty() || header[18] == 2) return;
   connection.setBusyTimeout(0);
   try {

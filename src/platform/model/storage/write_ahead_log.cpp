@@ -18,7 +18,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::size_t headerSize = 32;
+constexpr std::size_t logHeaderSize = 32;
 constexpr std::size_t frameHeaderSize = 24;
 constexpr std::uint32_t magic = 0x377f0682;  // the last bit: checksums of big-endian words
 
@@ -95,10 +95,10 @@ std::uintmax_t logSize(const fs::path& database) {
 LogOrigin originOf(const fs::path& log) {
   const LogFile file(log);
   LogOrigin origin;
-  std::string header(headerSize, '\0');
+  std::string header(logHeaderSize, '\0');
   if (!file.read(header, 0) || (word(header, 0) & ~1U) != magic) return origin;
   Checksum checksum((word(header, 0) & 1U) != 0);
-  checksum.add(std::string_view(header).substr(0, headerSize - 8));
+  checksum.add(std::string_view(header).substr(0, logHeaderSize - 8));
   if (!checksum.is(word(header, 24), word(header, 28))) return origin;
   origin.pageSize = word(header, 8);
 
@@ -107,7 +107,7 @@ LogOrigin originOf(const fs::path& log) {
   if (origin.pageSize < 512 || origin.pageSize > largestPage) return origin;
   std::string frame(frameHeaderSize + origin.pageSize, '\0');
   std::vector<std::uint32_t> uncommitted;
-  for (std::size_t at = headerSize; file.read(frame, at); at += frame.size()) {
+  for (std::size_t at = logHeaderSize; file.read(frame, at); at += frame.size()) {
     const std::string_view bytes = frame;
     checksum.add(bytes.substr(0, 8));
     checksum.add(bytes.substr(frameHeaderSize));

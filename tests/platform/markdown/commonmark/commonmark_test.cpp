@@ -38,10 +38,10 @@ TEST(CommonMark, ItsExamplesHoldTheProperties) {
   ASSERT_GT(all.size(), 600u);
   std::string whole;
   for (const std::string& example : all) {
-    testing::checkText(example);
+    checkText(example);
     whole += example + "\n";
   }
-  testing::checkText(whole);
+  checkText(whole);
 }
 
 }  // namespace
