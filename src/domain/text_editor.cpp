@@ -98,10 +98,12 @@ std::string TextEditor::applyEdit(const EditOperation& edit, std::string_view te
 
 std::string TextEditor::applyEdits(const std::vector<EditOperation>& edits, std::string_view text,
                                    std::string_view noteID) {
-  std::string result(text);
+  if (edits.empty()) return std::string(text);
+  std::string result;
   for (std::size_t i = 0; i < edits.size(); ++i) {
     try {
-      result = applyEdit(edits[i], result, noteID);
+      result = applyEdit(edits[i], text, noteID);
+      text = result;
     } catch (const NoteStoreError& error) {
       throw NoteStoreError::batchEditFailed(static_cast<std::int64_t>(i), edits[i].find, error);
     }

@@ -17,15 +17,15 @@ namespace tavi::import {
 namespace {
 
 namespace fs = std::filesystem;
+using platform::text::ByteRange;
 using platform::text::equalIgnoringCase;
 using vault::FoundFile;
 using zephyrdown::LinkMention;
-using zephyrdown::SourceRange;
 using zephyrdown::ZDKAST;
 
 constexpr std::size_t npos = std::string_view::npos;
 
-std::string_view part(std::string_view text, SourceRange range) {
+std::string_view part(std::string_view text, ByteRange range) {
   return text.substr(range.begin, range.end - range.begin);
 }
 
@@ -88,9 +88,9 @@ struct WikiParts {
 /// The first <img> tag in a fragment of HTML.
 struct ImageTag {
   std::string_view text;
-  std::optional<SourceRange> source;  ///< of the value of `src` in `text`; absent if there is none
-  std::string label;                  ///< the value of `alt`
-  bool isWhole = false;               ///< whether the tag is all of `text`
+  std::optional<ByteRange> source;  ///< of the value of `src` in `text`; absent if there is none
+  std::string label;                ///< the value of `alt`
+  bool isWhole = false;             ///< whether the tag is all of `text`
 
   explicit ImageTag(std::string_view html) : text(html) {
     const std::string lower = lowered(html);
@@ -111,15 +111,15 @@ struct ImageTag {
   }
 
   /// The range of the quoted value of an attribute.
-  static std::optional<SourceRange> valueOf(const std::string& lower, const std::string& name,
-                                            SourceRange tag) {
+  static std::optional<ByteRange> valueOf(const std::string& lower, const std::string& name,
+                                          ByteRange tag) {
     for (const char* before : {" ", "\t", "\n"}) {
       const std::size_t at = lower.find(before + name + "=", tag.begin);
       if (at == npos || at >= tag.end) continue;
       const std::size_t quote = at + name.size() + 2;
       if (lower[quote] != '"' && lower[quote] != '\'') continue;
       const std::size_t end = lower.find(lower[quote], quote + 1);
-      if (end < tag.end) return SourceRange{quote + 1, end};
+      if (end < tag.end) return ByteRange{quote + 1, end};
     }
     return std::nullopt;
   }
@@ -162,7 +162,7 @@ class Relinker {
   }
 
  private:
-  void replace(SourceRange range, std::string by) {
+  void replace(ByteRange range, std::string by) {
     operations_.push_back({range, std::move(by)});
     passed_ = range.end;
   }
@@ -220,8 +220,8 @@ class Relinker {
   }
 
   /// Whether a "|" written there would separate two table cells.
-  bool isInTable(SourceRange range) const {
-    return std::any_of(tables_.begin(), tables_.end(), [&](const SourceRange& table) {
+  bool isInTable(ByteRange range) const {
+    return std::any_of(tables_.begin(), tables_.end(), [&](const ByteRange& table) {
       return table.begin < range.end && range.begin < table.end;
     });
   }
@@ -250,7 +250,7 @@ class Relinker {
     const WikiParts parts(part(text_, link.label));
     if (parts.target.empty()) return;
     const bool isEmbedded = link.range.begin > passed_ && text_[link.range.begin - 1] == '!';
-    const SourceRange range{link.range.begin - (isEmbedded ? 1 : 0), link.range.end};
+    const ByteRange range{link.range.begin - (isEmbedded ? 1 : 0), link.range.end};
     if (const FoundFile* file = fileOf(parts.target); isUsable(file)) {
       replace(range, linkTo(*file, parts.alias, isEmbedded));
     } else if (const std::string* title = titleOf(parts.target)) {
@@ -282,7 +282,7 @@ class Relinker {
     return ZDKAST::markdownFile(isSize ? name : alias, name, isEmbedded && type.conformsToPDF);
   }
 
-  void renameTarget(SourceRange range, const WikiParts& parts, const std::string& title,
+  void renameTarget(ByteRange range, const WikiParts& parts, const std::string& title,
                     bool isEmbedded) {
     const bool isSame = equalIgnoringCase(title, parts.target);
     if (isSame && parts.heading.empty() && !isEmbedded) return;
@@ -301,7 +301,7 @@ class Relinker {
   fs::path directory_;
   const VaultIndex& index_;
   const std::set<std::string>& unusable_;
-  std::vector<SourceRange> tables_;
+  std::vector<ByteRange> tables_;
   std::vector<zephyrdown::ZDKASTOperationResult> operations_;
   std::unordered_map<const FoundFile*, std::string> names_;
   std::unordered_set<std::string> taken_;  ///< the same names, case-folded

@@ -233,5 +233,17 @@ TEST_F(Writing, FindsAChangeInALargeText) {
             "concurrent_modification");
 }
 
+TEST_F(Writing, RewritesALargeTextAfterARefusal) {
+  const std::string large = "# Large\n" + std::string(500'000, 'x');
+  const std::string id = create(large + "\n");
+  const auto ours = fresh();
+  ours->addAttachment(id, "bytes", "a.txt");
+  EXPECT_EQ(refusal([&] { ours->overwriteNote(id, large + "y", std::nullopt, {}); }),
+            "attachment_removal_blocked");
+  ours->addTags(id, {"one", "two"});  // two texts, one save
+  ours->addTags(id, {"three"});
+  EXPECT_EQ(text(id).substr(large.size()), "\n[a.txt](a.txt)\n\n#one #two #three\n");
+}
+
 }  // namespace
 }  // namespace tavi

@@ -28,17 +28,17 @@ const Document& ZDKAST::document() const {
   return *document_;
 }
 
-Operations ZDKAST::appendText(std::string_view text, SourceRange) const {
+Operations ZDKAST::appendText(std::string_view text, ByteRange) const {
   if (text.empty()) return {};
   return plannedAppend(source(), Layout(source(), document()), text);
 }
 
-Operations ZDKAST::prependText(std::string_view text, SourceRange) const {
+Operations ZDKAST::prependText(std::string_view text, ByteRange) const {
   if (text.empty()) return {};
   return plannedPrepend(source(), Layout(source(), document()), text);
 }
 
-Operations ZDKAST::removeLinkWithURL(std::string_view url, SourceRange) const {
+Operations ZDKAST::removeLinkWithURL(std::string_view url, ByteRange) const {
   return removeLinks([&](std::string_view filename) { return filename == url; });
 }
 

@@ -9,30 +9,27 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/text/utf8.h"
+
 namespace zephyrdown {
 
-/// A half-open range of bytes of a Markdown text.
-struct SourceRange {
-  std::size_t begin = 0;
-  std::size_t end = 0;
-  bool operator==(const SourceRange&) const = default;
-};
+using platform::text::ByteRange;
 
 /// A planned edit, which replaces the bytes of `range`. All other bytes stay.
 struct ZDKASTOperationResult {
-  SourceRange range;
+  ByteRange range;
   std::string replacement;
 };
 
 /// An occurrence of a hashtag in a text.
 struct HashtagMention {
-  SourceRange range;  ///< from its "#" to its end, including a closing mark
-  std::string name;   ///< canonical
+  ByteRange range;   ///< from its "#" to its end, including a closing mark
+  std::string name;  ///< canonical
 };
 
 /// A link or image whose destination is a local file name: it has no scheme and no slash.
 struct FileLink {
-  SourceRange range;     ///< the whole link, including the comment with its preview flag
+  ByteRange range;       ///< the whole link, including the comment with its preview flag
   std::string filename;  ///< percent-decoded, without a fragment ("#page=2")
   bool isImage = false;
 };
@@ -74,13 +71,13 @@ class ZDKAST {
 
   /// Plans to insert `text` at the note's end, before bottom-placed tags and footnote definitions.
   std::vector<ZDKASTOperationResult> appendText(std::string_view text,
-                                                SourceRange selection = {}) const;
+                                                ByteRange selection = {}) const;
   /// Plans to insert `text` at the beginning, after the title and top-placed tags.
   std::vector<ZDKASTOperationResult> prependText(std::string_view text,
-                                                 SourceRange selection = {}) const;
+                                                 ByteRange selection = {}) const;
   /// Plans to remove every link and image whose file name is `url`, which is not percent-encoded.
   std::vector<ZDKASTOperationResult> removeLinkWithURL(std::string_view url,
-                                                       SourceRange selection = {}) const;
+                                                       ByteRange selection = {}) const;
   /// Plans to remove every link and image for whose file name `shouldRemove` returns true.
   std::vector<ZDKASTOperationResult> removeLinks(
       const std::function<bool(std::string_view filename)>& shouldRemove) const;

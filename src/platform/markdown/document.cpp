@@ -149,6 +149,12 @@ class DocumentReader {
   /// What is between the last text and the next one.
   enum class Glue { boundary, text, other };
 
+  /// A stretch of text that may go on.
+  struct OpenStretch {
+    ByteRange range;
+    bool opens;  // a "#" as its first byte may start a hashtag
+  };
+
   static DocumentReader& self(void* reader) { return *static_cast<DocumentReader*>(reader); }
 
   // Must be negative: the parser does not pass on other values through all of its layers.
@@ -295,14 +301,14 @@ class DocumentReader {
     if (view(target).find('/') != std::string_view::npos) return;
     std::string name = fileNameOfDestination(destination(link, target));
     if (name.empty()) return;
-    const SourceRange range{link.range.begin, behindPreviewComment(text_, link.range.end)};
+    const ByteRange range{link.range.begin, behindPreviewComment(text_, link.range.end)};
     document_.files.push_back({{range, std::move(name), isImage}, link.label});
   }
 
   /// The destination as written if the link is an inline one.
   std::string destination(const LocatedLink& link, const MD_ATTRIBUTE& target) const {
     if (!link.destination) return resolved(target);
-    const SourceRange& range = *link.destination;
+    const ByteRange& range = *link.destination;
     return unescaped(text_.substr(range.begin, range.end - range.begin));
   }
 
@@ -310,7 +316,7 @@ class DocumentReader {
     const bool isPlain = type == MD_TEXT_NORMAL || type == MD_TEXT_ENTITY;
     const auto offset = offsetOf(piece);
     if (offset) {
-      const SourceRange range{*offset, *offset + piece.size()};
+      const ByteRange range{*offset, *offset + piece.size()};
       links_.pass(range);
       if (isPlain && linkDepth_ == 0) addStretch(range);
       if (type == MD_TEXT_HTML && outline_)
@@ -352,17 +358,24 @@ class DocumentReader {
     }
   }
 
-  void addStretch(SourceRange range) {
-    auto& stretches = document_.stretches;
-    if (glue_ == Glue::text && stretches.back().range.end == range.begin) {
-      stretches.back().range.end = range.end;
+  void addStretch(ByteRange range) {
+    if (glue_ == Glue::text && stretch_ && stretch_->range.end == range.begin) {
+      stretch_->range.end = range.end;
       return;
     }
+    endStretch();
     const bool isEscape = range.begin > passed_ && isBehindBackslash(range.begin);
-    stretches.push_back({range, glue_ == Glue::boundary && !isEscape});
+    stretch_ = {range, glue_ == Glue::boundary && !isEscape};
   }
 
-  void pass(SourceRange range) {
+  void endStretch() {
+    if (!stretch_) return;
+    readStretch(*stretch_);
+    document_.stretches.push_back({static_cast<std::uint32_t>(stretch_->range.begin),
+                                   static_cast<std::uint32_t>(stretch_->range.end)});
+  }
+
+  void pass(ByteRange range) {
     passed_ = std::max(passed_, range.end);
     Block& block = document_.blocks.back();
     if (block.text.begin == block.text.end) block.text.begin = range.begin;
@@ -385,19 +398,19 @@ class DocumentReader {
               [](const FileMention& a, const FileMention& b) {
                 return a.link.range.begin < b.link.range.begin;
               });
-    for (const TextStretch& stretch : document_.stretches) readStretch(stretch);
+    endStretch();
     listWikiLinks();
     return std::move(document_);
   }
 
-  void readStretch(const TextStretch& stretch) {
+  void readStretch(const OpenStretch& stretch) {
     std::size_t begin = stretch.range.begin;
     for (WikiMention& link : longWikiLinks(text_, stretch.range)) {
       if (isBehindBackslash(link.range.begin)) continue;
       readHashtags({begin, link.range.begin}, stretch);
       begin = link.range.end;
       if (outline_) {
-        const SourceRange label{link.range.begin + 2, link.range.end - 2};
+        const ByteRange label{link.range.begin + 2, link.range.end - 2};
         outline_->links.push_back({LinkMention::Kind::wikiLink, link.range, label, {}, {}});
       }
       wikiLinks_.push_back(std::move(link));
@@ -405,7 +418,7 @@ class DocumentReader {
     readHashtags({begin, stretch.range.end}, stretch);
   }
 
-  void readHashtags(SourceRange range, const TextStretch& stretch) {
+  void readHashtags(ByteRange range, const OpenStretch& stretch) {
     const bool opens = range.begin == stretch.range.begin && stretch.opens;
     findHashtags(text_, range, opens, document_.hashtags);
   }
@@ -435,6 +448,7 @@ class DocumentReader {
   Outline* outline_;                // filled along the way where one is wanted
   std::vector<TextPiece>* pieces_;  // likewise
   std::vector<WikiMention> wikiLinks_;
+  std::optional<OpenStretch> stretch_;
   Glue glue_ = Glue::boundary;
   MD_BLOCKTYPE block_ = MD_BLOCK_DOC;
   BlockKind leaf_ = BlockKind::paragraph;
@@ -449,14 +463,13 @@ class DocumentReader {
 Document readDocumentWith(Extras extras, std::string_view text) {
   Document unread;
   unread.bodyBegin = bodyBegin(text);
+  if (text.size() > std::numeric_limits<MD_SIZE>::max() / 2) return unread;
   const std::string_view body = text.substr(unread.bodyBegin);
-  if (body.size() > std::numeric_limits<MD_SIZE>::max() / 2) return unread;
-  const std::optional<std::string> masked = maskedForParser(body);
-  const std::string_view shown = masked ? std::string_view(*masked) : body;
-  const std::vector<Mend> mends = mendsForParser(shown);
+  std::optional<std::string> copy = maskedForParser(body);
+  const std::vector<Mend> mends = mendsForParser(copy ? *copy : body);
   const OffsetMap offsets(mends);
-  const std::string mended = mends.empty() ? std::string() : withMends(shown, mends);
-  const std::string_view input = mends.empty() ? shown : mended;
+  if (!mends.empty()) mend(copy ? *copy : copy.emplace(body), mends);
+  const std::string_view input = copy ? *copy : body;
   const unsigned dialect =
       hasEndlessAddresses(input) ? kDialect & ~unsigned{MD_FLAG_PERMISSIVEAUTOLINKS} : kDialect;
   if (auto document = DocumentReader(text, unread.bodyBegin, input, offsets, extras).read(dialect))
@@ -488,10 +501,10 @@ Outline outlineOf(std::string_view text) {
 }
 
 const TextStretch* stretchAt(const Document& document, std::size_t position) {
-  const auto found = std::partition_point(
-      document.stretches.begin(), document.stretches.end(),
-      [&](const TextStretch& stretch) { return stretch.range.end <= position; });
-  return found != document.stretches.end() && found->range.begin <= position ? &*found : nullptr;
+  const auto found =
+      std::partition_point(document.stretches.begin(), document.stretches.end(),
+                           [&](const TextStretch& stretch) { return stretch.end <= position; });
+  return found != document.stretches.end() && found->begin <= position ? &*found : nullptr;
 }
 
 }  // namespace zephyrdown

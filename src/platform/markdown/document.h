@@ -30,20 +30,21 @@ struct Block {
   BlockKind kind;
   /// From the block's first to its last text; markup at either end may be outside. For a block
   /// without text, an empty range at the end of the previous text.
-  SourceRange text;
+  ByteRange text;
 };
 
 /// A run of plain text within one line, between markup, code, links, HTML and autolinks. Entities
-/// count as plain text.
+/// count as plain text. 32 bits, since a text may have very many stretches; larger texts are not
+/// parsed.
 struct TextStretch {
-  SourceRange range;
-  bool opens;  ///< whether a "#" as its first byte may start a hashtag
+  std::uint32_t begin;
+  std::uint32_t end;
 };
 
 /// An occurrence of a link to a file.
 struct FileMention {
   FileLink link;
-  SourceRange label;  ///< between the brackets
+  ByteRange label;  ///< between the brackets
 };
 
 /// The contents of a Markdown text, found in one pass. All offsets are bytes in the original text.

@@ -1,6 +1,7 @@
 #include "platform/markdown/file_names.h"
 
 #include <algorithm>
+#include <charconv>
 
 #include "platform/markdown/ascii.h"
 
@@ -18,26 +19,18 @@ bool hasScheme(std::string_view destination) {
                      });
 }
 
-int hexadecimalValue(char c) {
-  if (c >= '0' && c <= '9') return c - '0';
-  if (c >= 'a' && c <= 'f') return c - 'a' + 10;
-  if (c >= 'A' && c <= 'F') return c - 'A' + 10;
-  return -1;
-}
-
 /// Keeps a "%" that is not followed by two hexadecimal digits.
 std::string percentDecoded(std::string_view text) {
   std::string result;
   result.reserve(text.size());
   for (std::size_t at = 0; at < text.size(); ++at) {
-    const int high = text[at] == '%' && at + 2 < text.size() ? hexadecimalValue(text[at + 1]) : -1;
-    const int low = high >= 0 ? hexadecimalValue(text[at + 2]) : -1;
-    if (low < 0) {
-      result += text[at];
-    } else {
-      result += static_cast<char>(high * 16 + low);
-      at += 2;
-    }
+    const std::string_view digits = text.substr(at + 1, 2);
+    const char* end = digits.data() + digits.size();
+    unsigned char byte = 0;
+    const bool isEscape = text[at] == '%' && digits.size() == 2 &&
+                          std::from_chars(digits.data(), end, byte, 16).ptr == end;
+    result += isEscape ? static_cast<char>(byte) : text[at];
+    if (isEscape) at += 2;
   }
   return result;
 }

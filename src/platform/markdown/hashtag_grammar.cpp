@@ -256,7 +256,7 @@ std::optional<std::string> canonicalTagName(std::string_view text) {
   return name;
 }
 
-void findHashtags(std::string_view text, SourceRange stretch, bool opens,
+void findHashtags(std::string_view text, ByteRange stretch, bool opens,
                   std::vector<HashtagMention>& found) {
   const std::string_view upToEnd = text.substr(0, stretch.end);
   const Scanner scanner(upToEnd);

@@ -28,7 +28,7 @@ std::optional<std::string> canonicalTagName(std::string_view text);
 /// Appends the hashtags in `text[stretch]`, which must be within one line, to `found`, in order.
 /// `opens`: whether a "#" as the stretch's first byte may start a tag. A tag ends at the stretch's
 /// end.
-void findHashtags(std::string_view text, SourceRange stretch, bool opens,
+void findHashtags(std::string_view text, ByteRange stretch, bool opens,
                   std::vector<HashtagMention>& found);
 
 }  // namespace zephyrdown

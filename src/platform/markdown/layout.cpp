@@ -8,13 +8,13 @@
 namespace zephyrdown {
 namespace {
 
-SourceRange rangeOf(const HashtagMention& mention) {
+ByteRange rangeOf(const HashtagMention& mention) {
   return mention.range;
 }
-SourceRange rangeOf(const Block& block) {
+ByteRange rangeOf(const Block& block) {
   return block.text;
 }
-SourceRange rangeOf(const SourceRange& range) {
+ByteRange rangeOf(const ByteRange& range) {
   return range;
 }
 
@@ -168,8 +168,7 @@ void Layout::findFoot(std::size_t floor) {
     if (isTagLine(line)) {
       if (!bottomTagsEnd_) bottomTagsEnd_ = lastTagEnd(lineEnd(text_, line));
       footBegin_ = line;
-    } else if (const SourceRange* footnote = footnoteAt(line);
-               footnote && footnote->begin >= floor) {
+    } else if (const ByteRange* footnote = footnoteAt(line); footnote && footnote->begin >= floor) {
       footBegin_ = footnote->begin;
     } else {
       return;
@@ -218,7 +217,7 @@ bool Layout::goesOnWithFootnote(std::size_t line) const {
   return isIndented(text_, line) || !beginsHere;
 }
 
-const SourceRange* Layout::footnoteAt(std::size_t position) const {
+const ByteRange* Layout::footnoteAt(std::size_t position) const {
   const auto found = firstEndingBehind(footnotes_, position);
   return found != footnotes_.end() && found->begin <= position ? &*found : nullptr;
 }

@@ -72,12 +72,12 @@ class Layout {
   bool startsFootnote(std::size_t line) const;
   bool goesOnWithFootnote(std::size_t line) const;
   std::size_t footnoteEnd(std::size_t line) const;
-  const SourceRange* footnoteAt(std::size_t position) const;
+  const ByteRange* footnoteAt(std::size_t position) const;
   std::size_t lastTagEnd(std::size_t lineEnd) const;
 
   std::string_view text_;
   const Document& document_;
-  std::vector<SourceRange> footnotes_;
+  std::vector<ByteRange> footnotes_;
   std::optional<std::size_t> headEnd_, headingEnd_, topTagsEnd_, bottomTagsEnd_;
   bool headEndsInTags_ = false;
   bool headIsBlock_ = false;

@@ -11,7 +11,7 @@ namespace {
 
 /// The part after the brackets of an inline link: "(destination "title")".
 struct InlineTail {
-  SourceRange destination;
+  ByteRange destination;
   std::size_t end;
 };
 
@@ -51,18 +51,18 @@ class TailReader {
     }
   }
 
-  std::optional<SourceRange> readDestination() { return take('<') ? readAngled() : readBare(); }
+  std::optional<ByteRange> readDestination() { return take('<') ? readAngled() : readBare(); }
 
-  std::optional<SourceRange> readAngled() {
+  std::optional<ByteRange> readAngled() {
     const std::size_t begin = at_;
     for (; at_ < text_.size() && !isLineBreak(text_[at_]) && text_[at_] != '<'; ++at_) {
-      if (text_[at_] == '>') return SourceRange{begin, at_++};
+      if (text_[at_] == '>') return ByteRange{begin, at_++};
       skipEscape();
     }
     return std::nullopt;
   }
 
-  std::optional<SourceRange> readBare() {
+  std::optional<ByteRange> readBare() {
     const std::size_t begin = at_;
     int depth = 0;
     for (; at_ < text_.size(); ++at_) {
@@ -73,7 +73,7 @@ class TailReader {
       skipEscape();
     }
     if (depth != 0) return std::nullopt;
-    return SourceRange{begin, at_};
+    return ByteRange{begin, at_};
   }
 
   bool skipTitle() {
@@ -128,7 +128,7 @@ bool isInlineTail(std::string_view text, std::size_t at) {
   return readInlineTail(text, at).has_value();
 }
 
-void LinkLocator::pass(SourceRange range) {
+void LinkLocator::pass(ByteRange range) {
   settle(open_.size(), range.begin);
   cursor_ = std::max(cursor_, range.end);
 }
@@ -219,7 +219,7 @@ std::optional<std::size_t> LinkLocator::bracketBeforeDestination(const OpenLink&
 }
 
 /// Whether the link's destination is the one written at `range`.
-bool LinkLocator::isDestination(const OpenLink& link, SourceRange range) const {
+bool LinkLocator::isDestination(const OpenLink& link, ByteRange range) const {
   if (link.destinationAt) return *link.destinationAt == range.begin;
   return unescaped(text_.substr(range.begin, range.end - range.begin)) == link.destination;
 }

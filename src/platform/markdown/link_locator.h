@@ -15,9 +15,9 @@ enum class LinkKind { link, image, wikiLink };
 
 /// The position of a link in the text.
 struct LocatedLink {
-  SourceRange range;
-  SourceRange label;                       ///< between the brackets
-  std::optional<SourceRange> destination;  ///< of an inline link, as written
+  ByteRange range;
+  ByteRange label;                       ///< between the brackets
+  std::optional<ByteRange> destination;  ///< of an inline link, as written
 };
 
 /// Whether `at` is the start of "(destination "title")" (CommonMark 0.30, 6.3).
@@ -39,7 +39,7 @@ class LinkLocator {
   explicit LinkLocator(std::string_view text) : text_(text) {}
 
   /// Reports a text, or anything else that is not a link's bracket, at `range`.
-  void pass(SourceRange range);
+  void pass(ByteRange range);
 
   /// Reports the start of a link. `destinationAt` is the offset of its destination if the parser
   /// returned a view of the text; otherwise `destination` is the parser's copy.
@@ -69,7 +69,7 @@ class LinkLocator {
   bool isAutolinkAt(const OpenLink& link, std::size_t position) const;
   std::optional<std::size_t> bracketOfEmpty(const OpenLink& link) const;
   std::optional<std::size_t> bracketBeforeDestination(const OpenLink& link) const;
-  bool isDestination(const OpenLink& link, SourceRange range) const;
+  bool isDestination(const OpenLink& link, ByteRange range) const;
   std::optional<LocatedLink> close(const OpenLink& link);
 
   std::string_view text_;

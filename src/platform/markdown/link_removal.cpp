@@ -19,7 +19,7 @@ bool holdsOtherFile(const Files& files, Files::const_iterator file, const NameTe
 
 Operations plannedRound(std::string_view text, const Document& document,
                         const NameTest& shouldRemove) {
-  std::vector<SourceRange> whole;
+  std::vector<ByteRange> whole;
   Operations unwrapped;
   const Files& files = document.files;
   for (auto file = files.begin(); file != files.end(); ++file) {

@@ -7,14 +7,18 @@ namespace zephyrdown {
 std::string withOperations(std::string_view text, Operations operations) {
   std::stable_sort(operations.begin(), operations.end(),
                    [](const auto& a, const auto& b) { return a.range.begin < b.range.begin; });
+  std::size_t size = text.size();
+  for (const ZDKASTOperationResult& operation : operations)
+    size += operation.replacement.size() - (operation.range.end - operation.range.begin);
   std::string result;
-  result.reserve(text.size());
+  result.reserve(size);  // a text may be large: no room to grow, and none copied
   std::size_t done = 0;
   for (const ZDKASTOperationResult& operation : operations) {
     result.append(text.substr(done, operation.range.begin - done)).append(operation.replacement);
     done = operation.range.end;
   }
-  return result.append(text.substr(done));
+  result.append(text.substr(done));
+  return result;
 }
 
 ZDKASTOperationResult difference(std::string_view before, std::string_view after) {

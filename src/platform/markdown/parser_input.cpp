@@ -14,6 +14,16 @@ namespace {
 constexpr char kPunctuation = ',';  // flanks emphasis like a bracket
 constexpr char kLetter = 'x';
 
+/// The copy, which is made for the first byte that is masked.
+std::string& copyOf(std::string_view body, std::optional<std::string>& copy) {
+  constexpr std::size_t kRoom = 64;  // one byte in so many may be added without another copy
+  if (!copy) {
+    copy.emplace().reserve(body.size() + body.size() / kRoom);
+    copy->append(body);
+  }
+  return *copy;
+}
+
 /// The offset of the "]" of a footnote's label at `at`, or npos.
 std::size_t footnoteLabelEnd(std::string_view body, std::size_t at) {
   if (isEscaped(body, at)) return npos;
@@ -25,8 +35,8 @@ void maskFootnotes(std::string_view body, std::optional<std::string>& copy) {
   for (std::size_t at = body.find("[^"); at != npos; at = body.find("[^", at + 1)) {
     const std::size_t end = footnoteLabelEnd(body, at);
     if (end == npos) continue;
-    if (!copy) copy.emplace(body);
-    (*copy)[at] = (*copy)[end] = kPunctuation;
+    std::string& masked = copyOf(body, copy);
+    masked[at] = masked[end] = kPunctuation;
   }
 }
 
@@ -38,26 +48,25 @@ void maskLabelsInBrackets(std::string_view body, std::optional<std::string>& cop
     if (begin == npos || begin == 0 || body.substr(begin - 1, 2) != "[[") continue;
     if (isEscaped(body, begin - 1)) continue;
     if (!isInlineTail(body.substr(0, end + kLongestTail), end + 2)) continue;
-    if (!copy) copy.emplace(body);
-    (*copy)[begin] = (*copy)[end] = kPunctuation;
+    std::string& masked = copyOf(body, copy);
+    masked[begin] = masked[end] = kPunctuation;
   }
 }
 
-void maskLineOfHashtags(std::string_view body, SourceRange line, std::optional<std::string>& copy) {
+void maskLineOfHashtags(std::string_view body, ByteRange line, std::optional<std::string>& copy) {
   std::vector<HashtagMention> tags;
   findHashtags(body, line, /*opens=*/true, tags);
   for (const HashtagMention& tag : tags) {
     if (tag.name.find('_') == npos) continue;
-    if (!copy) copy.emplace(body);
-    std::replace(copy->begin() + static_cast<std::ptrdiff_t>(tag.range.begin),
-                 copy->begin() + static_cast<std::ptrdiff_t>(tag.range.end), '_', kLetter);
+    char* masked = copyOf(body, copy).data();
+    std::replace(masked + tag.range.begin, masked + tag.range.end, '_', kLetter);
   }
 }
 
 void maskHashtags(std::string_view body, std::optional<std::string>& copy) {
   if (body.find('_') == npos) return;
   for (std::size_t hash = body.find('#'); hash != npos; hash = body.find('#', hash)) {
-    const SourceRange line{lineBegin(body, hash), lineEnd(body, hash)};
+    const ByteRange line{lineBegin(body, hash), lineEnd(body, hash)};
     maskLineOfHashtags(body, line, copy);
     hash = line.end;
   }
@@ -85,8 +94,7 @@ void maskEndlessParagraphs(std::string_view body, std::optional<std::string>& co
     for (std::size_t at = here.find(']'); at != npos; at = here.find(']', at + 1)) {
       steps += lines;
       if (steps <= kMostSteps) continue;
-      if (!copy) copy.emplace(body);
-      (*copy)[line + at] = kPunctuation;
+      copyOf(body, copy)[line + at] = kPunctuation;
     }
   }
 }
@@ -106,8 +114,7 @@ void maskDeepNesting(std::string_view body, std::optional<std::string>& copy) {
       const std::size_t mark = isBlank(line[at]) ? at : containerMark(line, at);
       if (mark == npos) break;
       if (mark > kDeepest && !isBlank(line[mark])) {
-        if (!copy) copy.emplace(body);
-        (*copy)[begin + mark] = kLetter;
+        copyOf(body, copy)[begin + mark] = kLetter;
         break;
       }
       at = mark + 1;

@@ -1,6 +1,7 @@
 #include "platform/markdown/parser_mending.h"
 
 #include <algorithm>
+#include <cstring>
 #include <optional>
 
 #include "platform/markdown/block_scanner.h"
@@ -217,17 +218,20 @@ class Mender {
 
 }  // namespace
 
-std::string withMends(std::string_view input, const std::vector<Mend>& mends) {
-  std::size_t size = input.size();
+void mend(std::string& text, const std::vector<Mend>& mends) {
+  std::size_t size = text.size();
   for (const Mend& mend : mends) size += mend.replacement.size() - mend.length;
-  std::string result;
-  result.reserve(size);  // a text may be large: no room to grow, and none copied
-  std::size_t done = 0;
-  for (const Mend& mend : mends) {
-    result.append(input.substr(done, mend.at - done)).append(mend.replacement);
-    done = mend.at + mend.length;
+  std::size_t end = text.size();
+  text.resize(size);
+  // From the end on, so that nothing is written over before it has moved.
+  for (auto mend = mends.rbegin(); mend != mends.rend(); ++mend) {
+    const std::size_t kept = mend->at + mend->length;
+    size -= end - kept;
+    std::memmove(text.data() + size, text.data() + kept, end - kept);
+    size -= mend->replacement.size();
+    mend->replacement.copy(text.data() + size, mend->replacement.size());
+    end = mend->at;
   }
-  return result.append(input.substr(done));
 }
 
 OffsetMap::OffsetMap(const std::vector<Mend>& mends) {

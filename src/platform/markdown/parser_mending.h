@@ -28,8 +28,8 @@ struct Mend {
 ///   a paragraph begins with <prefix>, as if that were <pre>.
 std::vector<Mend> mendsForParser(std::string_view input);
 
-/// Applies the corrections.
-std::string withMends(std::string_view input, const std::vector<Mend>& mends);
+/// Applies the corrections in place, since the text may be large.
+void mend(std::string& text, const std::vector<Mend>& mends);
 
 /// Maps offsets in the corrected text to offsets in the original.
 class OffsetMap {

@@ -10,7 +10,7 @@
 namespace zephyrdown {
 namespace {
 
-using Ranges = std::vector<SourceRange>;
+using Ranges = std::vector<ByteRange>;
 using RangeIterator = Ranges::const_iterator;
 
 /// Plans removals line by line.
@@ -19,7 +19,7 @@ class Remover {
   explicit Remover(std::string_view text) : text_(text), begin_(textBegin(text)) {}
 
   Operations plan(const Ranges& ranges) {
-    std::optional<SourceRange> whole;  // lines that go, and blank lines between them
+    std::optional<ByteRange> whole;  // lines that go, and blank lines between them
     for (auto first = ranges.begin(); first != ranges.end();) {
       const auto [line, last] = lineOf(first, ranges.end());
       const bool goes = coversAll(line, first, last) && !keepsItem(line, *first);
@@ -39,8 +39,8 @@ class Remover {
 
  private:
   /// The line of range `first`, or the lines that ranges join, and the first range after it.
-  std::pair<SourceRange, RangeIterator> lineOf(RangeIterator first, RangeIterator end) const {
-    SourceRange line{std::max(lineBegin(text_, first->begin), begin_), lineEnd(text_, first->end)};
+  std::pair<ByteRange, RangeIterator> lineOf(RangeIterator first, RangeIterator end) const {
+    ByteRange line{std::max(lineBegin(text_, first->begin), begin_), lineEnd(text_, first->end)};
     auto last = std::next(first);
     for (; last != end && last->begin <= line.end; ++last) {
       if (last->end > line.end) line.end = lineEnd(text_, last->end);
@@ -50,7 +50,7 @@ class Remover {
 
   /// Whether the ranges cover the line, except a list mark. An empty item is useless, and below a
   /// paragraph it could turn that into a heading.
-  bool coversAll(SourceRange line, RangeIterator first, RangeIterator last) const {
+  bool coversAll(ByteRange line, RangeIterator first, RangeIterator last) const {
     std::size_t at = std::min(behindItemMark(line), first->begin);
     for (; first != last; ++first) {
       if (!isBlankText(text_.substr(at, first->begin - at))) return false;
@@ -59,7 +59,7 @@ class Remover {
     return isBlankText(text_.substr(at, line.end - at));
   }
 
-  std::size_t behindItemMark(SourceRange line) const {
+  std::size_t behindItemMark(ByteRange line) const {
     const std::size_t mark = skipBlanks(text_, line.begin);
     std::size_t at = mark;
     while (at < line.end && isASCIIDigit(byteOf(text_[at]))) ++at;
@@ -71,7 +71,7 @@ class Remover {
   }
 
   /// Whether more of a list item follows below its first line.
-  bool keepsItem(SourceRange line, SourceRange first) const {
+  bool keepsItem(ByteRange line, ByteRange first) const {
     if (behindItemMark(line) == line.begin) return false;
     const std::size_t below = skipBlankLines(text_, behindLineBreak(text_, line.end));
     return below < text_.size() && skipBlanks(text_, below) - below >= first.begin - line.begin;
@@ -79,7 +79,7 @@ class Remover {
 
   /// Includes the line break above the lines or, for the first line, the one below, so that a
   /// removal undoes exactly an insertion.
-  SourceRange wholeLines(SourceRange line) const {
+  ByteRange wholeLines(ByteRange line) const {
     const std::size_t below = behindLineBreak(text_, line.end);
     if (wouldBecomeCode(below, line.begin)) return {line.begin, skipBlanks(text_, below)};
     if (line.begin <= begin_) {
@@ -108,7 +108,7 @@ class Remover {
     return begin < text_.size() && isBlankText(text_.substr(begin, lineEnd(text_, begin) - begin));
   }
 
-  void removeInside(SourceRange line, RangeIterator first, RangeIterator last) {
+  void removeInside(ByteRange line, RangeIterator first, RangeIterator last) {
     std::size_t open = line.begin;  // before this, the line has only marks and removed text
     for (; first != last; ++first) {
       const bool opensLine = holdsOnlyMarks(open, first->begin);
@@ -117,7 +117,7 @@ class Remover {
     }
   }
 
-  void removeInside(SourceRange line, SourceRange range, bool opensLine) {
+  void removeInside(ByteRange line, ByteRange range, bool opensLine) {
     while (range.begin > line.begin && range.end < line.end && isEmphasis(range)) {
       --range.begin;
       ++range.end;
@@ -154,7 +154,7 @@ class Remover {
   }
 
   /// Whether the same delimiters are on both sides, which would leave an empty pair.
-  bool isEmphasis(SourceRange range) const {
+  bool isEmphasis(ByteRange range) const {
     const char before = text_[range.begin - 1];
     return before == text_[range.end] && (before == '*' || before == '_' || before == '~');
   }
@@ -183,7 +183,7 @@ class Remover {
     }
   }
 
-  void add(SourceRange range, std::string replacement) {
+  void add(ByteRange range, std::string replacement) {
     range.begin = std::max(range.begin, removedUpTo_);
     if (range.begin >= range.end) return;
     removedUpTo_ = range.end;
@@ -198,7 +198,7 @@ class Remover {
 
 }  // namespace
 
-Operations plannedRemoval(std::string_view text, const std::vector<SourceRange>& ranges) {
+Operations plannedRemoval(std::string_view text, const std::vector<ByteRange>& ranges) {
   return Remover(text).plan(ranges);
 }
 

@@ -92,11 +92,11 @@ class Renamer {
   }
 
   void rewrite(const HashtagMention& tag, const std::string& name, bool isKnown) {
-    const std::size_t end = stretchAt(document_, tag.range.begin)->range.end;
+    const std::size_t end = stretchAt(document_, tag.range.begin)->end;
     const auto hashtag = fittingHashtag(name, text_.substr(tag.range.end, end - tag.range.end));
     if (!hashtag) return;
     if (isKnown) {
-      SourceRange range = tag.range;
+      ByteRange range = tag.range;
       const std::size_t floor =
           results_.empty() ? line_.begin : std::max(line_.begin, results_.back().range.end);
       while (range.begin > floor && isBlank(text_[range.begin - 1])) --range.begin;
@@ -112,7 +112,7 @@ class Renamer {
   Layout layout_;
   std::string_view from_, to_;
   std::vector<HashtagMention>::const_iterator next_;
-  SourceRange line_;
+  ByteRange line_;
   bool isTagLine_ = false;
   std::set<std::string, std::less<>> names_;
   Operations results_;
@@ -134,7 +134,7 @@ Operations plannedTag(std::string_view text, const Document& document, std::stri
 
 Operations plannedTagRemoval(std::string_view text, const Document& document,
                              std::string_view name) {
-  std::vector<SourceRange> ranges;
+  std::vector<ByteRange> ranges;
   for (const HashtagMention& tag : document.hashtags) {
     if (tag.name == name) ranges.push_back(tag.range);
   }

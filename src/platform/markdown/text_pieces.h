@@ -9,7 +9,7 @@ namespace zephyrdown {
 
 /// A piece of text without markup, as reported by the parser, or a whole link.
 struct TextPiece {
-  SourceRange range;
+  ByteRange range;
   BlockKind kind;      ///< of the innermost block around it; items are paragraphs
   unsigned marks = 0;  ///< bits: its kind (code, HTML, an entity …) and the spans around it
 };

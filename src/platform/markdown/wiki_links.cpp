@@ -8,7 +8,7 @@
 namespace zephyrdown {
 namespace {}  // namespace
 
-WikiMention wikiMention(SourceRange range, std::string_view inside) {
+WikiMention wikiMention(ByteRange range, std::string_view inside) {
   const std::string_view target = inside.substr(0, inside.find('|'));
   std::size_t end = 0;
   while (end < target.size() && target[end] != '/') end += target[end] == '\\' ? 2 : 1;
@@ -16,7 +16,7 @@ WikiMention wikiMention(SourceRange range, std::string_view inside) {
   return {range, std::string(platform::text::trimmingBlanks(title))};
 }
 
-std::vector<WikiMention> longWikiLinks(std::string_view text, SourceRange stretch) {
+std::vector<WikiMention> longWikiLinks(std::string_view text, ByteRange stretch) {
   constexpr std::size_t kLongestForParser = 100;
   std::vector<WikiMention> found;
   const std::string_view upToEnd = text.substr(0, stretch.end);

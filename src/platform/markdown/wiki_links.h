@@ -10,16 +10,16 @@ namespace zephyrdown {
 
 /// An occurrence of a wiki link in a text.
 struct WikiMention {
-  SourceRange range;
+  ByteRange range;
   std::string title;  ///< of the note; empty if the link has only a heading
 };
 
 /// Parses the wiki link "[[inside]]". The title of "Title/Heading|alias" ends at the first slash; a
 /// slash in a title is written "\/".
-WikiMention wikiMention(SourceRange range, std::string_view inside);
+WikiMention wikiMention(ByteRange range, std::string_view inside);
 
 /// The wiki links in `text[stretch]`, plain text on one line. The parser does not recognize links
 /// whose target has more than 100 bytes, which are only 34 Chinese characters.
-std::vector<WikiMention> longWikiLinks(std::string_view text, SourceRange stretch);
+std::vector<WikiMention> longWikiLinks(std::string_view text, ByteRange stretch);
 
 }  // namespace zephyrdown

@@ -4,13 +4,20 @@
 #include <nettle/sha2.h>
 #include <uuid/uuid.h>
 
+#include <utility>
+
 namespace platform::system {
 
 SHA256Digest sha256(std::string_view bytes) {
+  return sha256([&] { return std::exchange(bytes, {}); });
+}
+
+SHA256Digest sha256(const std::function<std::string_view()>& next) {
   static_assert(SHA256Digest{}.size() == SHA256_DIGEST_SIZE);
   sha256_ctx context;
   sha256_init(&context);
-  sha256_update(&context, bytes.size(), reinterpret_cast<const std::uint8_t*>(bytes.data()));
+  for (std::string_view bytes = next(); !bytes.empty(); bytes = next())
+    sha256_update(&context, bytes.size(), reinterpret_cast<const std::uint8_t*>(bytes.data()));
   SHA256Digest digest;
   sha256_digest(&context, digest.size(), digest.data());
   return digest;

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <string_view>
 
@@ -11,6 +12,8 @@ namespace platform::system {
 using SHA256Digest = std::array<std::uint8_t, 32>;
 
 SHA256Digest sha256(std::string_view bytes);
+/// The same of bytes that come in pieces: `next` gives one, and an empty one at the end.
+SHA256Digest sha256(const std::function<std::string_view()>& next);
 
 /// Formats bytes as lower-case hexadecimal digits, two per byte.
 std::string hexadecimal(std::string_view bytes);

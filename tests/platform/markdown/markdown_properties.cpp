@@ -50,14 +50,16 @@ bool isMarked(const Block& block) {
 }
 
 /// Plain text, or a link to a file.
-bool showsText(std::string_view text, const Document& document, SourceRange line) {
-  const auto isOn = [&](SourceRange range) {
+bool showsText(std::string_view text, const Document& document, ByteRange line) {
+  const auto isOn = [&](ByteRange range) {
     const std::size_t begin = std::max(range.begin, line.begin);
     const std::size_t end = std::min(range.end, line.end);
     return begin < end && !isBlankText(text.substr(begin, end - begin));
   };
   return std::any_of(document.stretches.begin(), document.stretches.end(),
-                     [&](const auto& piece) { return isOn(piece.range); }) ||
+                     [&](const auto& piece) {
+                       return isOn({piece.begin, piece.end});
+                     }) ||
          std::any_of(document.files.begin(), document.files.end(),
                      [&](const auto& file) { return isOn(file.link.range); });
 }
@@ -76,7 +78,7 @@ Lines linesOf(const std::string& text) {
   BlockScanner scanner;
   bool isAttached = false;
   for (std::size_t at = document.bodyBegin; at < text.size(); at = nextLine(text, at)) {
-    const SourceRange range{at, lineEnd(text, at)};
+    const ByteRange range{at, lineEnd(text, at)};
     const std::string line = text.substr(at, range.end - at);
     // A line that closes open HTML.
     const bool isClosing =

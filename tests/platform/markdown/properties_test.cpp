@@ -217,7 +217,7 @@ TEST(FileLinks, AreReadBackAsTheirNames) {
     ASSERT_EQ(links.size(), 2u) << ::testing::PrintToString(file + image);
     EXPECT_EQ(links[0].filename, name);
     EXPECT_EQ(links[1].filename, name);
-    EXPECT_EQ(links[0].range, (SourceRange{3, 3 + file.size()})) << file;
+    EXPECT_EQ(links[0].range, (ByteRange{3, 3 + file.size()})) << file;
     EXPECT_TRUE(links[1].isImage);
     ASSERT_EQ(applied("a\n" + file + "\n" + image,
                       parsed("a\n" + file + "\n" + image).removeLinkWithURL(name)),

@@ -3,6 +3,7 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "platform/system/base64.h"
 #include "platform/system/hashing.h"
@@ -22,6 +23,13 @@ TEST(Hashing, IsSHA256) {  // the examples of FIPS 180-4
   EXPECT_EQ(hexOfDigest("abc"), "ba7816bf8f01cfea414140de5dae2223b00361a396177a9cb410ff61f20015ad");
   EXPECT_EQ(hexOfDigest(std::string(1'000'000, 'a')),
             "cdc76e5c9914fb9281a1c7e284d73e67f1809a48a497200e046d39ccc7112cd0");
+  std::vector<std::string_view> pieces{"", "c", "ab"};
+  EXPECT_EQ(sha256([&] {
+              const std::string_view next = pieces.back();
+              pieces.pop_back();
+              return next;
+            }),
+            sha256("abc"));
 }
 
 TEST(Hashing, MakesUpperCaseRandomUUIDs) {

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <memory>
+#include <string_view>
 
 #include "platform/model/storage/sqlite.h"
 
@@ -40,23 +41,27 @@ std::optional<std::string> readLargeText(sqlite::Connection& connection, std::in
   sqlite3* database = connection.handle();
   const Blob blob = openText(database, note);
   if (!blob) return std::nullopt;
+  // Its pages are read once and written once: there is no use in keeping more than a few (KiB).
+  connection.execute("PRAGMA cache_size = -256");
   std::string text(static_cast<std::size_t>(sqlite3_blob_bytes(blob.get())), '\0');
   read(database, blob.get(), text.data(), text.size(), 0);
   return text;
 }
 
-bool isLargeText(sqlite::Connection& connection, std::int64_t note, std::string_view text) {
+std::optional<platform::system::SHA256Digest> digestOfLargeText(sqlite::Connection& connection,
+                                                                std::int64_t note) {
   sqlite3* database = connection.handle();
   const Blob blob = openText(database, note);
-  if (!blob || static_cast<std::size_t>(sqlite3_blob_bytes(blob.get())) != text.size())
-    return false;
+  if (!blob) return std::nullopt;
   std::array<char, 64 * 1024> piece{};
-  for (std::size_t at = 0; at < text.size(); at += piece.size()) {
-    const std::size_t size = std::min(piece.size(), text.size() - at);
+  std::size_t left = static_cast<std::size_t>(sqlite3_blob_bytes(blob.get())), at = 0;
+  return platform::system::sha256([&] {
+    const std::size_t size = std::min(piece.size(), left);
     read(database, blob.get(), piece.data(), size, at);
-    if (text.substr(at, size) != std::string_view(piece.data(), size)) return false;
-  }
-  return true;
+    at += size;
+    left -= size;
+    return std::string_view(piece.data(), size);
+  });
 }
 
 }  // namespace tavimodel

@@ -3,7 +3,8 @@
 #include <cstdint>
 #include <optional>
 #include <string>
-#include <string_view>
+
+#include "platform/system/hashing.h"
 
 namespace tavimodel {
 
@@ -19,7 +20,9 @@ constexpr std::int64_t largeText = 256 * 1024;
 /// Throws sqlite::Error.
 std::optional<std::string> readLargeText(sqlite::Connection& connection, std::int64_t note);
 
-/// Whether the note's text equals `text`, compared in pieces to save memory. Throws sqlite::Error.
-bool isLargeText(sqlite::Connection& connection, std::int64_t note, std::string_view text);
+/// The SHA-256 of the note's text, computed in pieces to save memory; absent if there is no such
+/// note or it has no text. Throws sqlite::Error.
+std::optional<platform::system::SHA256Digest> digestOfLargeText(sqlite::Connection& connection,
+                                                                std::int64_t note);
 
 }  // namespace tavimodel

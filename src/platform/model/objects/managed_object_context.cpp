@@ -89,12 +89,7 @@ void ManagedObjectContext::save() {
 
 void ManagedObjectContext::write(const Entries& changed) {
   NoteWriter writer(connection_);
-  for (HeldNote* note : changed) {
-    writer.checkVersion(*note->committed);
-    // The old text is no longer needed, and a huge one should not stay in memory beside the new
-    // one.
-    if (note->committed->text != note->now.text) note->committed->text.reset();
-  }
+  for (HeldNote* note : changed) writer.checkVersion(*note->committed);
   for (HeldNote* note : changed) writer.update(note->now, *note->committed);
   for (auto& entry : inserted_) writer.insert(entry->held.now);
   writer.removeDeadTags();

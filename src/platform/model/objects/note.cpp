@@ -4,6 +4,7 @@
 #include <chrono>
 
 #include "platform/markdown/ast.h"
+#include "platform/model/objects/large_text.h"
 #include "platform/model/objects/managed_object_context.h"
 #include "platform/model/objects/note_reader.h"
 #include "platform/model/storage/note_texts.h"
@@ -151,14 +152,30 @@ void KVNote::willChange() {
   held_.committed = std::make_unique<NoteState>(held_.now);
 }
 
+/// Of a large text that another one takes the place of only the digest is kept, so that the two are
+/// not in memory at once while the new one is parsed and saved.
+void KVNote::dropLargeText() {
+  if (static_cast<std::int64_t>(text().size()) < largeText) return;
+  willChange();
+  NoteState& now = held_.now;
+  NoteState* committed = held_.committed.get();
+  if (committed != nullptr && committed->text == now.text) {
+    committed->textDigest = platform::system::sha256(*now.text);
+    committed->text.reset();
+  }
+  now.text.reset();
+  now.textDigest.reset();
+}
+
 void KVNote::updateNoteWithText(std::string text, bool updateModificationDate,
                                 UnlinkedFiles unlinked) {
   const bool rewritten = this->text() != text;
-  const zephyrdown::ZDKTextSummary summary = zephyrdown::textSummary(text);
   std::vector<zephyrdown::FileLink> linkedBefore;
   if (rewritten && unlinked == UnlinkedFiles::remove && !orderedFiles().empty()) {
     linkedBefore = zephyrdown::textSummary(this->text()).files;
   }
+  if (rewritten) dropLargeText();
+  const zephyrdown::ZDKTextSummary summary = zephyrdown::textSummary(text);
   std::vector<KVNoteFile> files = filesAfterChange(orderedFiles(), linkedBefore, summary.files);
   // Reads the tags in any case, because the save compares them with the new ones.
   const std::vector<std::string>& tags = tagsStrings();

@@ -104,6 +104,7 @@ class KVNote {
                       Value (NoteReader::*read)(std::int64_t note));
   /// Preserves the committed state before the first change, for the save and for a rollback.
   void willChange();
+  void dropLargeText();
   void setFlag(bool NoteRow::*flag, bool value);
 
   ManagedObjectContext& context_;

@@ -7,6 +7,7 @@
 
 #include "platform/model/objects/note_file.h"
 #include "platform/model/storage/note_row.h"
+#include "platform/system/hashing.h"
 
 namespace tavimodel {
 
@@ -14,6 +15,8 @@ namespace tavimodel {
 struct NoteState {
   NoteRow row;
   std::shared_ptr<const std::string> text;  ///< shared by copies of the state, since it may be huge
+  /// Of a large text that has been read and freed again.
+  std::optional<platform::system::SHA256Digest> textDigest;
   std::optional<std::vector<std::string>> tags;          ///< canonical names, unordered
   std::optional<std::vector<std::string>> pinnedInTags;  ///< names of tags, unordered
   std::optional<std::vector<KVNoteFile>> files;          ///< in the note's order

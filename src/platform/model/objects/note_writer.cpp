@@ -11,6 +11,7 @@
 namespace tavimodel {
 namespace {
 
+using platform::system::SHA256Digest;
 using Names = std::vector<std::string>;
 
 /// Limit of ancestors that get rows. Only another program can have written more deeply nested tags.
@@ -32,26 +33,30 @@ const std::vector<std::string>& orNone(const std::optional<std::vector<std::stri
   return names ? *names : none;
 }
 
+std::optional<SHA256Digest> digestIfLarge(const NoteState& read) {
+  const bool isLarge = read.text && static_cast<std::int64_t>(read.text->size()) >= largeText;
+  return isLarge ? platform::system::sha256(*read.text) : read.textDigest;
+}
+
 }  // namespace
 
 void NoteWriter::checkVersion(const NoteState& read) {
-  const bool isLarge = read.text && static_cast<std::int64_t>(read.text->size()) >= largeText;
+  // The text is compared too: a version is the triggers' work, and a program may have turned
+  // triggers off. A text that is absent was read as the empty one.
+  const std::optional<SHA256Digest> digest = digestIfLarge(read);
+  const bool isShort = read.text && !read.text->empty() && !digest;
   sqlite::Query query = connection_.query(
-      "SELECT s.version, ?2 IS NULL OR CAST(note.text AS TEXT) = ?2 FROM noteSummary s "
-      "JOIN note ON note.id = s.note WHERE s.note = ?1");
+      isShort ? "SELECT s.version, CAST(note.text AS TEXT) = ?2 FROM noteSummary s "
+                "JOIN note ON note.id = s.note WHERE s.note = ?1"
+              : "SELECT s.version, 1 FROM noteSummary s "
+                "JOIN note ON note.id = s.note WHERE s.note = ?1");
   query.bind(1, read.row.id);
-  // An absent text was read as an empty one.
-  if (read.text && !read.text->empty() && !isLarge) {
-    query.bind(2, *read.text);
-  } else {
-    query.bindNull(2);
-  }
+  if (isShort) query.bind(2, *read.text);
   if (!query.step()) {
     throw DomainError(NSCocoaErrorDomain, managedObjectMergeError, "The note has been removed.");
   }
-  // Compares the text, too: triggers set the version, and a program may have turned them off.
-  const bool sameText = isLarge ? isLargeText(connection_, read.row.id, *read.text)
-                                : !query.isNull(1) && query.integer(1) != 0;
+  const bool sameText = digest ? digestOfLargeText(connection_, read.row.id) == digest
+                               : query.integer(1) != 0;  // 0 for NULL
   if (query.integer(0) != read.row.version || !sameText) {
     throw DomainError(NSCocoaErrorDomain, persistentStoreSaveConflictsError,
                       "The note has been changed by another process.");
@@ -81,6 +86,7 @@ void NoteWriter::insert(NoteState& note) {
 void NoteWriter::update(NoteState& now, const NoteState& before) {
   updateAttributes(now.row, before.row);
   if (now.text != before.text) {
+    if (before.textDigest) clearText(now.row.id);
     sqlite::Query query =
         connection_.query("UPDATE note SET text = ?2, modificationDate = ?3 WHERE id = ?1");
     query.bind(1, now.row.id).bind(2, *now.text).bind(3, now.row.modificationDate).run();
@@ -96,6 +102,12 @@ void NoteWriter::update(NoteState& now, const NoteState& before) {
   if (now.tags) writeTags(now.row.id, *now.tags, orNone(before.tags));
   if (now.pinnedInTags) writePins(now.row.id, *now.pinnedInTags, orNone(before.pinnedInTags));
   if (now.files) writeFiles(now, before.files ? *before.files : std::vector<KVNoteFile>{});
+}
+
+/// Takes a large text out before another one is put in. In one statement SQLite would hold the new
+/// text in a row, the old one for the triggers, and its pages to undo the statement, all at once.
+void NoteWriter::clearText(std::int64_t note) {
+  connection_.query("UPDATE note SET text = '' WHERE id = ?1").bind(1, note).run();
 }
 
 void NoteWriter::updateAttributes(const NoteRow& now, const NoteRow& before) {

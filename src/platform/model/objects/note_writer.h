@@ -30,6 +30,7 @@ class NoteWriter {
  private:
   using Names = std::vector<std::string>;
 
+  void clearText(std::int64_t note);
   void updateAttributes(const NoteRow& now, const NoteRow& before);
   void writeFacts(NoteRow& row);
   void writeTags(std::int64_t note, const Names& now, const Names& before);

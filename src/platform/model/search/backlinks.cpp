@@ -75,9 +75,10 @@ std::vector<std::int64_t> linkedNotes(sqlite::Connection& connection) {
   const auto add = [&](std::int64_t from, std::string_view target) {
     addAll(from, titles.notesCalled(target));
   };
-  const char* unknown = "(s.features IS NULL OR (s.features & 4) <> 0)";
+  std::string unknown = fmt::format("(s.features IS NULL OR {})", FeatureSQL::wikiLinks);
   if (hasCurrentSchema(connection)) {
-    unknown = "s.searchRow IS NULL AND (s.features IS NULL OR (s.features & 20) = 4)";
+    unknown = fmt::format("s.searchRow IS NULL AND (s.features IS NULL OR {})",
+                          FeatureSQL::linksNotStored);
     // Sorted by title, so that consecutive look-ups hit the same page of the title index.
     sqlite::Query exact = connection.query(
         "SELECT s.note FROM noteLink l CROSS JOIN noteSummary s ON s.titleKey = l.target "

@@ -66,21 +66,20 @@ inline constexpr std::array conditionKinds = [] {
       {untagged, "untagged", "without tags",
        "NOT EXISTS (SELECT 1 FROM noteTag t WHERE t.note = s.note)"},
       {pinned, "pinned", "pinned in All Notes", "pinned = 1", byPlace},
-      {images, "images", "whose text has an image", "(features & 1) <> 0", none, Needs::facts,
-       secret},
+      {images, "images", "whose text has an image", FeatureSQL::images, none, Needs::facts, secret},
       {files, "files", "with attached files that are no images",
        "SELECT note FROM file WHERE NOT isImageName(filename)", relation, Needs::imageNames,
        secret},
       {attachments, "attachments", "with attached files", "SELECT note FROM file", relation,
        Needs::nothing, secret},
-      {code, "code", "whose text has a code span or a code block", "(features & 2) <> 0", none,
+      {code, "code", "whose text has a code span or a code block", FeatureSQL::code, none,
        Needs::facts, secret},
       {locked, "locked", "that are locked", "encrypted = 1", ofFew},
       {readOnly, "readonly", "that are read-only", "readOnly = 1", ofFew},
-      {empty, "empty", "without text but white space", "(features & 8) <> 0", ofFew, Needs::facts,
+      {empty, "empty", "without text but white space", FeatureSQL::blank, ofFew, Needs::facts,
        secret},
       {untitled, "untitled", "without a title", "ifnull(title, '') = ''", ofFew},
-      {wikiLinks, "wikilinks", "that link to a note", "(features & 4) <> 0", none, Needs::facts,
+      {wikiLinks, "wikilinks", "that link to a note", FeatureSQL::wikiLinks, none, Needs::facts,
        secret},
       {backlinks, "backlinks", "that another note links to",
        "s.note IN (SELECT value FROM json_each(:text))", none, Needs::backlinks},
@@ -89,9 +88,6 @@ inline constexpr std::array conditionKinds = [] {
        "SELECT note FROM file WHERE ifnull(ocrText, '') <> ''", relation, Needs::nothing, secret},
   });
 }();
-
-static_assert(TextFacts::images == 1 && TextFacts::code == 2 && TextFacts::wikiLinks == 4 &&
-              TextFacts::blank == 8);
 
 constexpr const ConditionKind& kindOf(const SearchCondition& condition) {
   return conditionKinds[static_cast<std::size_t>(condition.kind)];

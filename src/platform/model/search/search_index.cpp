@@ -1,5 +1,7 @@
 #include "platform/model/search/search_index.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <array>
 #include <string>
@@ -76,10 +78,11 @@ std::vector<std::int64_t> SearchIndex::rowsWith(const std::vector<Trigram>& trig
 /// Indexes a note, and stores the other data derived from its title and text. Only the title of a
 /// locked note is indexed, and nothing of a permanently deleted one.
 void SearchIndex::addNote(SliceBuilder& builder, std::int64_t note, std::int64_t slice) {
-  sqlite::Query read = connection_.query(
+  sqlite::Query read = connection_.query(fmt::format(
       "SELECT note.title, note.text, note.encrypted, ifnull(note.permanentlyDeleted, 0), "
-      "s.textDigest IS NULL OR (s.features & 20) = 4 "
-      "FROM note JOIN noteSummary s ON s.note = note.id WHERE note.id = ?1");
+      "s.textDigest IS NULL OR {} "
+      "FROM note JOIN noteSummary s ON s.note = note.id WHERE note.id = ?1",
+      FeatureSQL::linksNotStored));
   if (!read.bind(1, note).step()) return;
   const bool isLocked = read.integer(2) != 0;
   const bool isDeleted = read.integer(3) != 0;

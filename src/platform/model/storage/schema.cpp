@@ -9,6 +9,7 @@
 #include <string>
 
 #include "platform/model/storage/sqlite.h"
+#include "platform/model/storage/text_facts.h"
 
 // The database is shared with programs that know only the first group of tables and write them with
 // plain SQL. So triggers maintain this program's own tables. They use only built-in functions and
@@ -224,6 +225,7 @@ CREATE TRIGGER IF NOT EXISTS noteRewritten AFTER UPDATE OF title, text ON note
   DELETE FROM noteLink WHERE note IN (OLD.id, NEW.id);
 END;
 
+-- 16: TextFacts::linksStored.
 CREATE TRIGGER IF NOT EXISTS noteHidden AFTER UPDATE OF encrypted, permanentlyDeleted ON note
     WHEN NEW.encrypted <> OLD.encrypted OR NEW.permanentlyDeleted IS NOT OLD.permanentlyDeleted BEGIN
   UPDATE noteSummary SET searchRow = NULL, features = features & ~16 WHERE note IN (OLD.id, NEW.id);
@@ -364,13 +366,13 @@ void repairLockFlags(sqlite::Connection& connection) {
   if (!connection.query(differing).step()) return;
   sqlite::Transaction transaction(connection, sqlite::Transaction::Kind::write);
   connection.execute(fmt::format("UPDATE noteSummary SET encrypted = 1 - encrypted, version = "
-                                 "random(), searchRow = NULL, features = features & ~16 "
+                                 "random(), searchRow = NULL, features = {} "
                                  "WHERE note IN ({});"
                                  "DELETE FROM noteLink WHERE note IN "
                                  "(SELECT note FROM noteSummary WHERE encrypted = 1);"
                                  "UPDATE counter SET value = (SELECT ifnull(max(slice), 0) "
                                  "FROM searchSlice) WHERE name = 'unpurged'",
-                                 differing)
+                                 FeatureSQL::withoutStoredLinks, differing)
                          .c_str());
   transaction.commit();
 }

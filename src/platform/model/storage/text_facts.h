@@ -32,4 +32,19 @@ struct TextFacts {
   static TextFacts of(std::string_view text, const zephyrdown::ZDKTextSummary& summary);
 };
 
+/// The same bits in SQL: tests of `noteSummary.features`, which is NULL where the facts are not
+/// known.
+struct FeatureSQL {
+  static constexpr std::string_view images = "(features & 1) <> 0";
+  static constexpr std::string_view code = "(features & 2) <> 0";
+  static constexpr std::string_view wikiLinks = "(features & 4) <> 0";
+  static constexpr std::string_view blank = "(features & 8) <> 0";  ///< as in index summaryOfFew
+  /// There are wiki links, and their titles are not in `noteLink`.
+  static constexpr std::string_view linksNotStored = "(features & (4 | 16)) = 4";
+  /// The value once the titles have been removed from `noteLink`.
+  static constexpr std::string_view withoutStoredLinks = "features & ~16";
+};
+static_assert(TextFacts::images == 1 && TextFacts::code == 2 && TextFacts::wikiLinks == 4 &&
+              TextFacts::blank == 8 && TextFacts::linksStored == 16);
+
 }  // namespace tavimodel
