@@ -6,6 +6,7 @@
 #include <cstring>
 #include <utility>
 
+#include "platform/model/storage/read_ahead.h"
 #include "platform/model/storage/sqlite_memory.h"
 
 namespace tavimodel::sqlite {
@@ -159,7 +160,7 @@ Connection::Connection(const std::string& path, Mode mode) {
   const int access =
       mode == Mode::readOnly ? SQLITE_OPEN_READONLY | SQLITE_OPEN_URI : SQLITE_OPEN_READWRITE;
   const int flags = access | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE;
-  const int code = sqlite3_open_v2(path.c_str(), &handle_, flags, nullptr);
+  const int code = sqlite3_open_v2(path.c_str(), &handle_, flags, readAheadVFS());
   if (code == SQLITE_OK) return;
   const Error error(code & 0xff, sqlite3_system_errno(handle_), sqlite3_errmsg(handle_));
   sqlite3_close_v2(handle_);
