@@ -1,7 +1,7 @@
 #include <filesystem>
 #include <fstream>
 
-#include "platform/model/search/search_inventor.h"
+#include "platform/model/search/search_generator.h"
 #include "store_fixture.h"
 
 namespace tavi {
@@ -200,14 +200,14 @@ TEST_F(Listing, CountsMatchesInTheRawText) {
 
 // Whatever is asked, the answer is the same for any text of a locked note.
 TEST_F(Reading, TellsNothingOfALockedText) {
-  tavimodel::Inventor invent;
-  for (int i = 0; i < 60; ++i) create(invent.text());
+  tavimodel::SearchGenerator generate;
+  for (int i = 0; i < 60; ++i) create(generate.text());
   otherProgram(
       "INSERT INTO file (note, filename, ocrText) SELECT id, 'a' || id % 3, text FROM note;"
       "UPDATE note SET encrypted = 1 WHERE id % 3 = 0");
   std::vector<std::string> queries;
   for (int i = 0; i < 150; ++i)
-    queries.push_back(invent.query() + (i % 2 == 0 ? "or @locked" : ""));
+    queries.push_back(generate.query() + (i % 2 == 0 ? "or @locked" : ""));
   const auto answers = [&] {
     std::vector<std::string> rows;
     const auto store = fresh();

@@ -11,13 +11,13 @@ constexpr bool isASCIIDigit(char32_t c) {
   return c >= '0' && c <= '9';
 }
 
-/// What a backslash escapes in Markdown.
+/// The characters that a backslash escapes in Markdown.
 constexpr bool isASCIIPunctuation(char32_t c) {
   return (c >= '!' && c <= '/') || (c >= ':' && c <= '@') || (c >= '[' && c <= '`') ||
          (c >= '{' && c <= '~');
 }
 
-/// The byte as a number; not below zero as a char may be.
+/// The byte as an unsigned number; a char may be negative.
 constexpr unsigned char byteOf(char c) {
   return static_cast<unsigned char>(c);
 }

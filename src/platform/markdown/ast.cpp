@@ -42,8 +42,8 @@ Operations ZDKAST::removeLinkWithURL(std::string_view url, ByteRange) const {
   return removeLinks([&](std::string_view filename) { return filename == url; });
 }
 
-Operations ZDKAST::removeLinks(const std::function<bool(std::string_view)>& goes) const {
-  return plannedLinkRemoval(source(), document(), goes);
+Operations ZDKAST::removeLinks(const std::function<bool(std::string_view)>& shouldRemove) const {
+  return plannedLinkRemoval(source(), document(), shouldRemove);
 }
 
 Operations ZDKAST::addHashtag(std::string_view name, bool bottom) const {

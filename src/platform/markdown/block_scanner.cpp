@@ -94,7 +94,7 @@ void BlockScanner::matchContainers(ScannedLine& line) {
   }
 }
 
-/// The mark and the blank that belongs to it.
+/// Skips the mark and the blank that belongs to it.
 void BlockScanner::skipQuoteMark(ScannedLine& line) {
   ++line.content;
   ++column_;
@@ -102,7 +102,7 @@ void BlockScanner::skipQuoteMark(ScannedLine& line) {
   if (line.indent > 0) --line.indent;
 }
 
-/// Whether the line belongs to code or HTML that is open.
+/// Whether the line belongs to an open code or HTML block.
 bool BlockScanner::readOpenBlock(ScannedLine& line) {
   if (leaf_ != BlockKind::fencedCode && leaf_ != BlockKind::html) return false;
   const bool isCode = leaf_ == BlockKind::fencedCode;
@@ -188,7 +188,7 @@ void BlockScanner::readLeaf(ScannedLine& line) {
   }
 }
 
-/// Headings and rules, and what makes a heading of the paragraph above.
+/// Reads headings, rules, and the underline that turns the paragraph above into a heading.
 bool BlockScanner::readOneLine(ScannedLine& line) {
   const std::string_view here = content(line);
   if (isBelowParagraph(line) && isUnderline(here)) {
@@ -204,7 +204,7 @@ bool BlockScanner::readOneLine(ScannedLine& line) {
   return true;
 }
 
-/// The first lines of code and HTML.
+/// Reads the first line of a code or HTML block.
 bool BlockScanner::readVerbatim(ScannedLine& line) {
   const std::string_view here = content(line);
   if (const auto fence = openingFence(here)) {

@@ -11,46 +11,47 @@
 
 namespace zephyrdown {
 
-/// A quote or a list's item that is open.
+/// An open block quote or list item.
 struct Container {
-  char mark = 0;           ///< ">", or the kind of a list's mark
-  std::size_t indent = 0;  ///< columns from the parent's content to the item's own
-  bool isEmpty = false;    ///< an item of which only the mark was read
+  char mark = 0;           ///< ">", or ListMark::kind
+  std::size_t indent = 0;  ///< columns from the parent's content to the item's content
+  bool isEmpty = false;    ///< an item that has no content yet, only its mark
   bool operator==(const Container&) const = default;
 };
 
-/// What a line is to the blocks of its text.
+/// The role of a line in the block structure of its text.
 struct ScannedLine {
-  std::optional<BlockKind> kind;  ///< of the block without others in it; absent of a blank line
-  std::size_t matched = 0;        ///< containers that were open and go on
-  std::size_t opened = 0;         ///< containers that begin
-  bool joinsList = false;         ///< the first of those goes on with the list above
-  bool isLazy = false;            ///< goes on with a paragraph whose containers it does not name
-  bool isFirst = false;           ///< its block begins here
-  std::size_t indent = 0;         ///< columns of blanks before the content, in its containers
-  std::size_t content = 0;        ///< the offset of the first byte behind marks and blanks
+  std::optional<BlockKind> kind;  ///< of the leaf block; absent for a blank line
+  std::size_t matched = 0;        ///< number of open containers that continue
+  std::size_t opened = 0;         ///< number of containers that begin
+  bool joinsList = false;         ///< the first of these continues the list above
+  bool isLazy = false;   ///< a lazy continuation line: it lacks marks of its paragraph's containers
+  bool isFirst = false;  ///< its block begins here
+  std::size_t indent =
+      0;  ///< columns of blanks before the content, after the marks of its containers
+  std::size_t content = 0;  ///< byte offset of the content, after marks and blanks
 };
 
-/// Reads the blocks of a text line by line (CommonMark 0.30, appendix "A parsing strategy"; tables
-/// of GFM, 4.10). The parser of inlines has its own idea of them, which is wrong here and there.
-/// Two scanners that are equal read what follows alike.
+/// Reads the block structure of a text line by line (CommonMark 0.30, appendix "A parsing
+/// strategy"; tables of GFM, 4.10). The library that parses notes reads some blocks wrongly; see
+/// parser_mending.h. Two scanners that compare equal read the following lines equally.
 class BlockScanner {
  public:
-  /// `line` without its line break.
+  /// Reads the next line, given without its line break.
   ScannedLine read(std::string_view line);
 
   const std::vector<Container>& containers() const { return containers_; }
 
-  /// The kind of the block that a next line may go on with; absent behind a blank line and behind
-  /// blocks that have their end.
+  /// The kind of the leaf block that the next line may continue; absent after a blank line and
+  /// after a finished block.
   std::optional<BlockKind> openKind() const { return leaf_; }
-  /// The kind of the last block that stands in no other; absent where none was read.
+  /// The kind of the last top-level block; absent if there was none.
   std::optional<BlockKind> outermostKind() const { return outermost_; }
 
-  /// Of the fenced code that is open.
+  /// The fence of the open code block.
   Fence fence() const { return fence_; }
 
-  /// Of the code or HTML that is open: a line that ends it, empty where a blank line does so too.
+  /// A line that ends the open code or HTML block; empty if a blank line ends it.
   std::string closingLine() const;
 
   bool operator==(const BlockScanner& other) const;
@@ -75,7 +76,7 @@ class BlockScanner {
   bool goesOnWithParagraph(const ScannedLine& line) const;
   std::string_view content(const ScannedLine& line) const { return text_.substr(line.content); }
 
-  std::string_view text_;   // of the line at hand
+  std::string_view text_;   // of the current line
   std::size_t column_ = 0;  // of its content
   std::vector<Container> containers_;
   std::optional<BlockKind> leaf_, outermost_;

@@ -42,7 +42,8 @@ bool isNameCharacter(char c) {
   return isASCIILetter(byteOf(c)) || isASCIIDigit(byteOf(c)) || c == '-';
 }
 
-/// Letters, digits and hyphens behind a letter; empty where none begins.
+/// The tag name at the start: a letter followed by letters, digits and hyphens; empty if there is
+/// none.
 std::string_view tagName(std::string_view text) {
   if (text.empty() || !isASCIILetter(byteOf(text[0]))) return {};
   const auto end = std::find_if_not(text.begin(), text.end(), isNameCharacter);
@@ -54,7 +55,7 @@ class TagReader {
  public:
   explicit TagReader(std::string_view text) : rest_(text) {}
 
-  /// Whether a complete tag, and nothing else, is there.
+  /// Whether the text is one complete tag and nothing else.
   bool isAlone() {
     if (!take('<')) return false;
     const bool isClosing = take('/');

@@ -25,9 +25,10 @@ namespace {
 constexpr unsigned kDialect = MD_FLAG_TABLES | MD_FLAG_TASKLISTS | MD_FLAG_STRIKETHROUGH |
                               MD_FLAG_WIKILINKS | MD_FLAG_PERMISSIVEAUTOLINKS;
 
-// The parser gives what it found as callbacks; some short texts make it give far more than they
-// hold (a row of a wide table is given all its cells, also the missing ones; a reference's target
-// is given again at each use). Past these bounds reading stops and starts again without them.
+// The parser reports its results by callbacks. Some short texts cause far more callbacks or bytes
+// than they contain: a row of a wide table is reported with all its missing cells, and the target
+// of a reference at each use. Beyond these limits, reading stops and starts again without tables or
+// references.
 constexpr std::size_t kCallbacksPerByte = 8;
 constexpr std::size_t kTargetBytesPerByte = 16;
 constexpr std::size_t kSmallText = 4096;
@@ -36,7 +37,7 @@ std::string_view view(const MD_ATTRIBUTE& attribute) {
   return {attribute.text, attribute.size};
 }
 
-/// The target as the reader means it: its escapes are gone already, its entities are not.
+/// The target with its entities resolved; the parser has already removed its escapes.
 std::string resolved(const MD_ATTRIBUTE& attribute) {
   std::string result;
   for (unsigned i = 0; attribute.size > 0 && attribute.substr_offsets[i] < attribute.size; ++i) {
@@ -51,7 +52,7 @@ std::string resolved(const MD_ATTRIBUTE& attribute) {
   return result;
 }
 
-/// The comment that asks for a preview: `<!-- {"preview":"true"} -->`, directly behind a link.
+/// The offset after the comment for a preview directly after a link: `<!-- {"preview":"true"} -->`.
 std::size_t behindPreviewComment(std::string_view text, std::size_t at) {
   constexpr std::string_view kOpen = "<!--";
   constexpr std::string_view kClose = "-->";
@@ -95,13 +96,13 @@ BlockKind blockKind(MD_BLOCKTYPE type, const void* detail) {
   }
 }
 
-/// What is written down beside the document, where it is wanted.
+/// Optional results besides the document.
 struct Extras {
   Outline* outline = nullptr;
   std::vector<TextPiece>* pieces = nullptr;
 };
 
-/// Listens to the parser.
+/// Builds the document from the parser's callbacks.
 class DocumentReader {
  public:
   DocumentReader(std::string_view text, std::size_t bodyBegin, std::string_view input,
@@ -119,7 +120,7 @@ class DocumentReader {
     if (pieces_) pieces_->clear();
   }
 
-  /// Nothing when a bound was passed.
+  /// Absent if a limit was exceeded.
   std::optional<Document> read(unsigned dialect) {
     MD_PARSER parser{};
     parser.flags = dialect;
@@ -145,7 +146,7 @@ class DocumentReader {
   }
 
  private:
-  /// What lies between the last text and the next one.
+  /// What is between the last text and the next one.
   enum class Glue { boundary, text, other };
 
   /// A stretch of text that may go on.
@@ -156,7 +157,7 @@ class DocumentReader {
 
   static DocumentReader& self(void* reader) { return *static_cast<DocumentReader*>(reader); }
 
-  // Below zero: other values do not get through all of the parser's layers.
+  // Must be negative: the parser does not pass on other values through all of its layers.
   static constexpr int kStop = -1;
 
   int goOn() { return ++callbacks_ > kCallbacksPerByte * budget_ ? kStop : 0; }
@@ -197,8 +198,8 @@ class DocumentReader {
     if (title_.hasHeading() && !document_.headingEnd) document_.headingEnd = passed_;
   }
 
-  /// No span reaches beyond its block. The parser forgets to leave some: an address directly
-  /// before "www." is entered twice and left once.
+  /// No span extends beyond its block. The parser does not end all of them: it begins an address
+  /// directly before "www." twice and ends it once.
   void endSpans() {
     glue_ = Glue::boundary;
     linkDepth_ = 0;
@@ -304,7 +305,7 @@ class DocumentReader {
     document_.files.push_back({{range, std::move(name), isImage}, link.label});
   }
 
-  /// As the text has it where the link is an inline one.
+  /// The destination as written if the link is an inline one.
   std::string destination(const LocatedLink& link, const MD_ATTRIBUTE& target) const {
     if (!link.destination) return resolved(target);
     const ByteRange& range = *link.destination;
@@ -451,10 +452,10 @@ class DocumentReader {
   Glue glue_ = Glue::boundary;
   MD_BLOCKTYPE block_ = MD_BLOCK_DOC;
   BlockKind leaf_ = BlockKind::paragraph;
-  unsigned spans_ = 0;  // that are open: a bit for each type
+  unsigned spans_ = 0;  // bits of the types of the open spans
   int depth_ = 0;
   int linkDepth_ = 0;
-  std::size_t passed_ = 0;  // the end of the last thing with a place in the text
+  std::size_t passed_ = 0;  // the end of the last piece with a position in the text
   std::size_t callbacks_ = 0;
   std::size_t targetBytes_ = 0;
 };

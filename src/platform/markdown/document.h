@@ -11,11 +11,12 @@
 
 namespace zephyrdown {
 
+/// The kinds of blocks, except containers inside of others.
 enum class BlockKind {
   paragraph,
   heading,
-  list,      ///< one that may begin directly below a paragraph
-  lateList,  ///< one that needs a blank line above: numbered from another number than 1
+  list,      ///< a list that can interrupt a paragraph
+  lateList,  ///< a list that cannot, since it does not begin with the number 1
   quote,
   table,
   fencedCode,
@@ -24,33 +25,35 @@ enum class BlockKind {
   rule,
 };
 
-/// A block that stands in no other one.
+/// A top-level block.
 struct Block {
   BlockKind kind;
-  /// From its first to its last text; markup at either end may lie outside. Empty at the end of
-  /// the text before where a block holds no text.
+  /// From the block's first to its last text; markup at either end may be outside. For a block
+  /// without text, an empty range at the end of the previous text.
   ByteRange text;
 };
 
-/// Plain text on one line outside of code, links, HTML and autolinks; broken by markup. Entities
-/// are plain text. A text may hold very many, and none that is read is too large for 32 bits.
+/// A run of plain text within one line, between markup, code, links, HTML and autolinks. Entities
+/// count as plain text. 32 bits, since a text may have very many stretches; larger texts are not
+/// parsed.
 struct TextStretch {
   std::uint32_t begin;
   std::uint32_t end;
 };
 
+/// An occurrence of a link to a file.
 struct FileMention {
   FileLink link;
   ByteRange label;  ///< between the brackets
 };
 
-/// What one pass over a Markdown text finds. All offsets are into the text as it was given.
+/// The contents of a Markdown text, found in one pass. All offsets are bytes in the original text.
 struct Document {
-  std::size_t bodyBegin = 0;  ///< behind a byte order mark and front matter
+  std::size_t bodyBegin = 0;  ///< after a byte order mark and front matter
   std::string title;
-  /// Behind the title's last text, where it is the first line of text and no heading.
+  /// The end of the title's last text if the title is a line of text and not a heading.
   std::optional<std::size_t> titleEnd;
-  /// The same of a heading that gives the title.
+  /// Likewise if the title is a heading.
   std::optional<std::size_t> headingEnd;
   std::vector<HashtagMention> hashtags;
   std::vector<FileMention> files;  ///< ascending by begin
@@ -63,9 +66,10 @@ struct Document {
   std::vector<TextStretch> stretches;
 };
 
+/// Parses a text. Never fails, as any bytes are a Markdown text.
 Document readDocument(std::string_view text);
 
-/// The stretch that holds the byte at `position`; absent where that is markup or no plain text.
+/// The stretch that contains the byte at `position`; null if there is none.
 const TextStretch* stretchAt(const Document& document, std::size_t position);
 
 }  // namespace zephyrdown

@@ -17,7 +17,7 @@ bool isScalar(unsigned value) {
   return value > 0 && value <= 0x10FFFF && (value < 0xD800 || value > 0xDFFF);
 }
 
-/// `digits`: "8212" or "x2014". U+FFFD for what is no character, as Markdown has it.
+/// The scalar of "8212" or "x2014"; U+FFFD if invalid (CommonMark 0.30, 6.2).
 char32_t numericEntity(std::string_view digits) {
   const bool hexadecimal = digits.starts_with('x') || digits.starts_with('X');
   if (hexadecimal) digits.remove_prefix(1);

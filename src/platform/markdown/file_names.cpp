@@ -8,7 +8,7 @@
 namespace zephyrdown {
 namespace {
 
-/// Letters, digits, "+", "-" and "." up to a colon (RFC 3986, 3.1).
+/// Whether it begins with letters, digits, "+", "-" and "." up to a colon (RFC 3986, 3.1).
 bool hasScheme(std::string_view destination) {
   const std::size_t colon = destination.find(':');
   if (colon == std::string_view::npos || !isASCIILetter(byteOf(destination.front()))) return false;
@@ -19,7 +19,7 @@ bool hasScheme(std::string_view destination) {
                      });
 }
 
-/// A "%" that no two hexadecimal digits follow stands for itself.
+/// Keeps a "%" that is not followed by two hexadecimal digits.
 std::string percentDecoded(std::string_view text) {
   std::string result;
   result.reserve(text.size());

@@ -10,14 +10,15 @@
 namespace zephyrdown {
 namespace {
 
-/// Whether `hashtag` alone is one mention of `name`.
+/// Whether `hashtag` by itself is read as one occurrence of `name`.
 bool isReadBack(const std::string& hashtag, std::string_view name) {
   std::vector<HashtagMention> tags;
   findHashtags(hashtag, {0, hashtag.size()}, /*opens=*/true, tags);
   return tags.size() == 1 && tags[0].range.end == hashtag.size() && tags[0].name == name;
 }
 
-/// Letters and what can be no part of an entity, an address or other markup.
+/// Whether all characters are letters or others that cannot be part of an entity, an address or
+/// markup.
 bool isPlain(std::string_view name) {
   return std::all_of(name.begin(), name.end(), [](char c) {
     const unsigned char byte = byteOf(c);
@@ -26,7 +27,7 @@ bool isPlain(std::string_view name) {
   });
 }
 
-/// Whether the whole of Markdown reads it back too, between others of its kind.
+/// Whether the Markdown parser also reads it as `name`, between other copies of it.
 bool isReadBackInText(const std::string& hashtag, std::string_view name) {
   const Document line = readDocument("#a " + hashtag + " #b");
   return line.hashtags.size() == 3 && line.hashtags[1].name == name &&

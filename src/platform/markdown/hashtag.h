@@ -6,15 +6,15 @@
 
 namespace zephyrdown {
 
-/// The rules of a tag's name and of its written form.
+/// Converts between a tag's name and its hashtag. hashtag_grammar.h finds hashtags in texts.
 struct ZDKHashtag {
-  /// The canonical name: surrounding hash marks and white space stripped, at both ends and around
-  /// the slashes of a nested name, empty levels dropped. Nothing when no name is left or when the
-  /// name cannot be written as a hashtag at all (it holds a line break or a hash mark).
+  /// The canonical name: without surrounding hash marks, white space at the ends and around
+  /// slashes, and empty levels. Absent if no name is left, or if no hashtag can have this name, for
+  /// example because it contains a line break or a hash mark.
   static std::optional<std::string> sanitizeTagName(std::string_view text);
 
-  /// "#work", "#nested/child"; "#multi word#" where the name needs a closing mark to be read back
-  /// whole. Nothing when no written form yields the name. `name` is taken as canonical.
+  /// The hashtag of a name: "#work", "#nested/child", or "#multi word#" if the name needs a closing
+  /// mark. Absent if no hashtag has this name. `name` must be canonical.
   static std::optional<std::string> hashtagStringForTagName(std::string_view name);
 };
 

@@ -20,13 +20,13 @@ struct ScalarRange {
   char32_t first, last;
 };
 
-// A longer or deeper name is plain text: each level is a tag of its own, so that a name of n levels
-// costs n names.
+// Longer or deeper names are plain text. Each level is a tag of its own, so that a name with n
+// levels has n rows.
 constexpr std::size_t kLongestName = 256;  // bytes
 constexpr std::ptrdiff_t kMostLevels = 32;
 
-// Marks outside ASCII that end a word as a comma or a bracket does, besides Unicode's
-// Terminal_Punctuation. A table and not the general category, which counts "·" and "№" among them.
+// Marks outside ASCII that end a word like a comma or a bracket, in addition to Unicode's
+// Terminal_Punctuation. The general category would include "·" and "№".
 constexpr std::array kSentencePunctuation = {
     ScalarRange{0x00A1, 0x00A1}, ScalarRange{0x00AB, 0x00AB}, ScalarRange{0x00BB, 0x00BB},
     ScalarRange{0x00BF, 0x00BF}, ScalarRange{0x0589, 0x0589}, ScalarRange{0x060C, 0x060C},
@@ -51,14 +51,14 @@ bool isControl(char32_t c) {
   return c < 0x20 || (c >= 0x7F && c < 0xA0);
 }
 
-/// Whether a name may hold the character at all. What Markdown reads as markup cannot be told
-/// from markup in a text: a lone "*" in one tag would pair with that in the next.
+/// Whether a name may contain the character. Markup characters are excluded: a "*" in one tag would
+/// form emphasis with one in the next tag.
 bool isNameCharacter(char32_t c) {
   if (isControl(c)) return false;
   return c >= 0x80 || std::string_view("#*~`[]<|\\").find(static_cast<char>(c)) == npos;
 }
 
-/// Whether the character makes a name out of a word: "#123" and "#-" are none.
+/// Whether a word with this character is a name: "#123" and "#-" are not tags.
 bool carriesWord(char32_t c) {
   return c >= 0x80 || isASCIILetter(c);
 }
@@ -76,7 +76,7 @@ bool holdsLineBreak(std::string_view text) {
   return false;
 }
 
-/// Trimmed, and each run of white space inside as one blank.
+/// Trims the text, and replaces each run of white space by one blank.
 std::string withSingleBlanks(std::string_view text) {
   std::string result;
   bool blank = false;
@@ -104,11 +104,11 @@ bool holdsOnlyNameCharacters(std::string_view name) {
   return speaks;
 }
 
-/// A character of a text, in which an entity counts as the character that it stands for.
+/// A character of a text, or of an entity in it.
 struct Character {
   char32_t value;
-  std::size_t next;  ///< behind it
-  bool wellFormed;   ///< not a byte that is no UTF-8
+  std::size_t next;  ///< the offset after it
+  bool wellFormed;   ///< false for an ill-formed byte
 };
 
 Character characterAt(std::string_view text, std::size_t at) {
@@ -120,7 +120,7 @@ Character characterAt(std::string_view text, std::size_t at) {
   return {scalar.value, scalar.next, scalar.wellFormed};
 }
 
-/// The character that ends at `end`, which is above 0.
+/// The character that ends at `end`, which must be greater than 0.
 char32_t characterBefore(std::string_view text, std::size_t end) {
   const Entity entity = entityBefore(text, end);
   if (entity.length > 0 && !isEscaped(text, end - entity.length)) return entity.scalars.back();
@@ -141,9 +141,9 @@ std::string withoutEntities(std::string_view text) {
   return result;
 }
 
-/// Whether a tag may start directly behind the text that ends at `at`, which is above `begin`.
-/// Not inside a word, and not where "#" is a fragment, a colour or an operator. An asterisk
-/// may stand there whether it is emphasis or not.
+/// Whether a tag may start directly after the text that ends at `at`, which must be greater than
+/// `begin`: not inside a word, nor where "#" is a fragment, a colour or an operator. An asterisk
+/// may precede it, whether or not it is emphasis.
 bool mayStandBefore(std::string_view text, std::size_t at) {
   const char32_t last = characterBefore(text, at);
   if (last < 0x80) {
@@ -166,7 +166,7 @@ class Scanner {
   }
 
  private:
-  /// "#" with a combining mark is another character: a keycap.
+  /// Not after "#" with a combining mark, which is another character: a keycap.
   bool startsName(std::size_t at) const {
     const char32_t scalar = characterAt(text_, at).value;
     if (scalar < 0x80) return scalar != '#' && scalar != '/' && !isWhitespace(scalar);
@@ -181,7 +181,7 @@ class Scanner {
     return HashtagMention{{hash, close + 1}, std::move(*name)};
   }
 
-  /// The next "#" that is no part of an entity such as "&#8212;".
+  /// The next "#" that is not part of an entity such as "&#8212;".
   std::size_t nextHash(std::size_t from) const {
     std::size_t hash = text_.find('#', from);
     while (hash != npos && characterAt(text_, hash - 1).next > hash)
@@ -217,7 +217,7 @@ class Scanner {
     return at;
   }
 
-  /// The dot of "#v1.2", not that of "#done."
+  /// Whether the dot is inside a name, as in "#v1.2" and not as in "#done.".
   bool isInnerDot(std::size_t at) const {
     return at + 1 < text_.size() &&
            platform::text::isAlphanumeric(characterAt(text_, at + 1).value);

@@ -7,26 +7,27 @@
 
 #include "platform/markdown/ast.h"
 
-/// The grammar of hashtags inside one stretch of plain text; docs/markdown.md tells it to users.
+/// The grammar of hashtags within one stretch of plain text; docs/markdown.md describes it for
+/// users.
 ///
 ///   word    "#" and tag characters, of which one at least is no digit and no ASCII punctuation
-///   closed  "#", a name that may hold blanks, and "#" directly behind it with no tag character
+///   closed  "#", a name that may hold blanks, and "#" directly after it with no tag character
 ///           or hash mark next; a closed form wins over a word
 ///
-/// An entity such as "&quot;" counts as the character that it stands for.
+/// An entity such as "&quot;" counts as the character that it represents.
 namespace zephyrdown {
 
-/// Whether the character can stand in a tag without a closing mark.
+/// Whether a tag without a closing mark can contain the character.
 bool isTagCharacter(char32_t scalar);
 
-/// The canonical form of what stands between the marks of a hashtag, or nothing when no name is
-/// left, it is longer than 256 bytes or deeper than 32 levels, or it holds a character that a name
-/// cannot hold: a hash mark, a line break, a control, or one that Markdown would read as markup.
+/// The canonical form of a name. Absent if no name is left, if it is longer than 256 bytes or has
+/// more than 32 levels, or if it contains an invalid character: a hash mark, a line break, a
+/// control character, or one that may be Markdown markup.
 std::optional<std::string> canonicalTagName(std::string_view text);
 
-/// Adds the hashtags in `text[stretch]`, which lies on one line, to `found`, in order.
-/// `opens`: whether a "#" as the stretch's first byte may start a tag. What stands behind the
-/// stretch is no part of a tag.
+/// Appends the hashtags in `text[stretch]`, which must be within one line, to `found`, in order.
+/// `opens`: whether a "#" as the stretch's first byte may start a tag. A tag ends at the stretch's
+/// end.
 void findHashtags(std::string_view text, ByteRange stretch, bool opens,
                   std::vector<HashtagMention>& found);
 

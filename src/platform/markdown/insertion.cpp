@@ -9,7 +9,7 @@
 namespace zephyrdown {
 namespace {
 
-/// How many line breaks `text` ends in.
+/// The number of line breaks at the end of `text`.
 int lineBreaksAtEnd(std::string_view text) {
   int count = 0;
   while (!text.empty() && isLineBreak(text.back())) {
@@ -19,7 +19,7 @@ int lineBreaksAtEnd(std::string_view text) {
   return count;
 }
 
-/// An insertion in the making.
+/// Builds the text of an insertion.
 class Piece {
  public:
   Piece(std::string_view text, std::string_view inserted)
@@ -33,11 +33,11 @@ class Piece {
   }
   void addClosing(std::string_view closing) { result_ += closing; }
   void addText() { result_ += inserted_; }
-  /// Ends the text in at least `count` line breaks.
+  /// Makes the text end in at least `count` line breaks.
   void endIn(int count) {
     for (int have = lineBreaksAtEnd(inserted_); have < count; ++have) breakLine();
   }
-  /// Leaves one line break of the inserted text to those that are there already.
+  /// Drops the last line break of the inserted text, since the surrounding text has one.
   void dropLastLineBreak() {
     if (lineBreaksAtEnd(inserted_) > 0) {
       inserted_ = inserted_.substr(0, previousLineEnd(inserted_, inserted_.size()));
@@ -51,13 +51,14 @@ class Piece {
   std::string result_;
 };
 
-/// The lines put around an inserted text.
+/// The blank lines added around an inserted text.
 struct Parting {
   bool above = false;  ///< a blank line
   bool below = false;
 };
 
-/// The first parting that holds: `wanted`, else one with more blank lines; absent where none does.
+/// The first separation for which `holds` returns true: `wanted`, or one with more blank lines.
+/// Absent if there is none.
 template <typename Holds>
 std::optional<Parting> partingThatHolds(Parting wanted, const Holds& holds) {
   for (const Parting more : {Parting{false, false}, {true, false}, {false, true}, {true, true}}) {
@@ -71,7 +72,7 @@ std::string linesBelow(const std::string& closing, Parting parting) {
   return (closing.empty() ? "" : closing + "\n") + (parting.below ? "\n" : "");
 }
 
-/// Between two lines of the body, above the one that begins at `position`.
+/// An insertion between two lines of the body, above the line that begins at `position`.
 class InsertionAbove {
  public:
   InsertionAbove(std::string_view text, const Layout& layout, std::string_view inserted,
@@ -81,10 +82,10 @@ class InsertionAbove {
         position_(position),
         seam_(text, layout.document(), position, position),
         closing_(scanned(inserted).closingLine()) {
-    const bool goesOn = position == layout.bodyBegin() && layout.bodyGoesOn();
+    const bool goesOn = position == layout.bodyBegin() && layout.bodyContinuesHead();
     const Side bottom = lowerSideOf(scanned(inserted));
     const Side below = goesOn ? paragraphSide() : upperSideOf(text.substr(position));
-    const bool hasCutIn = layout.bodyCutsIn() && bottom.kind == BlockKind::paragraph;
+    const bool hasCutIn = layout.bodyInterruptsHead() && bottom.kind == BlockKind::paragraph;
     wanted_ = {goesOn && needBlankLine(paragraphSide(), upperSideOf(inserted)),
                closing_.empty() && !hasCutIn && needBlankLine(bottom, below)};
   }
@@ -98,7 +99,7 @@ class InsertionAbove {
 
   Operations planned(Parting parting) const {
     Piece piece(text_, inserted_);
-    // Behind a lone CR a LF is no line break of its own.
+    // After a lone CR, an LF would not be a line break of its own.
     const bool isBehindCR = position_ > 0 && text_[position_ - 1] == '\r';
     if (parting.above) piece.breakLine();
     if (parting.above && isBehindCR && piece.breaksInLF()) piece.breakLine();
@@ -129,8 +130,8 @@ std::size_t nextParagraph(std::string_view text, std::size_t position) {
   return skipBlankLines(text, position);
 }
 
-/// Below the last line of `text` before `limit` that is not blank, and above what follows it; below
-/// all where nothing parts the two.
+/// Plans an insertion below the last non-blank line of `text` before `limit`. If blank lines cannot
+/// keep it apart from what follows there, inserts at the end of the text.
 Operations plannedBelow(std::string_view text, const Layout& layout, std::string_view inserted,
                         std::size_t limit) {
   const std::size_t end = lineEnd(text, contentEnd(text.substr(0, limit)));
@@ -141,7 +142,7 @@ Operations plannedBelow(std::string_view text, const Layout& layout, std::string
   const Side top = upperSideOf(inserted);
   const std::string closing = seam.above().closingLine();
   const bool keepsApart = isLast && skipBlankLines(tail, nextLine(tail, 0)) > nextLine(tail, 0);
-  // A paragraph may join the block above where the foot does so too.
+  // A paragraph may join the block above if the foot joins it, too.
   const bool mayJoin = isAttached && isPlainParagraph(top);
   const bool mustPart =
       closing.empty() && !mayJoin && needBlankLine(lowerSideOf(seam.above()), top);
@@ -191,7 +192,7 @@ Operations plannedAppend(std::string_view text, const Layout& layout, std::strin
 
 Operations plannedPrepend(std::string_view text, const Layout& layout, std::string_view inserted) {
   if (!layout.hasBody()) return plannedAppend(text, layout, inserted);
-  // Nothing can stand in the midst of some paragraphs, and no item above code: further down then.
+  // Some paragraphs cannot be split, and no item can precede code; then it tries further down.
   constexpr int kMostTries = 5;
   std::size_t position = layout.bodyBegin();
   if (const auto line = layout.lineBelowHeading(); line && readDocument(inserted).headingEnd) {

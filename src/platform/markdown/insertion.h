@@ -6,18 +6,18 @@
 #include "platform/markdown/layout.h"
 #include "platform/markdown/operations.h"
 
-/// Plans insertions of whole lines. What is inserted gets lines of its own: one line break apart
-/// from the lines around it, and a blank line apart only where Markdown would otherwise read the
-/// two sides as one block, or below a title or tag line. Other bytes stay as they are.
+/// Plans insertions of whole lines. Inserted text is separated from the lines around it by one line
+/// break, and by a blank line only where Markdown would otherwise merge blocks, or below a title or
+/// tag line. No other bytes change.
 namespace zephyrdown {
 
-/// Below the body, above the foot.
+/// At the end of the body, above the foot.
 Operations plannedAppend(std::string_view text, const Layout& layout, std::string_view inserted);
 
-/// Above the body, below the head.
+/// At the start of the body, below the head.
 Operations plannedPrepend(std::string_view text, const Layout& layout, std::string_view inserted);
 
-/// As the last line of all, a blank line apart.
+/// As the last line of the note, after a blank line.
 Operations plannedLastLine(std::string_view text, const Layout& layout, std::string_view line);
 
 }  // namespace zephyrdown

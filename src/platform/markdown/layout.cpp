@@ -18,7 +18,7 @@ ByteRange rangeOf(const ByteRange& range) {
   return range;
 }
 
-/// The first item whose range ends behind `position`.
+/// The first item whose range ends after `position`.
 template <typename Items>
 auto firstEndingBehind(const Items& items, std::size_t position) {
   return std::partition_point(items.begin(), items.end(),
@@ -55,7 +55,7 @@ bool Layout::isTagLine(std::size_t begin) const {
   return isBlankText(text_.substr(at, end - at));
 }
 
-/// Whether the line belongs to an underlined heading, or is the header of a table.
+/// Whether the line is part of an underlined heading, or the header of a table.
 bool Layout::isHeader(std::size_t line) const {
   const auto block = firstEndingBehind(document_.blocks, line);
   if (block == document_.blocks.end()) return false;
@@ -71,21 +71,21 @@ std::optional<std::size_t> Layout::lineBelowHeading() const {
   return isUnderlined ? nextLine(text_, line) : line;
 }
 
-bool Layout::bodyGoesOn() const {
+bool Layout::bodyContinuesHead() const {
   const auto block = firstEndingBehind(document_.blocks, bodyBegin_);
   return hasBody() && block != document_.blocks.end() && block->text.begin < bodyBegin_ &&
          block->kind == BlockKind::paragraph;
 }
 
 bool Layout::headStandsAlone() const {
-  if (!bodyGoesOn()) return true;
+  if (!bodyContinuesHead()) return true;
   const Document head = readDocument(text_.substr(0, bodyBegin_));
   const auto below = firstEndingBehind(document_.hashtags, bodyBegin_);
   return head.title == document_.title &&
          head.hashtags.size() == static_cast<std::size_t>(below - document_.hashtags.begin());
 }
 
-bool Layout::bodyCutsIn() const {
+bool Layout::bodyInterruptsHead() const {
   return headEnd_ && headEnd_ != headingEnd_ && behindLineBreak(text_, *headEnd_) == bodyBegin_;
 }
 
@@ -94,7 +94,7 @@ void Layout::endHead(std::size_t end, bool inTags) {
   headEndsInTags_ = inTags;
 }
 
-/// Takes the tag lines from `line` on into the head; gives the line behind them.
+/// Adds the tag lines from `line` on to the head; returns the next line.
 std::size_t Layout::passTagLines(std::size_t line) {
   while (isTagLine(line)) {
     const std::size_t end = lineEnd(text_, line);
@@ -105,7 +105,8 @@ std::size_t Layout::passTagLines(std::size_t line) {
   return line;
 }
 
-/// Takes a heading, or the first line of text, at `line` or below it into the head.
+/// Adds a heading, or the first line of text, at or below `line` to the head; returns the next
+/// line.
 std::size_t Layout::passTitle(std::size_t line) {
   if (line >= text_.size() || startsFootnote(line)) return line;
   const auto block = firstEndingBehind(document_.blocks, line);
@@ -128,8 +129,8 @@ std::size_t Layout::passTitle(std::size_t line) {
   return behindLineBreak(text_, end);
 }
 
-/// The end of the title's line where the title is no heading, or of the whole block that this line
-/// may not be parted from; `line` where nothing behind it is the title.
+/// The end of a title that is not a heading, or of the whole block that its line cannot be
+/// separated from; `line` if no title follows.
 std::size_t Layout::titleEnd(std::size_t line) const {
   if (!document_.titleEnd || *document_.titleEnd <= line) return line;
   const std::size_t title = *document_.titleEnd;
@@ -139,8 +140,8 @@ std::size_t Layout::titleEnd(std::size_t line) const {
   return isBlock ? blockEnd(title) : lineEnd(text_, title);
 }
 
-/// The end of the last line of the outermost block around `position`, without the tag lines that
-/// stand directly below it.
+/// The end of the last line of the top-level block around `position`, excluding tag lines directly
+/// below it.
 std::size_t Layout::blockEnd(std::size_t position) const {
   BlockScanner scanner;
   std::size_t end = document_.bodyBegin;
@@ -157,7 +158,7 @@ std::size_t Layout::blockEnd(std::size_t position) const {
   return end;
 }
 
-/// From the text's end upwards, over blank lines, tag lines and footnotes.
+/// Finds the foot from the text's end upwards, over blank lines, tag lines and footnotes.
 void Layout::findFoot(std::size_t floor) {
   footBegin_ = text_.size();
   while (true) {
@@ -184,7 +185,7 @@ void Layout::findFootnotes() {
   }
 }
 
-/// "[^label]:", where it is text and not code.
+/// Whether the line begins with "[^label]:" as text and not as code.
 bool Layout::startsFootnote(std::size_t line) const {
   const std::string_view here = text_.substr(line);
   if (!here.starts_with("[^") || isHeader(line)) return false;
@@ -194,7 +195,7 @@ bool Layout::startsFootnote(std::size_t line) const {
 }
 
 /// The end of the footnote that begins at `line`: its lines up to a blank or tag line, and
-/// indented ones behind blank lines.
+/// indented ones after blank lines.
 std::size_t Layout::footnoteEnd(std::size_t line) const {
   line = nextLine(text_, line);
   while (line < text_.size()) {

@@ -9,48 +9,47 @@
 
 namespace zephyrdown {
 
-/// How a note is laid out: its head (title and top-placed tags), its body, and its foot
-/// (bottom-placed tags and the definitions of footnotes).
+/// The layout of a note: its head (title and top-placed tags), its body, and its foot
+/// (bottom-placed tags and footnote definitions).
 ///
-///   # Title           head
-///   #work             head: a tag line, one that holds hashtags and nothing else
+///   # Title head #work head: a tag line, which has only hashtags
 ///
 ///   Body              body
 ///
 ///   #home             foot
 ///   [^1]: a footnote  foot
 ///
-/// Without a heading at the top, the first line of text is the title; where that stands in a list,
-/// quote, table, code or HTML, the whole of this block is the head. A tag line that could be
-/// either, in a note without a body, belongs to the head where it stands first or directly below
-/// the heading, else to the foot.
+/// Without a heading at the top, the first line of text is the title; if it is in a list, quote,
+/// table, code or HTML block, that whole block is the head. In a note without a body, a tag line
+/// belongs to the head if it is the first line or directly below the heading, otherwise to the
+/// foot.
 class Layout {
  public:
   Layout(std::string_view text, const Document& document);
 
   const Document& document() const { return document_; }
-  /// Behind a byte order mark and front matter.
+  /// The offset after a byte order mark and front matter.
   std::size_t textBegin() const { return document_.bodyBegin; }
   bool hasHead() const { return headEnd_.has_value(); }
   bool hasBody() const { return bodyBegin_ < footBegin_; }
   /// The end of the head's last line.
   std::optional<std::size_t> headEnd() const { return headEnd_; }
   bool headEndsInTags() const { return headEndsInTags_; }
-  /// The end of the title's last line, where the title is a heading.
+  /// The end of the title's last line, if the title is a heading.
   std::optional<std::size_t> headingEnd() const { return headingEnd_; }
 
-  /// The line below the heading that gives the title, wherever it stands.
+  /// The start of the line below the heading that is the title, even if the heading is in the body.
   std::optional<std::size_t> lineBelowHeading() const;
 
-  /// The first line of the body; the foot's begin where there is no body.
+  /// The start of the body's first line; the start of the foot if there is no body.
   std::size_t bodyBegin() const { return bodyBegin_; }
-  /// Whether the body's first line goes on with the paragraph that the head ends in.
-  bool bodyGoesOn() const;
-  /// Whether no emphasis, link or code that begins in the head ends in the body.
+  /// Whether the body's first line continues the paragraph at the end of the head.
+  bool bodyContinuesHead() const;
+  /// Whether all emphasis, links and code that begin in the head also end in it.
   bool headStandsAlone() const;
-  /// Whether the body's first block stands directly below a paragraph of the head.
-  bool bodyCutsIn() const;
-  /// The foot's first line, or the text's end.
+  /// Whether the body's first block interrupts a paragraph of the head.
+  bool bodyInterruptsHead() const;
+  /// The start of the foot's first line, or the text's end.
   std::size_t footBegin() const { return footBegin_; }
   bool hasFoot() const { return footBegin_ < text_.size(); }
 
@@ -58,7 +57,7 @@ class Layout {
   std::optional<std::size_t> topTagsEnd() const { return topTagsEnd_; }
   std::optional<std::size_t> bottomTagsEnd() const { return bottomTagsEnd_; }
 
-  /// Whether the line that begins there is a tag line.
+  /// Whether the line that begins at `begin` is a tag line.
   bool isTagLine(std::size_t begin) const;
 
  private:

@@ -11,17 +11,18 @@
 
 namespace zephyrdown {
 
-/// What the parser makes of one line. Offsets count bytes from the line's begin.
+/// How the parser reads one line. Offsets are bytes from the line's start.
 struct LineReading {
-  std::optional<BlockKind> kind;  ///< of the innermost block with text on it; absent without text
-  std::size_t textBegin = 0;      ///< the first byte that is text and not markup
-  unsigned marks = 0;             ///< the set of kinds of text and spans on it
-  bool endsInBackslash = false;   ///< which is text, and not the mark of a line break
+  std::optional<BlockKind>
+      kind;  ///< of the innermost block with text on the line; absent if it has no text
+  std::size_t textBegin = 0;     ///< the first byte of text, after markup
+  unsigned marks = 0;            ///< bits: all TextPiece::marks on the line
+  bool endsInBackslash = false;  ///< as text, not as a hard line break
   std::vector<std::pair<std::size_t, std::string>> names;  ///< of hashtags and linked files
   bool operator==(const LineReading&) const = default;
 };
 
-/// One for each line of `text`, blank ones included.
+/// Returns one reading for each line of `text`, including blank lines.
 std::vector<LineReading> lineReadings(std::string_view text);
 
 }  // namespace zephyrdown

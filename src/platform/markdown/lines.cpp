@@ -16,7 +16,7 @@ bool splitsCRLF(std::string_view text, std::size_t position) {
          text[position] == '\n';
 }
 
-/// Behind the front matter that begins at `begin`, or `begin` where none does.
+/// The offset after the front matter that begins at `begin`; `begin` if there is none.
 std::size_t behindFrontMatter(std::string_view text, std::size_t begin) {
   const auto lineAt = [&](std::size_t at) {
     return withoutTrailingBlanks(text.substr(at, lineEnd(text, at) - at));
@@ -88,7 +88,7 @@ std::string_view lineBreakStyle(std::string_view text) {
   const std::size_t end = lineEnd(text, 0);
   if (end == text.size()) return "\n";
   const std::string_view first = text.substr(end, behindLineBreak(text, end) - end);
-  // A lone CR that is put before a LF would make one line break with it.
+  // A lone CR inserted before an LF would form one line break with it.
   return first == "\r" && text.find('\n') != npos ? "\n" : first;
 }
 

@@ -9,13 +9,13 @@
 namespace zephyrdown {
 namespace {
 
-/// What follows the brackets of an inline link: "(destination "title")".
+/// The part after the brackets of an inline link: "(destination "title")".
 struct InlineTail {
   ByteRange destination;
   std::size_t end;
 };
 
-/// Reads an inline tail. On the next line of a paragraph a ">" may stand before its text.
+/// Reads an inline tail. On continuation lines of a paragraph, ">" marks of quotes may precede it.
 class TailReader {
  public:
   TailReader(std::string_view text, std::size_t at) : text_(text), at_(at) {}
@@ -104,7 +104,7 @@ std::optional<InlineTail> readInlineTail(std::string_view text, std::size_t at) 
   return TailReader(text, at).read();
 }
 
-/// The offset behind "[label]" at `at`, or `at` where no label stands there.
+/// The offset after "[label]" at `at`; `at` if there is no label.
 std::size_t behindReferenceLabel(std::string_view text, std::size_t at) {
   constexpr std::size_t kLongestLabel = 1001;
   if (at >= text.size() || text[at] != '[') return at;
@@ -117,7 +117,7 @@ std::size_t behindReferenceLabel(std::string_view text, std::size_t at) {
   return at;
 }
 
-/// Whether nothing stands there that a reader would see as text.
+/// Whether `text` has only markup and no visible text.
 bool isOnlyMarkup(std::string_view text) {
   return text.find_first_not_of(" \t\r\n>*_~") == npos;
 }
@@ -172,7 +172,8 @@ std::optional<std::size_t> LinkLocator::lastBracket(const OpenLink& link,
   return std::nullopt;
 }
 
-/// An autolink's text is its destination, but for the scheme that the parser adds.
+/// Whether the link is an autolink: its text is its destination, except a scheme added by the
+/// parser.
 bool LinkLocator::isAutolinkAt(const OpenLink& link, std::size_t position) const {
   if (link.kind != LinkKind::link) return false;
   if (link.destinationAt) return *link.destinationAt == position;
@@ -202,7 +203,7 @@ std::optional<std::size_t> LinkLocator::bracketOfEmpty(const OpenLink& link) con
   return std::nullopt;
 }
 
-/// From a known destination back over "](" to the bracket.
+/// The opening bracket, found from a known destination back over "](".
 std::optional<std::size_t> LinkLocator::bracketBeforeDestination(const OpenLink& link) const {
   if (!link.destinationAt || *link.destinationAt <= link.floor) return std::nullopt;
   std::size_t at = *link.destinationAt;
@@ -217,7 +218,7 @@ std::optional<std::size_t> LinkLocator::bracketBeforeDestination(const OpenLink&
   return bracket;
 }
 
-/// Whether the link's destination is the one that is written there.
+/// Whether the link's destination is the one written at `range`.
 bool LinkLocator::isDestination(const OpenLink& link, ByteRange range) const {
   if (link.destinationAt) return *link.destinationAt == range.begin;
   return unescaped(text_.substr(range.begin, range.end - range.begin)) == link.destination;

@@ -10,53 +10,55 @@
 
 namespace zephyrdown {
 
+/// The kinds of links that the parser reports.
 enum class LinkKind { link, image, wikiLink };
 
-/// Where a link lies in the text.
+/// The position of a link in the text.
 struct LocatedLink {
   ByteRange range;
   ByteRange label;                       ///< between the brackets
-  std::optional<ByteRange> destination;  ///< of an inline link, as it is written
+  std::optional<ByteRange> destination;  ///< of an inline link, as written
 };
 
-/// Whether "(destination "title")" stands at `at`.
+/// Whether `at` is the start of "(destination "title")" (CommonMark 0.30, 6.3).
 bool isInlineTail(std::string_view text, std::size_t at);
 
-/// Finds the ranges of links. The parser tells which links there are, in order, and where the
-/// texts lie, but not where brackets are. All that stands between two texts is markup, though: so
-/// the bracket that opens a link is the last one before its first text, the one that closes it the
-/// first one behind its last text. In "see [*this*](a.pdf)":
+/// Finds the ranges of links. The parser reports links in order, and the positions of their texts,
+/// but not those of the brackets. Everything between two texts is markup, so a link's opening
+/// bracket is the last one before its first text, and its closing bracket the first one after its
+/// last text. In "see [*this*](a.pdf)":
 ///
 ///   see          text, 0 to 4
 ///   (link)       enter
 ///   this         text, 6 to 10   the last "[" before 6 is at 4
 ///   (link)       leave           the first "]" from 10 is at 11; "(a.pdf)" follows
 ///
-/// A link without a text, as "![](photo.png)", is found by where its destination lies.
+/// A link without text, such as "![](photo.png)", is found by the position of its destination.
 class LinkLocator {
  public:
   explicit LinkLocator(std::string_view text) : text_(text) {}
 
-  /// A text, or another thing that is no part of a link's brackets, at `range`.
+  /// Reports a text, or anything else that is not a link's bracket, at `range`.
   void pass(ByteRange range);
 
-  /// `destinationAt`: the offset of the destination's first byte, where the parser hands out the
-  /// very bytes of the text; else `destination` is what it made of them.
+  /// Reports the start of a link. `destinationAt` is the offset of its destination if the parser
+  /// returned a view of the text; otherwise `destination` is the parser's copy.
   void enter(LinkKind kind, std::optional<std::size_t> destinationAt, std::string destination);
 
-  /// Forgets links that were entered and not left.
+  /// Discards links that have not ended.
   void endBlock() { open_.clear(); }
 
-  /// The link that was entered last. Nothing for an autolink, which has no brackets.
+  /// Ends the innermost open link, and returns it. Absent for an autolink, which has no brackets.
   std::optional<LocatedLink> leave();
 
  private:
+  /// A link that has begun and not ended.
   struct OpenLink {
     LinkKind kind;
-    std::size_t floor;  // it does not begin before
+    std::size_t floor;  // the link cannot begin before
     std::optional<std::size_t> destinationAt;
-    std::string destination;                            // where destinationAt is not known
-    std::optional<std::size_t> bracket = std::nullopt;  // the last one of its opening brackets
+    std::string destination;                            // used if destinationAt is absent
+    std::optional<std::size_t> bracket = std::nullopt;  // offset of its last opening bracket
     bool isAutolink = false;
     bool isSettled() const { return bracket || isAutolink; }
     std::size_t begin() const { return *bracket - (kind == LinkKind::link ? 0 : 1); }
@@ -71,7 +73,7 @@ class LinkLocator {
   std::optional<LocatedLink> close(const OpenLink& link);
 
   std::string_view text_;
-  std::size_t cursor_ = 0;  // everything before is accounted for
+  std::size_t cursor_ = 0;  // the end of what has been reported
   std::vector<OpenLink> open_;
 };
 

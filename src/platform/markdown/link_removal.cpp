@@ -8,24 +8,25 @@ namespace {
 using Files = std::vector<FileMention>;
 using NameTest = std::function<bool(std::string_view)>;
 
-/// Whether the label of `file` holds an image of a file that stays.
-bool holdsOtherFile(const Files& files, Files::const_iterator file, const NameTest& goes) {
+/// Whether the label of `file` contains an image of a file that stays.
+bool holdsOtherFile(const Files& files, Files::const_iterator file, const NameTest& shouldRemove) {
   for (auto inner = std::next(file);
        inner != files.end() && inner->link.range.begin < file->label.end; ++inner) {
-    if (!goes(inner->link.filename)) return true;
+    if (!shouldRemove(inner->link.filename)) return true;
   }
   return false;
 }
 
-Operations plannedRound(std::string_view text, const Document& document, const NameTest& goes) {
+Operations plannedRound(std::string_view text, const Document& document,
+                        const NameTest& shouldRemove) {
   std::vector<ByteRange> whole;
   Operations unwrapped;
   const Files& files = document.files;
   for (auto file = files.begin(); file != files.end(); ++file) {
     const auto& [link, label] = *file;
     if (!whole.empty() && link.range.begin < whole.back().end) continue;
-    if (!goes(link.filename)) continue;
-    if (holdsOtherFile(files, file, goes)) {
+    if (!shouldRemove(link.filename)) continue;
+    if (holdsOtherFile(files, file, shouldRemove)) {
       unwrapped.push_back({{link.range.begin, label.begin}, {}});
       unwrapped.push_back({{label.end, link.range.end}, {}});
     } else {
@@ -40,18 +41,18 @@ Operations plannedRound(std::string_view text, const Document& document, const N
 }  // namespace
 
 Operations plannedLinkRemoval(std::string_view text, const Document& document,
-                              const NameTest& goes) {
-  // Brackets around a link are text, and may be a link once it is gone. Few notes nest like that;
-  // the bound is for those made to.
+                              const NameTest& shouldRemove) {
+  // Brackets around a link are text, but may become a link when it is removed. The limit is for
+  // texts crafted to nest that way.
   constexpr int kMostRounds = 50;
-  Operations results = plannedRound(text, document, goes);
+  Operations results = plannedRound(text, document, shouldRemove);
   if (results.empty()) return results;
   std::string changed = withOperations(text, results);
-  Operations more = plannedRound(changed, readDocument(changed), goes);
+  Operations more = plannedRound(changed, readDocument(changed), shouldRemove);
   if (more.empty()) return results;
   for (int round = 0; !more.empty() && round < kMostRounds; ++round) {
     changed = withOperations(changed, more);
-    more = plannedRound(changed, readDocument(changed), goes);
+    more = plannedRound(changed, readDocument(changed), shouldRemove);
   }
   return {difference(text, changed)};
 }

@@ -8,9 +8,9 @@
 
 namespace zephyrdown {
 
-/// Plans the removal of every link to a file whose name `goes` accepts. A label that shows an image
-/// of another file stays.
+/// Plans the removal of every link to a file for whose name `shouldRemove` returns true. Keeps a
+/// label that contains an image of another file.
 Operations plannedLinkRemoval(std::string_view text, const Document& document,
-                              const std::function<bool(std::string_view filename)>& goes);
+                              const std::function<bool(std::string_view filename)>& shouldRemove);
 
 }  // namespace zephyrdown

@@ -10,10 +10,11 @@ namespace zephyrdown {
 
 using Operations = std::vector<ZDKASTOperationResult>;
 
-/// The text with all of them done. Their ranges lie in it and apart, in any order.
+/// Applies all operations to the text. Their ranges must be within it and must not overlap; their
+/// order is free.
 std::string withOperations(std::string_view text, Operations operations);
 
-/// The one operation that makes `after` out of `before`.
+/// Returns one operation that turns `before` into `after`.
 ZDKASTOperationResult difference(std::string_view before, std::string_view after);
 
 }  // namespace zephyrdown

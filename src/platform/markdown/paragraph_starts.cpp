@@ -26,7 +26,7 @@ std::size_t containerMark(std::string_view line, std::size_t at) {
 }
 
 bool ParagraphStarts::isStart(std::string_view line) {
-  // The lines of a quote have a mark each, and are one paragraph nevertheless.
+  // Each line of a quote has a mark, although they are one paragraph.
   const std::size_t indentation = line.find_first_not_of(" \t>");
   if (indentation == npos) return isFresh_ = true;
   const std::string_view content = line.substr(indentation);
@@ -44,7 +44,7 @@ bool ParagraphStarts::isStart(std::string_view line) {
   return isStart;
 }
 
-/// An empty item does not end a paragraph, and neither does a number, unless its list is there.
+/// An empty item does not interrupt a paragraph, nor does a number other than 1 outside a list.
 bool ParagraphStarts::isItem(std::string_view content) {
   const std::size_t mark = containerMark(content, 0);
   if (mark == npos || content.find_first_not_of(" \t", mark + 1) == npos) return false;

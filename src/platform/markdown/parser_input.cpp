@@ -11,7 +11,7 @@
 namespace zephyrdown {
 namespace {
 
-constexpr char kPunctuation = ',';  // flanks emphasis as a bracket does
+constexpr char kPunctuation = ',';  // flanks emphasis like a bracket
 constexpr char kLetter = 'x';
 
 /// The copy, which is made for the first byte that is masked.
@@ -78,8 +78,8 @@ std::size_t countOf(std::string_view piece, std::string_view text) {
   return count;
 }
 
-/// The parser looks for a bracket's line from the first one of its paragraph. Links behind this
-/// many steps are read as text; at a link a line, that is a paragraph of some 14,000 lines.
+/// The parser searches for a bracket's line from the start of its paragraph. After this many steps,
+/// links are read as text; with one link per line, that is a paragraph of some 14,000 lines.
 void maskEndlessParagraphs(std::string_view body, std::optional<std::string>& copy) {
   constexpr std::size_t kMostSteps = 100'000'000;
   const std::size_t brackets = countOf("]", body);
@@ -99,9 +99,8 @@ void maskEndlessParagraphs(std::string_view body, std::optional<std::string>& co
   }
 }
 
-/// For each line the parser walks down all quotes and lists that are open. What is nested deeper
-/// than some hundred levels, all of which have their marks or as many blanks on one line, is read
-/// as text.
+/// For each line the parser visits all open quotes and lists. Levels deeper than some hundred on
+/// one line, by their marks or blanks, are read as text.
 void maskDeepNesting(std::string_view body, std::optional<std::string>& copy) {
   constexpr std::size_t kDeepest = 200;
   for (std::size_t begin = 0; begin < body.size(); begin = nextLine(body, begin)) {

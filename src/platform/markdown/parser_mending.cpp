@@ -12,7 +12,7 @@ namespace {
 
 constexpr std::size_t kCodeIndent = 4;
 
-/// What a line begins with to be inside of the first `depth` containers.
+/// The prefix that puts a line into the first `depth` containers.
 std::string prefixOf(const std::vector<Container>& containers, std::size_t depth) {
   std::string prefix;
   for (std::size_t i = 0; i < depth; ++i) {
@@ -116,7 +116,7 @@ class Mender {
     }
   }
 
-  /// Keeps the line from being taken for more than a line of a paragraph.
+  /// Makes the parser read the line as a plain line of a paragraph.
   void mendText() {
     const std::string_view content = text_.substr(here_.content);
     if (isTakenForVerbatim(content)) replace(here_.content + 1, "x");
@@ -130,13 +130,13 @@ class Mender {
     }
   }
 
-  /// The mark of a list's item, and blanks at most.
+  /// Whether it is a list mark followed by blanks at most.
   static bool isEmptyItem(std::string_view content) {
     const auto mark = listMark(content);
     return mark && content.find_first_not_of(" \t", mark->length) == npos;
   }
 
-  /// "<prefix>", which begins as "<pre>" does.
+  /// Whether the parser takes it for a verbatim tag: "<prefix>" begins like "<pre>".
   static bool isTakenForVerbatim(std::string_view content) {
     constexpr std::size_t kLongest = 7;
     if (!content.starts_with('<') || htmlStart(content) == HTMLKind::verbatim) return false;
@@ -147,7 +147,7 @@ class Mender {
     return false;
   }
 
-  /// The parser wants three bytes in each cell.
+  /// The parser requires three bytes in each cell.
   void mendDelimiters() {
     constexpr std::size_t kLeast = 3;
     for (std::size_t at = text_.find_first_of("-:", here_.content); at != npos;) {

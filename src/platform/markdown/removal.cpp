@@ -38,7 +38,7 @@ class Remover {
   }
 
  private:
-  /// The line that `first` is on, or the lines that its ranges join, and the first range behind.
+  /// The line of range `first`, or the lines that ranges join, and the first range after it.
   std::pair<ByteRange, RangeIterator> lineOf(RangeIterator first, RangeIterator end) const {
     ByteRange line{std::max(lineBegin(text_, first->begin), begin_), lineEnd(text_, first->end)};
     auto last = std::next(first);
@@ -48,8 +48,8 @@ class Remover {
     return {line, last};
   }
 
-  /// But for the mark of a list item: an empty item is not worth keeping, and one below a
-  /// paragraph would turn that into a heading.
+  /// Whether the ranges cover the line, except a list mark. An empty item is useless, and below a
+  /// paragraph it could turn that into a heading.
   bool coversAll(ByteRange line, RangeIterator first, RangeIterator last) const {
     std::size_t at = std::min(behindItemMark(line), first->begin);
     for (; first != last; ++first) {
@@ -77,8 +77,8 @@ class Remover {
     return below < text_.size() && skipBlanks(text_, below) - below >= first.begin - line.begin;
   }
 
-  /// Lines below others go with the line break above them, and the first one with its own: so
-  /// what an insertion wrote is what goes.
+  /// Includes the line break above the lines or, for the first line, the one below, so that a
+  /// removal undoes exactly an insertion.
   ByteRange wholeLines(ByteRange line) const {
     const std::size_t below = behindLineBreak(text_, line.end);
     if (wouldBecomeCode(below, line.begin)) return {line.begin, skipBlanks(text_, below)};
@@ -93,7 +93,8 @@ class Remover {
     return {isBlankAbove && isBlankBelow ? previousLineEnd(text_, above) : aboveEnd, line.end};
   }
 
-  /// Whether the line at `below` goes on with a paragraph, deep enough to be code without it.
+  /// Whether the line at `below` continues a paragraph and is indented enough to be code without
+  /// it.
   bool wouldBecomeCode(std::size_t below, std::size_t line) const {
     const std::size_t textBegin = skipBlanks(text_, below);
     const std::string_view indentation = text_.substr(below, textBegin - below);
@@ -108,7 +109,7 @@ class Remover {
   }
 
   void removeInside(ByteRange line, RangeIterator first, RangeIterator last) {
-    std::size_t open = line.begin;  // only marks, and what goes, stand on the line before
+    std::size_t open = line.begin;  // before this, the line has only marks and removed text
     for (; first != last; ++first) {
       const bool opensLine = holdsOnlyMarks(open, first->begin);
       removeInside(line, *first, opensLine);
@@ -135,13 +136,13 @@ class Remover {
     add(range, hashBehind || (opensLine && startsBlock(rest)) ? "\\" : "");
   }
 
-  /// Marks of quotes, lists and tasks.
+  /// Whether the range has only marks of quotes, lists and tasks.
   bool holdsOnlyMarks(std::size_t begin, std::size_t end) const {
     constexpr std::string_view kMarks = " \t>-+*0123456789.)[]xX";
     return text_.substr(begin, end - begin).find_first_not_of(kMarks) == npos;
   }
 
-  /// Whether the word before `end` may be an address, which would take in what stands behind it.
+  /// Whether the word before `end` may be an address, which would absorb the text after it.
   bool endsInAddress(std::size_t begin, std::size_t end) const {
     const std::string_view before = text_.substr(begin, end - begin);
     const std::string_view word = before.substr(before.find_last_of(" \t") + 1);
@@ -152,13 +153,13 @@ class Remover {
     return at == end || std::string_view(",.;:!?)]}").find(text_[at]) != npos;
   }
 
-  /// The same delimiters on both sides, which would be left as an empty pair.
+  /// Whether the same delimiters are on both sides, which would leave an empty pair.
   bool isEmphasis(ByteRange range) const {
     const char before = text_[range.begin - 1];
     return before == text_[range.end] && (before == '*' || before == '_' || before == '~');
   }
 
-  /// Whether the rest of a line would start a block, or a task, as its begin.
+  /// Whether the rest of a line would start a block or a task if it came first.
   static bool startsBlock(std::string_view rest) {
     const std::size_t run = std::min(rest.find_first_not_of(rest.substr(0, 1)), rest.size());
     const bool isApart = run == rest.size() || isBlank(rest[run]);

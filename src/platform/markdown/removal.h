@@ -7,9 +7,9 @@
 
 namespace zephyrdown {
 
-/// Plans the removal of the ranges, which are ascending and lie apart. A line that holds nothing
-/// else goes as a whole, and with it one of the blank lines that it stood between; of two blanks
-/// around a range inside a line one goes.
+/// Plans the removal of ranges, which must be ascending and must not overlap. A line that has
+/// nothing else is removed completely, with one of the blank lines around it; of two blanks around
+/// a range within a line, one is removed.
 Operations plannedRemoval(std::string_view text, const std::vector<ByteRange>& ranges);
 
 }  // namespace zephyrdown

@@ -36,7 +36,7 @@ bool maySplitParagraph(const Side& below) {
   }
 }
 
-/// Takes the lines of a text one by one.
+/// Iterates over the lines of a text.
 class Lines {
  public:
   explicit Lines(std::string_view text) : text_(text) {}
@@ -67,21 +67,21 @@ bool haveSamePlace(const ScannedLine& a, const ScannedLine& b) {
   return a.matched == b.matched && a.opened == b.opened;
 }
 
-/// Whether the line, by itself a paragraph's, reads `now` as a row of the table above.
+/// Whether the line is `now` a row of the table above, and a paragraph by itself.
 bool isRow(const ScannedLine& now, const ScannedLine& alone, std::string_view line) {
   return now.kind == BlockKind::table && alone.kind == BlockKind::paragraph &&
          line.starts_with('|');
 }
 
-/// Whether the line reads `now`, below others, as it did `alone`.
+/// Whether the line is read the same `now`, below others, as `alone`.
 bool staysByItself(const ScannedLine& now, const ScannedLine& alone, std::string_view line) {
   if (now.kind != alone.kind && !isRow(now, alone, line)) return false;
   if (now.isLazy && !alone.isLazy) return false;
   return haveSamePlace(now, alone);
 }
 
-/// Whether the line reads `now` as it did `before` something was put above it. A line below a list
-/// or quote, without its marks, may become a paragraph of its own.
+/// Whether the line is read the same `now` as `before` the insertion above it. A lazy continuation
+/// line may become a paragraph of its own.
 bool staysWhatItWas(const ScannedLine& now, const ScannedLine& before) {
   if (isBlankLine(now) && isBlankLine(before)) return true;
   if (now.kind != before.kind || (before.joinsList && !now.joinsList)) return false;
@@ -89,9 +89,9 @@ bool staysWhatItWas(const ScannedLine& now, const ScannedLine& before) {
   return haveSamePlace(now, before);
 }
 
-/// Whether no line above can change how this one and those below it are read: a block or item that
-/// stands in no other begins here, below a blank line or with a mark that ends a paragraph.
-/// Indented lines below an empty item are no code to the parser.
+/// Whether no line above can change how this line and those below are read: a top-level block or
+/// item begins here, below a blank line or with a mark that interrupts a paragraph. The parser does
+/// not read indented lines below an empty item as code.
 bool isCut(const ScannedLine& line, bool isBelowBlank, std::string_view text) {
   if (line.matched > 0 || !line.kind || !(line.isFirst || line.opened > 0)) return false;
   if (line.kind == BlockKind::indentedCode) return false;
@@ -100,7 +100,7 @@ bool isCut(const ScannedLine& line, bool isBelowBlank, std::string_view text) {
   return line.opened > 0 && mark && mark->isFirst;
 }
 
-/// Adds `lines` as lines of their own.
+/// Appends `lines` as whole lines.
 void appendLines(std::string& text, std::string_view lines) {
   if (lines.empty()) return;
   if (text.ends_with('\r') && lines.starts_with('\n')) text += '\n';
@@ -114,14 +114,14 @@ std::size_t lineCount(std::string_view text) {
   return count;
 }
 
-/// Beyond this the blocks around a place are not read with the parser, so that an insertion into a
-/// large note stays cheap.
+/// Limit in bytes of the blocks around a place that are parsed, so that an insertion into a large
+/// note stays cheap.
 constexpr std::size_t kMostRead = 16'384;
 
-/// A HTML block that ends all others above it.
+/// An HTML block that ends all blocks above it.
 constexpr std::string_view kWall = "\n<!-- -->\n\n";
 
-/// The readings of the texts that were joined, one behind the other.
+/// Splits the readings of a joined text into those of its parts.
 class Parts {
  public:
   explicit Parts(const std::string& text) : readings_(lineReadings(text)) {}
@@ -151,7 +151,8 @@ bool areSame(std::span<const LineReading> now, std::span<const LineReading> alon
                     });
 }
 
-/// A backslash that ends the inserted text may become the mark of a line break.
+/// Ignores a backslash at the end of the last line, which may become a hard line break in an
+/// inserted text.
 std::vector<LineReading> withoutBackslash(std::span<const LineReading> lines) {
   std::vector<LineReading> readings(lines.begin(), lines.end());
   if (!readings.empty()) readings.back().endsInBackslash = false;
@@ -240,8 +241,8 @@ bool Seam::holds(std::string_view before, std::string_view inserted,
   return keepsPlaces(before, inserted, behind, end) && keepsReadings(before, inserted, behind, end);
 }
 
-/// Whether all lines stay in their lists and quotes. `end` becomes the first line below that cannot
-/// be read in another way.
+/// Whether all lines stay in their lists and quotes. Sets `end` to the first line below that cannot
+/// be affected.
 bool Seam::keepsPlaces(std::string_view before, std::string_view inserted, std::string_view behind,
                        std::size_t& end) const {
   BlockScanner now = above_;
@@ -266,7 +267,7 @@ bool Seam::keepsPlaces(std::string_view before, std::string_view inserted, std::
   return true;
 }
 
-/// Whether the parser reads all lines as it did before, those inserted as behind a wall.
+/// Whether the parser reads all lines as before, and the inserted ones as if after kWall.
 bool Seam::keepsReadings(std::string_view before, std::string_view inserted,
                          std::string_view behind, std::size_t end) const {
   if (end - cut_ > kMostRead) return true;

@@ -18,9 +18,8 @@ bool hasTag(const Document& document, std::string_view name) {
                      [&](const HashtagMention& tag) { return tag.name == name; });
 }
 
-/// The name's hashtag as it is read back before `rest`, the plain text that follows. A closing mark
-/// more than the name needs keeps "#2024#.5" from growing; a backslash keeps a hash mark that
-/// follows.
+/// The hashtag that is read as `name` before `rest`, the plain text that follows. An additional
+/// closing mark separates "#2024#.5", and a backslash escapes a hash mark that follows.
 std::optional<std::string> fittingHashtag(std::string_view name, std::string_view rest) {
   constexpr std::size_t kBehindMark = 8;
   const auto usual = ZDKHashtag::hashtagStringForTagName(name);
@@ -41,7 +40,7 @@ std::optional<std::string> fittingHashtag(std::string_view name, std::string_vie
   return std::nullopt;
 }
 
-/// On a line of its own directly below the title; without a heading, as the first line.
+/// Plans a new tag line directly below the title; without a heading, as the first line.
 Operations plannedTopLine(std::string_view text, const Document& document, const Layout& layout,
                           std::string_view hashtag) {
   const std::string_view lineBreak = lineBreakStyle(text);
@@ -80,7 +79,7 @@ class Renamer {
     isTagLine_ = layout_.isTagLine(line_.begin);
     names_.clear();
     if (!isTagLine_) return;
-    // Names that stay as they are come first: they are kept, and not the renamed ones.
+    // Records names that do not change first, so that they are kept rather than renamed ones.
     for (auto tag = next_; tag != document_.hashtags.end() && tag->range.end <= line_.end; ++tag) {
       if (!renamed(tag->name)) names_.insert(tag->name);
     }

@@ -10,7 +10,7 @@
 namespace zephyrdown {
 namespace {
 
-/// Trimmed, and with blanks for the controls that a title cannot show.
+/// Trims the text, and replaces control characters, which a title cannot show, by blanks.
 std::string plainLine(std::string_view text) {
   std::string line(platform::text::trimmingWhitespaceAndNewlines(text));
   std::replace_if(

@@ -8,18 +8,18 @@
 
 namespace zephyrdown {
 
-/// A wiki link as it stands in a text.
+/// An occurrence of a wiki link in a text.
 struct WikiMention {
   ByteRange range;
-  std::string title;  ///< of the note; empty where the link names a heading only
+  std::string title;  ///< of the note; empty if the link has only a heading
 };
 
-/// The wiki link "[[inside]]". Of "Title/Heading|alias" the title is what stands before the first
-/// slash; a slash of the title itself is written "\/".
+/// Parses the wiki link "[[inside]]". The title of "Title/Heading|alias" ends at the first slash; a
+/// slash in a title is written "\/".
 WikiMention wikiMention(ByteRange range, std::string_view inside);
 
-/// The wiki links in `text[stretch]`, plain text on one line. These are the ones that the parser
-/// leaves as text since their target takes more than 100 bytes: 34 characters of Chinese do.
+/// The wiki links in `text[stretch]`, plain text on one line. The parser does not recognize links
+/// whose target has more than 100 bytes, which are only 34 Chinese characters.
 std::vector<WikiMention> longWikiLinks(std::string_view text, ByteRange stretch);
 
 }  // namespace zephyrdown

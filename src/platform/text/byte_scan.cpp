@@ -15,14 +15,14 @@ bool isLetter(char c) {
   return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
 }
 
-/// How common a byte is in texts: 0 for all but the letters and the blank.
+/// How common a byte is in texts; 0 for all bytes except letters and the blank.
 std::size_t commonness(char c) {
   constexpr std::string_view kRareFirst = "\nzqjxkvbywgpfmucdlhrsnioate ";
   const std::size_t place = kRareFirst.find(c);
   return place == std::string_view::npos ? 0 : place + 1;
 }
 
-/// A bit for each of the sixteen places where both probes fit.
+/// A bit mask of the sixteen positions at which both probes match.
 unsigned candidatesIn(const char* firstBlock, BytePattern::Probe first, const char* secondBlock,
                       BytePattern::Probe second) {
 #ifdef __SSE2__
@@ -65,8 +65,10 @@ BytePattern::BytePattern(std::string_view bytes, bool ignoreCase)
 
 std::optional<std::size_t> ByteScan::next() {
   if (gaveUp_ || text_.size() < pattern_.size()) return std::nullopt;
-  const std::size_t places = text_.size() - (pattern_.size() - 1);  // where a match could begin
-  // Copies, which the loop can keep in registers: what it reads as bytes might be anything else.
+  const std::size_t places =
+      text_.size() - (pattern_.size() - 1);  // the number of offsets at which a match could begin
+  // Local copies, which stay in registers; the compiler must assume that char pointers alias
+  // members.
   const BytePattern::Probe first = pattern_.probe(pattern_.rarest_);
   const BytePattern::Probe second = pattern_.probe(pattern_.secondRarest_);
   const char* const firstBytes = text_.data() + pattern_.rarest_;
@@ -82,8 +84,8 @@ std::optional<std::size_t> ByteScan::next() {
   }
   position_ = places;
   if (base < places && places >= kBlock) {
-    // The rest is less than a block: look at the last sixteen places once more, and pass over
-    // those that have had their turn.
+    // The rest is shorter than a block: compares the last sixteen positions, and ignores those
+    // already done.
     const std::size_t last = places - kBlock;
     const std::size_t done = base - last;
     return nextAmong(candidatesAt(last) >> done << done, last);
@@ -97,7 +99,7 @@ std::optional<std::size_t> ByteScan::next() {
 std::optional<std::size_t> ByteScan::nextAmong(unsigned candidates, std::size_t base) {
   for (; candidates != 0; candidates &= candidates - 1) {
     const std::size_t place = base + static_cast<std::size_t>(std::countr_zero(candidates));
-    // The most that an honest text asks for is a few looks a byte.
+    // Ordinary texts need at most a few comparisons per byte.
     if (effort_ > 16 * (place - from_) + 4096) {
       gaveUp_ = true;
       return std::nullopt;

@@ -5,19 +5,19 @@
 #include <string>
 #include <string_view>
 
-/// Search for bytes at near the speed of memory. Inside this room only.
+/// Searches for bytes at close to memory speed. Internal to this room.
 namespace platform::text {
 
-/// What to look for: bytes, or ASCII letters without case.
+/// A byte string to search for, optionally ignoring the case of ASCII letters.
 class BytePattern {
  public:
-  /// `bytes` is not empty. `ignoreCase` concerns ASCII letters.
+  /// `bytes` must not be empty. `ignoreCase` affects ASCII letters only.
   BytePattern(std::string_view bytes, bool ignoreCase);
 
   std::size_t size() const { return bytes_.size(); }
 
-  /// One byte to look for. The mask is 0x20, the bit between the cases, for a letter whose case
-  /// is left out.
+  /// One byte of the pattern. `mask` is 0x20, the bit that differs between cases, for a letter
+  /// whose case is ignored, otherwise 0.
   struct Probe {
     char byte;
     char mask;
@@ -30,25 +30,25 @@ class BytePattern {
 
   std::string bytes_;
   std::string mask_;
-  std::size_t rarest_ = 0;  // the place of the byte that is rarest in texts, and of the next one
+  std::size_t rarest_ = 0;  // indices of the two bytes that are rarest in texts
   std::size_t secondRarest_ = 0;
 };
 
-/// One pass over a text. Compares the two rarest bytes of the pattern with sixteen places at once,
-/// and looks at all of it where both fit.
+/// One pass over a text. Compares the two rarest bytes of the pattern at sixteen positions at once,
+/// and the whole pattern where both match.
 ///
-/// A text can be made so that almost every place wants a long look (a pattern of many "a" in many
-/// more). Then the scan gives up, at a cost that is linear in what it passed over.
+/// In some texts almost every position needs a long comparison (a run of "a" in a longer run). The
+/// scan then gives up, after a cost linear in the bytes scanned.
 class ByteScan {
  public:
   ByteScan(const BytePattern& pattern, std::string_view text, std::size_t from)
       : pattern_(pattern), text_(text), from_(from), position_(from) {}
 
-  /// The next place of the pattern, overlapping ones included; nothing at the end, or when the
-  /// scan gave up.
+  /// The offset of the next match, which may overlap the last; absent at the end of the text, or if
+  /// the scan gave up.
   std::optional<std::size_t> next();
 
-  /// Goes on from here.
+  /// Continues from this offset.
   void skipTo(std::size_t position) { position_ = position; }
 
   bool gaveUp() const { return gaveUp_; }
@@ -61,7 +61,7 @@ class ByteScan {
   std::string_view text_;
   std::size_t from_;
   std::size_t position_;
-  std::size_t effort_ = 0;  // bytes looked at one by one
+  std::size_t effort_ = 0;  // bytes compared one by one
   bool gaveUp_ = false;
 };
 

@@ -40,19 +40,19 @@ bool joinsHangul(UGraphemeClusterBreak before, UGraphemeClusterBreak after) {
   }
 }
 
-/// Latin letters and the like, below the first combining mark, and Chinese characters: but for
-/// CR LF, two of these are two characters. It spares most texts the look at ICU's tables.
+/// Scalars below the first combining mark, and Chinese characters. There is a boundary between any
+/// two of them except CR LF, so most texts need no look-up in ICU's tables.
 bool isOrdinary(char32_t scalar) {
   return scalar < kFirstCombiningMark || (scalar >= 0x4E00 && scalar <= 0x9FFF);
 }
 
-/// Whether two neighbouring bytes are two characters: ASCII, and not CR LF. Most of a text is
-/// stepped over by this alone.
+/// Whether two adjacent bytes are two characters: both ASCII, and not CR LF. This fast path covers
+/// most of a text.
 bool areCharacters(char left, char right) {
   return ((left | right) & 0x80) == 0 && !(left == '\r' && right == '\n');
 }
 
-/// The characters of one text, stepped over in either direction.
+/// Steps over the characters of one text in either direction.
 class Characters {
  public:
   explicit Characters(std::string_view text) : text_(text) {}
@@ -86,8 +86,8 @@ class Characters {
   }
 
  private:
-  /// Whether a character ends and another begins at `position`, which lies between the scalar at
-  /// `before` and the one behind it. The rules of UAX #29, section 3.1.1, in their order.
+  /// Whether there is a boundary at `position`, the end of the scalar at `before`. Follows the
+  /// order of the rules in UAX #29, section 3.1.1.
   bool isBoundary(std::size_t position, std::size_t before) {
     const char32_t left = decodeScalar(text_, before).value;
     const char32_t right = decodeScalar(text_, position).value;
@@ -104,7 +104,7 @@ class Characters {
     return true;                                                                       // GB999
   }
 
-  /// Whether a pictograph and its extensions end at `position`.
+  /// Whether a pictograph, possibly with extending scalars, ends at `position`.
   bool endsInPictograph(std::size_t position) const {
     while (position > 0) {
       position = previousScalar(text_, position);
@@ -116,7 +116,7 @@ class Characters {
   }
 
   /// Flags are pairs of regional indicators, counted from the start of their run. The start is
-  /// remembered, so that a long run is walked once and not once for each of its members.
+  /// cached, so that a long run is scanned only once.
   bool pairsAreCompleteAt(std::size_t position) {
     if (position < runStart_ || position > runEnd_) {
       runStart_ = position;
@@ -127,7 +127,7 @@ class Characters {
         runStart_ = previous;
       }
     }
-    runEnd_ = position + 4;  // the indicator behind `position` is of the run; each has 4 bytes
+    runEnd_ = position + 4;  // the next indicator belongs to the run; each has 4 bytes
     return (position - runStart_) % 8 == 0;
   }
 

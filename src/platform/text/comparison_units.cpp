@@ -11,7 +11,7 @@
 namespace platform::text {
 namespace {
 
-/// Long enough for the decomposition or the folding of one scalar: Unicode's longest are 4.
+/// Long enough for the decomposition or folding of one scalar, which has at most 4 scalars.
 using UTF16Buffer = std::array<UChar, 16>;
 
 const UNormalizer2* decomposer() {
@@ -23,7 +23,7 @@ std::uint8_t combiningClass(char32_t scalar) {
   return u_getCombiningClass(static_cast<UChar32>(scalar));
 }
 
-/// Appends the scalars of `length` UTF-16 units; none for a length below 1.
+/// Appends the scalars of `length` UTF-16 units; none if `length` is less than 1.
 void appendUTF16(std::vector<char32_t>& out, const UTF16Buffer& buffer, int32_t length) {
   for (int32_t i = 0; i < length;) {
     UChar32 scalar = 0;
@@ -37,7 +37,7 @@ void appendDecomposed(std::vector<char32_t>& out, char32_t scalar) {
   UErrorCode status = U_ZERO_ERROR;
   const int32_t length = unorm2_getDecomposition(decomposer(), static_cast<UChar32>(scalar),
                                                  buffer.data(), buffer.size(), &status);
-  if (length < 0) return out.push_back(scalar);  // it has none
+  if (length < 0) return out.push_back(scalar);  // it has no decomposition
   appendUTF16(out, buffer, length);
 }
 
@@ -53,8 +53,8 @@ void appendFolded(std::vector<char32_t>& out, char32_t scalar) {
   appendUTF16(out, folded, length);
 }
 
-/// The canonical ordering algorithm (Unicode 15, 3.11, D109). A stable sort of each run of marks:
-/// linear but for a logarithm, also for a run as long as the text.
+/// The canonical ordering algorithm (Unicode 15, 3.11, D109): a stable sort of each run of marks,
+/// in O(n log n) even for a run as long as the text.
 void sortMarks(std::vector<char32_t>& scalars) {
   const auto isMark = [](char32_t scalar) { return combiningClass(scalar) != 0; };
   for (auto run = scalars.begin(); run != scalars.end();) {
@@ -73,7 +73,7 @@ std::vector<char32_t> decomposed(std::span<const char32_t> scalars) {
   return result;
 }
 
-/// The comparison form of decomposed scalars: themselves, or NFD of their folding.
+/// The comparison form of decomposed scalars: the scalars themselves, or the NFD of their folding.
 std::vector<char32_t> compared(std::vector<char32_t> scalars, CaseFolding folding) {
   if (folding == CaseFolding::none) return scalars;
   std::vector<char32_t> folded;
@@ -87,8 +87,8 @@ bool isInOrder(ScalarForms::Form::CombiningClasses left,
          (right.form == 0 || left.form <= right.form);
 }
 
-/// Blocks whose scalars have no decomposition, no case and no marks. They are looked past, since
-/// a Chinese text uses more of them than the table of forms can hold.
+/// Whether the scalar is in a block without decompositions, case and marks. These bypass the cache,
+/// since a Chinese text has more of them than it can hold.
 bool isOwnForm(char32_t scalar) {
   return (scalar >= 0x3400 && scalar <= 0x4DBF) || (scalar >= 0x4E00 && scalar <= 0x9FFF);
 }
@@ -165,7 +165,7 @@ void UnitReader::skipASCIIUntil(char32_t wanted) {
       ++position;
     }
   }
-  // The last one may have marks behind it.
+  // The last scalar may be followed by marks.
   if (position > end_) end_ = position - 1;
 }
 
@@ -208,7 +208,7 @@ void UnitReader::readAgainInOrder() {
     position = scalar.next;
   }
   const std::vector<char32_t> ordered = compared(decomposed(source), forms_.folding());
-  length_ = ordered.size();  // as many as before, in another order
+  length_ = ordered.size();  // the same number of scalars, reordered
   std::copy(ordered.begin(), ordered.end(), scalars_.begin());
 }
 

@@ -11,43 +11,44 @@
 #include "platform/text/folding.h"
 #include "platform/text/utf8.h"
 
-/// The form in which texts are compared, made one unit at a time. Inside this room only.
+/// Converts texts to the form in which they are compared, unit by unit. Internal to this room.
 ///
-/// A unit is a scalar and the scalars behind it that attach to it. Nothing in normalisation or
-/// case folding reaches from one unit into another, so that the comparison form of a text is the
-/// comparison forms of its units in a row, and a place in the one is found in the other.
+/// A unit is a scalar and the following scalars that attach to it. Normalisation and case folding
+/// never cross a unit boundary. So the comparison form of a text is the concatenation of those of
+/// its units, and offsets can be mapped between the two.
 ///
 ///   source            S   t   r   a   ß     e    U+0301
 ///   units, folded     s   t   r   a   s s   e U+0301
 namespace platform::text {
 
-/// Stands for an ill-formed part of a text: no scalar is equal to it.
+/// Represents an ill-formed part of a text; it differs from all scalars.
 inline constexpr char32_t kIllFormed = 0x110000;
 
-/// Whether a scalar belongs to the unit of the one before it: combining marks (general category
-/// M), and the conjoining vowels and finals of Hangul. That covers every scalar that composition
-/// can join to an earlier one or that reordering can move.
+/// Whether a scalar belongs to the unit of the previous one: combining marks (general category M),
+/// and the conjoining vowels and finals of Hangul. These include all scalars that composition can
+/// join to an earlier one, or that canonical ordering can move.
 bool attachesToPrevious(char32_t scalar);
 
-/// Comparison forms of single scalars. Looking one up in Unicode's tables takes some tens of
-/// nanoseconds, and a text uses few different ones, so that a small table remembers them.
+/// A cache of the comparison forms of single scalars. A look-up in Unicode's tables takes tens of
+/// nanoseconds, and a text has few different scalars.
 class ScalarForms {
  public:
+  /// The comparison form of one scalar.
   struct Form {
-    char32_t scalar = 0;  // the entry's key
+    char32_t scalar = 0;  // the cache key
     std::array<char32_t, 4> scalars{};
     std::uint8_t length = 0;
     bool attaches = false;
-    // Canonical combining classes at both ends of NFD, and of the form itself. Where neither
-    // falls from one scalar's end to the next one's beginning, no mark changes places, and the
-    // form of the two is their forms in a row.
+    // Canonical combining classes at both ends of the NFD and of the form. If neither class
+    // decreases from the end of one scalar to the start of the next, no marks are reordered, and
+    // the two forms can be concatenated.
     struct CombiningClasses {
       std::uint8_t decomposed = 0, form = 0;
     };
     CombiningClasses lead, trail;
   };
 
-  /// The one table of this thread, made on first use.
+  /// The cache of this thread, created on first use.
   static ScalarForms& shared(CaseFolding folding);
 
   /// Valid until the next call.
@@ -61,7 +62,7 @@ class ScalarForms {
 
   CaseFolding folding_;
   std::array<Form, 2048> entries_;
-  Form passing_;  // of a scalar that is its own form, by its block
+  Form passing_;  // of a scalar that is not cached, as its whole block is its own form
 };
 
 /// Reads a text unit by unit.
@@ -71,14 +72,14 @@ class UnitReader {
   UnitReader(std::string_view text, std::size_t position, ScalarForms& forms)
       : text_(text), begin_(position), end_(position), forms_(forms), scalars_(8) {}
 
-  /// Goes on to the next unit; false at the text's end.
+  /// Advances to the next unit; false at the text's end.
   bool next();
 
-  /// Passes over units of plain ASCII whose scalar is not `wanted`, though perhaps not all.
+  /// Skips units of plain ASCII that differ from `wanted`, but not necessarily all of them.
   void skipASCIIUntil(char32_t wanted);
   void skipToEnd() { end_ = text_.size(); }
 
-  std::size_t begin() const { return begin_; }  ///< of the unit, in the source
+  std::size_t begin() const { return begin_; }  ///< byte offset of the unit in the source
   std::size_t end() const { return end_; }
   std::span<const char32_t> scalars() const { return {scalars_.data(), length_}; }
 
@@ -96,15 +97,15 @@ class UnitReader {
   std::size_t begin_;
   std::size_t end_;
   ScalarForms& forms_;
-  std::vector<char32_t> scalars_;  // the unit's, and room behind them
+  std::vector<char32_t> scalars_;  // the unit's scalars, followed by unused space
   std::size_t length_ = 0;
-  // The scalar at `ahead_`, which has been looked up to see whether it attaches.
+  // The form of the scalar at `ahead_`, the look-ahead that ends the unit if it does not attach.
   const ScalarForms::Form* form_ = nullptr;
   std::size_t ahead_ = static_cast<std::size_t>(-1);
   std::size_t behindAhead_ = 0;
 };
 
-/// The comparison form of a whole text, ill-formed parts read as U+FFFD.
+/// The comparison form of a whole text. Ill-formed parts become U+FFFD.
 std::string comparisonForm(std::string_view text, CaseFolding folding);
 
 }  // namespace platform::text

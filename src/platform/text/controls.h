@@ -5,9 +5,9 @@
 
 namespace platform::text {
 
-/// `text` with each control character (general category Cc) and each of U+2028 and U+2029 as an
-/// escape: \n, \r, \t, else \u and four hexadecimal digits. So it stays on its line, and a terminal
-/// obeys nothing in it. Ill-formed UTF-8 becomes U+FFFD.
+/// Replaces control characters (general category Cc), U+2028 and U+2029 by escapes:
+/// , \r, \t, otherwise \u and four hexadecimal digits. The result is one line without control
+/// sequences for a terminal. Ill-formed UTF-8 becomes U+FFFD.
 std::string escapingControls(std::string_view text);
 
 }  // namespace platform::text

@@ -15,8 +15,8 @@ char lowercasedASCII(char c) {
   return c >= 'A' && c <= 'Z' ? static_cast<char>(c | 0x20) : c;
 }
 
-/// Whether no scalar is as high as the first combining mark, U+0300, whose first byte is 0xCC.
-/// Below it everything is composed already.
+/// Whether all scalars are below the first combining mark, U+0300, whose first byte is 0xCC. Such a
+/// text is already in NFC.
 bool isEasilyComposed(std::string_view text) {
   return std::none_of(text.begin(), text.end(),
                       [](char c) { return static_cast<unsigned char>(c) >= 0xCC; });
@@ -38,8 +38,8 @@ std::string canonicallyComposed(std::string_view text) {
   const auto* composer = icu::Normalizer2::getNFCInstance(status);
   const auto wide = icu::UnicodeString::fromUTF8({text.data(), static_cast<int32_t>(text.size())});
   if (composer->quickCheck(wide, status) == UNORM_YES) return std::string(text);
-  // Decomposed first by our own hand: ICU sorts a long run of marks in quadratic time, also when
-  // it is only asked whether UTF-8 is normalised.
+  // Decomposes first without ICU, which takes quadratic time for a long run of marks, even to check
+  // whether a text is normalised.
   const std::string decomposed = comparisonForm(text, CaseFolding::none);
   std::string result;
   icu::StringByteSink<std::string> sink(&result);

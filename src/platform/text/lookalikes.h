@@ -5,16 +5,16 @@
 
 #include "platform/text/folding.h"
 
-/// Inside this room only.
+/// Internal to this room.
 namespace platform::text {
 
-/// A scalar outside ASCII whose comparison form is ASCII through and through: the Kelvin sign is
-/// "K", and without case "ß" is "ss". Where such a scalar is about, a text may match an ASCII
-/// needle that its bytes do not show. A test draws the list from Unicode's data.
+/// A scalar outside ASCII whose comparison form is all ASCII: the Kelvin sign is "K", and, ignoring
+/// case, "ß" is "ss". With such a scalar, a text may match an ASCII needle that its bytes do not
+/// contain. A test compares the list with Unicode's data.
 struct Lookalike {
   std::string_view scalar;
   std::string_view form;   ///< with CaseFolding::full
-  std::string_view exact;  ///< with CaseFolding::none; empty when it is not ASCII
+  std::string_view exact;  ///< with CaseFolding::none; empty if it is not ASCII
 };
 
 inline constexpr Lookalike kLookalikes[] = {
@@ -23,7 +23,7 @@ inline constexpr Lookalike kLookalikes[] = {
     {"\uFB02", "fl", ""}, {"\uFB03", "ffi", ""}, {"\uFB04", "ffl", ""}, {"\uFB05", "st", ""},
     {"\uFB06", "st", ""}};
 
-/// The scalars of the list that can be part of a match of `needle`, which is ASCII.
+/// The scalars of kLookalikes that can be part of a match of `needle`, which must be ASCII.
 std::vector<std::string_view> lookalikesIn(std::string_view needle, CaseFolding folding);
 
 }  // namespace platform::text

@@ -13,8 +13,8 @@
 namespace platform::text {
 namespace {
 
-/// The locale that sorts, by the rules of setlocale(3): the first of the three that is set and not
-/// empty. Without the parts that mean nothing to ICU: "de_DE.UTF-8@euro" is "de_DE".
+/// The locale for sorting, by the rules of setlocale(3): the first of the three variables that is
+/// set and not empty. Removes the parts that ICU does not know: "de_DE.UTF-8@euro" becomes "de_DE".
 icu::Locale collationLocale() {
   for (const char* name : {"LC_ALL", "LC_COLLATE", "LANG"}) {
     const char* value = std::getenv(name);
@@ -27,7 +27,7 @@ icu::Locale collationLocale() {
   return icu::Locale::getRoot();
 }
 
-/// Accents count, case does not.
+/// Accents count, case is ignored.
 std::unique_ptr<icu::Collator> openCollator() {
   UErrorCode status = U_ZERO_ERROR;
   std::unique_ptr<icu::Collator> collator(icu::Collator::createInstance(collationLocale(), status));
@@ -55,7 +55,7 @@ struct LocalizedCaseInsensitiveCollator::Impl {
     return collator.get();
   }
 
-  std::unique_ptr<icu::Collator> collator;  // none where ICU's data is missing
+  std::unique_ptr<icu::Collator> collator;  // null if ICU's data is missing
   bool tried = false;
 };
 

@@ -7,8 +7,8 @@
 
 namespace platform::text {
 
-/// Order by Unicode code points of the canonically normalised (NFC) texts. Case counts, no
-/// locale. Canonically equivalent texts are equal. ASCII is compared as bytes.
+/// Compares the Unicode code points of the NFC forms, independent of locale; case counts.
+/// Canonically equivalent texts are equal.
 std::strong_ordering compareByCodePoints(std::string_view a, std::string_view b);
 
 /// Less-than of `compareByCodePoints`, for sorts and sets.
@@ -18,9 +18,9 @@ struct CodePointLess {
   }
 };
 
-/// Order as the user's locale sorts words, letter case left out: "apple", "Éclair", "eclipse",
-/// "Zebra". Opened on first comparison, at about a millisecond; the locale comes from LC_ALL,
-/// LC_COLLATE, LANG, and is the root locale without them.
+/// Orders texts by the rules of the user's locale, ignoring case: "apple", "Éclair", "eclipse",
+/// "Zebra". The locale is that of LC_ALL, LC_COLLATE or LANG, or else the root locale. The first
+/// comparison takes about a millisecond to load it.
 class LocalizedCaseInsensitiveCollator {
  public:
   LocalizedCaseInsensitiveCollator();
@@ -28,10 +28,10 @@ class LocalizedCaseInsensitiveCollator {
   LocalizedCaseInsensitiveCollator(LocalizedCaseInsensitiveCollator&&) noexcept;
   LocalizedCaseInsensitiveCollator& operator=(LocalizedCaseInsensitiveCollator&&) noexcept;
 
-  /// Negative, 0 or positive.
+  /// Negative if `a` precedes `b`, 0 if they are equal, otherwise positive.
   int compare(std::string_view a, std::string_view b) const;
 
-  /// A byte string whose byte order is the order of `compare`: sort many texts by it.
+  /// Returns a byte string whose byte order is that of `compare`, for sorting many texts.
   std::string sortKey(std::string_view text) const;
 
  private:

@@ -17,13 +17,12 @@ icu::UnicodeString wide(std::string_view text) {
   return icu::UnicodeString::fromUTF8({text.data(), static_cast<int32_t>(text.size())});
 }
 
-/// Called by ICU now and then during a match; false stops it.
+/// ICU calls this periodically during a match; returning false stops it.
 UBool hasTimeLeft(const void* deadline, int32_t /*steps*/) {
   return Clock::now() < *static_cast<const Clock::time_point*>(deadline);
 }
 
-/// Turns offsets into UTF-16 into offsets into the UTF-8 that it was made of, in ascending order
-/// and one walk.
+/// Converts ascending UTF-16 offsets to UTF-8 offsets of the source, in one pass.
 class OffsetMap {
  public:
   explicit OffsetMap(std::string_view text) : text_(text) {}

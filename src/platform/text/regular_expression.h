@@ -10,13 +10,13 @@
 
 namespace platform::text {
 
-/// A pattern that does not compile, or a match that took too long; what() is a whole sentence.
+/// An invalid pattern, or a match that took too long; what() is a sentence for the user.
 class RegularExpressionError : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
-/// A regular expression in ICU syntax. Created only where one is needed: the first one costs
-/// about a millisecond of process time.
+/// A regular expression in ICU syntax. The first one in a process takes about a millisecond to
+/// create.
 class RegularExpression {
  public:
   /// Throws RegularExpressionError.
@@ -25,11 +25,11 @@ class RegularExpression {
   RegularExpression(RegularExpression&&) noexcept;
   RegularExpression& operator=(RegularExpression&&) noexcept;
 
-  /// All matches over the whole text, ascending, not overlapping, empty ones included. Throws
-  /// RegularExpressionError when the time limit (10 s) is hit.
+  /// All matches in the text, ascending and not overlapping, including empty ones. Throws
+  /// RegularExpressionError after the time limit of 10 s.
   std::vector<ByteRange> matches(std::string_view text) const;
 
-  /// `literal` with every metacharacter escaped, so that it matches itself.
+  /// Escapes all metacharacters in `literal`, so that the pattern matches exactly `literal`.
   static std::string escapedPattern(std::string_view literal);
 
  private:

@@ -11,20 +11,21 @@
 namespace platform::text {
 namespace {
 
-/// Whether the match that ends here would end inside a unit.
+/// Whether a match that ends at `position` would end inside a unit.
 bool isInsideUnit(std::string_view text, std::size_t position) {
   if (position == text.size() || static_cast<unsigned char>(text[position]) < 0x80) return false;
   const DecodedScalar scalar = decodeScalar(text, position);
   return scalar.wellFormed && attachesToPrevious(scalar.value);
 }
 
-/// The form of a text of lookalikes: a Kelvin sign is searched as the letter that it equals.
+/// The comparison form of a text if that is ASCII, so that a Kelvin sign is searched for as a "K";
+/// otherwise absent.
 std::optional<std::string> asASCII(std::string_view text, CaseFolding folding) {
   std::string form = comparisonForm(text, folding);
   return isASCII(form) ? std::optional(std::move(form)) : std::nullopt;
 }
 
-/// A needle in the forms it is searched by.
+/// A needle, prepared for each kind of search.
 struct Needle {
   Needle(std::string_view source, CaseFolding caseFolding) : text(source), folding(caseFolding) {
     if (!isASCII(text)) text = asASCII(text, folding).value_or(text);
@@ -51,14 +52,14 @@ struct Needle {
   CaseFolding folding;
   std::optional<BytePattern> bytes;         // of an ASCII needle
   std::vector<BytePattern> lookalikes;      // of parts of an ASCII needle
-  mutable std::optional<UnitNeedle> units;  // made when it is first asked for
+  mutable std::optional<UnitNeedle> units;  // created on first use
 };
 
-/// The matches of a needle in one text, one after the other.
+/// Iterates over the matches of a needle in one text.
 ///
-/// An ASCII needle is looked for among the bytes for as long as that is right: up to a scalar that
-/// could take part in a match though its bytes do not show it. From the last match before it on,
-/// and for other needles from the start, the text is searched in comparison form.
+/// An ASCII needle is searched for in the bytes up to a scalar that could be part of a match
+/// without having the needle's bytes. From the last match before that scalar, and for other needles
+/// from the start, the text is searched in comparison form.
 class Matches {
  public:
   Matches(const Needle& needle, std::string_view text, std::size_t from)
@@ -102,7 +103,7 @@ class Matches {
 
   const Needle& needle_;
   std::string_view text_;
-  std::size_t from_;  // the end of the last match told
+  std::size_t from_;  // the end of the last match
   std::optional<ByteScan> scan_;
   std::optional<UnitSearch> units_;
 };

@@ -23,9 +23,9 @@ namespace platform::text {
 /// "ß", nor U+2764 where U+FE0F follows it. Joiners do not compose: a match may end before U+200D.
 /// A needle that begins with a mark is found at a text's start only.
 ///
-/// Cost: a needle of plain ASCII is searched among the text's bytes where that cannot miss a
-/// match; others, piece by piece in comparison form. Linear in the text for every needle. An
-/// object is used by one thread at a time.
+/// Cost: linear in the text for every needle. An ASCII needle is searched for in the text's bytes
+/// as long as that cannot miss a match; others in comparison form, unit by unit. An object must be
+/// used by one thread at a time.
 class StringSearch {
  public:
   /// `needle` must be valid UTF-8. An empty needle finds nothing.
@@ -34,16 +34,15 @@ class StringSearch {
   StringSearch(StringSearch&&) noexcept;
   StringSearch& operator=(StringSearch&&) noexcept;
 
-  /// The first match in `text` that begins at `from` or later, or nothing. `text` must be valid
-  /// UTF-8; a text that is not is searched as its bytes are, without a crash. `from` must be a
-  /// character boundary: 0 or the end of an earlier match.
+  /// The first match in `text` that begins at or after `from`, if any. `text` should be valid
+  /// UTF-8; ill-formed text is safe and searched by its bytes. `from` must be 0 or the end of an
+  /// earlier match.
   std::optional<ByteRange> find(std::string_view text, std::size_t from = 0) const;
 
-  /// The first `limit` matches, ascending, not overlapping. One pass: the text is normalised at
-  /// most once.
+  /// The first `limit` matches, ascending and not overlapping, in one pass.
   std::vector<ByteRange> findAll(std::string_view text, std::size_t limit = SIZE_MAX) const;
 
-  /// Whether there is a match. May be cheaper than `find`.
+  /// Whether there is a match. Can be faster than `find`.
   bool isIn(std::string_view text) const;
 
  private:

@@ -8,7 +8,7 @@
 namespace platform::text {
 namespace {
 
-/// Marks a scalar with which a unit begins: matches begin and end between units.
+/// Flags the first scalar of a unit, since matches begin and end at unit boundaries.
 constexpr char32_t kUnitStart = 0x80000000;
 
 std::vector<char32_t> markedForm(std::string_view text, CaseFolding folding) {
@@ -66,7 +66,7 @@ void StringSetSearch::linkFallbacks() {
   for (const auto& [key, child] : children_) {
     edges.push_back({static_cast<NodeIndex>(key >> 32), child, static_cast<char32_t>(key)});
   }
-  // Shorter ones first: the fallbacks of what lies above a node are known by then.
+  // Shorter suffixes first, so that the fallbacks of a node's parent are known.
   std::sort(edges.begin(), edges.end(), [&](const Edge& a, const Edge& b) {
     return nodes_[a.child].depth < nodes_[b.child].depth;
   });
@@ -109,7 +109,7 @@ std::vector<bool> StringSetSearch::found(std::string_view text) const {
 
 std::size_t StringSetSearch::count(std::string_view text) const {
   const std::vector<char32_t> form = markedForm(text, folding_);
-  // How many matches there are from each place on, for the places that a match may reach.
+  // A ring of match counts from each position on, for the positions that a match can reach.
   std::vector<std::size_t> counts(std::bit_ceil(std::size_t{longest_} + 2));
   const std::size_t mask = counts.size() - 1;
   NodeIndex node = kRoot;

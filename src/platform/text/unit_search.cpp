@@ -8,7 +8,7 @@ namespace {
 
 constexpr std::size_t kInside = static_cast<std::size_t>(-1);
 
-/// No text's form has more scalars than this for a byte of the source (a test holds it).
+/// The maximum number of scalars in the comparison form per byte of the source, as a test checks.
 constexpr std::size_t kMostScalarsPerByte = 2;
 
 }  // namespace
@@ -47,7 +47,7 @@ std::optional<ByteRange> UnitSearch::next() {
   for (;;) {
     if (matched_ == 0) units_.skipASCIIUntil(needle_.front());
     if (!units_.next()) return std::nullopt;
-    // A match begins with a unit.
+    // A match begins at the start of a unit.
     if (matched_ == 0 && units_.scalars().front() != needle_.front()) continue;
     if (const auto match = searchUnit()) return match;
   }

@@ -21,7 +21,8 @@ bool isContinuation(unsigned char byte) {
   return (byte & 0xC0) == 0x80;
 }
 
-/// Unicode 15, 3.9, table 3-8: the maximal subpart ends before the first byte that does not fit.
+/// The end of the maximal subpart at `position`: before the first byte that does not fit (Unicode
+/// 15, 3.9, table 3-8).
 std::size_t endOfIllFormedPart(std::string_view text, std::size_t position) {
   const auto* bytes = reinterpret_cast<const std::uint8_t*>(text.data()) + position;
   const std::size_t most = std::min<std::size_t>(text.size() - position, U8_MAX_LENGTH);
@@ -30,7 +31,7 @@ std::size_t endOfIllFormedPart(std::string_view text, std::size_t position) {
   return position + static_cast<std::size_t>(length);
 }
 
-/// The offset of the first ill-formed part, or the size.
+/// The offset of the first ill-formed part, or the size if there is none.
 std::size_t validPrefixLength(std::string_view bytes) {
   std::size_t position = asciiPrefixLength(bytes);
   while (position < bytes.size()) {
@@ -130,7 +131,7 @@ std::size_t previousScalar(std::string_view text, std::size_t position) {
   const std::size_t earliest = position - std::min<std::size_t>(position, 4);
   std::size_t start = position - 1;
   while (start > earliest && isContinuation(byteAt(text, start))) --start;
-  // In ill-formed text the byte found may lead a sequence that ends before `position`.
+  // In ill-formed text, the sequence found may end before `position`.
   return decodeScalar(text, start).next >= position ? start : position - 1;
 }
 

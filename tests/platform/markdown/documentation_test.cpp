@@ -10,8 +10,8 @@
 #include "platform/markdown/ast.h"
 #include "platform/markdown/hashtag.h"
 
-// The examples of docs/markdown.md: a fenced block named "note", and under it blocks named after
-// what is read from the note or done to it.
+// Checks the examples of docs/markdown.md: a fenced block named "note", followed by blocks named
+// after what is read from the note or done to it.
 
 namespace zephyrdown {
 namespace {
@@ -36,7 +36,7 @@ std::string page() {
 }
 
 struct Example {
-  std::string name;  // as behind the fence: "note", "append New"
+  std::string name;  // the info string: "note", "append New"
   std::string text;  // without the last line break
 };
 
@@ -135,7 +135,7 @@ TEST(MarkdownPage, TellsWhatIsReadFromANoteAndDoneToIt) {
   EXPECT_GE(checked, 34u);
 }
 
-/// "| `a` | `b` | |" as "a", "b" and the empty text.
+/// Splits "| `a` | `b` | |" into "a", "b" and an empty text.
 std::vector<std::string> cellsOf(const std::string& row) {
   std::vector<std::string> cells;
   for (std::size_t begin = 1; begin < row.size();) {

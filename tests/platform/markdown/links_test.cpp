@@ -5,7 +5,7 @@
 namespace zephyrdown {
 namespace {
 
-/// The source of each file link, and the file it names.
+/// The source of each file link, and the file that it refers to.
 std::vector<std::pair<std::string, std::string>> filesIn(const std::string& text) {
   std::vector<std::pair<std::string, std::string>> files;
   for (const FileLink& file : ZDKAST::fromMarkdown(text).textSummary().files) {

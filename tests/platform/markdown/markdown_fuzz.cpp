@@ -8,8 +8,8 @@
 #include "platform/markdown/lines.h"
 #include "support/fuzzing.h"
 
-// What must hold of any bytes: they are read and written back, ranges lie in the text and apart,
-// operations can be done, and a link that was appended is removed without a trace.
+// Properties of any bytes: they are parsed and written unchanged, ranges are within the text and
+// separate, operations can be applied, and removing an appended link restores the text.
 
 using namespace zephyrdown;
 using support::require;
@@ -55,7 +55,7 @@ void checkLink(const std::string& text, const ZDKAST& tree) {
   const std::string shorter = done(appended, longer.removeLinkWithURL("zz.pdf"));
   const bool isFound = longer.textSummary().files.size() > tree.textSummary().files.size();
   if (!isFound || closesSomething) return;
-  // A blank line that parts the foot from a list or quote directly above stays.
+  // A blank line that separates the foot from a list or quote directly above stays.
   const bool isParted = nextLine(inserted, 0) < inserted.find(link);
   require(shorter == text || (isParted && withoutLineBreaks(shorter) == withoutLineBreaks(text)));
 }

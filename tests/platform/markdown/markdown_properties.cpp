@@ -35,7 +35,7 @@ bool holds(const Names& names, const std::string& name) {
   return std::find(names.begin(), names.end(), name) != names.end();
 }
 
-/// A line, the kind of the outermost block that it lies in, if any, and whether it shows text.
+/// A line, the kind of its top-level block, if any, and whether it has visible text.
 struct Line {
   std::optional<BlockKind> kind;
   bool showsText;
@@ -49,7 +49,7 @@ bool isMarked(const Block& block) {
          block.kind == BlockKind::quote;
 }
 
-/// Plain text, or the link to a file.
+/// Plain text, or a link to a file.
 bool showsText(std::string_view text, const Document& document, ByteRange line) {
   const auto isOn = [&](ByteRange range) {
     const std::size_t begin = std::max(range.begin, line.begin);
@@ -64,7 +64,7 @@ bool showsText(std::string_view text, const Document& document, ByteRange line) 
                      [&](const auto& file) { return isOn(file.link.range); });
 }
 
-/// Lines that hold a word: a block's text may or may not reach marks alone.
+/// The lines that contain a word; a block's text may or may not include lines with only marks.
 bool holdsWord(const std::string& line) {
   return std::any_of(line.begin(), line.end(),
                      [](char c) { return isASCIILetter(byteOf(c)) || byteOf(c) >= 0x80; });
@@ -80,17 +80,17 @@ Lines linesOf(const std::string& text) {
   for (std::size_t at = document.bodyBegin; at < text.size(); at = nextLine(text, at)) {
     const ByteRange range{at, lineEnd(text, at)};
     const std::string line = text.substr(at, range.end - at);
-    // What closes HTML that was open.
+    // A line that closes open HTML.
     const bool isClosing =
         line == "</pre>" || line == "</script>" || line == "</style>" || line == "</textarea>";
     while (block != document.blocks.end() && block->text.end <= at) ++block;
-    // Tag lines and footnotes directly below a list or quote count as no part of it.
+    // Tag lines and footnotes directly below a list or quote do not count as part of it.
     const bool mayBeFoot = line.starts_with("[^") || layout.isTagLine(at);
     isAttached = scanner.read(line).isLazy && (mayBeFoot || isAttached);
     if (isClosing || !holdsWord(line)) continue;
     const bool isInside = block != document.blocks.end() && block->text.begin < range.end;
     Line found{std::nullopt, showsText(text, document, range), line};
-    // Where text ends is known, but not which block the markup around it belongs to.
+    // The end of a text is known, but not which block the markup around it belongs to.
     const bool isMarkup =
         isInside && !found.showsText && (isMarked(*block) || block->kind == BlockKind::paragraph);
     if (isAttached) {
@@ -103,7 +103,7 @@ Lines linesOf(const std::string& text) {
   return lines;
 }
 
-/// Whether `after` is `before` with `inserted` as a whole somewhere between.
+/// Whether `after` is `before` with `inserted` at one place.
 bool isInsertion(const Lines& before, const Lines& inserted, const Lines& after) {
   if (after.size() != before.size() + inserted.size()) return false;
   const auto split = std::mismatch(before.begin(), before.end(), after.begin()).first;
@@ -140,8 +140,8 @@ class Text {
   }
 
  private:
-  /// The text that the operations make: their ranges lie in order inside of it and apart, and all
-  /// other bytes stay.
+  /// Applies the operations. Expects their ranges to be ascending, separate and within the text,
+  /// and all other bytes to stay.
   std::string rewritten(const std::string& text, Operations operations) {
     ZDKAST tree = ZDKAST::fromMarkdown(text);
     tree.applyTextOperationResults(operations);
@@ -171,8 +171,8 @@ class Text {
     }
   }
 
-  /// What is inserted stands there as it was given and by itself, and what was read before is read
-  /// still.
+  /// Expects inserted text to be in the result unchanged and as blocks of its own, and the rest to
+  /// be read as before.
   std::string checkInsertion(const Operations& insertion, const std::string& inserted) {
     EXPECT_EQ(insertion.size(), 1u);
     EXPECT_EQ(insertion.at(0).range.begin, insertion[0].range.end);
@@ -193,7 +193,8 @@ class Text {
     return longer;
   }
 
-  /// Where the title is none yet, no heading though one is inserted, or a part of the foot.
+  /// Cases in which the title may change: there is none yet, it is not a heading and one is
+  /// inserted, or it is part of the foot.
   bool mayChangeTitle(const std::string& inserted) const {
     const Document document = readDocument(text_);
     const auto titleEnd = document.headingEnd ? document.headingEnd : document.titleEnd;
@@ -201,7 +202,7 @@ class Text {
     return !document.headingEnd && readDocument(inserted).headingEnd;
   }
 
-  /// A link that is appended is found, and its removal gives the text before.
+  /// Expects an appended link to be found, and its removal to restore the text.
   void checkAppending() {
     const std::string link = ZDKAST::markdownFile("zz.pdf", "zz.pdf", true);
     const Operations appending = tree_.appendText(link);
@@ -209,12 +210,13 @@ class Text {
     ASSERT_EQ(summaryOf(appended).files.size(), summary_.files.size() + 1) << appended;
     const std::string& replacement = appending[0].replacement;
     const bool isClosing = replacement.find_first_not_of("\r\n") != replacement.find(link);
-    if (isClosing) return;  // the end of code that was left open stays
+    if (isClosing) return;  // the closing line of an open code block stays
     const std::size_t end = appending[0].range.begin;
     const std::size_t below = nextLine(text_, end);
     const bool hasFootBelow = below < text_.size() && skipBlankLines(text_, below) == below;
     const bool isParted = nextLine(replacement, 0) < replacement.find(link);
-    if (hasFootBelow && isParted) return;  // so does a blank line that parts the foot from a list
+    if (hasFootBelow && isParted)
+      return;  // so does a blank line that separates the foot from a list
     EXPECT_EQ(rewritten(appended, ZDKAST::fromMarkdown(appended).removeLinkWithURL("zz.pdf")),
               text_)
         << appended;
@@ -235,7 +237,7 @@ class Text {
     EXPECT_TRUE(ZDKAST::fromMarkdown(tagged).addHashtag("zz top", bottom).empty());
   }
 
-  /// Whether only the "--" in the tag keeps what stands around it from being a comment.
+  /// Whether only the "--" in the tag prevents the text around it from being a comment.
   bool mayBecomeComment(const std::string& name) const {
     return name.find("--") != std::string::npos && text_.find("<!--") != std::string::npos;
   }
@@ -244,7 +246,7 @@ class Text {
     const Operations removal = tree_.removeHashtag(name);
     const std::string removed = rewritten(text_, removal);
     if (mayBecomeComment(name)) return;
-    // HTML or code that stood directly behind a tag may become a block at the line's begin.
+    // HTML or code directly after a tag may become a block at the line's start.
     const bool bares = std::any_of(removal.begin(), removal.end(), [&](const auto& result) {
       const std::string next = text_.substr(result.range.end, 1);
       return next == "<" || next == "`";

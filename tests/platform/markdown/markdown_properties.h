@@ -4,8 +4,8 @@
 
 namespace zephyrdown {
 
-/// Checks the properties that every text must have, as gtest expectations: it parses and comes back
-/// unchanged, and each operation changes its own ranges only and does what it says.
+/// Checks, with gtest expectations, the properties that hold for every text: parsing and writing
+/// leaves it unchanged, and each operation changes only its own ranges and has its intended effect.
 void checkText(const std::string& text);
 
 }  // namespace zephyrdown

@@ -95,7 +95,7 @@ TEST(Markdown, HoldsItsPropertiesForRandomTexts) {
 TEST(Markdown, HoldsItsPropertiesForRandomCharacters) {
   constexpr const char* kMarks[] = {"\n", "\n\n", " ", "#", "- ", "> ",
                                     "*",  "[",    "]", "(", ")",  "`"};
-  // The first and the last of ranges that differ in how they are written, spaced or composed.
+  // The first and the last of several ranges, which differ in spelling, spacing or composition.
   constexpr std::pair<char32_t, char32_t> kRanges[] = {
       {0x01, 0x7F},     {0x80, 0xFF},       {0x300, 0x36F},     {0x590, 0x6FF},
       {0x2000, 0x206F}, {0x3000, 0x30FF},   {0xAC00, 0xAC80},   {0xFE00, 0xFEFF},

@@ -61,7 +61,7 @@ TEST(TextSummary, ListsTagsInOrderEachOnce) {
            {"---\ntags: #a\n---\n#b", {"b"}},
            {"#a_ and #_b_ and _#c_", {"a_", "_b_", "c"}},
            {"[[options]](#options) [[#a|b]](see #c)", {"c"}},
-           // Blocks that begin and end where CommonMark and GFM say.
+           // Blocks that begin and end as CommonMark and GFM specify.
            {"<prefix>\n#a\n\n#b", {"b"}},
            {"<preset>#a</preset> <styles>\n\n<scripts>\n\n#b", {"a", "b"}},
            {"<h2>#a</h2>\n\n<textarea>\n\n#b\n</textarea>\n<!doctype\n#c>\n#d", {"d"}},
@@ -90,7 +90,7 @@ TEST(TextSummary, CountsTaskListItems) {
   EXPECT_EQ(belowQuote.todoCompleted, 1);
 }
 
-// The parser takes what it stored last for the begin of the item, at one offset in 256.
+// At one offset in 256, the parser takes the last thing that it stored for the start of the item.
 TEST(TextSummary, ReadsAnItemOnBelowCodeAtEachOffset) {
   for (std::size_t length = 1; length <= 256; ++length) {
     const std::string title(length, 't');

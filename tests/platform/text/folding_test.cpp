@@ -57,7 +57,7 @@ TEST(Folding, IsTheFormOfWholeTextsWhateverTheOrderOfTheirMarks) {
   }
 }
 
-// What the units rest on. A new version of Unicode has to pass here.
+// The assumptions of comparison_units.h. A new version of Unicode has to pass this test.
 TEST(Folding, NothingReachesFromOneUnitIntoAnother) {
   forEveryScalar([](char32_t scalar) {
     if (attachesToPrevious(scalar)) return;

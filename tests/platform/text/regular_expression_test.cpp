@@ -40,7 +40,7 @@ TEST(RegularExpression, AnEscapedLiteralMatchesItselfOnly) {
 
 TEST(RegularExpression, RefusesWhatDoesNotCompileOrCannotEnd) {
   EXPECT_THROW(RegularExpression("a(", false), RegularExpressionError);
-  // Every repetition of the group is a state to come back to: ICU's stack is the limit.
+  // Each repetition of the group is a state for backtracking, so ICU's stack is the limit.
   EXPECT_THROW(matches("(?:a|b)*c", std::string(20'000'000, 'a')), RegularExpressionError);
 }
 

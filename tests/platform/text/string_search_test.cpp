@@ -33,7 +33,7 @@ std::string comparisonForm(const std::string& text, CaseFolding folding) {
   return decomposed(folded);
 }
 
-/// Where a match may begin or end, straight from the rule.
+/// Whether a match may begin or end here, by the definition.
 std::vector<std::size_t> unitBoundaries(const std::string& text) {
   std::vector<std::size_t> result{0};
   for (std::size_t at = 0; at < text.size();) {
@@ -49,7 +49,7 @@ std::vector<std::size_t> unitBoundaries(const std::string& text) {
   return result;
 }
 
-/// The definition, without any cleverness: every stretch from boundary to boundary is compared.
+/// A reference implementation: compares every range between two boundaries.
 std::vector<ByteRange> naiveMatches(const std::string& needle, const std::string& text,
                                     CaseFolding folding) {
   std::vector<ByteRange> result;
@@ -100,7 +100,8 @@ TEST(StringSearch, AgreesWithItsDefinitionOnRandomTexts) {
   }
 }
 
-// Few different scalars, so that matches overlap, are refused, and stand beside lookalikes.
+// Uses few different scalars, so that matches overlap, are rejected, and are adjacent to
+// lookalikes.
 TEST(StringSearch, AgreesWithItsDefinitionWhereMatchesCrowd) {
   const std::vector<std::vector<char32_t>> alphabets = {
       {'s', 'S', 0xDF, 0x17F, 0x1E9E},     {'a', 'A', 0x301, 0xE1, 'b'},
@@ -164,7 +165,7 @@ TEST(StringSearch, SearchesIllFormedTextAsItsBytesAre) {
   EXPECT_FALSE(StringSearch("a", CaseFolding::none).find("a", 7));
 }
 
-// A new version of Unicode has to pass here.
+// A new version of Unicode has to pass this test.
 TEST(StringSearch, KnowsEveryScalarWhoseFormIsASCII) {
   std::vector<std::tuple<std::string, std::string, std::string>> found;
   forEveryScalar([&](char32_t scalar) {
@@ -195,7 +196,7 @@ std::string repeated(std::string_view part, std::size_t count) {
   return result;
 }
 
-// Each of these takes hours in quadratic time.
+// Each of these would take hours in quadratic time.
 TEST(StringSearch, IsLinearForNeedlesThatAreMadeToHurt) {
   constexpr std::size_t kMany = 200'000;
   struct Case {

@@ -23,7 +23,8 @@ std::string madeUp(std::mt19937& random, std::size_t most) {
   return text;
 }
 
-/// The alternation, needle by needle: the earliest match, of these the longest, and on from there.
+/// A reference implementation, needle by needle: the leftmost match, of those the longest, and so
+/// on from its end.
 std::size_t countOneByOne(const std::vector<StringSearch>& searches, std::string_view text) {
   std::size_t count = 0;
   for (std::size_t from = 0;; ++count) {

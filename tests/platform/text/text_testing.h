@@ -28,7 +28,7 @@ void forEveryScalar(Check check) {
   }
 }
 
-/// Random texts over an alphabet of scalars; the same for the same seed.
+/// Generates random texts over an alphabet of scalars; the same seed gives the same texts.
 class RandomText {
  public:
   RandomText(std::span<const char32_t> alphabet, unsigned seed)

@@ -27,7 +27,7 @@ TEST(UTF8, EveryScalarSurvivesEncodingAndDecoding) {
 }
 
 TEST(UTF8, ReplacesEachMaximalIllFormedPartOnce) {
-  // Unicode 15, tables 3-8 to 3-11, and cut sequences at the text's end.
+  // Unicode 15, tables 3-8 to 3-11, and truncated sequences at the text's end.
   const std::pair<std::string_view, std::string_view> cases[] = {
       {"\xC0\xAF\xE0\x80\xBF\xF0\x81\x82\x41"sv, "????????A"},
       {"\xED\xA0\x80\xED\xBF\xBF\xED\xAF\x41"sv, "????????A"},

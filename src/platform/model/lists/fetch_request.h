@@ -9,32 +9,34 @@
 
 namespace tavimodel {
 
+/// The attributes that notes can be sorted by.
 enum class SortKey { pinned, modificationDate, creationDate, title };
 
+/// One criterion of an order.
 struct SortDescriptor {
   SortKey key;
   bool ascending;
-  /// Titles by the user's locale and without case, instead of by code points.
+  /// Compare titles by the user's locale and ignoring case, instead of by code points.
   bool localized = false;
 };
 
-/// Where notes are. One that is both in the trash and in the archive is in both; one that has been
-/// deleted for good is nowhere.
+/// A location of notes. A note can be in the trash and the archive at once; a permanently deleted
+/// note is in none.
 enum class Place { anywhere, notes, trash, archive };
 
-/// A test over the columns of `noteSummary s`.
+/// Returns an SQL test on the columns of `noteSummary s`.
 std::string_view placeTest(Place place);
 
-/// Which notes to fetch, and in which order. Of notes that are equal in every descriptor the one
-/// that was made last comes first, whatever the descriptors' directions. An absent title is equal
-/// to an empty one, an absent date earlier than all others.
+/// Which notes to fetch, and in which order. Notes that are equal in all descriptors are sorted by
+/// descending id, whatever the descriptors' directions. An absent title equals an empty one, and an
+/// absent date precedes all others.
 struct FetchRequest {
   Place place = Place::anywhere;
-  std::shared_ptr<const SearchQuery> search;  ///< null: all notes of the place
+  std::shared_ptr<const SearchQuery> search;  ///< null: all notes of `place`
   std::vector<SortDescriptor> sortDescriptors;
   std::int64_t fetchOffset = 0;
   std::int64_t fetchLimit = INT64_MAX;
-  /// Whether the notes' facts of text, pins and files are looked at.
+  /// Whether to fetch the notes' text facts, pins and files, too.
   bool detailed = true;
 };
 

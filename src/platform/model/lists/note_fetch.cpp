@@ -14,19 +14,20 @@
 namespace tavimodel {
 namespace {
 
-/// A term with more candidates than this is common: a page of it is found sooner by walking.
+/// With more candidates than this a term is common, and a page of its notes is found faster by
+/// scanning in the page's order.
 constexpr std::size_t commonFrom = 2000;
-/// Up to this many notes of a tag, a day or a state are looked up; above it, all are walked
-/// through.
+/// Up to this many notes of a tag, a day or a state are looked up; above it, all notes are scanned.
 constexpr std::int64_t mostDriven = 10'000;
-/// The same for a page: above it, walking in the page's order finds it sooner.
+/// The same limit for a page; above it, scanning in the page's order is faster.
 constexpr std::int64_t mostSorted = 400;
-/// How many notes a walk looks at before it may give up.
+/// After how many notes a scan in the page's order may give up.
 constexpr std::int64_t shortWalk = 256;
 constexpr std::int64_t longWalk = 4096;
 constexpr std::size_t unlimited = SIZE_MAX;
 
-/// An absent title and an empty one are equal, but SQL puts one before the other.
+/// Whether SQL can sort the request. Not if there are both absent and empty titles, which count as
+/// equal, but which SQL would order.
 bool canSQLSort(sqlite::Connection& connection, const FetchRequest& request) {
   const auto& keys = request.sortDescriptors;
   if (std::none_of(keys.begin(), keys.end(), [](auto& by) { return by.key == SortKey::title; })) {
@@ -48,13 +49,14 @@ bool isDriven(const SearchPlan* plan) {
   return plan != nullptr && plan->drivenNotes().has_value();
 }
 
-/// A fetch that SQL decides by itself. `plan`: null where nothing is searched for.
+/// Fetches notes by SQL alone. `plan` is null if there is no query.
 NoteTable decidedBySQL(sqlite::Connection& connection, const FetchRequest& request,
                        const SearchPlan* plan) {
   const std::string order = orderClause(request);
   const bool page = isPage(request) && !order.empty() && canSQLSort(connection, request);
   std::string from = plan != nullptr ? plan->source() : "noteSummary s";
-  // SQLite would fetch a whole list through an index of the location, and look every row up.
+  // Otherwise SQLite would read a complete list through an index of the location, and look up each
+  // row.
   if (!page && !isDriven(plan)) from += " NOT INDEXED";
   NoteTable table(request.detailed);
   std::string sql = fmt::format("SELECT {} FROM {} WHERE {} AND {}", table.columns(), from,
@@ -93,7 +95,7 @@ NoteTable sorted(NoteTable table, const FetchRequest& request) {
   return table;
 }
 
-/// The names of the counters of notes, by their places (see noteSummary.place in schema.cpp).
+/// The names of the counters that count the notes of a place (see noteSummary.place in schema.cpp).
 std::string_view counters(Place place) {
   switch (place) {
     case Place::anywhere:

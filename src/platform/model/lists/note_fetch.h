@@ -8,21 +8,21 @@
 
 namespace tavimodel {
 
-/// Answers fetch requests. What decides the road taken:
+/// Executes fetch requests. The strategy depends on the request:
 ///
-///   - A list of everything is read in the table's order and sorted in memory; a page comes from an
-///     index.
-///   - A rare term comes from the trigram index; its notes are read, decided, and sorted.
-///   - A page of a common term needs no index: the notes are walked in the page's order, reading
-///     texts until it is full.
-///   - Whatever is left reads all texts, in the table's order.
+///   - A complete list is read in table order and sorted in memory; a page comes from an index.
+///   - For a rare term, the candidates of the trigram index are checked and sorted.
+///   - For a page of a common term, notes are scanned in the page's order, checking their texts,
+///     until the page is full.
+///   - Otherwise all texts are read, in table order.
 class NoteFetch {
  public:
   explicit NoteFetch(sqlite::Connection& connection) : connection_(connection) {}
 
-  /// In the request's order, with all that metadata needs.
+  /// Returns the notes in the request's order, with all data of their metadata. Throws
+  /// sqlite::Error.
   NoteTable table(const FetchRequest& request);
-  /// How many notes the request finds; its order, offset and limit do not count.
+  /// Counts the notes that the request finds, ignoring its offset and limit. Throws sqlite::Error.
   std::int64_t count(const FetchRequest& request);
 
  private:

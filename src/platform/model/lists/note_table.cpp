@@ -15,7 +15,7 @@
 namespace tavimodel {
 namespace {
 
-/// Whether a walk over a whole relation is cheaper than a look-up for each of these notes.
+/// Whether scanning a whole relation is cheaper than a look-up for each of `notes` notes.
 bool isWalkCheaper(sqlite::Connection& connection, std::size_t notes) {
   constexpr std::size_t few = 400;
   constexpr std::int64_t stepsForALookUp = 8;
@@ -25,8 +25,9 @@ bool isWalkCheaper(sqlite::Connection& connection, std::size_t notes) {
   return static_cast<std::int64_t>(notes) * stepsForALookUp >= all.integer(0);
 }
 
-/// Runs over the rows of `relation` that belong to the notes: visit(row, query) with an index into
-/// `rows` and the columns from 1 on. Note by note, in the order of `byID`.
+/// Calls `visit(index, query)` for each row of `relation` that belongs to one of the notes, with an
+/// index into `rows` and a query whose columns begin at 1. Visits note by note, in the order of
+/// `byID`.
 template <class Visit>
 void forEachRelated(sqlite::Connection& connection, const std::vector<ListedRow>& rows,
                     const std::vector<std::uint32_t>& byID, std::string_view columns,
@@ -52,7 +53,8 @@ void forEachRelated(sqlite::Connection& connection, const std::vector<ListedRow>
   }
 }
 
-/// Adds a name to the part of a sequence that belongs to one note; notes come one after the other.
+/// Appends a name to the part of `names` that belongs to one note. All names of a note must be
+/// appended in sequence.
 template <class Part>
 void append(std::vector<std::string_view>& names, Part& part, std::string_view name) {
   if (part.count++ == 0) part.first = static_cast<std::uint32_t>(names.size());

@@ -13,46 +13,49 @@
 
 namespace tavimodel {
 
-/// The notes of a list, as they were when it was read. A list of a hundred thousand notes takes a
-/// walk over each table and some 20 MB; what belongs to the notes of a short one is looked up.
+/// A snapshot of the notes of a list. A list of a hundred thousand notes takes one scan of each
+/// table and about 20 MB; for a short list, tags and files are looked up note by note.
 class NoteTable {
  public:
-  /// `detailed`: whether the notes have digest, length, to-dos, pins and files.
+  /// `detailed`: whether to load digests, lengths, to-dos, pins and files, too.
   explicit NoteTable(bool detailed) : detailed_(detailed) {}
   NoteTable(NoteTable&&) = default;
   NoteTable& operator=(NoteTable&&) = default;
 
-  /// The columns of `noteSummary s` that `add` reads, for a SELECT list.
+  /// The SELECT list of the columns of `noteSummary s` that `add` reads.
   std::string_view columns() const;
 
-  /// Adds the note under the query's cursor; its columns begin at 0.
+  /// Adds the note of the query's current row, whose columns begin at 0.
   void add(const sqlite::Query& query);
   void reserve(std::size_t notes);
 
-  /// Loads the tags, and in detail the pins, files and missing facts of all notes: once, when all
-  /// have been added.
+  /// Loads the tags and, if `detailed`, pins, files and missing text facts. Call it once, after all
+  /// notes have been added. Throws sqlite::Error.
   void loadRelations(sqlite::Connection& connection);
 
-  /// The rows in the order in which they were added.
+  /// The rows in the order of adding.
   const std::vector<ListedRow>& rows() const { return rows_; }
-  /// Which rows the list shows, as indices into `rows()`, in its order. Until it is set: all.
+  /// Sets which rows the list has, and their order, as indices into `rows()`. Without it, the list
+  /// has all rows.
   void setOrder(std::vector<std::uint32_t> order);
 
   std::size_t size() const { return ordered_ ? order_.size() : rows_.size(); }
-  /// The note at this place of the list. Valid until the next call.
+  /// The note at `index` of the list. Valid until the next call.
   NoteView operator[](std::size_t index) const;
 
-  /// Calls `visit` with each index and the note's text, in order, one text at a time.
+  /// Calls `visit` with each index and text of the list in order. The text of a locked note is
+  /// empty. Throws sqlite::Error.
   void forEachText(
       sqlite::Connection& connection,
       const std::function<void(std::size_t index, std::string_view text)>& visit) const;
 
  private:
-  /// A part of one of the sequences below.
+  /// A range in one of the vectors below.
   struct Part {
     std::uint32_t first = 0;
     std::uint32_t count = 0;
   };
+  /// The data of a row that only a detailed list has.
   struct Details {
     std::string_view digest;
     std::int64_t length = 0;
@@ -71,14 +74,14 @@ class NoteTable {
   bool detailed_;
   StringArena arena_;
   std::vector<ListedRow> rows_;
-  std::vector<Details> details_;  ///< of each row, when detailed
+  std::vector<Details> details_;  ///< by row, if `detailed_`
   std::vector<std::uint32_t> order_;
   bool ordered_ = false;
   std::vector<std::string_view> tagNames_;  ///< ascending
-  std::vector<std::uint32_t> tags_;         ///< note by note, as places in `tagNames_`, ascending
+  std::vector<std::uint32_t> tags_;         ///< note by note: indices in `tagNames_`, ascending
   std::vector<std::string_view> pins_;      ///< note by note
   std::vector<std::string_view> filenames_;
-  mutable std::vector<std::string_view> shownTags_;  ///< of the note that was asked for last
+  mutable std::vector<std::string_view> shownTags_;  ///< of the last note returned by operator[]
 };
 
 }  // namespace tavimodel

@@ -20,10 +20,10 @@ struct Entry {
   std::uint32_t index = 0;
 };
 
-/// Numbers in the order of the doubles.
+/// Maps doubles to integers of the same order.
 std::uint64_t ordered(double key) {
   constexpr std::uint64_t sign = std::uint64_t{1} << 63;
-  const auto bits = std::bit_cast<std::uint64_t>(key + 0.0);  // one zero, not two
+  const auto bits = std::bit_cast<std::uint64_t>(key + 0.0);  // turns -0.0 into 0.0
   return (bits & sign) != 0 ? ~bits : bits | sign;
 }
 
@@ -83,7 +83,7 @@ std::vector<std::uint32_t> sortedPage(const std::vector<ListedRow>& rows,
   for (std::uint32_t i = 0; i < rows.size(); ++i) {
     entries[i].index = i;
     if (pinsFirst) {
-      // One of two values: a bit of it does.
+      // The first key has two values, so one bit of the prefix is enough.
       const bool later = rows[i].pinned == request.sortDescriptors[0].ascending;
       entries[i].prefix = (std::uint64_t{later} << 63) | (ordered(keys[1][i]) >> 1);
     } else if (!keys.empty()) {

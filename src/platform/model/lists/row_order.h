@@ -9,12 +9,12 @@
 
 namespace tavimodel {
 
-/// The rows of a request's page, in its order, as indices into `rows`: what `orderClause` would
-/// have SQL do, and localized titles besides.
+/// Sorts rows in memory, and returns the request's page as indices into `rows`. The order is that
+/// of `orderClause`, and it supports localized titles, too.
 std::vector<std::uint32_t> sortedPage(const std::vector<ListedRow>& rows,
                                       const FetchRequest& request);
 
-/// " ORDER BY ..." over `noteSummary s`, or the empty text where SQL cannot sort so.
+/// Returns " ORDER BY ..." on `noteSummary s`, or an empty string if SQL cannot sort in this order.
 std::string orderClause(const FetchRequest& request);
 
 }  // namespace tavimodel

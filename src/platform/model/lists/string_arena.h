@@ -8,7 +8,7 @@
 
 namespace tavimodel {
 
-/// Keeps copies of many short texts in a few large blocks, which go together.
+/// Stores copies of many short strings in a few large blocks, which are freed together.
 class StringArena {
  public:
   std::string_view keep(std::string_view text) {
@@ -16,7 +16,7 @@ class StringArena {
     return {keep(text, {}), text.size()};
   }
 
-  /// Copies both, one right after the other.
+  /// Copies both strings, one directly after the other.
   const char* keep(std::string_view text, std::string_view more) {
     const std::size_t size = text.size() + more.size();
     if (size > left_) addBlock(size);
@@ -28,7 +28,7 @@ class StringArena {
   }
 
  private:
-  static constexpr std::size_t firstBlock = std::size_t{16} << 10;
+  static constexpr std::size_t firstBlock = std::size_t{16} << 10;  ///< bytes
   static constexpr std::size_t largestBlock = std::size_t{1} << 20;
 
   void addBlock(std::size_t needed) {

@@ -11,21 +11,21 @@
 
 namespace tavimodel {
 
-/// The names of the tags of a list, each read and put in order once, however many notes carry it.
-/// Tags are numbered as they come.
+/// The names of the tags in a list. Each is read and sorted once, however many notes have it. Tags
+/// are numbered in the order in which they are first used.
 class TagNames {
  public:
   TagNames(sqlite::Connection& connection, StringArena& arena)
       : connection_(connection), arena_(arena) {}
 
-  /// Reads the names of all tags there are; else each is read when it is first asked for.
+  /// Reads the names of all tags in the database. Without it, each name is read on first use.
   void readAll();
-  /// Absent for a tag that is gone.
+  /// The number of the tag with this row id; absent if there is no such tag.
   std::optional<std::uint32_t> numberOf(std::int64_t tag);
 
-  /// The place of each tag, by its number, in the order of names.
+  /// The rank of each tag in the order of names, by the tag's number.
   std::vector<std::uint32_t> ranks() const;
-  /// The names by code points.
+  /// The names in code point order.
   std::vector<std::string_view> sorted() const;
 
  private:

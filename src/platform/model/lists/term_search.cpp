@@ -20,7 +20,7 @@ constexpr int titleColumn = 1;
 constexpr int lockedColumn = 2;
 constexpr int firstPlanColumn = 3;
 
-/// The few groups that narrow the search most: those whose shortest term is long.
+/// The few groups that narrow the search most: those with the longest shortest term.
 std::vector<Terms> mostTelling(std::vector<Terms> groups) {
   constexpr std::size_t enough = 3;
   const auto shortest = [](const Terms& terms) {
@@ -52,8 +52,8 @@ std::optional<std::vector<std::int64_t>> TermSearch::throughIndex(std::size_t mo
   return matchesAmong(*fewest);
 }
 
-/// Notes that may hold one of the terms. Absent when the index cannot tell, or there are more than
-/// `most`.
+/// The notes that may contain one of the terms. Absent if the index cannot look them up, or if
+/// there are more than `most`.
 std::optional<std::vector<std::int64_t>> TermSearch::candidatesOfAny(const Terms& terms,
                                                                      std::size_t most) {
   SearchIndex index(connection_);
@@ -106,7 +106,7 @@ std::optional<std::vector<std::int64_t>> TermSearch::byWalking(const FetchReques
 }
 
 std::vector<std::int64_t> TermSearch::throughAll() {
-  // Two walks side by side, both in the order of ids: a join would look every row up.
+  // Scans both tables in parallel, in the order of ids; a join would look up each row.
   const std::string from = plan_.source() + (plan_.drivenNotes() ? "" : " NOT INDEXED");
   sqlite::Query rows = select(from, " ORDER BY s.note");
   plan_.bind(rows);
@@ -129,7 +129,7 @@ bool TermSearch::matchesByLookup(const sqlite::Query& row) {
   return matches(row, text.step() ? text.text(0) : std::string_view());
 }
 
-/// `text`: the note's, empty for a locked one, which is so found by its title only.
+/// `text` is the note's text, empty if the note is locked, so that only its title can match.
 bool TermSearch::matches(const sqlite::Query& row, std::string_view text) {
   if (!plan_.ocrOnly()) return plan_.matches(row.text(titleColumn), text, row, firstPlanColumn);
   const bool locked = row.integer(lockedColumn) != 0;

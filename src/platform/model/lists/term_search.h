@@ -13,26 +13,29 @@
 
 namespace tavimodel {
 
-/// Pages up to this length are found by walking through the notes in the page's order.
+/// The maximum length of a page, in notes, that is found by scanning notes in the page's order.
 inline constexpr std::int64_t longestWalkedPage = 1000;
 
-/// The roads to the notes in which the terms of one query are. All lead to the same notes.
+/// Three ways to find the notes of a query with terms. All find the same notes, and throw
+/// sqlite::Error.
 class TermSearch {
  public:
-  /// `plan` has terms, and outlives this.
+  /// `plan` must have terms and must outlive this object.
   TermSearch(sqlite::Connection& connection, const SearchPlan& plan, Place place)
       : connection_(connection), plan_(plan), place_(place) {}
 
-  /// The ids that match, ascending, where the trigram index can narrow the search to at most `most`
-  /// candidates.
+  /// Returns the matching ids, ascending. Absent if the trigram index cannot narrow the search to
+  /// at most `most` candidates.
   std::optional<std::vector<std::int64_t>> throughIndex(std::size_t most);
 
-  /// Ids in the request's order until its page is full. Absent where SQL cannot sort so, and when
-  /// `patience` notes have been looked at with less than a quarter of the page found.
+  /// Scans notes in the request's order until its page is full, and returns the page's ids. Absent
+  /// if SQL cannot sort in that order, or if after `patience` notes less than a quarter of the page
+  /// has been found.
   std::optional<std::vector<std::int64_t>> byWalking(const FetchRequest& request,
                                                      std::int64_t patience);
 
-  /// All ids that match, ascending, by reading the texts of all notes that SQL leaves.
+  /// Returns the matching ids, ascending, by reading the texts of all notes that satisfy the
+  /// conditions in SQL.
   std::vector<std::int64_t> throughAll();
 
  private:

@@ -8,13 +8,14 @@
 
 namespace tavimodel {
 
-/// The texts of notes that are asked for by ascending id: a walk over all of them, which leaps
-/// where the next one is far.
+/// Reads texts of notes by ascending id. It scans the table, and seeks if the next note is far
+/// away.
 class TextWalk {
  public:
   explicit TextWalk(sqlite::Connection& connection) : connection_(connection) {}
 
-  /// Empty for a locked note and for one that does not exist. Valid until the next call.
+  /// The note's text, empty for a locked or missing note. Valid until the next call. Throws
+  /// sqlite::Error.
   std::string_view textOf(std::int64_t note);
 
  private:

@@ -9,13 +9,14 @@
 
 namespace tavimodel {
 
-/// The application's database, opened for a program beside it, and the context of its objects.
+/// Owns the application's open database and the context of its objects.
 class KVCoreDataStackForExtensions {
  public:
   using Access = Database::Access;
 
-  /// Opens the database in `folder`, the application's data folder. Null, and a sentence in
-  /// `error`, when it cannot be had; it is left as it was. `kept`: see Database.
+  /// Opens the database in `folder`, the application's data folder. If that fails, returns null
+  /// with a sentence for the user in `error`, and leaves the database as it was. `kept`: see
+  /// Database.
   static std::unique_ptr<KVCoreDataStackForExtensions> initStackOutputError(
       const std::filesystem::path& folder, std::string& error, Access access = Access::readWrite,
       KeptConnection* kept = nullptr);

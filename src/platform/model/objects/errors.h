@@ -7,13 +7,13 @@ namespace tavimodel {
 
 inline constexpr const char* NSCocoaErrorDomain = "NSCocoaErrorDomain";
 
-/// Codes of a save that met somebody else's change.
+/// Codes for a save that conflicts with another program's change.
 enum CocoaErrorCode {
-  managedObjectMergeError = 133020,            ///< a row that was read is gone
+  managedObjectMergeError = 133020,            ///< a row that was read has been deleted
   persistentStoreSaveConflictsError = 134050,  ///< a row that was read has changed since
 };
 
-/// An error told by domain and code, as a caller of `ManagedObjectContext::save` sees it.
+/// An error with a domain and a code, thrown by `ManagedObjectContext::save`.
 class DomainError : public std::runtime_error {
  public:
   DomainError(std::string domain, int code, const std::string& message)

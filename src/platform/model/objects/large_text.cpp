@@ -21,7 +21,7 @@ using Blob = std::unique_ptr<sqlite3_blob, CloseBlob>;
   throw sqlite::Error(code, sqlite3_system_errno(database), sqlite3_errmsg(database));
 }
 
-/// Null when the row is gone, or its text is NULL or a number.
+/// Null if the row does not exist, or its text is NULL or a number.
 Blob openText(sqlite3* database, std::int64_t note) {
   sqlite3_blob* blob = nullptr;
   const int code = sqlite3_blob_open(database, "main", "note", "text", note, 0, &blob);

@@ -12,15 +12,16 @@ namespace sqlite {
 class Connection;
 }
 
-/// Texts of this many bytes and more are read straight into their place: of others SQLite makes a
-/// copy of its own, which is quicker.
+/// Texts of at least this many bytes are read directly into their string. For shorter ones a query
+/// is faster, although SQLite makes a copy of its own.
 constexpr std::int64_t largeText = 256 * 1024;
 
-/// The text of a note; nothing when the note is gone or has none. Throws sqlite::Error.
+/// Reads the text of the note with this row id; absent if there is no such note or it has no text.
+/// Throws sqlite::Error.
 std::optional<std::string> readLargeText(sqlite::Connection& connection, std::int64_t note);
 
-/// Its SHA-256, worked out in little memory; nothing when the note is gone or has no text. Throws
-/// sqlite::Error.
+/// The SHA-256 of the note's text, computed in pieces to save memory; absent if there is no such
+/// note or it has no text. Throws sqlite::Error.
 std::optional<platform::system::SHA256Digest> digestOfLargeText(sqlite::Connection& connection,
                                                                 std::int64_t note);
 

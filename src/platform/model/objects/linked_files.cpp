@@ -18,7 +18,7 @@ using zephyrdown::FileLink;
 using Ranks = std::vector<std::size_t>;
 constexpr std::size_t noLink = std::numeric_limits<std::size_t>::max();
 
-/// For each file, the index of the first link that names it, or `noLink`.
+/// For each file, the index of the first link to it, or `noLink`.
 Ranks firstLinks(const std::vector<KVNoteFile>& files, const std::vector<FileLink>& links) {
   std::unordered_set<std::string> names;
   for (const KVNoteFile& file : files) names.insert(file.filename.value_or(""));

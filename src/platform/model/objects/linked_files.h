@@ -7,18 +7,18 @@
 
 namespace tavimodel {
 
-/// What becomes of a file that the old text links and the new one does not.
+/// What to do with a file that the old text links to and the new one does not.
 enum class UnlinkedFiles {
-  keep,    ///< it stays in the note's list
-  remove,  ///< it leaves the note, and its bytes are deleted
+  keep,    ///< keep it in the note's list
+  remove,  ///< remove it from the note and delete its bytes
 };
 
-/// A note's files after a change of its text, in the order in which the new text first links them;
-/// those that it does not link come last, in the order that they had. `position` counts from 0.
+/// Returns a note's files after a change of its text, ordered by their first link in the new text;
+/// files without a link come last, in their old order. Sets `position`, from 0.
 ///
-/// A link names the files of exactly its name, or, where the note has none, those of a canonically
-/// equivalent one. A file that `before` links and `after` does not is left out; one that neither
-/// links stays. So an empty `before` keeps all files.
+/// A link refers to the files of exactly its name or, if the note has none, to those of a
+/// canonically equivalent name. Removes files that `before` links to and `after` does not, and
+/// keeps those that neither links to. So an empty `before` keeps all files.
 std::vector<KVNoteFile> filesAfterChange(std::vector<KVNoteFile> files,
                                          const std::vector<zephyrdown::FileLink>& before,
                                          const std::vector<zephyrdown::FileLink>& after);

@@ -70,7 +70,7 @@ bool ManagedObjectContext::hasChanges() {
 void ManagedObjectContext::save() {
   const Entries changed = this->changed();
   if (!locked_) snapshot_.reset();
-  // Pages that do not fit are written to the log, and read from it, again and again.
+  // Pages that do not fit in the cache would be written to the log and read again repeatedly.
   if (changed.size() > manyNotes) connection_.execute("PRAGMA cache_size = -65536");  // KiB
   if (!locked_) beginWriting();
   const std::unique_ptr<sqlite::Transaction> transaction = std::move(snapshot_);

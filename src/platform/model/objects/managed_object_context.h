@@ -18,55 +18,56 @@
 
 namespace tavimodel {
 
-/// The notes that a run has to do with. Each note is one object (identity map). Reads see one state
-/// of the database, from the first read to the next save or reset.
+/// The notes in use, each as one object (identity map). All reads from the first one to the next
+/// save or reset see the same snapshot of the database. Functions throw sqlite::Error.
 ///
-/// A save is one transaction, and finds every change that another process made to a changed note
-/// since it was read: nothing is merged, nothing half-overwritten.
+/// A save is one transaction. It fails if another process has changed a modified note since it was
+/// read, so that nothing is merged or partly overwritten.
 class ManagedObjectContext {
  public:
   ManagedObjectContext(sqlite::Connection& connection, FileStore& files);
 
-  /// The notes of a list, in the request's order; they are not objects of the context.
+  /// Returns the notes of a list, in the request's order. They are not objects of the context.
   NoteTable fetch(const FetchRequest& request);
-  /// How many notes the request finds; its order, offset and limit do not count.
+  /// Counts the notes that the request finds, ignoring its offset and limit.
   std::int64_t count(const FetchRequest& request);
 
-  /// Whether any note is pinned globally, wherever it is.
+  /// Whether any note in any location is pinned globally.
   bool hasPinnedNote();
 
-  /// Calls `visit` with each note of a list and its text, in order, holding one text at a time.
+  /// Calls `visit` with each note of a list and its text, in order, with one text in memory at a
+  /// time.
   void forEachText(const NoteTable& table,
                    const std::function<void(const NoteView&, std::string_view)>& visit);
 
-  /// Forgets everything, and holds the database's write lock until the next save, rollback or
-  /// reset: what is read until then is what the save finds.
+  /// Does a reset, and holds the database's write lock until the next save, rollback or reset, so
+  /// that the save cannot conflict.
   void lockForWriting();
   bool hasChanges();
-  /// Throws DomainError for a save conflict, else sqlite::Error or std::system_error; of a save
-  /// that failed nothing is stored.
+  /// Stores all changes. Throws DomainError for a conflict, otherwise sqlite::Error or
+  /// std::system_error; a failed save stores nothing.
   void save();
-  /// Forgets all changes.
+  /// Discards all changes.
   void rollback();
-  /// Forgets everything. Notes handed out before are gone.
+  /// Discards all changes and all notes; references to notes become invalid.
   void reset();
 
-  // For the objects of the model.
+  // The rest is used by the objects of the model only.
 
-  /// The connection for a read, in the context's snapshot.
+  /// Returns the connection, in the context's snapshot, which it opens if needed.
   sqlite::Connection& reading();
   FileStore& files() { return files_; }
-  /// The note of a row: the one that is there already, or a new one.
+  /// Returns the object of a row's note, and creates it if needed.
   KVNote& noteOf(NoteRow row);
   std::vector<KVNote*> notesOf(std::vector<NoteRow> rows);
-  /// The notes that carry the tag named, or one of its children too.
+  /// The notes with the tag `name` or, if `children`, with a descendant of it.
   std::vector<KVNote*> notesWithTag(std::string_view name, bool children);
   std::vector<KVNote*> notesPinnedIn(std::string_view name, bool children);
-  /// A note that the next save puts into the database.
+  /// Adds a note, which the next save inserts into the database.
   KVNote& insert(NoteState state);
 
  private:
-  /// A note's state, and the object through which others see it.
+  /// A note's state and its public object.
   struct Entry {
     Entry(ManagedObjectContext& context, NoteState state)
         : held{std::move(state), nullptr}, note(context, held) {}

@@ -25,7 +25,7 @@ bool areSame(std::vector<std::string> a, std::vector<std::string> b) {
   return a == b;
 }
 
-/// Whether `files` are those of `ordered`, at the same positions.
+/// Whether `files` equal `ordered`, including their positions.
 bool havePositions(const std::vector<KVNoteFile>& files, const std::vector<KVNoteFile>& ordered) {
   return std::equal(files.begin(), files.end(), ordered.begin(), ordered.end(),
                     [](const KVNoteFile& a, const KVNoteFile& b) {
@@ -33,7 +33,7 @@ bool havePositions(const std::vector<KVNoteFile>& files, const std::vector<KVNot
                     });
 }
 
-/// Canonically equivalent names are one name (Unicode 3.12, D70).
+/// Whether two names are canonically equivalent (Unicode 3.12, D70).
 bool isSameName(std::string_view a, std::string_view b) {
   return platform::text::compareByCodePoints(a, b) == 0;
 }
@@ -80,7 +80,7 @@ const Value& KVNote::loaded(std::optional<Value> NoteState::*member,
   std::optional<Value>& value = held_.now.*member;
   if (!value) {
     value = (NoteReader(context_.reading()).*read)(held_.now.row.id);
-    // What is read after the first change was in the database before it.
+    // A value that is read after the first change is also the committed value.
     if (held_.committed) (*held_.committed).*member = value;
   }
   return *value;
@@ -177,7 +177,7 @@ void KVNote::updateNoteWithText(std::string text, bool updateModificationDate,
   if (rewritten) dropLargeText();
   const zephyrdown::ZDKTextSummary summary = zephyrdown::textSummary(text);
   std::vector<KVNoteFile> files = filesAfterChange(orderedFiles(), linkedBefore, summary.files);
-  // Read in any case: the save compares with what was there.
+  // Reads the tags in any case, because the save compares them with the new ones.
   const std::vector<std::string>& tags = tagsStrings();
   const bool agrees = title() == summary.title && areSame(tags, summary.tags) &&
                       havePositions(orderedFiles(), files);

@@ -16,21 +16,21 @@ namespace tavimodel {
 class ManagedObjectContext;
 class NoteReader;
 
-/// A note of a context, which owns its state. What is read is loaded on first use and stays; what
-/// is changed stays in memory until the context saves, and is undone by its rollback.
+/// A note of a context, which owns its state. Attributes are loaded on first use and cached.
+/// Changes stay in memory until the context saves them; its rollback undoes them.
 class KVNote {
  public:
-  /// The note with this identifier, in any location, or null.
+  /// The note with this identifier in any location; null if there is none.
   static KVNote* noteWithUniqueIdentifier(std::string_view identifier,
                                           ManagedObjectContext& context);
-  /// All notes with this title, but for case and canonical equivalence, in any location; without
-  /// those that are permanently deleted.
+  /// All notes in any location whose titles equal `title`, ignoring case and Unicode normalization,
+  /// except permanently deleted notes.
   static std::vector<KVNote*> notesWithTitle(std::string_view title, ManagedObjectContext& context);
-  /// A new note of the text; title, tags and to-dos are derived from it.
+  /// Creates a note; its title, tags and to-dos are derived from the text.
   static KVNote& noteWithText(std::string text, ManagedObjectContext& context);
-  /// What a note that comes from elsewhere brings along. Dates: seconds since 1970-01-01 UTC.
+  /// Attributes of an imported note. Dates are in seconds since 1970-01-01 UTC.
   struct Origin {
-    std::string uniqueIdentifier;  ///< of no note in the database; empty: a new random one
+    std::string uniqueIdentifier;  ///< must not be in use; empty: a new random one
     std::optional<double> creationDate, modificationDate;
   };
   static KVNote& noteWithText(std::string text, Origin origin, ManagedObjectContext& context);
@@ -49,58 +49,60 @@ class KVNote {
   bool archivedValue() const { return held_.now.row.archived; }
   bool pinnedValue() const { return held_.now.row.pinned; }
 
-  /// The Markdown; absent counts as empty.
+  /// The Markdown text; empty if absent.
   const std::string& text();
-  /// The same, which the note does not keep where it has not read it yet.
+  /// The text, without caching it if it was not cached before.
   std::string textOnce();
-  /// Calls `visit` with the text, neither kept nor copied: for one that is only looked at and may
-  /// be huge. It is good until `visit` returns.
+  /// Calls `visit` with the text, without caching or copying it, as it may be huge. The view is
+  /// valid until `visit` returns.
   void readText(const std::function<void(std::string_view)>& visit);
-  /// Of the text: hash, length, to-dos.
+  /// The text's hash, length and to-do counts.
   const TextFacts& textFacts();
   std::int32_t todoIncompleteValue() {
     return static_cast<std::int32_t>(textFacts().todoIncomplete);
   }
   std::int32_t todoCompletedValue() { return static_cast<std::int32_t>(textFacts().todoCompleted); }
-  /// Canonical names, without order.
+  /// Canonical names, unordered.
   const std::vector<std::string>& tagsStrings();
-  /// Names of the tags in which the note is pinned, without order.
+  /// Names of the tags in which the note is pinned, unordered.
   const std::vector<std::string>& pinnedInTags();
+  /// The attached files, ascending by position.
   const std::vector<KVNoteFile>& orderedFiles();
-  /// The file of this name or, without one, of a canonically equivalent one; null: there is none.
+  /// The file with this name or, if there is none, with a canonically equivalent name; otherwise
+  /// null.
   const KVNoteFile* attachmentForFilename(std::string_view filename);
-  /// Where a file's bytes lie, or nothing when they are not on this machine.
+  /// The path of a file's bytes; absent if they are not on this machine.
   std::optional<std::filesystem::path> fileURL(const KVNoteFile& file) const;
 
-  /// Replaces the text, and derives title, tags, to-dos and the order of the files from it at once,
-  /// also where the text is the same: another program may have left them out of step. What happens
-  /// to files whose links vanish is the caller's choice (see linked_files.h).
+  /// Replaces the text, and derives title, tags, to-dos and the order of the files from it, even if
+  /// the text is the same, since another program may have left them inconsistent. `unlinked` says
+  /// what to do with files whose links are removed.
   void updateNoteWithText(std::string text, bool updateModificationDate,
                           UnlinkedFiles unlinked = UnlinkedFiles::keep);
   void trash();
-  /// To the notes, also where the note is archived besides.
+  /// Moves the note out of the trash, and out of the archive if it is also there.
   void restoreFromTrash();
   void archive();
   void unarchive();
   void pin();
   void unpin();
-  /// Writes down other tags for a note whose text stays: a locked one.
+  /// Replaces the tags without changing the text, for a locked note.
   void setTagsStrings(std::vector<std::string> tagNames);
   void pinInTag(const std::string& tagName);
   void unpinInTag(const std::string& tagName);
-  /// Whether a link of this name in the note's text is one to `file` (of this note).
+  /// Whether a link with this name in the note's text refers to `file`, one of the note's files.
   bool linkNames(std::string_view linked, const KVNoteFile& file);
-  /// Adds a file whose bytes are staged; its position is the last one.
+  /// Adds a file whose bytes are staged, at the last position.
   const KVNoteFile& addFile(KVNoteFile file);
-  /// Takes a file off the note, whether its text links it or not.
+  /// Removes a file from the note, whether or not the text links to it.
   void removeFile(const KVNoteFile& file);
 
  private:
-  /// The value, read from the database on first use.
+  /// Returns the value, which is read from the database on first use.
   template <class Value>
   const Value& loaded(std::optional<Value> NoteState::*member,
                       Value (NoteReader::*read)(std::int64_t note));
-  /// Keeps what the database holds, for the save and for a rollback.
+  /// Preserves the committed state before the first change, for the save and for a rollback.
   void willChange();
   void dropLargeText();
   void setFlag(bool NoteRow::*flag, bool value);

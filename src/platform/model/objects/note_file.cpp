@@ -14,10 +14,10 @@
 namespace tavimodel {
 namespace {
 
-/// What common file systems hold, so that an attachment can be saved anywhere.
+/// The limit of common file systems in bytes, so that an attachment can be saved anywhere.
 constexpr std::size_t longestName = 255;
 
-/// The name as it stands in a sentence.
+/// The name for use in a one-line message.
 std::string onOneLine(const std::string& name) {
   std::string shown = platform::text::replacingInvalidUTF8(name.substr(0, longestName));
   std::replace_if(
@@ -25,8 +25,8 @@ std::string onOneLine(const std::string& name) {
   return shown;
 }
 
-/// "photo.jpg", "photo 2.jpg", "photo 3.jpg": the first that the note does not have. Canonically
-/// equivalent names count as one: some file systems keep them apart, others do not.
+/// The first free name of "photo.jpg", "photo 2.jpg", "photo 3.jpg" and so on. Canonically
+/// equivalent names count as equal, as on some file systems.
 std::string freeName(const std::string& wanted, const std::vector<KVNoteFile>& files) {
   std::unordered_set<std::string> taken;
   for (const KVNoteFile& file : files) {

@@ -37,7 +37,7 @@ std::optional<NoteRow> NoteReader::rowWithIdentifier(std::string_view identifier
 }
 
 std::vector<NoteRow> NoteReader::rowsWithTitle(std::string_view title) {
-  // A key that is not known is one whose title SQL could not fold.
+  // The key is NULL if the title has not been folded yet, which SQL cannot do.
   sqlite::Query query =
       connection_.query(fmt::format("SELECT {} FROM noteSummary s WHERE (s.titleKey = ?1 "
                                     "OR (s.searchRow IS NULL AND s.titleKey IS NULL)) "

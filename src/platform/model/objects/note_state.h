@@ -11,21 +11,21 @@
 
 namespace tavimodel {
 
-/// A note and what belongs to it. What is absent has not been read from the database.
+/// A note with its text, tags, pins and files. Absent members have not been read yet.
 struct NoteState {
   NoteRow row;
-  std::shared_ptr<const std::string> text;  ///< shared by copies of the state, for it may be huge
-  /// Of a large text that was read, and is no longer kept.
+  std::shared_ptr<const std::string> text;  ///< shared by copies of the state, since it may be huge
+  /// Of a large text that has been read and freed again.
   std::optional<platform::system::SHA256Digest> textDigest;
-  std::optional<std::vector<std::string>> tags;          ///< canonical names, without order
-  std::optional<std::vector<std::string>> pinnedInTags;  ///< names of tags, without order
+  std::optional<std::vector<std::string>> tags;          ///< canonical names, unordered
+  std::optional<std::vector<std::string>> pinnedInTags;  ///< names of tags, unordered
   std::optional<std::vector<KVNoteFile>> files;          ///< in the note's order
 };
 
-/// A note as its context holds it, from the first read to the end of the context.
+/// A note's current and committed state in its context.
 struct HeldNote {
   NoteState now;
-  std::unique_ptr<NoteState> committed;  ///< what the database holds; null: nothing has changed
+  std::unique_ptr<NoteState> committed;  ///< the state in the database; null if nothing has changed
 };
 
 }  // namespace tavimodel

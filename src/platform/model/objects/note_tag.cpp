@@ -19,8 +19,8 @@ void rewrite(KVNote& note, const Operations& operations) {
   note.updateNoteWithText(zephyrdown::withOperations(note.text(), operations), false);
 }
 
-/// Rows say so, and may be wrong: another program wrote them, or the text was locked when the tag
-/// was renamed. Writing the text derives them afresh.
+/// Whether the note has a row for the tag. Rows may disagree with the text if another program wrote
+/// them, or if the text was locked when the tag was renamed; updating the text derives them again.
 bool hasRow(KVNote& note, const std::string& tag) {
   const std::vector<std::string>& rows = note.tagsStrings();
   return std::find(rows.begin(), rows.end(), tag) != rows.end();
@@ -36,7 +36,7 @@ void removeTag(KVNote& note, const std::string& tag) {
   if (!operations.empty() || hasRow(note, tag)) rewrite(note, operations);
 }
 
-/// `tag`, or one below it.
+/// Whether `name` is `tag` or a descendant of it.
 bool isWithin(std::string_view name, std::string_view tag) {
   return name.starts_with(tag) && (name.size() == tag.size() || name[tag.size()] == '/');
 }
@@ -45,7 +45,7 @@ std::string renamed(const std::string& name, const std::string& tag, const std::
   return isWithin(name, tag) ? newName + name.substr(tag.size()) : name;
 }
 
-/// The names within `tag` that the note's rows have and its text has not.
+/// The names of `tag` and its descendants in the note's rows that are not in its text.
 std::vector<std::string> missingInText(KVNote& note, const ZDKAST& tree, const std::string& tag) {
   std::unordered_set<std::string> written;
   for (zephyrdown::HashtagMention& mention : tree.hashtags()) written.insert(mention.name);
@@ -68,8 +68,8 @@ void renameTag(KVNote& note, const std::string& tag, const std::string& newName,
   for (const std::string& name : missing) addTag(note, renamed(name, tag, newName), bottom);
 }
 
-/// Changes the rows of a locked note, whose text stays as it is. `plan` gives the name that a tag
-/// has from now on, or nothing.
+/// Changes the tag rows of a locked note, whose text stays as it is. `plan` returns the new name of
+/// a tag; if absent, the tag is removed.
 void relabel(KVNote& note,
              const std::function<std::optional<std::string>(const std::string&)>& plan) {
   std::vector<std::string> names;
@@ -84,7 +84,7 @@ void relabel(KVNote& note,
 }  // namespace
 
 std::vector<KVNoteTag> KVNoteTag::populatedNotesTags(ManagedObjectContext& context) {
-  // Orphans of a note that is gone do not count.
+  // Ignores rows whose note does not exist.
   sqlite::Query query = context.reading().query(
       "SELECT title FROM tag WHERE EXISTS (SELECT 1 FROM noteTag JOIN noteSummary s "
       "ON s.note = noteTag.note WHERE noteTag.tag = tag.id "
@@ -112,7 +112,7 @@ std::vector<KVNoteTag> KVNoteTag::allTags(ManagedObjectContext& context) {
 
 std::optional<KVNoteTag> KVNoteTag::tagWithName(std::string_view name,
                                                 ManagedObjectContext& context) {
-  // A program that writes tags itself may have left the ancestors out.
+  // Another program may have added the tag without its ancestors.
   sqlite::Query query =
       context.reading().query("SELECT 1 FROM tag WHERE " + isInTagTree("title", "?1") + " LIMIT 1");
   query.bind(1, name);

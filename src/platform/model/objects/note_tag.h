@@ -10,38 +10,38 @@ namespace tavimodel {
 class KVNote;
 class ManagedObjectContext;
 
-/// A tag by its canonical name. Tags are written in the notes' texts: what is done to a tag is done
-/// to the texts of its notes, without touching their modification dates. Text in code stays, and so
-/// does the text of a locked note: of that only the record changes which tags it carries.
+/// A tag, identified by its canonical name. Tags are hashtags in the notes' texts, so changing a
+/// tag rewrites the texts of its notes, but not their modification dates. Text in code does not
+/// change, nor does the text of a locked note, of which only the tag rows change.
 class KVNoteTag {
  public:
-  /// Every tag that has notes.
+  /// All tags that have notes.
   static std::vector<KVNoteTag> populatedNotesTags(ManagedObjectContext& context);
-  /// Every tag, with or without notes.
+  /// All tags, with or without notes.
   static std::vector<KVNoteTag> allTags(ManagedObjectContext& context);
-  /// Tags with a note pinned in them.
+  /// All tags in which a note is pinned.
   static std::vector<KVNoteTag> tagsWithPins(ManagedObjectContext& context);
-  /// The tag of exactly this name, or nothing. The ancestors of a tag are tags.
+  /// The tag with exactly this name, if it exists. The ancestors of a tag exist, too.
   static std::optional<KVNoteTag> tagWithName(std::string_view name, ManagedObjectContext& context);
-  /// The tag of this name, which comes into being with its first note.
+  /// The tag with this name; if it is new, it is stored with its first note.
   static KVNoteTag getOrCreateTagWithName(std::string_view name, ManagedObjectContext& context);
 
   const std::string& title() const { return title_; }
-  /// The notes that carry exactly this tag.
+  /// The notes with exactly this tag.
   std::vector<KVNote*> notes() const;
   std::size_t noteCount() const;
-  /// The notes that carry this tag or one below it: those that a rename changes.
+  /// The number of notes with this tag or a descendant, which a rename would change.
   std::size_t noteCountWithChildren() const;
 
-  /// Writes the hashtag into each text, at the top or at the bottom, where it is not there yet.
+  /// Adds the hashtag at the top or bottom of each text that lacks it.
   void addTagToNotes(const std::vector<KVNote*>& notes, bool bottom) const;
-  /// Takes every mention of exactly this tag out of each text.
+  /// Removes all hashtags of exactly this tag from each text.
   void deleteTagInNotes(const std::vector<KVNote*>& notes) const;
-  /// Rewrites the tag and its children in every note, and moves the pins; an existing tag of the
-  /// new name takes them in. Where a note carries the tag and its text does not mention it, the new
-  /// hashtag is added at the top or at the bottom.
+  /// Renames the tag and its descendants in every note, and moves the pins; if a tag with the new
+  /// name exists, they are merged. If a note's rows have the tag but its text does not, the new
+  /// hashtag is added at the top or bottom.
   void renameTagWithTagNamed(const std::string& newName, bool bottom) const;
-  /// Takes the tag out of all its notes, and the pins in it. Children stay.
+  /// Removes the tag from all its notes, and all pins in it. Its descendants stay.
   void deleteTag() const;
 
  private:

@@ -14,10 +14,10 @@ namespace {
 using platform::system::SHA256Digest;
 using Names = std::vector<std::string>;
 
-/// Tags nested deeper, which only another program can have written, lack rows for their ancestors.
+/// Limit of ancestors that get rows. Only another program can have written more deeply nested tags.
 constexpr int mostAncestors = 100;
 
-/// The names of `from` that `without` lacks.
+/// The names in `from` that are not in `without`.
 std::vector<std::string_view> difference(const Names& from, const Names& without) {
   const std::unordered_set<std::string_view> excluded(without.begin(), without.end());
   std::vector<std::string_view> result;
@@ -135,7 +135,7 @@ void NoteWriter::writeFacts(NoteRow& row) {
     keyUnknown = query.integer(1) != 0;
   }
   if (!row.encrypted && !row.permanentlyDeleted) storeLinks(connection_, row.id, facts.links);
-  if (!keyUnknown) return;  // an old title's: it is not written anew
+  if (!keyUnknown) return;  // the key of the old title must not be stored again
   const std::string key = platform::text::foldedForSearch(row.title.value_or(""));
   sqlite::Query query = connection_.query("UPDATE noteSummary SET titleKey = ?2 WHERE note = ?1");
   query.bind(1, row.id).bind(2, key).run();
@@ -164,7 +164,7 @@ void NoteWriter::writeRelation(std::int64_t note, const Names& now, const Names&
 
 void NoteWriter::writeFiles(NoteState& note, const std::vector<KVNoteFile>& before) {
   std::vector<KVNoteFile>& now = *note.files;
-  std::unordered_map<std::int64_t, std::int64_t> positions;  // of the files that were there, by id
+  std::unordered_map<std::int64_t, std::int64_t> positions;  // of the previous files, by id
   for (const KVNoteFile& file : before) positions.emplace(file.id, file.position);
   for (KVNoteFile& file : now) {
     if (file.id == 0) {
@@ -213,7 +213,7 @@ std::int64_t NoteWriter::tagIDMade(std::string_view name) {
 }
 
 void NoteWriter::removeDeadTags() {
-  // "0" is the character after "/": the range holds the names below this one.
+  // "0" is the character after "/", so the range has the names of the descendants.
   constexpr const char* removeIfDead =
       "DELETE FROM tag WHERE title = ?1 "
       "AND NOT EXISTS (SELECT 1 FROM noteTag WHERE noteTag.tag = tag.id) "

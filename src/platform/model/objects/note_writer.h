@@ -12,18 +12,19 @@
 
 namespace tavimodel {
 
-/// Writes the changes of notes, inside a transaction of the caller's.
+/// Writes changes of notes, in the caller's transaction. Functions throw sqlite::Error.
 class NoteWriter {
  public:
   explicit NoteWriter(sqlite::Connection& connection) : connection_(connection) {}
 
-  /// Throws DomainError when somebody else has changed or removed the note since it was read.
+  /// Throws DomainError if another program has changed or deleted the note since it was read.
   void checkVersion(const NoteState& read);
-  /// Gives the note its id and version, and its files theirs.
+  /// Inserts a note, and sets its id and version and the ids of its files.
   void insert(NoteState& note);
-  /// Writes what differs; gives the note its new version. A text differs when it is another object.
+  /// Writes the differences between two states of a note, and sets its new version. Texts are
+  /// compared by address.
   void update(NoteState& now, const NoteState& before);
-  /// Removes the tags that these writes have left without notes, pins and descendants.
+  /// Removes tags that these writes have left without notes, pins and descendants.
   void removeDeadTags();
 
  private:
@@ -39,7 +40,7 @@ class NoteWriter {
   void writeFiles(NoteState& note, const std::vector<KVNoteFile>& before);
   void insertFile(std::int64_t note, KVNoteFile& file);
   std::optional<std::int64_t> tagID(std::string_view name);
-  /// The tag's id; the tag, and the ancestors that it lacks, are made where needed.
+  /// Returns the tag's id. Inserts the tag and its ancestors if they are missing.
   std::int64_t tagIDMade(std::string_view name);
 
   sqlite::Connection& connection_;

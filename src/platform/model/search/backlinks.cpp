@@ -16,8 +16,8 @@ namespace {
 
 using Notes = std::vector<std::int64_t>;
 
-/// Looks notes up by their titles, as links have them: by the index of folded titles, and among the
-/// few whose folded titles are not known yet.
+/// Looks up notes by the titles in links, using the index of folded titles, and a map of the few
+/// notes whose folded titles are not stored yet.
 class TitleLookup {
  public:
   explicit TitleLookup(sqlite::Connection& connection) : connection_(connection) {
@@ -28,11 +28,11 @@ class TitleLookup {
     }
   }
 
-  /// Notes by their folded titles, as far as the index of these lacks them.
+  /// The notes missing from the index of folded titles, by folded title.
   const std::unordered_map<std::string, Notes>& unknown() const { return unknown_; }
 
-  /// The notes that a folded link names. It may name a heading inside the note, "Title/Heading",
-  /// and a title may have slashes: the longest title counts.
+  /// The notes that a folded link target names. The target may name a heading in the note,
+  /// "Title/Heading", and titles may contain slashes: the longest matching title wins.
   const Notes& notesCalled(std::string_view target) {
     for (std::size_t length = target.size(); length != std::string::npos && length > 0;
          length = target.rfind('/', length - 1)) {
@@ -58,7 +58,7 @@ class TitleLookup {
 
   sqlite::Connection& connection_;
   std::unordered_map<std::string, Notes> unknown_;
-  std::unordered_map<std::string, Notes> known_;  // what has been looked up, by folded title
+  std::unordered_map<std::string, Notes> known_;  // cache of look-ups, by folded title
   Notes none_;
 };
 
@@ -76,10 +76,10 @@ std::vector<std::int64_t> linkedNotes(sqlite::Connection& connection) {
     addAll(from, titles.notesCalled(target));
   };
   std::string unknown = fmt::format("(s.features IS NULL OR {})", FeatureSQL::wikiLinks);
-  if (isCurrent(connection)) {
+  if (hasCurrentSchema(connection)) {
     unknown = fmt::format("s.searchRow IS NULL AND (s.features IS NULL OR {})",
                           FeatureSQL::linksNotStored);
-    // In the order of titles, so that neighbours are looked up on the same page of their index.
+    // Sorted by title, so that consecutive look-ups hit the same page of the title index.
     sqlite::Query exact = connection.query(
         "SELECT s.note FROM noteLink l CROSS JOIN noteSummary s ON s.titleKey = l.target "
         "WHERE s.note <> l.note ORDER BY l.target");

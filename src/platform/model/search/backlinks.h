@@ -7,8 +7,8 @@
 
 namespace tavimodel {
 
-/// The notes to which the text of another note links by their titles, without order and perhaps
-/// more than once. Links in locked and in permanently deleted notes do not count.
+/// Returns the ids of the notes that another note's text links to by title, unordered, possibly
+/// with duplicates. Ignores links in locked and permanently deleted notes. Throws sqlite::Error.
 std::vector<std::int64_t> linkedNotes(sqlite::Connection& connection);
 
 }  // namespace tavimodel

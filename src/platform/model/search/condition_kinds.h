@@ -8,32 +8,34 @@
 
 namespace tavimodel {
 
-/// All that is to be known of one kind of condition. A new directive is a new row of the table.
+/// Describes one kind of search condition. A new directive is a new row of the table below.
 struct ConditionKind {
-  /// How notes are looked up in which the condition holds.
+  /// How the notes that satisfy the condition can be looked up.
   enum class Index {
-    none,      ///< they are not: `sql` is tested note by note
-    byPlace,   ///< `sql` tests a column that has an index behind the location
-    ofFew,     ///< `sql` stands in the WHERE of the index `summaryOfFew`
+    none,      ///< not at all: `sql` is tested note by note
+    byPlace,   ///< `sql` tests a column that an index has after the location
+    ofFew,     ///< `sql` is a term of the partial index `summaryOfFew`
     relation,  ///< `sql` selects the notes themselves
   };
-  /// What has to be at hand before `sql` can run.
+  /// What has to be prepared before `sql` can run.
   enum class Needs {
     nothing,
-    facts,       ///< facts of texts, see missing_facts.h
+    facts,       ///< text facts, see missing_facts.h
     imageNames,  ///< the SQL function isImageName
-    backlinks,   ///< the notes that others link to, as `:text`
+    backlinks,   ///< the notes that others link to, bound as `:text`
   };
 
   SearchCondition::Kind kind;
-  std::string_view directive;  ///< the word behind "@"; empty where a query writes it otherwise
-  std::string_view finds;      ///< which notes a directive finds, for people
-  /// A test over the columns of `noteSummary s`, or for a relation a SELECT of `note`. ":text",
-  /// ":from" and ":to" are the condition's own, ":tree" is a test of `tag.title`. NULL is false.
+  std::string_view
+      directive;           ///< the word after "@"; empty if queries write the condition differently
+  std::string_view finds;  ///< which notes the directive finds, for help pages
+  /// A test on the columns of `noteSummary s` (NULL is false), or for a relation a SELECT of
+  /// `note`. ":text", ":from" and ":to" stand for the condition's values, ":tree" for a test of
+  /// `tag.title`.
   std::string_view sql;
   Index index = Index::none;
   Needs needs = Needs::nothing;
-  /// It is about what a note holds, which nobody may learn of a locked one: it never holds there.
+  /// The condition reveals content of the note, so it never holds for a locked one.
   bool isSecret = false;
 };
 

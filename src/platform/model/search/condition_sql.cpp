@@ -40,7 +40,7 @@ std::string ConditionSQL::parameter(Parameter value) {
   return fmt::format("?{}", parameters_.size());
 }
 
-/// The kind's SQL with parameters in place of its names.
+/// The kind's SQL, with its placeholders replaced by parameters.
 std::string ConditionSQL::filledIn(const SearchCondition& condition) {
   const ConditionKind& kind = kindOf(condition);
   std::string sql(kind.sql);

@@ -11,22 +11,22 @@
 
 namespace tavimodel {
 
-/// Writes the conditions of one query as SQL over `noteSummary s`, and keeps the values that the
-/// SQL names as parameters: ?1 and on, shared by all that it has written.
+/// Writes the conditions of one query as SQL over `noteSummary s`. Keeps the values of the
+/// parameters, which are numbered from ?1 across everything it has written.
 class ConditionSQL {
  public:
-  /// Gets everything ready that the query's conditions need; that may read texts.
+  /// Prepares what the query's conditions need, which may read texts. Throws sqlite::Error.
   ConditionSQL(const SearchQuery& query, sqlite::Connection& connection);
 
-  /// A test that is 1 where the condition holds, and 0 or NULL elsewhere. Does not look at
-  /// `negated`. Not for terms.
+  /// Returns a test that is 1 if the condition holds, and otherwise 0 or NULL. Ignores `negated`.
+  /// Not for terms.
   std::string test(const SearchCondition& condition);
-  /// A SELECT of all notes in which the condition holds, and perhaps of some others, that takes no
-  /// walk over all notes; empty where there is no index for it.
+  /// Returns a SELECT of all notes that satisfy the condition, and possibly of others, that needs
+  /// no full scan; empty if no index supports it.
   std::string candidates(const SearchCondition& condition);
 
   int parameterCount() const { return static_cast<int>(parameters_.size()); }
-  /// Binds the parameters, as far as the statement has them.
+  /// Binds those of the parameters that the statement has.
   void bind(sqlite::Query& query) const;
 
  private:
@@ -37,7 +37,7 @@ class ConditionSQL {
   std::string factTest(const std::string& test) const;
 
   sqlite::Connection& connection_;
-  bool areFactsMissing_ = false;  ///< of some notes: temp.workedOut has them
+  bool areFactsMissing_ = false;  ///< for some notes; these are in temp.workedOut
   std::vector<Parameter> parameters_;
 };
 

@@ -7,20 +7,21 @@
 
 namespace tavimodel {
 
-/// A directive that asks for a span of days: `begin`, a value, `end`. See local_day.h for days.
+/// A directive for a span of days (see local_day.h). It is written as `begin`, a value, and `end`.
 struct DateDirective {
+  /// Which days the value means.
   enum class Form {
     today,      ///< no value
     yesterday,  ///< no value
-    lastDays,   ///< a number of days, the last of them today
-    date,       ///< YYYY-MM-DD, after "<" the days before it, after ">" those after it
+    lastDays,   ///< a number of days that ends with today
+    date,       ///< YYYY-MM-DD; with "<" in front the days before it, with ">" those after it
   };
   std::string_view begin;
-  std::string_view end;  ///< empty where there is no value
+  std::string_view end;  ///< empty if the directive takes no value
   Form form;
   SearchCondition::Kind kind;  ///< `modified` or `created`
   std::string_view example;
-  std::string_view finds;  ///< which notes, for people
+  std::string_view finds;  ///< which notes it finds, for help pages
 };
 
 inline constexpr std::array dateDirectives = [] {

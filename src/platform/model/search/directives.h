@@ -7,11 +7,11 @@ namespace tavimodel {
 
 /// A word of the search language that begins with "@".
 struct SearchDirective {
-  std::string word;   ///< "@todo"; with a value an example of it, "@last7days"
+  std::string word;   ///< "@todo"; for a directive with a value an example: "@last7days"
   std::string finds;  ///< "with open to-dos"
 };
 
-/// All directives there are, as docs/search.md lists them.
+/// Returns all directives in the order of docs/search.md.
 std::vector<SearchDirective> searchDirectives();
 
 }  // namespace tavimodel

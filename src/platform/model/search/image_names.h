@@ -4,8 +4,8 @@
 
 namespace tavimodel {
 
-/// Gives this connection the SQL function isImageName(filename): 1 where the name's extension is
-/// one of an image's.
+/// Defines the SQL function isImageName(filename) for this connection: 1 if the name has the
+/// extension of an image type, otherwise 0.
 void defineIsImageName(sqlite::Connection& connection);
 
 }  // namespace tavimodel

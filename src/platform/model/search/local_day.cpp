@@ -12,7 +12,7 @@ double midnight(int year, int month, int day) {
   std::tm time{};
   time.tm_year = year - 1900;
   time.tm_mon = month - 1;
-  time.tm_mday = day;  // out of range is carried over by mktime
+  time.tm_mday = day;  // mktime normalizes days out of range
   time.tm_isdst = -1;
   return static_cast<double>(std::mktime(&time));
 }

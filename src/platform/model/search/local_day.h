@@ -5,11 +5,11 @@
 
 namespace tavimodel {
 
-/// Midnight, local time, at the start of the day that lies `days` after the day of `now` (negative:
-/// before it). Seconds since 1970-01-01 UTC. Days of 23 and 25 hours are counted as days.
+/// The start, in local time, of the day that is `days` after the day of `now` (negative: before
+/// it). All times are in seconds since 1970-01-01 UTC. A day may have 23 or 25 hours.
 double startOfDay(double now, int days);
 
-/// The same for a date written YYYY-MM-DD; nothing when there is no such day.
+/// Like the above, for a date written YYYY-MM-DD; absent if the calendar has no such day.
 std::optional<double> startOfDate(std::string_view date, int days);
 
 }  // namespace tavimodel

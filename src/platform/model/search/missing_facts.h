@@ -4,9 +4,9 @@
 
 namespace tavimodel {
 
-/// Works out the facts of texts that `noteSummary` does not have yet, into a table of this
-/// connection's own: temp.workedOut (note, todoIncomplete, todoCompleted, features). False when it
-/// has them all, and then there may be no such table. Locked notes are left out.
+/// Derives the text facts that `noteSummary` lacks, and writes them to a temporary table of this
+/// connection: temp.workedOut (note, todoIncomplete, todoCompleted, features). Skips locked notes.
+/// Returns false if no facts are missing; the table may then not exist. Throws sqlite::Error.
 bool workOutMissingFacts(sqlite::Connection& connection);
 
 }  // namespace tavimodel

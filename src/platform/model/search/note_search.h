@@ -9,17 +9,19 @@
 
 namespace tavimodel {
 
-/// A query, read once: which notes it finds, and what is counted in them.
+/// A parsed query: which notes it finds, and the terms whose matches are counted in them.
 struct NoteSearch {
-  std::shared_ptr<const SearchQuery> query;    ///< null: it asks nothing, and finds every note
-  std::shared_ptr<const SearchTerms> counted;  ///< the terms that are not negated; null: none
+  std::shared_ptr<const SearchQuery> query;  ///< null: the query is empty and finds all notes
+  std::shared_ptr<const SearchTerms>
+      counted;  ///< the terms that are not negated; null if there are none
 };
 
-/// Reads a query of the search language, whose days are those of now. Ill-formed UTF-8 counts as
-/// U+FFFD. Throws SearchSyntaxError.
+/// Parses a query of the search language, with days relative to the current time. Replaces
+/// ill-formed UTF-8 by U+FFFD. Throws SearchSyntaxError.
 NoteSearch readSearch(std::string_view query);
 
-/// Finds the notes that carry the tag of this canonical name, or one below it.
+/// Returns a query for the notes with a tag, given by its canonical name, or with a descendant of
+/// it.
 std::shared_ptr<const SearchQuery> searchForTag(std::string name);
 
 }  // namespace tavimodel

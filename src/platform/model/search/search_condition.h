@@ -5,10 +5,11 @@
 
 namespace tavimodel {
 
-/// One thing asked of a note. What each kind means stands in condition_kinds.h.
+/// One condition of a query. condition_kinds.h says what each kind means.
 struct SearchCondition {
+  /// What the condition tests, in the order of conditionKinds.
   enum class Kind {
-    term,  ///< `text` is in the note
+    term,  ///< the note contains `text`
     tag,
     exactTag,
     subtag,
@@ -35,9 +36,9 @@ struct SearchCondition {
 
   Kind kind = Kind::term;
   bool negated = false;
-  std::string text;            ///< of a term as it was written, of a tag its canonical name
-  std::optional<double> from;  ///< seconds since 1970-01-01 UTC, inclusive; absent: any
-  std::optional<double> to;    ///< exclusive
+  std::string text;            ///< a term as written, or the canonical name of a tag
+  std::optional<double> from;  ///< seconds since 1970-01-01 UTC, inclusive; absent: no limit
+  std::optional<double> to;    ///< likewise, but exclusive
 };
 
 }  // namespace tavimodel

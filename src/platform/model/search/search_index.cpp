@@ -16,17 +16,17 @@
 namespace tavimodel {
 namespace {
 
-/// Each one takes a page of every slice to be read, and the first dozen tell nearly all that there
-/// is to tell.
+/// Limit of trigrams per look-up. Each of them reads a page of every slice, and more than a dozen
+/// hardly narrow the result.
 constexpr std::size_t mostTrigrams = 12;
 
-/// Slices with fewer notes are merged when there are more than `mostSmallSlices`.
+/// Slices with fewer notes are merged if there are more than `mostSmallSlices` of them.
 constexpr std::int64_t smallSlice = sliceCapacity * 3 / 4;
 constexpr std::size_t mostSmallSlices = 8;
-/// Bytes of `searchSlice.firsts`: a slice of few notes with many trigrams is not merged.
+/// Limit of `searchSlice.firsts` in bytes: a slice with few notes but many trigrams is not merged.
 constexpr std::int64_t mostFirsts = 8192;
 
-/// The trigrams of the term by which it is looked up, spread over the whole of it.
+/// The trigrams used to look up a term, spread over its length.
 std::vector<Trigram> tellingTrigrams(std::string_view folded) {
   std::vector<Trigram> all;
   forEachTrigram(folded, [&](Trigram trigram) { all.push_back(trigram); });
@@ -43,7 +43,7 @@ std::vector<Trigram> tellingTrigrams(std::string_view folded) {
 std::optional<SearchIndex::Candidates> SearchIndex::candidates(std::string_view term,
                                                                std::size_t most) {
   const std::vector<Trigram> trigrams = tellingTrigrams(platform::text::foldedForSearch(term));
-  if (trigrams.empty() || !isCurrent(connection_)) return std::nullopt;
+  if (trigrams.empty() || !hasCurrentSchema(connection_)) return std::nullopt;
 
   Candidates result;
   std::vector<std::int64_t> rows = rowsWith(trigrams, most);
@@ -60,7 +60,8 @@ std::optional<SearchIndex::Candidates> SearchIndex::candidates(std::string_view 
   return result;
 }
 
-/// The values of `searchRow` that may have all of the trigrams; more than `most` when there are.
+/// The values of `searchRow` of notes that may contain all trigrams. Stops after the slice in which
+/// it finds more than `most`.
 std::vector<std::int64_t> SearchIndex::rowsWith(const std::vector<Trigram>& trigrams,
                                                 std::size_t most) {
   std::vector<std::int64_t> rows;
@@ -74,8 +75,8 @@ std::vector<std::int64_t> SearchIndex::rowsWith(const std::vector<Trigram>& trig
   return rows;
 }
 
-/// Adds a note, and works out what else is kept of its title and text. Of a locked note the title
-/// is found only, of one that was permanently deleted nothing.
+/// Indexes a note, and stores the other data derived from its title and text. Only the title of a
+/// locked note is indexed, and nothing of a permanently deleted one.
 void SearchIndex::addNote(SliceBuilder& builder, std::int64_t note, std::int64_t slice) {
   sqlite::Query read = connection_.query(fmt::format(
       "SELECT note.title, note.text, note.encrypted, ifnull(note.permanentlyDeleted, 0), "
@@ -134,7 +135,8 @@ bool SearchIndex::areUnknown(std::int64_t atLeast) {
   return query.integer(0) >= atLeast;
 }
 
-/// Makes one slice. True when it is full before time has run out.
+/// Builds one slice from unindexed notes. Returns true if the slice was full before the deadline,
+/// so that more notes may be left.
 bool SearchIndex::addNotes(Clock::time_point deadline) {
   SliceBuilder builder;
   const std::int64_t slice = newSlice();
@@ -151,7 +153,7 @@ bool SearchIndex::addNotes(Clock::time_point deadline) {
   return builder.isFull() && Clock::now() < deadline;
 }
 
-/// The positions of the notes that are as the slice tells.
+/// The positions of the notes that have not changed since the slice was written.
 PositionSet SearchIndex::liveIn(std::int64_t slice) {
   sqlite::Query rows =
       connection_.query("SELECT searchRow FROM noteSummary WHERE searchRow BETWEEN ?1 AND ?2");
@@ -161,7 +163,8 @@ PositionSet SearchIndex::liveIn(std::int64_t slice) {
   return live;
 }
 
-/// False when there was nothing to remove.
+/// Rewrites a slice without the entries of changed, deleted and locked notes. Returns false if it
+/// has none.
 bool SearchIndex::removeStale(std::int64_t slice) {
   const PositionSet live = liveIn(slice);
   {
@@ -182,7 +185,8 @@ bool SearchIndex::removeStale(std::int64_t slice) {
   return true;
 }
 
-/// Texts of deleted and locked notes, and former ones of all notes: from one slice at least.
+/// Removes the texts of deleted and locked notes, and outdated texts of other notes, from at least
+/// one slice.
 void SearchIndex::removeExpired(Clock::time_point deadline) {
   std::int64_t slice = number("SELECT value FROM counter WHERE name = 'unpurged'");
   if (slice == 0) return;
@@ -197,7 +201,8 @@ void SearchIndex::removeExpired(Clock::time_point deadline) {
   setCounter("unpurged", slice);
 }
 
-/// Former texts from one slice, or a look at some in vain. Each slice has its turn.
+/// Removes outdated texts from the next slice that has any, in rotation. Gives up after
+/// `mostLooked` slices without any.
 void SearchIndex::removeNextStale() {
   constexpr int mostLooked = 16;
   std::int64_t first = 0;
@@ -234,7 +239,7 @@ void SearchIndex::mergeSmall() {
   if (small > mostSmallSlices && slices.size() > 1) merge(slices);
 }
 
-/// Puts the notes of some slices into a new one, from what these tell.
+/// Merges slices into a new one, using their entries and not the notes' texts.
 void SearchIndex::merge(const std::vector<std::int64_t>& slices) {
   const std::int64_t merged = newSlice();
   SliceBuilder builder;
@@ -266,7 +271,7 @@ void SearchIndex::bringUpToDate(TidyBudget budget) {
   const auto deadline = start + std::chrono::milliseconds(budget.milliseconds);
   removeExpired(deadline);
   if (Clock::now() >= deadline || !areUnknown(budget.fewestNotes)) return;
-  // A slice is written when its notes have been read, which takes less than reading them.
+  // Writing a slice takes less time than reading its notes, so reading gets two thirds of the time.
   while (addNotes(Clock::now() + (deadline - Clock::now()) * 2 / 3)) {
   }
   removeNextStale();

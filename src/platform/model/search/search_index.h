@@ -13,30 +13,31 @@
 
 namespace tavimodel {
 
-/// The trigram index over the notes' titles and texts: a prefilter. It tells which notes may hold a
-/// term; whether they do is decided on their texts.
+/// The trigram index of the notes' titles and texts. It is a prefilter: it finds the notes that may
+/// contain a term, and the caller checks their texts.
 ///
-/// Notes are in slices (see slice_blocks.h). When a note is changed, deleted or locked, triggers
-/// take its row out of the index at once. The trigrams of its former text stay in the slice, where
-/// they find nothing, until the slice is rewritten: by the next command after a deletion or a lock,
-/// otherwise when its turn comes.
+/// Notes are grouped in slices (see slice_blocks.h). When a note is changed, deleted or locked,
+/// triggers remove its row from the index at once. The trigrams of its former text stay in the
+/// slice, without effect, until the slice is rewritten: by the next command after a deletion or
+/// lock, otherwise in rotation.
 class SearchIndex {
  public:
   explicit SearchIndex(sqlite::Connection& connection) : connection_(connection) {}
 
-  /// Terms shorter than this (in scalars, after folding) are not in the index.
+  /// The length of the shortest term that the index can look up, in Unicode scalars after folding.
   static constexpr std::size_t shortestTerm = trigramLength;
 
+  /// The notes that may contain a term.
   struct Candidates {
-    std::vector<std::int64_t> notes;  ///< ascending; may hold the term
-    bool complete = true;             ///< false: there are more than `most`, these are some
+    std::vector<std::int64_t> notes;  ///< ascending ids
+    bool complete = true;  ///< false: there are more than `most`, and `notes` has only some
   };
-  /// Notes that may hold the term, and all that the index does not know yet. Nothing when the term
-  /// is too short for the index, or the database too old.
+  /// Finds notes that may contain the term; notes that are not indexed yet always count. Absent if
+  /// the term is too short for the index or the database's schema is too old. Throws sqlite::Error.
   std::optional<Candidates> candidates(std::string_view term, std::size_t most);
 
-  /// Does what there is to do, for about as long as the budget says. Needs an open write
-  /// transaction.
+  /// Removes outdated texts, indexes new ones and merges slices, for about as long as the budget
+  /// allows. Requires an open write transaction.
   void bringUpToDate(TidyBudget budget);
 
  private:
@@ -52,7 +53,7 @@ class SearchIndex {
   void mergeSmall();
   void merge(const std::vector<std::int64_t>& slices);
   bool areUnknown(std::int64_t atLeast);
-  /// Ids of the next few notes after that one that are not indexed, ascending.
+  /// The ids of the next few unindexed notes after `after`, ascending.
   std::vector<std::int64_t> nextUnknown(std::int64_t after);
   std::int64_t newSlice();
   std::int64_t number(std::string_view sql);
@@ -62,7 +63,7 @@ class SearchIndex {
   sqlite::Connection& connection_;
 };
 
-/// SearchIndex::bringUpToDate, as the database calls it when it is closed (see IndexUpdate).
+/// Calls SearchIndex::bringUpToDate; it is the IndexUpdate that the database runs on closing.
 void updateSearchIndex(sqlite::Connection& connection, TidyBudget budget);
 
 }  // namespace tavimodel

@@ -64,8 +64,8 @@ void SearchPlan::addRequiredTerms(const std::vector<SearchCondition>& group) {
   requiredTerms_.emplace_back(terms.begin(), terms.end());
 }
 
-/// SQLite, which keeps no statistics here, would rather walk through all notes of a location than
-/// look up the ten of a tag: so the candidates that an index supplies come first in the join.
+/// The candidates come first in the join. Without statistics, SQLite would rather scan all notes of
+/// a location than look up the ten of a tag.
 void SearchPlan::addDriver(const std::vector<SearchCondition>& group) {
   std::string notes;
   for (const SearchCondition& condition : group) {

@@ -14,24 +14,24 @@
 
 namespace tavimodel {
 
-/// How one query is answered: groups without terms are decided by SQL, those with terms note by
-/// note, on the text and on what SQL says of their other conditions.
+/// The plan of one query. SQL evaluates groups without terms; groups with terms are evaluated note
+/// by note, from the text and from columns with the results of their other conditions.
 class SearchPlan {
  public:
-  /// Reads the texts of notes whose facts are missing, where the query asks for such facts.
-  /// `mostDriven`: an index supplies candidates only where there are no more than these.
+  /// Derives missing text facts if the query needs them, which reads texts. An index supplies
+  /// candidates only if they are at most `mostDriven` notes. Throws sqlite::Error.
   SearchPlan(const SearchQuery& query, sqlite::Connection& connection, std::int64_t mostDriven);
 
-  /// For a FROM clause: `noteSummary s`, joined to the candidates that an index supplies, if any.
+  /// FROM clause: `noteSummary s`, joined to the candidates an index supplies, if any.
   std::string source() const;
-  /// How many candidates an index supplies; absent: `source` is all notes.
+  /// The number of candidates that an index supplies; absent if `source` has all notes.
   std::optional<std::int64_t> drivenNotes() const { return drivenNotes_; }
-  /// For a WHERE clause over `noteSummary s`: the groups without terms. "1" when there are none.
+  /// WHERE clause on `noteSummary s` for the groups without terms; "1" if there are none.
   const std::string& where() const { return where_; }
-  /// For a SELECT list: what SQL decides of the groups with terms, one column for each condition.
-  /// Each begins with a comma.
+  /// SELECT list: a column for each condition without a term in the groups with terms. Each column
+  /// begins with a comma.
   const std::string& columns() const { return columns_; }
-  /// Binds the parameters of all three, ?1 and on, as far as the statement has them.
+  /// Binds those parameters of the three clauses that the statement has, numbered from ?1.
   void bind(sqlite::Query& query) const { sql_.bind(query); }
   int parameterCount() const { return sql_.parameterCount(); }
 
@@ -40,13 +40,14 @@ class SearchPlan {
   bool ocrOnly() const { return ocrOnly_; }
   bool titlesOnly() const { return titlesOnly_; }
 
-  /// Decides the groups with terms. `row` stands on the note, and `column` is the first of
-  /// `columns()` in it. With `ocrOnly`, `text` is the recognised text.
+  /// Whether the note satisfies the groups with terms. `row` is the note's row, in which
+  /// `columns()` begin at `column`. With `ocrOnly`, `text` is the recognised text of its
+  /// attachments.
   bool matches(std::string_view title, std::string_view text, const sqlite::Query& row,
                int column) const;
 
-  /// For each group of nothing but terms: these, of which a note must have one. The trigram index
-  /// may narrow the search by each group.
+  /// The terms of each group that has only terms, none of them negated: a note must contain one
+  /// term of each group. The trigram index can narrow the search by each group.
   const std::vector<std::vector<std::string>>& requiredTerms() const { return requiredTerms_; }
 
  private:
@@ -54,7 +55,8 @@ class SearchPlan {
   struct OpenCondition {
     bool negated = false;
     bool isTerm = false;
-    std::size_t number = 0;  ///< of the term, or of the column behind the first of `columns()`
+    std::size_t number =
+        0;  ///< of the term, or of the column, counted from the first of `columns()`
   };
 
   void addToWhere(const std::vector<SearchCondition>& group);
@@ -67,7 +69,7 @@ class SearchPlan {
   bool titlesOnly_;
   bool ocrOnly_;
   ConditionSQL sql_;
-  std::vector<std::string> drivers_;  ///< SELECTs of the notes in which a group may hold
+  std::vector<std::string> drivers_;  ///< SELECTs of the candidates of one group each
   std::string driver_;                ///< one of them, or empty
   std::optional<std::int64_t> drivenNotes_;
   std::string where_ = "1";

@@ -36,7 +36,7 @@ bool isASCIILetter(char c) {
   return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
 }
 
-/// No reader needs more, and no form of query may keep the database busy for long.
+/// More conditions are not useful, and no query may keep the database busy for long.
 constexpr int mostTerms = 2000;
 constexpr int mostOtherConditions = 200;
 
@@ -71,7 +71,7 @@ class Parser {
       }
       joinNext_ = false;
     }
-    if (joinNext_) addTerm("or");  // nothing to its right: a word like any other
+    if (joinNext_) addTerm("or");  // without a right operand it is an ordinary word
     return std::move(query_);
   }
 
@@ -97,10 +97,11 @@ class Parser {
     return from;
   }
 
-  /// An `or` with something on its left; what follows joins that.
+  /// Reads an `or` that has a left operand; the next condition joins its group.
   bool readOr() {
     if (query_.groups.empty() || joinNext_) return false;
-    // Not by the word's end: a query may be one word of a megabyte, looked at again and again.
+    // Does not look for the word's end: a query may be one word of a megabyte, which would then be
+    // scanned repeatedly.
     const std::size_t end = position_ + 2;
     if (lowered(text_.substr(position_, 2)) != "or") return false;
     if (end < text_.size() && !atBlank(end)) return false;
@@ -109,7 +110,7 @@ class Parser {
     return true;
   }
 
-  /// Nothing for a word that asks nothing: an empty phrase, @title.
+  /// Absent for a word without a condition of its own: an empty phrase, or @title.
   std::optional<SearchCondition> readCondition() {
     negated_ = text_[position_] == '-' && position_ + 1 < text_.size() && !atBlank(position_ + 1);
     if (negated_) ++position_;
@@ -149,8 +150,8 @@ class Parser {
     return SearchCondition{.kind = Kind::term, .text = std::move(phrase)};
   }
 
-  /// The end of a name with blanks and a closing mark: the first "#" from `begin` that has a
-  /// character before it and a blank or nothing behind it. Another tag on the way ends the search.
+  /// The closing "#" of a tag name with blanks: the next "#" after `begin`, if it follows a
+  /// character other than a blank and precedes a blank or the end. Absent otherwise.
   std::optional<std::size_t> closingMark(std::size_t begin) const {
     for (std::size_t i = begin; i < text_.size() && text_[i] != '"'; ++i) {
       if (text_[i] != '#') continue;
@@ -242,7 +243,7 @@ class Parser {
     return value;
   }
 
-  /// Today and the days before it, `days` in all.
+  /// The last `days` days, including today.
   SearchCondition lastDays(Kind kind, int days) const {
     return {.kind = kind, .from = startOfDay(now_, 1 - days), .to = startOfDay(now_, 1)};
   }
@@ -266,7 +267,7 @@ class Parser {
   double now_;
   std::size_t position_ = 0;
   bool joinNext_ = false;
-  bool negated_ = false;  ///< the condition that is being read
+  bool negated_ = false;  ///< whether the current condition is negated
   int terms_ = 0;
   int otherConditions_ = 0;
   SearchQuery query_;

@@ -9,22 +9,24 @@
 
 namespace tavimodel {
 
-/// A query that cannot mean anything; what() is a sentence for the user. Callers above the model
-/// know it as the invalid argument that it is.
+/// A query with an error; what() is a sentence for the user. Layers above the model catch it as
+/// std::invalid_argument.
 class SearchSyntaxError : public std::invalid_argument {
   using std::invalid_argument::invalid_argument;
 };
 
-/// A parsed query: every group must hold, and a group holds when one of its conditions does.
+/// A parsed query in conjunctive normal form: every group must hold, and a group holds if one of
+/// its conditions does.
 struct SearchQuery {
   std::vector<std::vector<SearchCondition>> groups;
-  bool titlesOnly = false;  ///< @title: terms are looked for in titles
-  bool ocrOnly = false;     ///< @ocr: terms are looked for in the recognised text of attachments
+  bool titlesOnly = false;  ///< @title: terms are searched for in titles only
+  bool ocrOnly =
+      false;  ///< @ocr: terms are searched for in the recognised text of attachments only
 };
 
-/// Reads the search language (docs/search.md). Days are those of the local time zone; `now` is in
-/// seconds since 1970-01-01 UTC. Throws SearchSyntaxError for an
-/// unknown directive, a date that is not in the calendar, and a query that asks for too much.
+/// Parses the search language (docs/search.md). Days are in the local time zone; `now` is in
+/// seconds since 1970-01-01 UTC. Throws SearchSyntaxError for an unknown directive, an invalid
+/// date, or too many conditions.
 SearchQuery parseSearchQuery(std::string_view text, double now);
 
 }  // namespace tavimodel

@@ -21,7 +21,8 @@ std::size_t SearchTerms::add(const std::string& term) {
   return number->second;
 }
 
-/// From here on one slow pass for all takes less than a quick one for each.
+/// Whether there are so many terms that one slow pass for all takes less time than a fast pass for
+/// each.
 bool SearchTerms::areMany() const {
   constexpr std::size_t many = 16;
   return terms_.size() > many;

@@ -13,16 +13,16 @@
 
 namespace tavimodel {
 
-/// The terms of one query, each once: terms that are equal but for case and composition are one.
-/// A few are looked for one by one, many in one pass over a text.
+/// The distinct terms of one query; terms that differ only in case or Unicode composition are one.
+/// A few terms are searched for one by one, many in one pass over a text.
 class SearchTerms {
  public:
-  /// The term's number. All terms are added before the first text is looked at.
+  /// Adds a term if it is new, and returns its number. Add all terms before the first search.
   std::size_t add(const std::string& term);
   bool empty() const { return terms_.empty(); }
 
-  /// Matches of all terms in a text, as one alternation: each is the first from the end of the one
-  /// before on, and the longest that begins there.
+  /// Counts non-overlapping matches of any term in a text: from the end of each match, the next is
+  /// the leftmost, and of those the longest.
   std::int64_t numberOfMatches(std::string_view text) const;
 
  private:
@@ -35,12 +35,12 @@ class SearchTerms {
 
   std::vector<std::string> terms_;
   std::unordered_map<std::string, std::size_t> numbers_;  // by the terms' folded forms
-  // Made when they are first asked for.
+  // Created on first use.
   mutable std::vector<std::optional<platform::text::StringSearch>> searches_;
   mutable std::optional<platform::text::StringSetSearch> all_;
 };
 
-/// Which terms are in one text. Both must outlive it.
+/// Answers which terms one text contains. `terms` and `text` must outlive it.
 class TermsInText {
  public:
   TermsInText(const SearchTerms& terms, std::string_view text) : terms_(terms), text_(text) {}
@@ -49,7 +49,7 @@ class TermsInText {
  private:
   const SearchTerms& terms_;
   std::string_view text_;
-  std::vector<bool> found_;  // of many terms, when the first is asked for
+  std::vector<bool> found_;  // by term; filled on first use, only for many terms
 };
 
 }  // namespace tavimodel

@@ -3,12 +3,12 @@
 namespace tavimodel {
 namespace {
 
-/// With its row's header such a block fills a page of 4096 bytes.
+/// Limit of a block in bytes: with the row's header it fills a database page of 4096 bytes.
 constexpr std::size_t blockSize = 4040;
 constexpr std::int64_t blocksInSlice = 65536;
 
-/// Takes the bytes off the front of `bytes` that follow the byte with their length; stops at its
-/// end.
+/// Removes a length byte and that many bytes from the front of `bytes`, and returns the latter;
+/// fewer if `bytes` ends before.
 std::string_view taken(std::string_view& bytes) {
   if (bytes.empty()) return {};
   const std::string_view part = bytes.substr(1, static_cast<unsigned char>(bytes.front()));

@@ -12,22 +12,23 @@
 
 namespace tavimodel {
 
-// A slice of the search index tells, for each trigram of its notes' texts, at which positions the
-// notes with it are. It is written once, in blocks of a page of the database, so that it is as
-// quickly rewritten: that is how a text leaves it.
+// A slice of the search index maps each trigram of its notes' texts to the positions of the notes
+// that contain it. It is written once, in blocks that each fill a database page. To remove a text,
+// the whole slice is rewritten.
 //
-// A block is a sequence of entries in the order of their keys. An entry is a byte with the length
-// of the key, the key, a byte with the length of the positions, and these (see PositionList). The
-// key is the trigram in UTF-8, or empty: the notes whose text has too many trigrams to tell any.
+// A block is a sequence of entries, ascending by key. An entry is the length of the key (one byte),
+// the key, the length of the positions (one byte), and the positions (see PositionList). The key is
+// a trigram in UTF-8; the empty key has the notes whose text has too many trigrams, which are
+// candidates for every term.
 
-/// Writes the entries of one slice, in the order of their keys.
+/// Writes the entries of one slice. They must be added in ascending order of their keys.
 class SliceWriter {
  public:
   SliceWriter(sqlite::Connection& connection, std::int64_t slice)
       : connection_(connection), slice_(slice) {}
 
   void add(std::string_view key, std::string_view positions);
-  /// Writes the rest, and the slice's own row. `notes`: how many positions it has.
+  /// Writes the last block and the slice's row. `notes`: the number of positions in the slice.
   void finish(int notes);
 
  private:
@@ -40,14 +41,14 @@ class SliceWriter {
   std::string block_;
 };
 
-/// Reads a slice.
+/// Looks up trigrams in a slice.
 class SliceReader {
  public:
-  /// `firsts`: of the slice's row; must outlive the reader.
+  /// `firsts`: that column of the slice's row; must outlive the reader.
   SliceReader(sqlite::Connection& connection, std::int64_t slice, std::string_view firsts)
       : connection_(connection), slice_(slice), firsts_(firsts) {}
 
-  /// The notes that may have all of the trigrams.
+  /// The positions of the notes that may contain all of the trigrams.
   PositionSet notesWith(const std::vector<Trigram>& trigrams);
 
  private:
@@ -58,11 +59,11 @@ class SliceReader {
   std::string_view firsts_;
 };
 
-/// Calls `visit` with the key and the positions of each entry, in the order of their keys.
+/// Calls `visit` with the key and the encoded positions of each entry, ascending by key.
 void forEachEntry(sqlite::Connection& connection, std::int64_t slice,
                   const std::function<void(std::string_view key, std::string_view)>& visit);
 
-/// Removes a slice, if it is there.
+/// Deletes a slice, if it exists.
 void removeSlice(sqlite::Connection& connection, std::int64_t slice);
 
 }  // namespace tavimodel

@@ -8,9 +8,10 @@
 namespace tavimodel {
 namespace {
 
-/// A text with more trigrams is a candidate for every term, so that no text takes much memory.
+/// Limit of new trigrams per note. A note with more is a candidate for every term, so that no text
+/// takes much memory.
 constexpr std::size_t mostOfText = std::size_t{1} << 16;
-/// A slice with as many is written though it has room for more notes.
+/// A slice with this many trigrams counts as full, even if it has room for more notes.
 constexpr std::size_t mostOfSlice = std::size_t{1} << 18;
 constexpr std::size_t fewestPlaces = std::size_t{1} << 14;
 

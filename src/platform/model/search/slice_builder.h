@@ -11,23 +11,24 @@
 
 namespace tavimodel {
 
-/// A slice of the search index (see slice_blocks.h) that is made in memory, note by note.
+/// Builds a slice of the search index in memory, note by note (see slice_blocks.h).
 class SliceBuilder {
  public:
-  /// Adds the note at the next position. `texts` are folded; no trigram spans two of them.
+  /// Adds a note at the next position. `texts` must be folded; no trigram spans two of them.
   void addNote(const std::vector<std::string_view>& texts);
-  /// Adds the note at the next position, which it returns, without any trigram.
+  /// Adds a note without trigrams at the next position, and returns the position.
   int addPosition() { return notes_++; }
-  /// The positions of the notes with that key of an entry (see slice_blocks.h), to be added to.
-  /// Valid until the next key.
+  /// The positions of the notes with an entry's key (see slice_blocks.h), for adding more. Valid
+  /// until the next call.
   PositionList& listOf(std::string_view key);
 
   int notes() const { return notes_; }
-  /// No more notes are to be added.
+  /// Whether no more notes should be added.
   bool isFull() const;
   void write(sqlite::Connection& connection, std::int64_t slice);
 
  private:
+  /// A trigram and the positions of the notes that contain it.
   struct Entry {
     Trigram trigram;
     PositionList positions;
@@ -39,7 +40,8 @@ class SliceBuilder {
   int notes_ = 0;
   PositionList ofAnything_;  ///< notes with too many trigrams
   std::vector<Entry> entries_;
-  std::vector<std::uint32_t> places_;  ///< open hash table: places in `entries_` plus 1, 0: free
+  std::vector<std::uint32_t>
+      places_;  ///< hash table with linear probing: index in `entries_` plus 1; 0: free
 };
 
 }  // namespace tavimodel

@@ -9,14 +9,14 @@
 
 namespace tavimodel {
 
-/// Notes in a slice of the search index, at most. Their positions count from 0.
+/// The maximum number of notes in a slice of the search index. Positions count from 0.
 constexpr int sliceCapacity = 1024;
 
-/// A set of positions.
+/// A set of positions of notes in a slice.
 class PositionSet {
  public:
   static PositionSet all();
-  /// Reads what PositionList or `encoded` has written. Bytes of any other kind give some set.
+  /// Decodes the bytes of PositionList or `encoded`. Other bytes give an unspecified set.
   static PositionSet decoded(std::string_view bytes);
   std::string encoded() const;
 
@@ -47,12 +47,12 @@ class PositionSet {
   std::array<std::uint64_t, sliceCapacity / 64> words_{};
 };
 
-/// Positions as the database has them, built up in ascending order: the gaps between them, as
-/// LEB128 numbers, or a bitmap of 128 bytes (the lowest bit of the first byte is position 0) where
-/// the gaps would take as many.
+/// Positions in the database's encoding, added in ascending order. The encoding is the gaps between
+/// positions as LEB128 numbers, or, if these would take as many bytes, a bitmap of 128 bytes in
+/// which the lowest bit of the first byte is position 0.
 class PositionList {
  public:
-  /// `position` is not below the last one; the same one again changes nothing.
+  /// `position` must not be less than the last one; adding the same again has no effect.
   void add(int position) {
     if (position != last_) append(position);
   }

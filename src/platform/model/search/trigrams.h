@@ -9,13 +9,13 @@
 
 namespace tavimodel {
 
-/// Three consecutive scalars of a folded text, 21 bits each, the first one highest. In the order of
-/// these numbers the scalars are in code point order, and so is their UTF-8.
+/// Three consecutive Unicode scalars of a folded text, 21 bits each, the first in the highest bits.
+/// The numeric order is that of the code points, and of the scalars' UTF-8.
 using Trigram = std::uint64_t;
 
 constexpr std::size_t trigramLength = 3;
 
-/// Calls `visit` with each trigram of the text, in order, as often as it stands there.
+/// Calls `visit` with each trigram of the text in order, including repeated ones.
 template <class Visit>
 void forEachTrigram(std::string_view text, const Visit& visit) {
   constexpr Trigram lastTwo = (Trigram{1} << 42) - 1;
@@ -29,7 +29,7 @@ void forEachTrigram(std::string_view text, const Visit& visit) {
   }
 }
 
-/// The trigram's scalars in UTF-8.
+/// Encodes the trigram's scalars in UTF-8.
 std::string utf8Of(Trigram trigram);
 
 }  // namespace tavimodel

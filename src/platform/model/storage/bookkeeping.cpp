@@ -14,8 +14,8 @@ using Clock = std::chrono::steady_clock;
 
 OpenWork openWork(sqlite::Connection& connection) {
   try {
-    // One statement, since every command runs it. Notes whose facts are not known are among those
-    // that are not indexed.
+    // A single statement, because every command runs it. Notes without text facts have no index
+    // entry either, so they are counted, too.
     sqlite::Query work = connection.query(
         "SELECT EXISTS (SELECT 1 FROM removedFile) OR EXISTS (SELECT 1 FROM orphan), "
         "(SELECT count(*) FROM (SELECT 1 FROM noteSummary WHERE searchRow IS NULL LIMIT ?1)), "
@@ -32,7 +32,7 @@ OpenWork openWork(sqlite::Connection& connection) {
 bool catchUp(sqlite::Connection& connection, IndexUpdate updateIndex, TidyBudget budget) {
   const auto deadline = Clock::now() + std::chrono::milliseconds(budget.milliseconds);
   try {
-    // What is written here can be worked out again: it need not survive a power cut.
+    // This data can be derived again, so it need not survive a power failure.
     connection.execute("PRAGMA synchronous = NORMAL");
     sqlite::Transaction transaction(connection, sqlite::Transaction::Kind::write);
     updateIndex(connection, budget);
@@ -40,7 +40,7 @@ bool catchUp(sqlite::Connection& connection, IndexUpdate updateIndex, TidyBudget
     transaction.commit();
     return timeRanOut;
   } catch (const std::exception&) {
-    return false;  // somebody else is writing, or the disk is full: there will be another time
+    return false;  // another program is writing, or the disk is full: a later run does it
   }
 }
 

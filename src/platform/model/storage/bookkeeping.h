@@ -8,35 +8,35 @@ namespace sqlite {
 class Connection;
 }
 
-/// What other programs, and this one's quick writes, have left to do.
+/// Maintenance that is pending after writes by other programs or by this one.
 struct OpenWork {
-  bool removedFiles = false;         ///< rows of files are gone, and their bytes are not yet
-  bool expiredTexts = false;         ///< texts of deleted or locked notes are in the search index
-  std::int64_t notesNotIndexed = 0;  ///< counted up to 64: whether closing is to begin with them
+  bool removedFiles = false;  ///< file rows were deleted, but not yet their bytes
+  bool expiredTexts = false;  ///< texts of deleted or locked notes are in the search index
+  std::int64_t notesNotIndexed =
+      0;  ///< not counted beyond 64, which is enough for closing to index them
 };
 
-/// A short statement; nothing to do where the database cannot be read.
+/// Reads the pending maintenance in one short statement. Reports none if the database cannot be
+/// read.
 OpenWork openWork(sqlite::Connection& connection);
 
-/// How many notes must be unknown to the search index before they are added, and for how long that
-/// may go on.
+/// Limits of one round of index maintenance: at least `fewestNotes` unindexed notes are required to
+/// start it, and it stops after `milliseconds`.
 struct TidyBudget {
   std::int64_t fewestNotes;
   int milliseconds;
 };
-/// At the end of a command. Single changes are left alone: readers work them out in memory. So a
-/// program that writes note after note pays for the index once in a while, in a batch.
+/// For the end of a command. A few unindexed notes are left, since searches read their texts
+/// instead; so a program that writes note after note pays for the index only once per batch.
 constexpr TidyBudget closingBudget{.fewestNotes = 64, .milliseconds = 60};
-/// A slice of a server's time between two calls.
+/// For one slice of a server's idle time between two calls.
 constexpr TidyBudget idleBudget{.fewestNotes = 1, .milliseconds = 8};
 
-/// Brings the search index up to date, within the budget and in a write transaction of the
-/// caller's.
+/// Updates the search index within the budget, in the caller's write transaction.
 using IndexUpdate = void (*)(sqlite::Connection& connection, TidyBudget budget);
 
-/// Brings what is kept beside the notes up to date: facts of texts, folded titles, the search
-/// index. Only where the write lock is free. True when time ran out before all was done. Never
-/// throws.
+/// Updates the data derived from notes (text facts, folded titles, search index) if the write lock
+/// is free. Returns true if time ran out before everything was done. Never throws.
 bool catchUp(sqlite::Connection& connection, IndexUpdate updateIndex, TidyBudget budget);
 
 }  // namespace tavimodel

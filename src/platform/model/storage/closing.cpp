@@ -12,7 +12,7 @@
 namespace tavimodel {
 namespace {
 
-/// Whether there is anything that closing may write.
+/// Whether closing may write to this database at all.
 bool canWrite(const sqlite::Connection& connection) {
   return !connection.isRefused() && sqlite3_db_readonly(connection.handle(), "main") == 0;
 }
@@ -29,10 +29,11 @@ bool tidy(sqlite::Connection& connection, FileStore& files, IndexUpdate updateIn
   return catchUp(connection, updateIndex, budget);
 }
 
-void closeWhole(std::unique_ptr<sqlite::Connection> connection,
-                const std::filesystem::path& folder) {
+void checkpointAndClose(std::unique_ptr<sqlite::Connection> connection,
+                        const std::filesystem::path& folder) {
   if (!canWrite(*connection) || logSize(databaseIn(folder)) == 0) return;
-  // Of two processes that close at once each would leave the log to the other.
+  // Without this lock, two processes that close at the same time would each leave the log to the
+  // other.
   const FolderLock oneAtATime(folder, std::chrono::milliseconds(100));
   sqlite3_wal_checkpoint_v2(connection->handle(), nullptr, SQLITE_CHECKPOINT_TRUNCATE, nullptr,
                             nullptr);

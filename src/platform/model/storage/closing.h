@@ -10,15 +10,15 @@ namespace tavimodel {
 
 class FileStore;
 
-/// What closing the database in `folder` is used for, when the answer is out: files without a row
-/// are removed and the search index is brought up to date, within the budget and only where the
-/// write lock is free. True when time ran out before the work did. Never throws.
+/// Maintenance on closing, after the answer has been written: removes files without a row and
+/// updates the search index, within the budget and only if the write lock is free. Returns true if
+/// time ran out before everything was done. Never throws.
 bool tidy(sqlite::Connection& connection, FileStore& files, IndexUpdate updateIndex,
           TidyBudget budget);
 
-/// Writes the log back, which leaves it empty unless another connection is reading it, and closes
-/// the database. Comes after `tidy`, from which on the connection waits for no lock.
-void closeWhole(std::unique_ptr<sqlite::Connection> connection,
-                const std::filesystem::path& folder);
+/// Checkpoints and truncates the log, unless another connection is reading it, and closes the
+/// database. Call it after `tidy`, which sets the connection's busy timeout to 0.
+void checkpointAndClose(std::unique_ptr<sqlite::Connection> connection,
+                        const std::filesystem::path& folder);
 
 }  // namespace tavimodel

@@ -9,8 +9,8 @@
 namespace tavimodel {
 namespace {
 
-/// A server that is never idle writes its log back when it is this long, in bytes: everybody who
-/// opens the database reads it.
+/// Size in bytes from which even a server that is never idle checkpoints its log, because each
+/// program that opens the database reads the whole log.
 constexpr std::uintmax_t longLog = std::uintmax_t{4} << 20;
 
 }  // namespace
@@ -25,7 +25,7 @@ Database::Database(const std::filesystem::path& folder, Access access, IndexUpda
       updateIndex_(updateIndex) {
   if (!connection_) {
     connection_ = openDatabase(folder, access);
-    if (!connection_->isRefused()) repairLocks(*connection_);
+    if (!connection_->isRefused()) repairLockFlags(*connection_);
   }
   if (kept != nullptr && !connection_->isRefused()) dataVersion_ = connection_->dataVersion();
 }
@@ -36,7 +36,7 @@ Database::~Database() {
     return;
   }
   tidy(*connection_, files_, updateIndex_, closingBudget);
-  closeWhole(std::move(connection_), folder_);
+  checkpointAndClose(std::move(connection_), folder_);
 }
 
 }  // namespace tavimodel

@@ -11,17 +11,17 @@
 
 namespace tavimodel {
 
-/// The application's database, open: `tavi.sqlite` and `files/` in one folder.
+/// The application's open database: `tavi.sqlite` and `files/` in one folder.
 class Database {
  public:
   using Access = DatabaseAccess;
 
-  /// Opens the database in the folder: see openDatabase. `kept`, of a server, lends its connection
-  /// and gets it back.
+  /// Opens the database in the folder, with the errors of openDatabase. A server passes `kept`,
+  /// whose connection is used if it is current; the destructor returns the connection to it.
   Database(const std::filesystem::path& folder, Access access, IndexUpdate updateIndex,
            KeptConnection* kept = nullptr);
-  /// Uses the occasion to keep the database tidy (see bookkeeping.h), writes the log back where no
-  /// other connection is reading it, which leaves it empty, and closes the database.
+  /// Returns the connection to `kept`; without it, or if the log has grown long, does maintenance
+  /// (see bookkeeping.h), checkpoints the log, and closes the database.
   ~Database();
   Database(const Database&) = delete;
   Database& operator=(const Database&) = delete;
@@ -32,7 +32,7 @@ class Database {
  private:
   std::filesystem::path folder_;
   KeptConnection* kept_;
-  DatabaseIdentity opened_;       ///< for `kept_` only, like the next
+  DatabaseIdentity opened_;       ///< before opening; only for `kept_`, as is the next
   std::int64_t dataVersion_ = 0;  ///< after opening
   std::unique_ptr<sqlite::Connection> connection_;
   FileStore files_;

@@ -34,13 +34,14 @@ DatabaseIdentity DatabaseIdentity::of(const std::filesystem::path& folder) {
                             .database = FileIdentity::of(database),
                             .log = FileIdentity::of(logOf(database)),
                             .logIndex = FileIdentity::of(database.string() + "-shm")};
-  // It is mapped, and changes with every read.
+  // The file is mapped into memory, and every read changes its times.
   identity.logIndex.modified = identity.logIndex.changed = 0;
   return identity;
 }
 
 bool DatabaseIdentity::isSettled() const {
-  constexpr std::chrono::milliseconds ticks{20};  // a file system's clock may go by 4 or 10 ms
+  constexpr std::chrono::milliseconds ticks{
+      20};  // the clock of a file system may have ticks of 4 or 10 ms
   const auto now = std::chrono::system_clock::now().time_since_epoch();
   return now - std::chrono::nanoseconds(database.changed) > ticks;
 }

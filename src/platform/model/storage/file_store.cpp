@@ -30,12 +30,12 @@ void syncFolder(const fs::path& path) {
   if (!folder || fsync(folder.get()) != 0) fail(path, "Could not write the folder");
 }
 
-/// Creates the file and locks it. A sweep may take a file between the two: then it is made anew.
+/// Creates and locks the file. If a sweep removes it between the two steps, it is created again.
 FileDescriptor createLocked(const fs::path& path) {
   while (true) {
     FileDescriptor file(open(path.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600));
     if (!file) fail(path, "Could not create the file");
-    // A umask may have taken rights from the owner, too.
+    // The umask may have removed permissions of the owner, too.
     if (fchmod(file.get(), 0600) != 0) fail(path, "Could not create the file");
     if (flock(file.get(), LOCK_EX) != 0) fail(path, "Could not lock the file");
     struct stat byDescriptor {};
@@ -47,8 +47,8 @@ FileDescriptor createLocked(const fs::path& path) {
   }
 }
 
-/// Moves the file, locked before it comes under its new name. None where it cannot be moved: it
-/// lies on another file system, say, or is somebody else's under another name.
+/// Locks the file, then renames it. Returns no descriptor if it cannot be moved, for example
+/// because it is on another file system or has other hard links.
 FileDescriptor moveLocked(const fs::path& source, const fs::path& target) {
   FileDescriptor file(open(source.c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC));
   struct stat status {};
@@ -58,7 +58,7 @@ FileDescriptor moveLocked(const fs::path& source, const fs::path& target) {
   return file;
 }
 
-/// Of the name itself: a link is none, whatever it points to.
+/// False for a symbolic link, whatever it points to.
 bool isRegularFile(const fs::path& path) {
   std::error_code ignored;
   return fs::symlink_status(path, ignored).type() == fs::file_type::regular;
@@ -75,7 +75,7 @@ std::int64_t sizeOf(int file, const fs::path& path) {
   return status.st_size;
 }
 
-/// The kernel copies: the bytes do not come through this process.
+/// Copies in the kernel, so that the bytes do not pass through this process.
 void copyBytes(const fs::path& source, int target, const fs::path& targetPath) {
   constexpr std::size_t most = std::size_t{1} << 30;
   const FileDescriptor input(open(source.c_str(), O_RDONLY | O_CLOEXEC));
@@ -90,7 +90,7 @@ void copyBytes(const fs::path& source, int target, const fs::path& targetPath) {
     if (count > 0) {
       begun = true;
     } else if (withinFileSystem && !begun && errno != EINTR) {
-      withinFileSystem = false;  // between two of them, or on one that cannot
+      withinFileSystem = false;  // across file systems, or on one without support
     } else if (errno != EINTR) {
       fail(targetPath, "Could not write the file");
     }
@@ -126,7 +126,7 @@ FileStore::Staged FileStore::stage(const fs::path& source) {
 
 void FileStore::publishStaged() {
   for (const OpenFile& file : staged_) {
-    // A file that cannot be moved is found where it is, and moved up by the next sweep.
+    // If the rename fails, `locate` finds the file in staged/, and the next sweep moves it.
     std::error_code ignored;
     fs::rename(folder_ / "staged" / file.storedName, folder_ / file.storedName, ignored);
   }
@@ -155,19 +155,19 @@ void FileStore::sweep(sqlite::Connection& connection, bool removedFiles) {
     sweepStaged(connection);
     if (removedFiles) removeUnwanted(connection);
   } catch (const std::exception&) {
-    // It will be swept another time.
+    // A later sweep does it.
   }
 }
 
 void FileStore::sweepStaged(sqlite::Connection& connection) {
   std::error_code error;
   for (const fs::directory_entry& entry : fs::directory_iterator(folder_ / "staged", error)) {
-    // What is no regular file is not ours: it is neither followed nor waited for.
+    // Only regular files are ours; links are not followed, and a FIFO does not block.
     const FileDescriptor file(
         open(entry.path().c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
     struct stat status {};
     if (!file || fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode)) continue;
-    if (flock(file.get(), LOCK_EX | LOCK_NB) != 0) continue;  // being written
+    if (flock(file.get(), LOCK_EX | LOCK_NB) != 0) continue;  // a writer still holds it
     const std::string name = entry.path().filename();
     if (hasRow(connection, name)) {
       fs::rename(entry.path(), folder_ / name, error);
@@ -177,12 +177,12 @@ void FileStore::sweepStaged(sqlite::Connection& connection) {
   }
 }
 
-/// A name leaves the table when its file is gone from the disk for certain. So does a name that a
-/// row has again, of a replaced note or a restored copy, say: its bytes stay.
+/// Removes a name from the table once the deletion of its file is synced. Also removes a name that
+/// a row uses again, as after a note was replaced or a copy restored; its bytes stay.
 void FileStore::removeUnwanted(sqlite::Connection& connection) {
   sqlite::Transaction transaction(connection, sqlite::Transaction::Kind::write);
   connection.query("DELETE FROM orphan").run();
-  connection.syncLog();  // that the rows are gone must outlive a power cut, too
+  connection.syncLog();  // the deleted rows must survive a power failure first
   std::vector<std::string> done;
   {
     sqlite::Query names = connection.query(

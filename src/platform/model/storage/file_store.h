@@ -15,16 +15,15 @@ namespace sqlite {
 class Connection;
 }
 
-/// The folder with the attachments' bytes. A file is written to `staged/` first, locked
-/// (flock(2)) by its writer, and moves up when the row that names it is saved:
+/// The folder with the attachments' bytes. A file is first written to `staged/`, locked by its
+/// writer (flock(2)), and moved to the folder itself after the row that names it is saved:
 ///
-///   - A writer that dies leaves a staged file that nobody holds. With a row it is moved up,
-///   without
-///     one it is removed, by the next program that opens the database.
-///   - A row that is deleted, by anybody, puts its file's name into the table `removedFile`; the
-///     file goes when that is on the disk.
+///   - A writer that dies leaves a staged file without a lock. The next program that opens the
+///     database moves it to the folder if it has a row, and removes it otherwise.
+///   - Deleting a row, by any program, puts the name of its file into the table `removedFile`; the
+///     file is removed when that is on disk.
 ///
-/// So a row that can be read always has its bytes, and bytes without a row do not stay.
+/// So each row that can be read has its bytes, and bytes without a row are removed eventually.
 class FileStore {
  public:
   explicit FileStore(std::filesystem::path folder);
@@ -32,30 +31,32 @@ class FileStore {
   FileStore(const FileStore&) = delete;
   FileStore& operator=(const FileStore&) = delete;
 
+  /// A file in `staged/`: the name to store in its row, and its size.
   struct Staged {
     std::string storedName;
     std::int64_t size = 0;  ///< bytes
   };
-  /// Moves a file in, so that a large one is not written twice, or copies it where it cannot be
-  /// moved; the bytes are on the disk when this returns. Throws std::system_error.
+  /// Moves a file to `staged/`, or copies it if it cannot be moved. The bytes are on disk when this
+  /// returns. Throws std::system_error.
   Staged stage(const std::filesystem::path& source);
-  /// Moves up what was staged: its rows are saved.
+  /// Moves the staged files to the folder. Call it after their rows are saved.
   void publishStaged();
-  /// Removes what was staged: its rows are not to be saved.
+  /// Removes the staged files, whose rows will not be saved.
   void discardStaged();
 
-  /// Where the bytes lie, or nothing when they are not there.
+  /// The path of the file's bytes; absent if they are missing.
   std::optional<std::filesystem::path> locate(std::string_view storedName) const;
 
-  /// Clears up after writers that died and rows that are gone. Takes the write lock only when there
-  /// is something to do, and gives up at once where it is not free. `removedFiles`: whether there
-  /// are rows in the table of that name. Never throws, and touches regular files only.
+  /// Cleans up after dead writers, and after deleted rows if `removedFiles` says that the table of
+  /// that name has rows. Takes the write lock only if needed, and gives up at once if it is not
+  /// free. Never throws, and touches regular files only.
   void sweep(sqlite::Connection& connection, bool removedFiles);
 
  private:
   void sweepStaged(sqlite::Connection& connection);
   void removeUnwanted(sqlite::Connection& connection);
 
+  /// A staged file of this process.
   struct OpenFile {
     std::string storedName;
     platform::system::FileDescriptor descriptor;  ///< holds the lock (flock(2))

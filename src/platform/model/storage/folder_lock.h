@@ -7,13 +7,13 @@
 
 namespace tavimodel {
 
-/// An exclusive flock(2) on a folder, for steps that processes of this program take one at a time
-/// and that SQLite's own locks do not order: creating the database, checking it against the log
-/// that lies beside it, writing the log back on closing.
+/// An exclusive flock(2) on a folder. It serializes the steps of this program's processes that
+/// SQLite's own locks do not: creating the database, comparing it with the log beside it, and
+/// checkpointing on closing.
 class FolderLock {
  public:
-  /// Waits until the lock is free, or for `patience` if that is shorter. A folder that cannot be
-  /// opened is not locked; that is no error.
+  /// Waits until the lock is free, but no longer than `patience`, and then goes on without the
+  /// lock. A folder that cannot be opened is not locked; that is no error.
   explicit FolderLock(const std::filesystem::path& folder,
                       std::chrono::milliseconds patience = std::chrono::milliseconds::max());
 

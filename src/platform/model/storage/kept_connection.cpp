@@ -14,7 +14,7 @@
 namespace tavimodel {
 namespace {
 
-/// Kept prepared: searches differ in their SQL, and there is no end of them.
+/// Limit of cached statements, since each kind of search has SQL of its own.
 constexpr std::size_t mostStatements = 200;
 
 }  // namespace
@@ -25,21 +25,21 @@ KeptConnection::~KeptConnection() {
     ensureCurrent();
     FileStore files(folder_ / "files");
     tidy(*connection_, files, updateIndex_, closingBudget);
-    closeWhole(std::move(connection_), folder_);
+    checkpointAndClose(std::move(connection_), folder_);
   } catch (const std::exception&) {
-    // Whoever opens the database next does it.
+    // The next program that opens the database does it.
   }
 }
 
 std::unique_ptr<sqlite::Connection> KeptConnection::take(const std::filesystem::path& folder) {
   const bool isSame = connection_ && reusable_ && folder == folder_ && isCurrent();
   auto kept = std::move(connection_);
-  // What permissions say of the way there may have changed.
+  // The permissions of a parent folder may have changed.
   if (!isSame || access(databaseIn(folder).c_str(), R_OK | W_OK) != 0) return nullptr;
   return kept;
 }
 
-/// Whether the files are those of the last use, and nobody else has committed since.
+/// Whether the files are those of the last use, and no other connection has committed since.
 bool KeptConnection::isCurrent() const try {
   return DatabaseIdentity::of(folder_) == identity_ && connection_->dataVersion() == dataVersion_;
 } catch (const sqlite::Error&) {
@@ -53,7 +53,7 @@ void KeptConnection::keep(std::unique_ptr<sqlite::Connection> connection,
   folder_ = folder;
   dataVersion_ = dataVersion;
   identity_ = DatabaseIdentity::of(folder);
-  // The call itself may have changed the log, and nothing else.
+  // Of the files, only the log may have changed during the call.
   reusable_ = !connection_->isRefused() && identity_.database == opened.database &&
               identity_.folder == opened.folder && identity_.isSettled() &&
               !connection_->hasRunScripts() && connection_->statementsKept() <= mostStatements;
@@ -68,9 +68,9 @@ bool KeptConnection::work() {
     const bool more = tidy(*connection_, files, updateIndex_, idleBudget);
     identity_ = DatabaseIdentity::of(folder_);
     if (more) return true;
-    closeWhole(std::move(connection_), folder_);
+    checkpointAndClose(std::move(connection_), folder_);
   } catch (const std::exception&) {
-    connection_.reset();  // whoever opens the database next does it
+    connection_.reset();  // the next program that opens the database does it
   }
   return false;
 }
@@ -79,14 +79,15 @@ void KeptConnection::drop() {
   connection_.reset();
 }
 
-/// A file that was put in the database's place must not get this connection's log.
+/// Reopens the database if its files have changed: this connection's log must not be applied to a
+/// file that has replaced the database.
 void KeptConnection::ensureCurrent() {
   if (isCurrent()) return;
   connection_.reset();
   if (!DatabaseIdentity::of(folder_).database.exists)
     throw std::runtime_error("The database is gone.");
   connection_ = openDatabase(folder_, DatabaseAccess::readWrite);
-  if (!connection_->isRefused()) repairLocks(*connection_);
+  if (!connection_->isRefused()) repairLockFlags(*connection_);
   dataVersion_ = connection_->dataVersion();
 }
 

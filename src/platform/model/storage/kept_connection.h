@@ -10,30 +10,31 @@
 
 namespace tavimodel {
 
-/// A server's connection between two calls. It is handed out again only where opening the database
-/// would find the very same files as at the last use; whoever calls cannot tell it from a new one.
+/// Keeps a server's connection between two calls. It is reused only if the database's files are the
+/// same as after the last use, so that it behaves like a new connection.
 ///
-/// While no call comes, `work` does what closing does otherwise: it clears up, brings the search
-/// index up to date and writes the log back, a slice at a time, and lets go of the database.
+/// While the server is idle, `work` does in slices what closing does at once: it cleans up, updates
+/// the search index, checkpoints the log, and closes the database.
 class KeptConnection {
  public:
   explicit KeptConnection(IndexUpdate updateIndex) : updateIndex_(updateIndex) {}
-  /// Writes the log back.
+  /// Does the maintenance of closing, checkpoints the log, and closes the connection.
   ~KeptConnection();
   KeptConnection(const KeptConnection&) = delete;
   KeptConnection& operator=(const KeptConnection&) = delete;
 
-  /// The connection to the database in that folder, or null: open it anew.
+  /// Returns the kept connection to the database in that folder, or null if the caller has to open
+  /// a new one.
   std::unique_ptr<sqlite::Connection> take(const std::filesystem::path& folder);
-  /// Takes a connection back. `opened`: the files as they were before it was opened or taken;
-  /// `dataVersion`: the connection's right after that.
+  /// Keeps a connection after a call. `opened`: the files before it was opened or taken;
+  /// `dataVersion`: Connection::dataVersion right after that.
   void keep(std::unique_ptr<sqlite::Connection> connection, const std::filesystem::path& folder,
             const DatabaseIdentity& opened, std::int64_t dataVersion);
 
-  /// Does a slice of what is left to do, about 10 ms long. False when nothing is left: then the
-  /// database is closed, and its log empty where nobody else uses it. Never throws.
+  /// Does a slice of maintenance, about 10 ms long. Returns false when no work is left: the
+  /// database is then closed, and its log empty unless another program uses it. Never throws.
   bool work();
-  /// Closes the database as it is.
+  /// Closes the connection without maintenance.
   void drop();
 
  private:
@@ -43,9 +44,10 @@ class KeptConnection {
   std::unique_ptr<sqlite::Connection> connection_;
   std::filesystem::path folder_;
   DatabaseIdentity identity_;
-  /// Shows a commit of somebody else's that came between a call's answer and `identity_`.
+  /// Reveals a commit by another connection between a call's answer and `identity_`.
   std::int64_t dataVersion_ = 0;
-  bool reusable_ = false;  ///< false: `work` has begun, or its settings are not those of a new one
+  bool reusable_ =
+      false;  ///< false: `work` has begun, or the connection's settings may differ from a new one's
   IndexUpdate updateIndex_;
 };
 

@@ -10,8 +10,8 @@ namespace sqlite {
 class Connection;
 }
 
-/// Stores the titles that a note's text links to, folded (TextFacts::links). Triggers have removed
-/// those of its former text.
+/// Stores the folded titles that a note's text links to (TextFacts::links). Triggers have already
+/// removed the links of its former text. Throws sqlite::Error.
 void storeLinks(sqlite::Connection& connection, std::int64_t note,
                 const std::vector<std::string>& links);
 

@@ -16,7 +16,7 @@ class Query;
 /// A note's own attributes, without its text and its relations.
 struct NoteRow {
   std::int64_t id = 0;       ///< 0: not in the database yet
-  std::int64_t version = 0;  ///< of the last change by anybody
+  std::int64_t version = 0;  ///< random; every change by any program gives a new one
   std::string uniqueIdentifier;
   std::optional<std::string> title;
   std::optional<double> creationDate;  ///< seconds since 1970-01-01 UTC
@@ -27,13 +27,13 @@ struct NoteRow {
   bool pinned = false;
   bool encrypted = false;
   bool readOnly = false;
-  std::optional<TextFacts> facts;  ///< absent: not known, somebody else has changed the text
+  std::optional<TextFacts> facts;  ///< absent: unknown, since another program changed the text
 };
 
 /// The columns of `noteSummary s` from which `readNoteRow` reads, for a SELECT list.
 extern const std::string_view noteRowColumns;
 
-/// The row under the query's cursor; its columns begin at `first`.
+/// Reads the query's current row, in which `noteRowColumns` begin at column `first`.
 NoteRow readNoteRow(const sqlite::Query& query, int first = 0);
 
 }  // namespace tavimodel

@@ -12,12 +12,12 @@ namespace sqlite {
 class Connection;
 }
 
-/// The text of a row of `note`, for a SELECT list. NULL for a locked note: nobody who goes over the
-/// texts of many notes may learn anything about it.
+/// SQL for the text of a `note` row, for a SELECT list. NULL for a locked note, so that no scan of
+/// many texts reveals anything about it.
 inline constexpr std::string_view readableText = "CASE note.encrypted WHEN 0 THEN note.text END";
 
-/// Calls `visit` with the index of each id and the text of its note, in the order of `ids`, one
-/// text at a time: it is valid until `visit` returns. The text of a locked note is empty.
+/// Calls `visit` with each index into `ids` and that note's text, in the order of `ids`. A text is
+/// valid until `visit` returns; that of a locked note is empty. The notes must exist.
 void forEachText(sqlite::Connection& connection, const std::vector<std::int64_t>& ids,
                  const std::function<void(std::size_t index, std::string_view text)>& visit);
 

@@ -25,7 +25,7 @@ namespace fs = std::filesystem;
 using Mode = sqlite::Connection::Mode;
 
 constexpr int waitForWriters = 5000;                 // milliseconds
-constexpr std::chrono::milliseconds patience{1000};  // with others that open or close the database
+constexpr std::chrono::milliseconds patience{1000};  // for others that open or close the database
 constexpr std::size_t databaseHeaderSize = 100;
 
 void makeFolders(const fs::path& folder) {
@@ -34,19 +34,20 @@ void makeFolders(const fs::path& folder) {
   platform::system::makePrivateFolder(folder);
 }
 
-/// SQLite would create the file with the umask's mode, and its log with the file's.
+/// Creates the file with mode 0600. SQLite would use the umask for it, and gives the log the mode
+/// of the database.
 void makePrivateFile(const fs::path& path) {
   const platform::system::FileDescriptor file(
       open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
   if (file) {
-    fchmod(file.get(), 0600);  // a umask may take rights from the owner, too
+    fchmod(file.get(), 0600);  // the umask may have removed permissions of the owner, too
   } else if (errno != EEXIST) {
     throw std::system_error(errno, std::generic_category(), "Could not create " + path.string());
   }
 }
 
-/// Whether the file has the schema's pages. It has fewer while another process is creating it.
-bool isMade(const fs::path& path) {
+/// Whether the file holds a schema. False while another process is still creating it.
+bool hasSchema(const fs::path& path) {
   constexpr off_t twoPages = 8192;
   struct stat status {};
   return stat(path.c_str(), &status) == 0 && status.st_size > twoPages;
@@ -54,11 +55,11 @@ bool isMade(const fs::path& path) {
 
 void configure(sqlite::Connection& connection) {
   connection.setBusyTimeout(waitForWriters);
-  // The log is written back by Database, which knows when.
+  // Database decides when to checkpoint.
   sqlite3_db_config(connection.handle(), SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 1, nullptr);
   sqlite3_wal_autocheckpoint(connection.handle(), 0);
   connection.setBeforeCommit(touchFirstPage);
-  // What is deleted is overwritten, whatever this SQLite was built for.
+  // Overwrites deleted content, whatever the build's default is.
   connection.query("PRAGMA secure_delete = ON").run();
 }
 
@@ -75,8 +76,8 @@ std::string immutableURI(const fs::path& path) {
   return uri + "?immutable=1";
 }
 
-/// A database that is not to be written, or in a folder that cannot be, has no place for the log's
-/// index. Without a log it is read as it stands.
+/// For a database that must not or cannot be written, SQLite cannot create the log's index. Without
+/// a log the file can be read as it is. Null if there is a log.
 std::unique_ptr<sqlite::Connection> openImmutable(const fs::path& path) {
   if (logSize(path) > 0) return nullptr;
   auto connection = std::make_unique<sqlite::Connection>(immutableURI(path), Mode::readOnly);
@@ -84,16 +85,18 @@ std::unique_ptr<sqlite::Connection> openImmutable(const fs::path& path) {
   return connection;
 }
 
-/// SQLite recovers whatever log it finds, and a log of another database, or of another state of
-/// this one, would leave a mixture of both. While somebody has the database open, the log is his.
-/// Needs the folder's lock: of two processes that look at once, neither would be alone.
+/// Whether the log belongs to another database, or to another state of this one. SQLite would apply
+/// it nevertheless and produce a mixture of both. While another process has the database open, the
+/// log is valid. Requires the folder's lock: of two processes that check at the same time, neither
+/// would get the exclusive lock.
 bool hasForeignLog(sqlite::Connection& connection, const fs::path& path) {
-  const sqlite::SoleUse alone(connection);
+  const sqlite::ExclusiveLock alone(connection);
   if (!alone) return false;
   return !belongTogether(connection.fileHeader(databaseHeaderSize), originOf(logOf(path)));
 }
 
-/// A copy by VACUUM INTO or from a dump has a rollback journal.
+/// Switches to write-ahead mode if needed: a copy made by VACUUM INTO or from a dump uses a
+/// rollback journal. Byte 18 of the header is 2 in write-ahead mode.
 void useWriteAheadLog(sqlite::Connection& connection) {
   const std::string header = connection.fileHeader(databaseHeaderSize);
   if (header.empty() || header[18] == 2) return;
@@ -101,7 +104,7 @@ void useWriteAheadLog(sqlite::Connection& connection) {
   try {
     connection.query("PRAGMA journal_mode = WAL").run();
   } catch (const sqlite::Error&) {
-    // Somebody else is using it, or it cannot be written; it works as it is.
+    // Another program is using it, or it is read-only; it works in either mode.
   }
   connection.setBusyTimeout(waitForWriters);
 }
@@ -145,12 +148,12 @@ std::unique_ptr<sqlite::Connection> openDatabase(const fs::path& folder, Databas
   const fs::path path = databaseIn(folder);
   const bool writes = access == DatabaseAccess::readWrite;
   std::optional<FolderLock> lock;
-  if (writes && !isMade(path)) {
+  if (writes && !hasSchema(path)) {
     makeFolders(folder / "files");
     lock.emplace(folder);
     std::error_code missing;
     if (fs::file_size(path, missing) == 0 || missing) {
-      // The log may be all that is left of the notes: SQLite would remove it.
+      // The log may be all that is left of the notes, and SQLite would delete it.
       if (!originOf(logOf(path)).isEmpty()) {
         return refused(std::make_unique<sqlite::Connection>(":memory:", Mode::readWrite));
       }

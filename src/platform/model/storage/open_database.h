@@ -7,20 +7,20 @@
 
 namespace tavimodel {
 
-/// With `readOnly` the database must be there already: nothing is made, written or tidied up, and
-/// nobody waited for.
+/// How to open the database. With `readOnly` it must exist; opening it writes nothing and waits for
+/// no lock.
 enum class DatabaseAccess { readWrite, readOnly };
 
-/// `tavi.sqlite`, in the application's data folder.
+/// The path of `tavi.sqlite` in the application's data folder.
 std::filesystem::path databaseIn(const std::filesystem::path& folder);
 
-/// Opens the database in the folder. With `readWrite` the folder and what belongs into it come into
-/// being, private to the user, where they are missing, and a copy that was made in another journal
-/// mode is put back into write-ahead mode where the lock is free.
+/// Opens the database in the folder. With `readWrite`, creates missing folders and files,
+/// accessible to the user only, and switches a database in another journal mode to write-ahead mode
+/// if its lock is free.
 ///
-/// A connection to a database that lies beside a log of another one is refused (see
-/// Connection::refuse); both files stay as they are. Throws sqlite::Error, std::system_error or
-/// std::runtime_error; a database that cannot be opened is left as it was.
+/// If the log beside the database belongs to another one, returns a refused connection (see
+/// Connection::refuse) and leaves both files as they are. Throws sqlite::Error, std::system_error
+/// or std::runtime_error if the database cannot be opened, and leaves it as it was.
 std::unique_ptr<sqlite::Connection> openDatabase(const std::filesystem::path& folder,
                                                  DatabaseAccess access);
 

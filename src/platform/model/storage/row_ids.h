@@ -6,7 +6,8 @@
 
 namespace tavimodel {
 
-/// Row ids as a JSON array, for `json_each(?)`: one statement for any number of rows.
+/// Formats row ids as a JSON array, for `json_each(?)`, so that one statement serves any number of
+/// rows.
 std::string jsonArray(const std::vector<std::int64_t>& ids);
 
 }  // namespace tavimodel

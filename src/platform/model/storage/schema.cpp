@@ -11,11 +11,10 @@
 #include "platform/model/storage/sqlite.h"
 #include "platform/model/storage/text_facts.h"
 
-// The database is shared with programs that know only the tables of the first group, and write
-// them with plain SQL. So whatever this program keeps besides is kept up by triggers, these use
-// built-in functions and ordinary tables only (a client may lack FTS5, or run with
-// trusted_schema off), and what SQL cannot compute is marked as not known (NULL) by the trigger
-// and worked out later, by the next reader in memory and by the next writer for good.
+// The database is shared with programs that know only the first group of tables and write them with
+// plain SQL. So triggers maintain this program's own tables. They use only built-in functions and
+// ordinary tables, since a client may lack FTS5 or have trusted_schema off. What SQL cannot compute
+// is set to NULL ("unknown"): readers derive it in memory, and the next writer stores it.
 //
 // Booleans are 0 or 1. Dates are seconds since 1970-01-01 UTC, NULL when unknown.
 
@@ -178,11 +177,11 @@ DROP TRIGGER IF EXISTS summaryDeleted;
 DROP TRIGGER IF EXISTS summaryRenumbered;
 )sql";
 
-// Every program that opens the database parses these, so they are short: a word costs a thousand
-// instructions.
+// Every program that opens the database parses these triggers, at about a thousand instructions per
+// word, so they are short.
 //
-// An INSERT or UPDATE OR REPLACE runs no delete trigger, so the others clear up after the row that
-// was replaced, and hand its tags, pins and files on to the row that has its identifier now.
+// INSERT OR REPLACE and UPDATE OR REPLACE fire no delete trigger, so the other triggers clean up
+// after the replaced row and pass its tags, pins and files to the row that now has its identifier.
 constexpr const char* createTriggers = R"sql(
 CREATE TRIGGER IF NOT EXISTS noteInserted AFTER INSERT ON note BEGIN
   DELETE FROM noteSummary WHERE note = NEW.id;
@@ -298,9 +297,9 @@ bool holdsAnything(sqlite::Connection& connection) {
   return connection.query("SELECT 1 FROM sqlite_schema LIMIT 1").step();
 }
 
-/// The tables, indexes and triggers, each as it was written.
+/// The CREATE statements of all tables, indexes and triggers.
 std::set<std::string> objects(sqlite::Connection& connection) {
-  // The shell ends a statement that has a comment in it with a line break.
+  // The sqlite3 shell appends a line break to a statement that contains a comment.
   sqlite::Query query =
       connection.query("SELECT rtrim(sql, char(10)) FROM sqlite_schema WHERE sql IS NOT NULL");
   std::set<std::string> result;
@@ -308,8 +307,8 @@ std::set<std::string> objects(sqlite::Connection& connection) {
   return result;
 }
 
-/// A dump holds everything but the version, so a database restored from one is known by its tables.
-/// Whatever else it holds, it is at least of version 1.
+/// A dump lacks the version, so a database restored from one is recognized by its tables. With them
+/// it has at least version 1, whatever else it contains.
 bool hasTablesOfVersion1(sqlite::Connection& connection) {
   sqlite::Connection fresh(":memory:", sqlite::Connection::Mode::readWrite);
   fresh.execute(createTables);
@@ -318,7 +317,8 @@ bool hasTablesOfVersion1(sqlite::Connection& connection) {
   return std::includes(theirs.begin(), theirs.end(), ours.begin(), ours.end());
 }
 
-/// 0 for an empty file. Throws std::runtime_error for a database that is to be left alone.
+/// The schema version; 0 for an empty file. Throws std::runtime_error for a database that is newer
+/// or not ours.
 int knownVersion(sqlite::Connection& connection) {
   const int version = userVersion(connection);
   if (version > currentSchemaVersion) {
@@ -331,7 +331,7 @@ int knownVersion(sqlite::Connection& connection) {
 
 }  // namespace
 
-bool isCurrent(sqlite::Connection& connection) {
+bool hasCurrentSchema(sqlite::Connection& connection) {
   return sqlite3_table_column_metadata(connection.handle(), "main", "searchSlice", nullptr, nullptr,
                                        nullptr, nullptr, nullptr, nullptr) == SQLITE_OK;
 }
@@ -339,14 +339,14 @@ bool isCurrent(sqlite::Connection& connection) {
 void upgradeSchema(sqlite::Connection& connection) {
   const int version = knownVersion(connection);
   if (version == currentSchemaVersion) return;
-  // Later versions add nothing that reading needs.
+  // Reading does not need the tables of later versions.
   if (version > 0 && sqlite3_db_readonly(connection.handle(), "main") != 0) return;
-  // Writers and readers do not wait for each other, and a commit is one sync.
-  // A write logs a dozen pages, and the next program to open the database reads them again, so they
-  // are small; larger ones would make a walk through all texts a fifth faster.
+  // In write-ahead mode readers and writers do not wait for each other, and a commit takes one
+  // sync. Pages are small because a write logs a dozen of them, which the next program that opens
+  // the database reads again; larger ones would make a scan of all texts a fifth faster.
   connection.execute("PRAGMA page_size = 4096; PRAGMA journal_mode = WAL");
   sqlite::Transaction transaction(connection, sqlite::Transaction::Kind::write);
-  const int versionNow = knownVersion(connection);  // another process may have been quicker
+  const int versionNow = knownVersion(connection);  // another process may have been faster
   if (versionNow == currentSchemaVersion) return;
   if (versionNow == 0) connection.execute(createTables);
   connection.execute(createTablesOfVersion2);
@@ -357,7 +357,7 @@ void upgradeSchema(sqlite::Connection& connection) {
   connection.execute("PRAGMA wal_checkpoint(TRUNCATE)");
 }
 
-void repairLocks(sqlite::Connection& connection) {
+void repairLockFlags(sqlite::Connection& connection) {
   constexpr const char* differing =
       "SELECT s.note FROM note n CROSS JOIN noteSummary s ON s.note = n.id "
       "WHERE n.encrypted = 1 AND s.encrypted = 0 "

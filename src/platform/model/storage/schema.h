@@ -6,26 +6,26 @@ namespace sqlite {
 class Connection;
 }
 
-/// The version that this program writes into `PRAGMA user_version`.
+/// The schema version that this program writes to `PRAGMA user_version`.
 constexpr int currentSchemaVersion = 3;
 
-/// Changes page 1 of the database and nothing in it. Every commit of this program does so, which
-/// ties the log to its database (see write_ahead_log.h).
+/// Rewrites page 1 of the database without changing its content. Every commit of this program does
+/// so, which ties the log to its database (see write_ahead_log.h).
 constexpr const char* touchFirstPage = "PRAGMA user_version = 3";
 
-/// Brings an open database to the current schema, step by step, in one transaction; an empty file
-/// gets the whole schema. Does nothing, and takes no lock, when it is current already. Throws
-/// sqlite::Error, or std::runtime_error for a database of a newer version or one that is not ours,
-/// which stays untouched.
+/// Upgrades an open database to the current schema step by step, in one transaction; an empty file
+/// gets the whole schema. Takes no lock if the schema is current. Throws sqlite::Error, or
+/// std::runtime_error for a database that has a newer version or is not ours, which stays
+/// untouched.
 void upgradeSchema(sqlite::Connection& connection);
 
-/// Whether the database has the tables of the current version. False for an older one that cannot
-/// be written, where upgradeSchema leaves it as it is.
-bool isCurrent(sqlite::Connection& connection);
+/// Whether the database has the tables of the current version. False for an older read-only
+/// database, which upgradeSchema leaves as it is.
+bool hasCurrentSchema(sqlite::Connection& connection);
 
-/// Whether a note is locked is told by `note`, and `noteSummary` has a copy that triggers keep.
-/// Where a program has changed one of the two without them the copy is put right, so that no list
-/// and no search shows a locked text. Throws sqlite::Error when that cannot be done.
-void repairLocks(sqlite::Connection& connection);
+/// Corrects the copy of `note.encrypted` in `noteSummary` where a program changed one of the two
+/// without the triggers, so that no list and no search shows a locked text. Throws sqlite::Error if
+/// it cannot.
+void repairLockFlags(sqlite::Connection& connection);
 
 }  // namespace tavimodel

@@ -36,17 +36,17 @@ std::string sentence(int code, int systemError, const std::string& detail) {
 
 bool configureLibrary() {
   useMemoryPools();
-  // Nobody asks SQLite how much memory it has, and counting takes a lock at every allocation.
+  // Memory statistics are not used, and would take a lock at every allocation.
   sqlite3_config(SQLITE_CONFIG_MEMSTATUS, 0);
-  // What undoes a statement stays in memory: the pages that one note's triggers touch would else be
-  // written to a temporary file.
+  // Keeps the statement journal in memory. Otherwise the pages that one note's triggers touch would
+  // be written to a temporary file.
   constexpr int never = -1;
   sqlite3_config(SQLITE_CONFIG_STMTJRNL_SPILL, never);
   return true;
 }
 
-/// Why the last call on a file failed; 0: not known. What fails in a commit SQLite keeps with the
-/// log's file only.
+/// The errno of the last failed file operation; 0 if unknown. For a failed commit, SQLite keeps it
+/// in the log's file object only.
 int systemError(sqlite3* handle) {
   int error = sqlite3_system_errno(handle);
   sqlite3_file* log = nullptr;
@@ -98,7 +98,7 @@ Query& Query::bind(int parameter, double value) {
 }
 
 Query& Query::bind(int parameter, std::string_view text) {
-  // An empty view may have no address, which SQLite would take for NULL.
+  // An empty view may have a null pointer, which SQLite would bind as NULL.
   const char* bytes = text.data() != nullptr ? text.data() : "";
   if (sqlite3_bind_text64(statement_, parameter, bytes, text.size(), SQLITE_STATIC, SQLITE_UTF8) !=
       SQLITE_OK) {
@@ -141,7 +141,7 @@ double Query::real(int column) const {
 }
 
 std::string_view Query::text(int column) const {
-  // The bytes of a text as they are; sqlite3_column_text would copy them to put a NUL behind.
+  // Reads the bytes in place; sqlite3_column_text would copy them to append a NUL.
   const auto* bytes = static_cast<const char*>(sqlite3_column_blob(statement_, column));
   if (bytes == nullptr) return {};
   return {bytes, static_cast<std::size_t>(sqlite3_column_bytes(statement_, column))};
@@ -192,7 +192,7 @@ Query Connection::query(std::string_view sql) {
 void Connection::giveBack(sqlite3_stmt* statement) {
   const auto found = statements_.find(sqlite3_sql(statement));
   if (found == statements_.end() || found->second.statement != statement) {
-    sqlite3_finalize(statement);  // a second loan of the same text
+    sqlite3_finalize(statement);  // the same statement was in use, so this one is not cached
     return;
   }
   sqlite3_reset(statement);
@@ -242,12 +242,12 @@ void Connection::fail() const {
   throwError(handle_, sqlite3_errcode(handle_));
 }
 
-SoleUse::SoleUse(Connection& connection) : file_(fileOf(connection.handle())) {
+ExclusiveLock::ExclusiveLock(Connection& connection) : file_(fileOf(connection.handle())) {
   held_ = file_->pMethods->xLock(file_, SQLITE_LOCK_SHARED) == SQLITE_OK &&
           file_->pMethods->xLock(file_, SQLITE_LOCK_EXCLUSIVE) == SQLITE_OK;
 }
 
-SoleUse::~SoleUse() {
+ExclusiveLock::~ExclusiveLock() {
   file_->pMethods->xUnlock(file_, SQLITE_LOCK_NONE);
 }
 
@@ -262,7 +262,7 @@ Transaction::~Transaction() {
 
 void Transaction::rollBack() {
   open_ = false;
-  // A failed statement may have rolled back already; then there is nothing left to undo.
+  // A failed statement may already have rolled the transaction back.
   if (sqlite3_get_autocommit(connection_.handle()) != 0) return;
   sqlite3_exec(connection_.handle(), "ROLLBACK", nullptr, nullptr, nullptr);
 }
@@ -276,8 +276,9 @@ void Transaction::commit() {
     open_ = false;
   } catch (const Error&) {
     rollBack();
-    // Where the log was written and its sync failed, the log still holds a whole transaction, which
-    // the next program to open the database would take for committed. Without a log it cannot.
+    // If the log was written but its sync failed, the log holds a complete transaction, which the
+    // next program that opens the database would take for committed. Truncating the log prevents
+    // that.
     sqlite3_wal_checkpoint_v2(connection_.handle(), nullptr, SQLITE_CHECKPOINT_TRUNCATE, nullptr,
                               nullptr);
     throw;

@@ -13,14 +13,16 @@ struct sqlite3;
 struct sqlite3_file;
 struct sqlite3_stmt;
 
-/// SQLite as the model needs it: owners for handles, one place that turns result codes into errors.
+/// A thin layer over SQLite: owners for its handles, and one place that turns result codes into
+/// errors. Functions throw Error unless their comment says otherwise.
 namespace tavimodel::sqlite {
 
-/// A failed call. `what()` is one sentence for the user that names the cause.
+/// A failed SQLite call. `what()` is one sentence for the user that names the cause.
 class Error : public std::runtime_error {
  public:
+  /// `systemError`: an errno, or 0 if unknown; `detail`: SQLite's own message.
   Error(int code, int systemError, const std::string& detail);
-  /// A failure that SQLite does not know, in a sentence of its own.
+  /// A failure detected outside SQLite, with its own sentence. Its code is SQLITE_CANTOPEN.
   explicit Error(const std::string& sentence);
   /// The primary result code, such as SQLITE_BUSY.
   int code() const { return code_; }
@@ -31,8 +33,8 @@ class Error : public std::runtime_error {
 
 class Connection;
 
-/// A prepared statement on loan from its connection. It is reset and given back when it goes out
-/// of scope. Parameters and columns count as in SQLite: from 1 and from 0.
+/// A prepared statement borrowed from its connection. The destructor resets and returns it. As in
+/// SQLite, parameters are numbered from 1, columns from 0.
 class Query {
  public:
   Query(Query&& other) noexcept;
@@ -59,9 +61,9 @@ class Query {
   /// How many parameters the statement has.
   int parameterCount() const;
 
-  /// True when there is a row.
+  /// Advances to the next row; false if there is none.
   bool step();
-  /// Runs a statement that gives no rows.
+  /// Runs the statement to its end, ignoring any rows.
   void run();
 
   bool isNull(int column) const;
@@ -79,40 +81,44 @@ class Query {
   sqlite3_stmt* statement_;
 };
 
-/// One connection. Statements are prepared on first use and kept.
+/// A database connection. Statements are prepared on first use and cached by their text.
 class Connection {
  public:
+  /// How the file is opened.
   enum class Mode { readWrite, readOnly };
 
-  /// Opens an existing file, which SQLite's URIs name too for reading. Throws Error.
+  /// Opens an existing file; for reading, `path` may also be an SQLite URI. Throws Error.
   Connection(const std::string& path, Mode mode);
   ~Connection();
   Connection(const Connection&) = delete;
   Connection& operator=(const Connection&) = delete;
 
+  /// Borrows the statement, prepared; `sql` is one statement.
   Query query(std::string_view sql);
-  /// Runs a script of statements without parameters.
+  /// Runs a script of statements that take no parameters.
   void execute(const char* script);
   std::int64_t lastInsertedRow() const;
-  /// How long a statement waits for another writer before it fails with SQLITE_BUSY.
+  /// Sets how long a statement waits for another writer before it fails with SQLITE_BUSY.
   void setBusyTimeout(int milliseconds);
-  /// Run at the end of each write transaction; must outlive the connection.
+  /// Sets a statement to run at the end of each write transaction. The string must outlive the
+  /// connection.
   void setBeforeCommit(const char* sql) { beforeCommit_ = sql; }
-  /// From now on every statement fails with this sentence.
+  /// Makes every later statement throw an Error with this sentence.
   void refuse(std::string sentence) { refusal_ = std::move(sentence); }
   bool isRefused() const { return !refusal_.empty(); }
-  /// The first bytes of the database file itself, whatever the log holds; empty where the file is
-  /// shorter. Takes no lock.
+  /// The first `size` bytes of the database file, ignoring the log; empty if the file is shorter.
+  /// Takes no lock.
   std::string fileHeader(std::size_t size) const;
-  /// Changes whenever another connection has committed (PRAGMA data_version).
+  /// A number that changes when another connection commits (PRAGMA data_version).
   std::int64_t dataVersion();
-  /// Brings the log's file up to date on the disk: what others have committed without a sync, too.
+  /// Syncs the log, including commits that others made without a sync.
   void syncLog();
-  /// Whether a script has been run, which may have changed settings or made temporary tables.
+  /// Whether `execute` has run a script, which may have changed settings or created temporary
+  /// tables.
   bool hasRunScripts() const { return hasRunScripts_; }
-  /// How many prepared statements are kept.
+  /// The number of cached statements.
   std::size_t statementsKept() const { return statements_.size(); }
-  /// Statements run so far, for tests that count them.
+  /// The number of statements run so far, for tests.
   std::int64_t statementsRun() const { return statementsRun_; }
   sqlite3* handle() const { return handle_; }
 
@@ -122,6 +128,7 @@ class Connection {
   void giveBack(sqlite3_stmt* statement);
   [[noreturn]] void fail() const;
 
+  /// A prepared statement; `onLoan` while a Query uses it.
   struct Cached {
     sqlite3_stmt* statement;
     bool onLoan;
@@ -134,14 +141,15 @@ class Connection {
   std::string refusal_;
 };
 
-/// The database file, locked against every other connection, of this process too. It can be had
-/// before the connection's first statement only, and while nobody else has the file open.
-class SoleUse {
+/// An exclusive lock of the database file against all other connections, also those of this
+/// process. It succeeds only before the connection's first statement, and only if no other
+/// connection has the file open. Does not throw.
+class ExclusiveLock {
  public:
-  explicit SoleUse(Connection& connection);
-  ~SoleUse();
-  SoleUse(const SoleUse&) = delete;
-  SoleUse& operator=(const SoleUse&) = delete;
+  explicit ExclusiveLock(Connection& connection);
+  ~ExclusiveLock();
+  ExclusiveLock(const ExclusiveLock&) = delete;
+  ExclusiveLock& operator=(const ExclusiveLock&) = delete;
   explicit operator bool() const { return held_; }
 
  private:
@@ -149,9 +157,11 @@ class SoleUse {
   bool held_ = false;
 };
 
-/// A transaction that rolls back unless it is committed.
+/// A transaction that rolls back unless it is committed. A write transaction takes the write lock
+/// at once.
 class Transaction {
  public:
+  /// Whether the transaction takes the write lock.
   enum class Kind { read, write };
   Transaction(Connection& connection, Kind kind);
   ~Transaction();

@@ -27,28 +27,27 @@ constexpr std::size_t small = 1024;
 constexpr std::size_t largest = std::size_t{64} << 10;  ///< in a pool; others are mapped alone
 constexpr std::size_t chunkSize = std::size_t{128} << 10;
 
-/// Sizes of blocks are multiples of it.
+/// The granularity of block sizes, in bytes.
 constexpr std::size_t stepOf(std::size_t size) {
   return size <= small ? 16 : 512;
 }
 
-/// The place of a rounded size among the sizes of a pool's blocks.
+/// The index of a rounded size in Pool::free.
 constexpr std::size_t placeOf(std::size_t size) {
   return size / stepOf(size) + (size <= small ? 0 : small / stepOf(small));
 }
 
-/// The size of a block, stored in front of it: SQLite asks for it. SQLite wants blocks at multiples
-/// of 8.
+/// The size of a block in bytes, stored in front of it, because SQLite asks for it. SQLite requires
+/// an alignment of 8.
 using Header = std::size_t;
 
 struct FreeBlock {
   FreeBlock* next;
 };
 
-/// Memory that belongs to no block yet, null where there is none. All pages are mapped at once:
-/// nearly all will be used, and a page fault each would cost more than what is done with the
-/// memory. Under the address sanitizer only the bytes of blocks in use may be touched, and what
-/// they point to is not a leak.
+/// Maps fresh memory; null if that fails. All pages are populated at once, since nearly all will be
+/// used and a page fault for each costs more than using it. Under the address sanitizer, only bytes
+/// of allocated blocks may be accessed, and what they point to is not a leak.
 char* mapped(std::size_t size) {
   void* memory = mmap(nullptr, size, PROT_READ | PROT_WRITE,
                       MAP_PRIVATE | MAP_ANONYMOUS | MAP_POPULATE, -1, 0);
@@ -64,8 +63,8 @@ void unmap(char* memory, std::size_t size) {
   munmap(memory, size);
 }
 
-/// Blocks that are free, by size, and a chunk from which new ones are cut. Memory is not given
-/// back: what was needed once is needed again.
+/// Free blocks by size, and a chunk from which new ones are cut. Memory is not returned to the
+/// system, since it will be needed again.
 struct Pool {
   std::array<FreeBlock*, placeOf(largest) + 1> free{};
   char* chunk = nullptr;
@@ -87,7 +86,7 @@ struct Pool {
   }
 };
 
-// A thread's own, so that none waits for another; a block may come home to another thread's.
+// One pool per thread, without locks. A block may be released to the pool of another thread.
 constinit thread_local Pool pool;
 
 std::size_t roundedUp(int wanted) {
@@ -100,7 +99,7 @@ std::size_t roundedUp(int wanted) {
   return *(static_cast<const Header*>(block) - 1);
 }
 
-/// Turns memory into a block of `size` bytes behind its header.
+/// Writes a header for a block of `size` bytes, and returns the block after it.
 [[gnu::no_sanitize_address]] void* blockAt(char* memory, std::size_t size) {
   *reinterpret_cast<Header*>(memory) = size;
   return memory + sizeof(Header);
@@ -171,8 +170,8 @@ void useMemoryPools() {
   static constexpr sqlite3_mem_methods methods{allocate, release, reallocate, blockSize,
                                                rounded,  start,   stop,       nullptr};
   sqlite3_config(SQLITE_CONFIG_MALLOC, &methods);
-  // SQLite's own two pools would do nothing but touch more memory: twenty pages of a file for each
-  // cache, and 48 KB of small blocks for each connection.
+  // SQLite's own two pools would only touch more memory: twenty database pages for each cache, and
+  // 48 KB of small blocks for each connection.
   sqlite3_config(SQLITE_CONFIG_PAGECACHE, nullptr, 0, 0);
   sqlite3_config(SQLITE_CONFIG_LOOKASIDE, 0, 0);
 }

@@ -9,14 +9,15 @@
 
 namespace tavimodel {
 
-/// What is kept beside a note of its text, so that lists need not read the text.
+/// Properties derived from a note's text, stored beside it so that lists need not read the text.
 struct TextFacts {
+  /// Bits that tell what the text contains; they are stored, so their values never change.
   enum Feature : std::int64_t {
     images = 1,
     code = 2,
     wikiLinks = 4,
-    blank = 8,
-    linksStored = 16,  ///< whoever stores these facts stores `links`, too
+    blank = 8,         ///< no characters but whitespace and newlines
+    linksStored = 16,  ///< `links` are stored in noteLink
   };
 
   std::string digest;       ///< head of the SHA-256, 16 lower-case hexadecimal digits
@@ -27,7 +28,7 @@ struct TextFacts {
   std::vector<std::string> links;  ///< titles named by wiki links, folded, each once
 
   static TextFacts of(std::string_view text);
-  /// The same, where the text has been parsed already.
+  /// Like the above, for a text that has already been parsed.
   static TextFacts of(std::string_view text, const zephyrdown::ZDKTextSummary& summary);
 };
 

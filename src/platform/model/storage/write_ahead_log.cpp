@@ -29,7 +29,8 @@ std::uint32_t word(std::string_view bytes, std::size_t at) {
   return value;
 }
 
-/// The running checksum of a log, over pairs of 32-bit words in the order its header names.
+/// The cumulative checksum of a log, over pairs of 32-bit words in the byte order given by its
+/// header.
 class Checksum {
  public:
   explicit Checksum(bool bigEndian) : bigEndian_(bigEndian) {}
@@ -55,6 +56,7 @@ class Checksum {
   std::uint32_t second_ = 0;
 };
 
+// A log file, open for reading, or missing.
 class LogFile {
  public:
   explicit LogFile(const fs::path& path)
@@ -62,7 +64,7 @@ class LogFile {
     if (!descriptor_ && errno != ENOENT) fail();
   }
 
-  /// Fills `bytes` from there on; false at the end of the file.
+  /// Fills `bytes` from offset `at`; false if the file ends before. Throws std::system_error.
   bool read(std::string& bytes, std::size_t at) const {
     if (!descriptor_) return false;
     const ssize_t count =
@@ -130,7 +132,7 @@ bool belongTogether(std::string_view header, const LogOrigin& log) {
   const std::uint32_t pageSize = word(header, 16) >> 16;  // 16 bits, in which 1 stands for 65536
   if (!inLogMode || (pageSize == 1 ? 65536 : pageSize) != log.pageSize) return false;
   const std::uint32_t counter = word(header, 24);
-  // Without page 1 in it the log has changed no page count either.
+  // A log without page 1 has not changed the page count.
   if (log.changeCounters.empty()) {
     return word(header, 92) != counter || word(header, 28) == log.databasePages;
   }

@@ -10,8 +10,8 @@
 namespace zephyrdown {
 namespace {
 
-/// The Markdown of every example: between a fence that names it and a line with a dot. A tab is
-/// shown as an arrow there.
+/// Returns the Markdown of every example: the lines between its fence and a line with a dot. The
+/// file writes tabs as arrows.
 std::vector<std::string> examples() {
   std::ifstream file(TAVI_COMMONMARK);
   const std::string fence(32, '`');

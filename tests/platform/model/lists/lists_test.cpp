@@ -55,7 +55,7 @@ TEST_F(Lists, ReadsAListInFewStatements) {
     });
     return stack->connection().statementsRun();
   };
-  // One more where the facts of their texts are still to be worked out.
+  // One more statement if their text facts are missing.
   EXPECT_LE(statements(30, true), statements(5, true) + 25 * 3 + 1) << "tags, pins and files";
   EXPECT_LE(statements(30, false), statements(5, false) + 25) << "tags";
   EXPECT_LE(statements(many, true), 14) << "a walk over each relation";

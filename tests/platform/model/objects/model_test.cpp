@@ -112,7 +112,7 @@ TEST_F(Model, FindsTitlesWithoutCaseInEveryScript) {
   EXPECT_EQ(count("ete"), 0U);
 }
 
-// Each stranger's change lies between our read and our save.
+// Another program makes each change between our read and our save.
 TEST_F(Model, FindsEveryForeignChangeAtTheSave) {
   const struct {
     const char* sql;
@@ -143,7 +143,7 @@ TEST_F(Model, FindsEveryForeignChangeAtTheSave) {
   }
 }
 
-/// Two notes with a tag, a pin and a file each.
+/// Creates two notes, each with a tag, a pin and a file.
 class Replaced : public Model {
  protected:
   void SetUp() override {
@@ -184,7 +184,7 @@ TEST_F(Replaced, KeepsTagsPinsAndFilesHoweverAStrangerDoesIt) {
     client.run(sql);
     EXPECT_EQ(client.value("SELECT count(*) FROM note JOIN noteTag ON note.id = noteTag.note"),
               "2");
-    for (int i = 0; i < 2; ++i) open();  // each clears up on closing
+    for (int i = 0; i < 2; ++i) open();  // each cleans up on closing
     auto stack = open();
     for (std::size_t i = 0; i < ids.size(); ++i) {
       const std::string name = i == 0 ? "one" : "two";
@@ -212,7 +212,7 @@ TEST_F(Replaced, GoesWithAllThatItHadWhenItDoesNotComeBack) {
             "1");
 }
 
-// Another program's SQL may bypass the triggers; what it does to the flag decides all the same.
+// Another program's SQL may bypass the triggers; `note.encrypted` still decides.
 TEST_F(Model, LocksANoteByItsFlagAloneWhateverTheTriggersDid) {
   const std::string id = create("# a");
   ForeignClient client(home.database());
@@ -312,7 +312,7 @@ TEST_F(Model, RollbackAndResetForgetChanges) {
   EXPECT_FALSE(note(*stack, id).trashedValue());
 }
 
-// SQLite waits for a lock by sleeping, which is counted here and takes no time.
+// SQLite waits for a lock by sleeping. Here the waits are counted and take no time.
 TEST_F(Model, ReadsAndClosesWithoutWaitingForTheWriteLock) {
   static int waits = 0;
   sqlite3_vfs& system = *sqlite3_vfs_find(nullptr);
@@ -335,8 +335,8 @@ TEST_F(Model, ReadsAndClosesWithoutWaitingForTheWriteLock) {
   system.xSleep = sleep;
 }
 
-// Every page is written to the log and read again by the next program: an index whose columns stay
-// as they are is to be left alone.
+// Each changed page is written to the log and read by the next program, so an update must not touch
+// indexes whose columns do not change.
 TEST_F(Model, WritesFewPagesForAChangedText) {
   std::string id;
   {
@@ -354,7 +354,7 @@ TEST_F(Model, WritesFewPagesForAChangedText) {
   changed.updateNoteWithText(changed.text() + " and more", true);
   stack->managedObjectContext()->save();
   constexpr std::uintmax_t page = 4096 + 24;
-  // Page 1, the text, the short row, what is not indexed, and two orders by date.
+  // Page 1, the text, the summary row, the index of unindexed notes, and two indexes by date.
   EXPECT_LE(std::filesystem::file_size(home.database().string() + "-wal") / page, 6U);
 }
 

@@ -17,11 +17,11 @@
 #include "platform/text/utf8.h"
 #include "support/foreign_client.h"
 
-/// A search the long way: every note is read with plain SQL, and the query's tree is evaluated over
-/// it in memory.
+/// A reference implementation of searches: reads every note with plain SQL, and evaluates the
+/// query's tree in memory.
 namespace tavimodel {
 
-/// All there is to know of a note, as any program can read it.
+/// All data of a note, from the tables that any program can read.
 struct PlainNote {
   std::int64_t id = 0;
   std::string identifier, title, text;
@@ -33,7 +33,7 @@ struct PlainNote {
   zephyrdown::ZDKTextSummary summary;                      ///< empty for a locked note
 };
 
-/// Steps through a plain SELECT.
+/// Calls a function for each row of a SELECT.
 class Rows {
  public:
   Rows(const support::ForeignClient& client, const char* sql) {
@@ -98,7 +98,7 @@ class PlainNotes {
     return found == notes_.end() ? nullptr : &found->second;
   }
 
-  /// "[[Title/Heading]]": the longest title there is.
+  /// Of "[[Title/Heading]]", the longest existing title counts.
   void followLinks(const PlainNote& from) {
     if (from.deleted) return;
     for (std::string target : from.summary.wikiLinks) {
@@ -122,7 +122,7 @@ class PlainNotes {
   std::map<std::int64_t, PlainNote> notes_;
 };
 
-/// A query's tree, over one note at a time.
+/// Evaluates a query's tree for one note at a time.
 class Evaluation {
  public:
   explicit Evaluation(const SearchQuery& query) : query_(query) {

@@ -6,13 +6,13 @@
 #include "platform/model/objects/note_tag.h"
 #include "platform/model/objects/opened_model.h"
 #include "platform/model/search/plain_evaluation.h"
+#include "platform/model/search/search_generator.h"
 #include "platform/model/search/search_index.h"
-#include "platform/model/search/search_inventor.h"
 #include "platform/model/storage/bookkeeping.h"
 #include "support/rounds.h"
 
-// The indexes, the short rows and the walks are shortcuts to one answer. Here it is compared with
-// the long way, on random notes and queries, after random changes by us and by a stranger.
+// Searches by index, summary rows and scans must all find what the reference implementation finds,
+// for random notes and queries, after random changes by this program and by another.
 
 namespace tavimodel {
 namespace {
@@ -39,23 +39,23 @@ class SearchEquivalence : public OpenedModel {
 
   std::string someID() {
     return client->value("SELECT id FROM note ORDER BY random() * 0 + (id * " +
-                         std::to_string(1 + invent.below(997)) + ") % 1009 LIMIT 1");
+                         std::to_string(1 + generate.below(997)) + ") % 1009 LIMIT 1");
   }
 
   void strangerInserts(const std::string& verb, const std::string& key, const std::string& value) {
-    const auto flag = [&](std::size_t n) { return std::string(invent.oneIn(n) ? "1" : "0"); };
+    const auto flag = [&](std::size_t n) { return std::string(generate.oneIn(n) ? "1" : "0"); };
     client->run(verb + " INTO note (" + key +
                 ", title, text, modificationDate, creationDate, trashed, archived, "
                 "permanentlyDeleted, pinned, encrypted, readOnly) VALUES (" +
-                value + ", " + (invent.oneIn(9) ? "NULL" : sqlText(invent.title())) + ", " +
-                (invent.oneIn(20) ? "NULL" : sqlText(invent.text())) + ", " + invent.date() + ", " +
-                invent.date() + ", " + flag(6) + ", " + flag(6) + ", " +
-                (invent.oneIn(2) ? "NULL" : flag(5)) + ", " + flag(5) + ", " + flag(8) + ", " +
+                value + ", " + (generate.oneIn(9) ? "NULL" : sqlText(generate.title())) + ", " +
+                (generate.oneIn(20) ? "NULL" : sqlText(generate.text())) + ", " + generate.date() +
+                ", " + generate.date() + ", " + flag(6) + ", " + flag(6) + ", " +
+                (generate.oneIn(2) ? "NULL" : flag(5)) + ", " + flag(5) + ", " + flag(8) + ", " +
                 flag(5) + ")");
   }
 
   void strangerTags(const std::string& id) {
-    const std::string name = sqlText(invent.tag());
+    const std::string name = sqlText(generate.tag());
     client->run("INSERT OR IGNORE INTO tag (title) VALUES (" + name + ")");
     client->run("INSERT OR IGNORE INTO noteTag SELECT " + id +
                 ", id FROM tag WHERE title = " + name);
@@ -64,15 +64,15 @@ class SearchEquivalence : public OpenedModel {
   void strangerAttaches(const std::string& id) {
     const char* names[] = {"'a.png'", "'b.pdf'", "NULL", "'c'"};
     client->run("INSERT INTO file (note, filename, ocrText) VALUES (" + id + ", " +
-                names[invent.below(4)] + ", " +
-                (invent.oneIn(2) ? "NULL" : sqlText(invent.word())) + ")");
+                names[generate.below(4)] + ", " +
+                (generate.oneIn(2) ? "NULL" : sqlText(generate.word())) + ")");
   }
 
   void strangerChangesSomething() {
     const std::string id = someID();
     const std::string flags[] = {"pinned",   "trashed",   "archived",
                                  "readOnly", "encrypted", "permanentlyDeleted"};
-    switch (invent.below(12)) {
+    switch (generate.below(12)) {
       case 0:
         return strangerInserts("INSERT", "id", "NULL");
       case 1:
@@ -83,14 +83,14 @@ class SearchEquivalence : public OpenedModel {
       case 3:
         return client->run("DELETE FROM note WHERE id IN (" + id + ", " + someID() + ")");
       case 4:
-        return client->run("UPDATE note SET text = " + sqlText(invent.text()) +
+        return client->run("UPDATE note SET text = " + sqlText(generate.text()) +
                            " WHERE id = " + id);
       case 5:
-        return client->run("UPDATE note SET title = " + sqlText(invent.title()) +
+        return client->run("UPDATE note SET title = " + sqlText(generate.title()) +
                            " WHERE id = " + id);
       case 6:
-        return client->run("UPDATE note SET modificationDate = " + invent.date() +
-                           ", creationDate = " + invent.date() + " WHERE id = " + id);
+        return client->run("UPDATE note SET modificationDate = " + generate.date() +
+                           ", creationDate = " + generate.date() + " WHERE id = " + id);
       case 7:
         return strangerTags(id);
       case 8:
@@ -100,7 +100,7 @@ class SearchEquivalence : public OpenedModel {
       case 10:
         return client->run("DELETE FROM file WHERE note = " + id);
       default:
-        const std::string& flag = flags[invent.below(6)];
+        const std::string& flag = flags[generate.below(6)];
         return client->run("UPDATE note SET " + flag + " = 1 - ifnull(" + flag +
                            ", 0) WHERE id = " + id);
     }
@@ -108,14 +108,14 @@ class SearchEquivalence : public OpenedModel {
 
   void weChangeSomething() {
     context().reset();
-    if (invent.oneIn(4)) {
-      KVNote::noteWithText(invent.text(), context());
+    if (generate.oneIn(4)) {
+      KVNote::noteWithText(generate.text(), context());
       return context().save();
     }
     KVNote* note = KVNote::noteWithUniqueIdentifier(
         client->value("SELECT uniqueIdentifier FROM note WHERE id = " + someID()), context());
     if (note == nullptr || note->encryptedValue()) return;
-    switch (invent.below(5)) {
+    switch (generate.below(5)) {
       case 0:
         note->pinnedValue() ? note->unpin() : note->pin();
         break;
@@ -123,20 +123,20 @@ class SearchEquivalence : public OpenedModel {
         note->trashedValue() ? note->restoreFromTrash() : note->trash();
         break;
       case 2:
-        KVNoteTag::getOrCreateTagWithName(invent.tag(), context()).addTagToNotes({note}, true);
+        KVNoteTag::getOrCreateTagWithName(generate.tag(), context()).addTagToNotes({note}, true);
         break;
       default:
-        note->updateNoteWithText(invent.text(), invent.oneIn(2));
+        note->updateNoteWithText(generate.text(), generate.oneIn(2));
     }
     context().save();
   }
 
   void changeSomething() {
-    for (std::size_t n = invent.below(6); n > 0; --n) {
-      invent.oneIn(3) ? weChangeSomething() : strangerChangesSomething();
+    for (std::size_t n = generate.below(6); n > 0; --n) {
+      generate.oneIn(3) ? weChangeSomething() : strangerChangesSomething();
     }
-    if (invent.oneIn(12)) reopen();
-    if (invent.oneIn(8)) {
+    if (generate.oneIn(12)) reopen();
+    if (generate.oneIn(8)) {
       context().reset();
       catchUp(stack->connection(), updateSearchIndex, {.fewestNotes = 1, .milliseconds = 1000});
     }
@@ -151,7 +151,7 @@ class SearchEquivalence : public OpenedModel {
                            : true;
   }
 
-  /// In the order of a list: pinned ones first, the last changed first.
+  /// In list order: pinned notes first, then by modification date, newest first.
   static std::vector<std::int64_t> expected(const PlainNotes& notes, const SearchQuery& query,
                                             std::size_t location) {
     const Evaluation evaluation(query);
@@ -177,9 +177,9 @@ class SearchEquivalence : public OpenedModel {
   }
 
   void check(const PlainNotes& notes, const std::string& text) {
-    const std::size_t location = invent.below(4);
+    const std::size_t location = generate.below(4);
     SCOPED_TRACE(text + " at " + std::to_string(location));
-    const auto query = std::make_shared<SearchQuery>(parseSearchQuery(text, Inventor::now));
+    const auto query = std::make_shared<SearchQuery>(parseSearchQuery(text, SearchGenerator::now));
     FetchRequest request;
     request.place = kPlaces[location];
     request.search = query;
@@ -189,22 +189,22 @@ class SearchEquivalence : public OpenedModel {
     EXPECT_EQ(fetched(request), wanted);
     EXPECT_EQ(context().count(request), static_cast<std::int64_t>(wanted.size()));
 
-    const std::size_t offset = std::min(invent.below(6), wanted.size());
-    const std::size_t limit = std::min(1 + invent.below(9), wanted.size() - offset);
+    const std::size_t offset = std::min(generate.below(6), wanted.size());
+    const std::size_t limit = std::min(1 + generate.below(9), wanted.size() - offset);
     request.fetchOffset = static_cast<std::int64_t>(offset);
     request.fetchLimit = static_cast<std::int64_t>(limit);
     const auto begin = wanted.begin() + static_cast<std::ptrdiff_t>(offset);
     EXPECT_EQ(fetched(request), std::vector(begin, begin + static_cast<std::ptrdiff_t>(limit)));
   }
 
-  Inventor invent;
+  SearchGenerator generate;
   std::unique_ptr<support::ForeignClient> client;
 };
 
 TEST_F(SearchEquivalence, HoldsForTheWholeLanguageAfterAnyChanges) {
   for (int i = 0; i < 300; ++i) {
     if (i % 3 == 0) {
-      KVNote::noteWithText(invent.text(), context());
+      KVNote::noteWithText(generate.text(), context());
     } else {
       strangerInserts("INSERT", "id", "NULL");
     }
@@ -215,7 +215,7 @@ TEST_F(SearchEquivalence, HoldsForTheWholeLanguageAfterAnyChanges) {
   for (int round = 0; round < count && !HasFailure(); ++round) {
     changeSomething();
     const PlainNotes notes(*client);
-    for (int i = 0; i < 8 && !HasFailure(); ++i) check(notes, invent.query());
+    for (int i = 0; i < 8 && !HasFailure(); ++i) check(notes, generate.query());
   }
 }
 

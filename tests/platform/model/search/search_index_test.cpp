@@ -45,7 +45,7 @@ class Index : public OpenedModel {
                      .c_str()) != "0";
   }
 
-  /// What a program that looks at the disk finds of it, in the database and in its log.
+  /// Whether the bytes of the database or its log contain it.
   bool isOnDisk(std::string_view bytes) {
     for (const char* suffix : {"", "-wal"}) {
       std::ifstream file(home.database().string() + suffix, std::ios::binary);
@@ -101,7 +101,7 @@ TEST_F(Index, OffersATextOfTooManyTrigramsForEveryTerm) {
   EXPECT_EQ(notesWith("number00002"), (std::vector<std::int64_t>{2, 9}));
 }
 
-// Three letters of the word stand for it: texts are in the index as such triples.
+// Checks for three letters of the word, since the index stores texts as trigrams.
 TEST_F(Index, ForgetsTheTextsOfDeletedAndLockedNotesWithTheNextCommand) {
   const struct {
     const char* sql;

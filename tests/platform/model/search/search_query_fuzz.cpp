@@ -10,8 +10,8 @@
 #include "platform/text/utf8.h"
 #include "support/fuzzing.h"
 
-// Any text is a query or a SearchSyntaxError, and what a query means can be written: the tree is
-// put into words again in their plainest form, and these words give the same tree.
+// Any text is a query or a SearchSyntaxError. A query's tree, written as a query again in its
+// plainest form, gives the same tree.
 
 namespace {
 

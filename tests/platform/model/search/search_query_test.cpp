@@ -14,7 +14,7 @@
 namespace tavimodel {
 namespace {
 
-/// A short form of the tree: groups apart by " & ", conditions by " | ".
+/// A short form of the tree: groups separated by " & ", conditions by " | ".
 std::string shape(const SearchQuery& query) {
   using Kind = SearchCondition::Kind;
   std::string result;
@@ -131,7 +131,7 @@ class SearchDates : public testing::Test {
     tzset();
   }
   static std::string range(const std::string& text) {
-    // Noon, UTC, of 31 March 2024: the day that Berlin has 23 hours.
+    // Noon UTC on 31 March 2024, a day with 23 hours in Berlin.
     constexpr double now = 1711886400;
     const SearchQuery query = parseSearchQuery(text, now);
     const SearchCondition& condition = query.groups.at(0).at(0);

@@ -23,7 +23,7 @@ class Search : public OpenedModel {
     catchUp(stack->connection(), updateSearchIndex, {.fewestNotes = 1, .milliseconds = 1000});
   }
 
-  /// Titles of what is found, ascending.
+  /// The titles of the notes found, ascending.
   std::multiset<std::string> found(const std::string& query) {
     context().reset();
     FetchRequest request;
@@ -117,7 +117,7 @@ TEST_F(Search, TreatsOddQueriesAsText) {
   EXPECT_EQ(found(thousand + "quoted"), Titles{"odd"});
 }
 
-// SQL may give the notes of two tags in any order; each is decided on its own text.
+// SQL may return the notes of two tags in any order; each must be matched against its own text.
 TEST_F(Search, DecidesEachNoteOfTwoTagsOnItsText) {
   create("# first\n#b ab");
   create("# second\n#a xy");

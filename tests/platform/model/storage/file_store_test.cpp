@@ -16,7 +16,7 @@
 #include "support/throwaway_home.h"
 
 namespace {
-std::function<void()> beforeMode;  // what happens once, before a file gets its mode
+std::function<void()> beforeMode;  // called once, before the mode of a file is set
 }
 
 extern "C" int fchmod(int file, mode_t mode) noexcept {
@@ -36,7 +36,7 @@ class Stage : public testing::Test {
     std::ofstream(path) << "bytes";
     return path;
   }
-  /// One that is copied in, since it has a second name.
+  /// A file that is copied and not moved, since it has a second hard link.
   fs::path shared(const std::string& name) {
     fs::create_hard_link(source(name), home.temporary() / ("again " + name));
     return home.temporary() / name;
@@ -72,7 +72,7 @@ TEST_F(Stage, KeepsPrivateFilesOfItsOwnWhateverTheSourceIs) {
   EXPECT_TRUE(fs::is_empty(folder / "staged")) << "what is not published goes";
 }
 
-// A sweep takes away what nobody has locked, also between a file's creation and its lock.
+// A sweep removes unlocked files, even between a file's creation and its lock.
 TEST_F(Stage, LosesNothingToProgramsThatSweepAtTheSameTime) {
   const auto connection = openDatabase(home.data(), DatabaseAccess::readWrite);
   const auto sweep = [&] { FileStore(folder).sweep(*connection, false); };

@@ -49,7 +49,7 @@ TEST_F(Kept, IsNotTakenForAnotherFile) {
   EXPECT_EQ(kept->take(home.data()), nullptr);
 }
 
-// A client that has its answer may write before the files are looked at.
+// A client that has received its answer may write before the server checks the files.
 TEST_F(Kept, IsNotTakenAfterACommitThatTheFilesDoNotShow) {
   auto connection = kept->take(home.data());
   const std::int64_t version = connection->dataVersion();

@@ -12,7 +12,7 @@
 namespace tavimodel {
 namespace {
 
-// The second process finds nothing and waits for the first, which makes everything meanwhile.
+// The second process finds no schema, and waits for the first, which creates it meanwhile.
 TEST(UpgradeSchema, LeavesToAnotherProcessWhatThatWasQuickerToMake) {
   const support::ThrowawayHome home;
   const std::string path = home.path() / "a.sqlite";

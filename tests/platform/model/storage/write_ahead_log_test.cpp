@@ -1,4 +1,4 @@
-// A log left behind is taken for the database's own, or refused, by what both files hold.
+// Whether a log that a crash left is accepted or refused depends on the contents of both files.
 
 #include <gtest/gtest.h>
 
@@ -28,7 +28,7 @@ std::string bytesOf(const fs::path& path) {
 
 class LeftLog : public testing::Test {
  protected:
-  /// A database and its log as a crash at this moment would leave them.
+  /// Copies the database and its log as a crash at this moment would leave them.
   struct Pair {
     std::string database, log;
   };
@@ -49,8 +49,8 @@ class LeftLog : public testing::Test {
   support::ThrowawayHome home;
 };
 
-// Connections of ours and of others, which change page 1 now and then, write in turn; the log is
-// written back in part, in whole, or begun anew.
+// Our connections, and others that rarely change page 1, write in turn; the log is checkpointed
+// partly or completely, or restarted.
 TEST_F(LeftLog, IsNeverRefusedBesideTheDatabaseThatItWasWrittenFor) {
   std::mt19937 random(5);
   std::vector<std::unique_ptr<ForeignClient>> clients;
@@ -61,7 +61,7 @@ TEST_F(LeftLog, IsNeverRefusedBesideTheDatabaseThatItWasWrittenFor) {
     auto& client = clients[random() % clients.size()];
     switch (random() % 8) {
       case 0:
-        client.reset();  // the last to close would write the log back
+        client.reset();  // the last connection to close would checkpoint the log
         client = open();
         break;
       case 1:

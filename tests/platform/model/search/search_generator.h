@@ -7,7 +7,7 @@
 namespace tavimodel {
 
 /// Generates random notes, changes and queries.
-class Inventor {
+class SearchGenerator {
  public:
   std::size_t below(std::size_t limit) { return random_() % limit; }
   bool oneIn(std::size_t n) { return below(n) == 0; }

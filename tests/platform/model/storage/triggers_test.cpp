@@ -1,5 +1,4 @@
-// Whatever a stranger writes with plain SQL, the triggers keep what is kept beside the notes in
-// step.
+// Whatever another program writes with plain SQL, the triggers keep the derived tables consistent.
 
 #include <fmt/format.h>
 #include <gtest/gtest.h>
@@ -15,15 +14,15 @@
 namespace tavimodel {
 namespace {
 
-class Stranger {
+class OtherProgram {
  public:
-  Stranger(const std::filesystem::path& database, unsigned seed)
+  OtherProgram(const std::filesystem::path& database, unsigned seed)
       : client_(database), random_(seed) {
     if (seed % 3 == 0) client_.run("PRAGMA recursive_triggers = ON");
   }
 
-  /// One change out of all that SQL allows. What breaks a constraint is refused, and changes
-  /// nothing.
+  /// Makes one of all the changes that SQL allows. A change that violates a constraint has no
+  /// effect.
   std::string change() {
     const std::string sql = statement();
     try {
@@ -90,22 +89,22 @@ class Stranger {
   std::mt19937 random_;
 };
 
-/// What a program of ours does when it closes the database: what SQL cannot compute is known.
-/// Facts are the text itself here, so that an old one shows.
-constexpr const char* workOutFacts =
+/// Does what our program does on closing: stores what SQL cannot compute. Stores the text itself as
+/// its facts, so that outdated facts are detected.
+constexpr const char* storeFacts =
     "UPDATE noteSummary SET searchRow = note, "
     "titleKey = (SELECT ifnull(title, '') FROM note WHERE id = noteSummary.note), "
     "textDigest = (SELECT ifnull(text, '') FROM note WHERE id = noteSummary.note)";
 
-/// Empty when all is in step; otherwise what is not.
-std::string outOfStep(Stranger& stranger) {
+/// Empty if everything is consistent, otherwise a description of what is not.
+std::string inconsistency(OtherProgram& other) {
   constexpr const char* columns =
       "uniqueIdentifier, title, creationDate, modificationDate, trashed, archived, "
       "permanentlyDeleted, pinned, encrypted, readOnly";
   const std::string notes = fmt::format("SELECT id, {} FROM note", columns);
   const std::string summaries = fmt::format("SELECT note, {} FROM noteSummary", columns);
   const auto any = [&](const std::string& rows) {
-    return stranger.ask(fmt::format("SELECT count(*) FROM ({})", rows).c_str()) != "0";
+    return other.ask(fmt::format("SELECT count(*) FROM ({})", rows).c_str()) != "0";
   };
   if (any(notes + " EXCEPT " + summaries)) return "a note has no summary, or an old one";
   if (any(summaries + " EXCEPT " + notes)) return "a summary has no note";
@@ -126,20 +125,20 @@ std::string outOfStep(Stranger& stranger) {
   return {};
 }
 
-TEST(Strangers, CannotBringTheBookkeepingOutOfStep) {
+TEST(Triggers, KeepDerivedTablesConsistent) {
   for (unsigned seed = 0; seed < 12; ++seed) {
     const support::ThrowawayHome home;
     std::string error;
     ASSERT_NE(KVCoreDataStackForExtensions::initStackOutputError(home.data(), error), nullptr)
         << error;
-    Stranger stranger(home.database(), seed);
-    stranger.ask("PRAGMA synchronous = OFF");
+    OtherProgram other(home.database(), seed);
+    other.ask("PRAGMA synchronous = OFF");
     for (int step = 0; step < 150; ++step) {
-      if (step % 3 == 0) stranger.run(workOutFacts);
-      const std::string sql = stranger.change();
-      ASSERT_EQ(outOfStep(stranger), "") << "seed " << seed << ", step " << step << ": " << sql;
+      if (step % 3 == 0) other.run(storeFacts);
+      const std::string sql = other.change();
+      ASSERT_EQ(inconsistency(other), "") << "seed " << seed << ", step " << step << ": " << sql;
     }
-    EXPECT_NE(stranger.ask("SELECT count(*) FROM note"), "0");
+    EXPECT_NE(other.ask("SELECT count(*) FROM note"), "0");
   }
 }
 
