@@ -12,6 +12,10 @@
 namespace tavimodel {
 
 /// A slice of the search index (see slice_blocks.h) that is made in memory, note by note.
+///
+/// Nearly all the time goes into noting one trigram after the other, so that this touches little
+/// memory: a slot of the hash table, and a word with a bit for each of 64 notes in a row. The words
+/// are added to the lists of positions when these notes are complete.
 class SliceBuilder {
  public:
   /// Adds the note at the next position. `texts` are folded; no trigram spans two of them.
@@ -28,18 +32,24 @@ class SliceBuilder {
   void write(sqlite::Connection& connection, std::int64_t slice);
 
  private:
-  struct Entry {
+  struct Slot {
     Trigram trigram;
-    PositionList positions;
+    std::size_t place;
   };
 
-  PositionList& listOf(Trigram trigram);
+  /// The trigram's place in the vectors below.
+  std::size_t placeOf(Trigram trigram);
+  std::size_t addTrigram(Slot& slot, Trigram trigram);
+  std::size_t slotOf(Trigram trigram) const;
   void enlarge();
+  void completeLists();
 
   int notes_ = 0;
   PositionList ofAnything_;  ///< notes with too many trigrams
-  std::vector<Entry> entries_;
-  std::vector<std::uint32_t> places_;  ///< open hash table: places in `entries_` plus 1, 0: free
+  std::vector<Trigram> trigrams_;
+  std::vector<std::uint64_t> words_;  ///< bits of the notes that the lists lack, lowest first
+  std::vector<PositionList> lists_;
+  std::vector<Slot> slots_;  ///< open hash table
 };
 
 }  // namespace tavimodel
