@@ -13,69 +13,92 @@ namespace {
 constexpr std::size_t mostOfText = std::size_t{1} << 16;
 /// A slice with this many trigrams counts as full, even if it has room for more notes.
 constexpr std::size_t mostOfSlice = std::size_t{1} << 18;
-constexpr std::size_t fewestPlaces = std::size_t{1} << 14;
-
-/// Fibonacci hashing: the upper bits of the product are well mixed.
-std::size_t hashOf(Trigram trigram) {
-  return (trigram * 0x9E3779B97F4A7C15ULL) >> 32;
-}
+constexpr std::size_t fewestSlots = std::size_t{1} << 12;
+constexpr Trigram noTrigram = ~Trigram{0};
+constexpr int notesInWord = 64;
 
 }  // namespace
 
 bool SliceBuilder::isFull() const {
-  return notes_ >= sliceCapacity || entries_.size() >= mostOfSlice;
+  return notes_ >= sliceCapacity || trigrams_.size() >= mostOfSlice;
 }
 
 void SliceBuilder::addNote(const std::vector<std::string_view>& texts) {
   const int position = addPosition();
-  const std::size_t known = entries_.size();
-  bool tooMany = false;
+  const std::uint64_t bit = std::uint64_t{1} << (position % notesInWord);
+  const std::size_t most = trigrams_.size() + mostOfText;
   for (const std::string_view text : texts) {
     forEachTrigram(text, [&](Trigram trigram) {
-      if (tooMany) return;
-      listOf(trigram).add(position);
-      tooMany = entries_.size() - known > mostOfText;
+      if (trigrams_.size() <= most) words_[placeOf(trigram)] |= bit;
     });
   }
-  if (tooMany) ofAnything_.add(position);
+  if (trigrams_.size() > most) ofAnything_.add(position);
+  if (notes_ % notesInWord == 0) completeLists();
+}
+
+/// Adds the last notes to the lists.
+void SliceBuilder::completeLists() {
+  const int first = (notes_ - 1) / notesInWord * notesInWord;
+  lists_.resize(words_.size());
+  for (std::size_t place = 0; place < words_.size(); ++place) {
+    if (words_[place] != 0) lists_[place].addWord(first, words_[place]);
+    words_[place] = 0;
+  }
 }
 
 PositionList& SliceBuilder::listOf(std::string_view key) {
   PositionList* list = &ofAnything_;
-  forEachTrigram(key, [&](Trigram trigram) { list = &listOf(trigram); });
+  forEachTrigram(key, [&](Trigram trigram) {
+    const std::size_t place = placeOf(trigram);
+    lists_.resize(words_.size());
+    list = &lists_[place];
+  });
   return *list;
 }
 
-PositionList& SliceBuilder::listOf(Trigram trigram) {
-  if (entries_.size() * 2 >= places_.size()) enlarge();
-  std::size_t at = hashOf(trigram) & (places_.size() - 1);
-  for (; places_[at] != 0; at = (at + 1) & (places_.size() - 1)) {
-    Entry& entry = entries_[places_[at] - 1];
-    if (entry.trigram == trigram) return entry.positions;
+std::size_t SliceBuilder::placeOf(Trigram trigram) {
+  if (slots_.empty()) enlarge();
+  Slot& slot = slots_[slotOf(trigram)];
+  return slot.trigram == trigram ? slot.place : addTrigram(slot, trigram);
+}
+
+/// The trigram's slot, or the free one where it belongs.
+std::size_t SliceBuilder::slotOf(Trigram trigram) const {
+  // Fibonacci hashing: the upper bits of the product are well mixed.
+  std::size_t at = (trigram * 0x9E3779B97F4A7C15ULL) >> 32;
+  for (at &= slots_.size() - 1;; at = (at + 1) & (slots_.size() - 1)) {
+    if (slots_[at].trigram == trigram || slots_[at].trigram == noTrigram) return at;
   }
-  entries_.push_back({trigram, {}});
-  places_[at] = static_cast<std::uint32_t>(entries_.size());
-  return entries_.back().positions;
+}
+
+std::size_t SliceBuilder::addTrigram(Slot& slot, Trigram trigram) {
+  const std::size_t place = trigrams_.size();
+  slot = {trigram, place};
+  trigrams_.push_back(trigram);
+  words_.push_back(0);
+  if (trigrams_.size() * 2 > slots_.size()) enlarge();
+  return place;
 }
 
 void SliceBuilder::enlarge() {
-  places_.assign(std::max(fewestPlaces, places_.size() * 2), 0);
-  for (std::size_t i = 0; i < entries_.size(); ++i) {
-    std::size_t at = hashOf(entries_[i].trigram) & (places_.size() - 1);
-    while (places_[at] != 0) at = (at + 1) & (places_.size() - 1);
-    places_[at] = static_cast<std::uint32_t>(i + 1);
+  slots_.assign(std::max(fewestSlots, slots_.size() * 2), {noTrigram, 0});
+  for (std::size_t place = 0; place < trigrams_.size(); ++place) {
+    slots_[slotOf(trigrams_[place])] = {trigrams_[place], place};
   }
 }
 
 void SliceBuilder::write(sqlite::Connection& connection, std::int64_t slice) {
-  std::vector<const Entry*> sorted;
-  sorted.reserve(entries_.size());
-  for (const Entry& entry : entries_) sorted.push_back(&entry);
+  completeLists();
+  std::vector<Slot> sorted;
+  sorted.reserve(trigrams_.size());
+  for (std::size_t place = 0; place < trigrams_.size(); ++place) {
+    sorted.push_back({trigrams_[place], place});
+  }
   std::sort(sorted.begin(), sorted.end(),
-            [](const Entry* a, const Entry* b) { return a->trigram < b->trigram; });
+            [](const Slot& a, const Slot& b) { return a.trigram < b.trigram; });
   SliceWriter writer(connection, slice);
   if (!ofAnything_.bytes().empty()) writer.add({}, ofAnything_.bytes());
-  for (const Entry* entry : sorted) writer.add(utf8Of(entry->trigram), entry->positions.bytes());
+  for (const auto& [trigram, place] : sorted) writer.add(utf8Of(trigram), lists_[place].bytes());
   writer.finish(notes_);
 }
 

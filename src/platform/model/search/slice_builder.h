@@ -12,6 +12,10 @@
 namespace tavimodel {
 
 /// Builds a slice of the search index in memory, note by note (see slice_blocks.h).
+///
+/// Most of the time goes into noting trigrams one by one, so that this touches little memory: a slot
+/// of the hash table, and a word with a bit for each of 64 consecutive notes. The words are added to
+/// the lists of positions when the 64 notes are complete.
 class SliceBuilder {
  public:
   /// Adds a note at the next position. `texts` must be folded; no trigram spans two of them.
@@ -28,20 +32,25 @@ class SliceBuilder {
   void write(sqlite::Connection& connection, std::int64_t slice);
 
  private:
-  /// A trigram and the positions of the notes that contain it.
-  struct Entry {
+  /// A slot of the hash table: a trigram and its index in the vectors below.
+  struct Slot {
     Trigram trigram;
-    PositionList positions;
+    std::size_t place;
   };
 
-  PositionList& listOf(Trigram trigram);
+  /// The trigram's index in the vectors below; adds a new trigram.
+  std::size_t placeOf(Trigram trigram);
+  std::size_t addTrigram(Slot& slot, Trigram trigram);
+  std::size_t slotOf(Trigram trigram) const;
   void enlarge();
+  void completeLists();
 
   int notes_ = 0;
   PositionList ofAnything_;  ///< notes with too many trigrams
-  std::vector<Entry> entries_;
-  std::vector<std::uint32_t>
-      places_;  ///< hash table with linear probing: index in `entries_` plus 1; 0: free
+  std::vector<Trigram> trigrams_;
+  std::vector<std::uint64_t> words_;  ///< bits of the notes not yet in `lists_`, lowest note first
+  std::vector<PositionList> lists_;
+  std::vector<Slot> slots_;  ///< hash table with linear probing
 };
 
 }  // namespace tavimodel

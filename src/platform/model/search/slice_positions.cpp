@@ -64,6 +64,17 @@ PositionSet& PositionSet::operator|=(const PositionSet& other) {
   return *this;
 }
 
+void PositionList::addWord(int first, std::uint64_t word) {
+  for (; word != 0 && bytes_.size() < bitmapSize; word &= word - 1) {
+    append(first + std::countr_zero(word));
+  }
+  if (word == 0) return;
+  last_ = first + 63 - std::countl_zero(word);
+  for (std::size_t at = static_cast<std::size_t>(first) / 8; word != 0; word >>= 8, ++at) {
+    bytes_[at] |= static_cast<char>(word & 0xFF);
+  }
+}
+
 void PositionList::append(int position) {
   const auto setBit = [this](int at) {
     bytes_[static_cast<std::size_t>(at) / 8] |= static_cast<char>(1 << (at % 8));

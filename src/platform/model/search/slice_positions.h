@@ -56,6 +56,9 @@ class PositionList {
   void add(int position) {
     if (position != last_) append(position);
   }
+  /// Adds up to 64 positions beyond the last one: `first`, a multiple of 64, for the word's lowest
+  /// bit, and so on.
+  void addWord(int first, std::uint64_t word);
   const std::string& bytes() const { return bytes_; }
 
  private:
