@@ -72,7 +72,7 @@ std::size_t SliceBuilder::slotOf(Trigram trigram) const {
 }
 
 std::size_t SliceBuilder::addTrigram(Slot& slot, Trigram trigram) {
-  const std::size_t place = trigrams_.size();
+  const auto place = static_cast<std::uint32_t>(trigrams_.size());
   slot = {trigram, place};
   trigrams_.push_back(trigram);
   words_.push_back(0);
@@ -82,7 +82,7 @@ std::size_t SliceBuilder::addTrigram(Slot& slot, Trigram trigram) {
 
 void SliceBuilder::enlarge() {
   slots_.assign(std::max(fewestSlots, slots_.size() * 2), {noTrigram, 0});
-  for (std::size_t place = 0; place < trigrams_.size(); ++place) {
+  for (std::uint32_t place = 0; place < trigrams_.size(); ++place) {
     slots_[slotOf(trigrams_[place])] = {trigrams_[place], place};
   }
 }
@@ -91,7 +91,7 @@ void SliceBuilder::write(sqlite::Connection& connection, std::int64_t slice) {
   completeLists();
   std::vector<Slot> sorted;
   sorted.reserve(trigrams_.size());
-  for (std::size_t place = 0; place < trigrams_.size(); ++place) {
+  for (std::uint32_t place = 0; place < trigrams_.size(); ++place) {
     sorted.push_back({trigrams_[place], place});
   }
   std::sort(sorted.begin(), sorted.end(),

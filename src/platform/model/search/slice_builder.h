@@ -13,9 +13,9 @@ namespace tavimodel {
 
 /// Builds a slice of the search index in memory, note by note (see slice_blocks.h).
 ///
-/// Most of the time goes into noting trigrams one by one, so that this touches little memory: a slot
-/// of the hash table, and a word with a bit for each of 64 consecutive notes. The words are added to
-/// the lists of positions when the 64 notes are complete.
+/// Most of the time goes into noting trigrams one by one, so that this touches little memory: a
+/// slot of the hash table, and a word with a bit for each of 64 consecutive notes. The words are
+/// added to the lists of positions when the 64 notes are complete.
 class SliceBuilder {
  public:
   /// Adds a note at the next position. `texts` must be folded; no trigram spans two of them.
@@ -35,7 +35,7 @@ class SliceBuilder {
   /// A slot of the hash table: a trigram and its index in the vectors below.
   struct Slot {
     Trigram trigram;
-    std::size_t place;
+    std::uint32_t place;
   };
 
   /// The trigram's index in the vectors below; adds a new trigram.
