@@ -26,6 +26,7 @@ constexpr bool sanitized = false;
 constexpr std::size_t small = 1024;
 constexpr std::size_t largest = std::size_t{64} << 10;  ///< in a pool; others are mapped alone
 constexpr std::size_t chunkSize = std::size_t{128} << 10;
+constexpr std::size_t huge = std::size_t{4} << 20;  ///< and more gets the system's huge pages
 
 /// The granularity of block sizes, in bytes.
 constexpr std::size_t stepOf(std::size_t size) {
@@ -46,12 +47,18 @@ struct FreeBlock {
 };
 
 /// Maps fresh memory; null if that fails. All pages are populated at once, since nearly all will be
-/// used and a page fault for each costs more than using it. Under the address sanitizer, only bytes
-/// of allocated blocks may be accessed, and what they point to is not a leak.
+/// used and a page fault for each costs more than using it; a large block, which holds a large
+/// text, in huge pages if the system has them. Under the address sanitizer, only bytes of allocated
+/// blocks may be accessed, and what they point to is not a leak.
 char* mapped(std::size_t size) {
+  const bool isHuge = size >= huge;
   void* memory = mmap(nullptr, size, PROT_READ | PROT_WRITE,
-                      MAP_PRIVATE | MAP_ANONYMOUS | MAP_POPULATE, -1, 0);
+                      MAP_PRIVATE | MAP_ANONYMOUS | (isHuge ? 0 : MAP_POPULATE), -1, 0);
   if (memory == MAP_FAILED) return nullptr;
+  if (isHuge) {
+    madvise(memory, size, MADV_HUGEPAGE);
+    madvise(memory, size, MADV_POPULATE_WRITE);
+  }
   ASAN_POISON_MEMORY_REGION(memory, size);
   if constexpr (sanitized) __lsan_register_root_region(memory, size);
   return static_cast<char*>(memory);
