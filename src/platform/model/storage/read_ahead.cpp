@@ -20,6 +20,11 @@ constexpr int mostNearReads = 2 * readsOfScan;
 
 sqlite3_vfs* systemVFS = nullptr;
 
+/// For memory that SQLite has allocated.
+struct Release {
+  void operator()(void* memory) const { sqlite3_free(memory); }
+};
+
 /// The database file. The system's file object follows it in memory that SQLite has allocated.
 class File : public sqlite3_file {
  public:
@@ -68,7 +73,7 @@ class File : public sqlite3_file {
   bool readAhead(sqlite3_int64 offset) {
     begin_ = end_ = 0;
     if (window_ == 0) return false;
-    if (!pages_) pages_.reset(new (std::nothrow) char[largestWindow]);
+    if (!pages_) pages_.reset(static_cast<char*>(sqlite3_malloc(largestWindow)));
     if (!pages_) return false;
     if (system()->pMethods->xRead(system(), pages_.get(), window_, offset) != SQLITE_OK) {
       window_ = 0;  // near the file's end, or a failure that is the page's own read to report
@@ -80,7 +85,7 @@ class File : public sqlite3_file {
     return true;
   }
 
-  std::unique_ptr<char[]> pages_;  ///< the file's bytes from `begin_` to `end_`
+  std::unique_ptr<char[], Release> pages_;  ///< the file's bytes from `begin_` to `end_`
   sqlite3_int64 begin_ = 0;
   sqlite3_int64 end_ = 0;
   sqlite3_int64 last_ = 0;  ///< offset of the last read near others
