@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -81,19 +82,22 @@ std::vector<std::int64_t> linkedNotes(sqlite::Connection& connection) {
                           FeatureSQL::linksNotStored);
     // Sorted by title, so that consecutive look-ups hit the same page of the title index.
     sqlite::Query exact = connection.query(
-        "SELECT s.note FROM noteLink l CROSS JOIN noteSummary s ON s.titleKey = l.target "
-        "WHERE s.note <> l.note ORDER BY l.target");
+        "SELECT l.note, l.target, s.note FROM noteLink l "
+        "LEFT JOIN noteSummary s ON s.titleKey = l.target ORDER BY l.target");
     while (exact.step()) {
-      if (linked.empty() || linked.back() != exact.integer(0)) linked.push_back(exact.integer(0));
+      const std::int64_t from = exact.integer(0);
+      if (exact.isNull(2)) {
+        const std::string_view target = exact.text(1);
+        if (target.find('/') != std::string_view::npos) add(from, target);
+      } else if (exact.integer(2) != from) {
+        linked.push_back(exact.integer(2));
+      }
     }
     for (const auto& [key, notes] : titles.unknown()) {
       sqlite::Query links = connection.query("SELECT note FROM noteLink WHERE target = ?1");
       links.bind(1, key);
       while (links.step()) addAll(links.integer(0), notes);
     }
-    sqlite::Query toHeadings =
-        connection.query("SELECT note, target FROM noteLink WHERE instr(target, '/') > 0");
-    while (toHeadings.step()) add(toHeadings.integer(0), toHeadings.text(1));
   }
   sqlite::Query texts = connection.query(
       fmt::format("SELECT note.id, {} FROM noteSummary s JOIN note ON note.id = s.note "
@@ -104,6 +108,8 @@ std::vector<std::int64_t> linkedNotes(sqlite::Connection& connection) {
       add(texts.integer(0), target);
     }
   }
+  std::sort(linked.begin(), linked.end());
+  linked.erase(std::unique(linked.begin(), linked.end()), linked.end());
   return linked;
 }
 

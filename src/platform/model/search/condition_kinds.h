@@ -15,7 +15,8 @@ struct ConditionKind {
     none,      ///< not at all: `sql` is tested note by note
     byPlace,   ///< `sql` tests a column that an index has after the location
     ofFew,     ///< `sql` is a term of the partial index `summaryOfFew`
-    relation,  ///< `sql` selects the notes themselves
+    relation,  ///< `sql` selects the notes themselves, possibly with duplicates
+    ids,       ///< the same, without duplicates
   };
   /// What has to be prepared before `sql` can run.
   enum class Needs {
@@ -29,8 +30,8 @@ struct ConditionKind {
   std::string_view
       directive;           ///< the word after "@"; empty if queries write the condition differently
   std::string_view finds;  ///< which notes the directive finds, for help pages
-  /// A test on the columns of `noteSummary s` (NULL is false), or for a relation a SELECT of
-  /// `note`. ":text", ":from" and ":to" stand for the condition's values, ":tree" for a test of
+  /// A test on the columns of `noteSummary s` (NULL is false), or for a relation or ids a SELECT
+  /// of `note`. ":text", ":from" and ":to" stand for the condition's values, ":tree" for a test of
   /// `tag.title`.
   std::string_view sql;
   Index index = Index::none;
@@ -82,7 +83,7 @@ inline constexpr std::array conditionKinds = [] {
       {wikiLinks, "wikilinks", "that link to a note", FeatureSQL::wikiLinks, none, Needs::facts,
        secret},
       {backlinks, "backlinks", "that another note links to",
-       "s.note IN (SELECT value FROM json_each(:text))", none, Needs::backlinks},
+       "SELECT value AS note FROM json_each(:text)", ids, Needs::backlinks},
       {ocr, "ocr",
        "with attachments whose text was recognised; terms are looked for in that text only",
        "SELECT note FROM file WHERE ifnull(ocrText, '') <> ''", relation, Needs::nothing, secret},

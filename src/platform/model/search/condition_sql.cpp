@@ -25,6 +25,10 @@ bool needs(const SearchQuery& query, Needs what) {
   });
 }
 
+bool selectsNotes(const ConditionKind& kind) {
+  return kind.index == Index::relation || kind.index == Index::ids;
+}
+
 constexpr double never = std::numeric_limits<double>::infinity();
 
 }  // namespace
@@ -40,6 +44,12 @@ std::string ConditionSQL::parameter(Parameter value) {
   return fmt::format("?{}", parameters_.size());
 }
 
+/// The parameter with the notes that others link to, which are looked up once.
+const std::string& ConditionSQL::linkedNotesParameter() {
+  if (linkedNotes_.empty()) linkedNotes_ = parameter(jsonArray(linkedNotes(connection_)));
+  return linkedNotes_;
+}
+
 /// The kind's SQL, with its placeholders replaced by parameters.
 std::string ConditionSQL::filledIn(const SearchCondition& condition) {
   const ConditionKind& kind = kindOf(condition);
@@ -53,8 +63,7 @@ std::string ConditionSQL::filledIn(const SearchCondition& condition) {
     }
   };
   replaceAll(":text", [&] {
-    return parameter(kind.needs == Needs::backlinks ? jsonArray(linkedNotes(connection_))
-                                                    : condition.text);
+    return kind.needs == Needs::backlinks ? linkedNotesParameter() : parameter(condition.text);
   });
   replaceAll(":tree", [&] { return isInTagTree("title", parameter(condition.text)); });
   replaceAll(":from", [&] { return parameter(condition.from.value_or(-never)); });
@@ -73,7 +82,7 @@ std::string ConditionSQL::factTest(const std::string& test) const {
 std::string ConditionSQL::test(const SearchCondition& condition) {
   const ConditionKind& kind = kindOf(condition);
   std::string test = filledIn(condition);
-  if (kind.index == Index::relation) test = fmt::format("s.note IN ({})", test);
+  if (selectsNotes(kind)) test = fmt::format("s.note IN ({})", test);
   if (kind.needs == Needs::facts) test = factTest(test);
   return kind.isSecret ? fmt::format("(s.encrypted = 0 AND {})", test) : fmt::format("({})", test);
 }
@@ -91,6 +100,7 @@ std::string ConditionSQL::candidates(const SearchCondition& condition) {
     case Index::ofFew:
       return fmt::format("SELECT note FROM noteSummary WHERE {}", filledIn(condition));
     case Index::relation:
+    case Index::ids:
       return filledIn(condition);
   }
   return {};

@@ -33,12 +33,14 @@ class ConditionSQL {
   using Parameter = std::variant<double, std::string>;
 
   std::string parameter(Parameter value);
+  const std::string& linkedNotesParameter();
   std::string filledIn(const SearchCondition& condition);
   std::string factTest(const std::string& test) const;
 
   sqlite::Connection& connection_;
   bool areFactsMissing_ = false;  ///< for some notes; these are in temp.workedOut
   std::vector<Parameter> parameters_;
+  std::string linkedNotes_;  ///< a parameter; empty until it is needed
 };
 
 }  // namespace tavimodel

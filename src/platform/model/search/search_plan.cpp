@@ -73,7 +73,9 @@ void SearchPlan::addDriver(const std::vector<SearchCondition>& group) {
     if (some.empty()) return;
     notes += (notes.empty() ? "" : " UNION ") + some;
   }
-  drivers_.push_back(group.size() == 1 ? notes + " GROUP BY note" : notes);
+  const bool hasDuplicates =
+      group.size() == 1 && kindOf(group.front()).index != ConditionKind::Index::ids;
+  drivers_.push_back(hasDuplicates ? notes + " GROUP BY note" : notes);
 }
 
 void SearchPlan::chooseDriver(std::int64_t most) {
