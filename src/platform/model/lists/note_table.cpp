@@ -35,8 +35,8 @@ void forEachRelated(sqlite::Connection& connection, const std::vector<ListedRow>
   const bool walk = isWalkCheaper(connection, rows.size());
   const std::string sql = fmt::format("SELECT note, {} FROM {}{} ORDER BY {}", columns, relation,
                                       walk ? "" : " WHERE note = ?1", order);
+  sqlite::Query query = connection.query(sql);
   if (walk) {
-    sqlite::Query query = connection.query(sql);
     auto wanted = byID.begin();
     while (query.step()) {
       const std::int64_t note = query.integer(0);
@@ -47,8 +47,7 @@ void forEachRelated(sqlite::Connection& connection, const std::vector<ListedRow>
     return;
   }
   for (const std::uint32_t row : byID) {
-    sqlite::Query query = connection.query(sql);
-    query.bind(1, rows[row].id);
+    query.reset().bind(1, rows[row].id);
     while (query.step()) visit(row, query);
   }
 }
@@ -129,14 +128,14 @@ void NoteTable::loadTags(sqlite::Connection& connection) {
                    if (row.tagCount++ == 0) row.firstTag = static_cast<std::uint32_t>(tags_.size());
                    tags_.push_back(*number);
                  });
-  const std::vector<std::uint32_t> ranks = names.ranks();
+  const std::vector<std::uint32_t> ranks = names.sort();
   for (std::uint32_t& tag : tags_) tag = ranks[tag];
   for (const ListedRow& row : rows_) {
     if (row.tagCount < 2) continue;
     const auto first = tags_.begin() + row.firstTag;
     std::sort(first, first + row.tagCount);
   }
-  tagNames_ = names.sorted();
+  tagNames_ = names.names();
 }
 
 void NoteTable::loadPins(sqlite::Connection& connection) {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <numeric>
+#include <utility>
 
 #include "platform/text/ordering.h"
 
@@ -19,35 +20,30 @@ void TagNames::readAll() {
 std::optional<std::uint32_t> TagNames::numberOf(std::int64_t tag) {
   if (const auto known = numbers_.find(tag); known != numbers_.end()) return known->second;
   if (hasAll_) return std::nullopt;
-  sqlite::Query query = connection_.query("SELECT title FROM tag WHERE id = ?1");
-  query.bind(1, tag);
-  if (!query.step()) return std::nullopt;
+  if (!name_) name_.emplace(connection_.query("SELECT title FROM tag WHERE id = ?1"));
+  name_->reset().bind(1, tag);
+  if (!name_->step()) return std::nullopt;
   const auto number = static_cast<std::uint32_t>(names_.size());
   numbers_.emplace(tag, number);
-  names_.push_back(arena_.keep(query.text(0)));
+  names_.push_back(arena_.keep(name_->text(0)));
   return number;
 }
 
-std::vector<std::uint32_t> TagNames::numbersInOrder() const {
+std::vector<std::uint32_t> TagNames::sort() {
   std::vector<std::uint32_t> numbers(names_.size());
   std::iota(numbers.begin(), numbers.end(), std::uint32_t{0});
   std::sort(numbers.begin(), numbers.end(), [&](std::uint32_t a, std::uint32_t b) {
     return platform::text::CodePointLess()(names_[a], names_[b]);
   });
-  return numbers;
-}
-
-std::vector<std::uint32_t> TagNames::ranks() const {
-  const std::vector<std::uint32_t> numbers = numbersInOrder();
   std::vector<std::uint32_t> ranks(numbers.size());
-  for (std::uint32_t rank = 0; rank < numbers.size(); ++rank) ranks[numbers[rank]] = rank;
+  std::vector<std::string_view> sorted;
+  sorted.reserve(numbers.size());
+  for (const std::uint32_t number : numbers) {
+    ranks[number] = static_cast<std::uint32_t>(sorted.size());
+    sorted.push_back(names_[number]);
+  }
+  names_ = std::move(sorted);
   return ranks;
-}
-
-std::vector<std::string_view> TagNames::sorted() const {
-  std::vector<std::string_view> names;
-  for (const std::uint32_t number : numbersInOrder()) names.push_back(names_[number]);
-  return names;
 }
 
 }  // namespace tavimodel

@@ -23,18 +23,18 @@ class TagNames {
   /// The number of the tag with this row id; absent if there is no such tag.
   std::optional<std::uint32_t> numberOf(std::int64_t tag);
 
-  /// The rank of each tag in the order of names, by the tag's number.
-  std::vector<std::uint32_t> ranks() const;
-  /// The names in code point order.
-  std::vector<std::string_view> sorted() const;
+  /// Sorts the names in code point order, and returns the rank of each tag by its number. Call it
+  /// last: the numbers are invalid afterwards.
+  std::vector<std::uint32_t> sort();
+  /// The names by number, or after `sort` by rank.
+  const std::vector<std::string_view>& names() const { return names_; }
 
  private:
-  std::vector<std::uint32_t> numbersInOrder() const;
-
   sqlite::Connection& connection_;
   StringArena& arena_;
+  std::optional<sqlite::Query> name_;  // selects the name of one tag; made on first use
   bool hasAll_ = false;
-  std::vector<std::string_view> names_;  // by number
+  std::vector<std::string_view> names_;  // by number, or by rank
   std::unordered_map<std::int64_t, std::uint32_t> numbers_;
 };
 

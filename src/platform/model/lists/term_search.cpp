@@ -123,10 +123,12 @@ std::vector<std::int64_t> TermSearch::throughAll() {
 
 bool TermSearch::matchesByLookup(const sqlite::Query& row) {
   if (!readsTexts()) return matches(row, {});
-  sqlite::Query text =
-      connection_.query(fmt::format("SELECT {} FROM note WHERE id = ?1", readableText));
-  text.bind(1, row.integer(0));
-  return matches(row, text.step() ? text.text(0) : std::string_view());
+  if (!text_) {
+    text_.emplace(
+        connection_.query(fmt::format("SELECT {} FROM note WHERE id = ?1", readableText)));
+  }
+  text_->reset().bind(1, row.integer(0));
+  return matches(row, text_->step() ? text_->text(0) : std::string_view());
 }
 
 /// `text` is the note's text, empty if the note is locked, so that only its title can match.

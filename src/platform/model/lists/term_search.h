@@ -52,6 +52,7 @@ class TermSearch {
   sqlite::Connection& connection_;
   const SearchPlan& plan_;
   Place place_;
+  std::optional<sqlite::Query> text_;  ///< selects the text of one note; made on first use
 };
 
 }  // namespace tavimodel

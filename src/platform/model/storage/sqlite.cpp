@@ -129,6 +129,12 @@ void Query::run() {
   }
 }
 
+Query& Query::reset() {
+  sqlite3_reset(statement_);
+  ++connection_->statementsRun_;
+  return *this;
+}
+
 bool Query::isNull(int column) const {
   return sqlite3_column_type(statement_, column) == SQLITE_NULL;
 }

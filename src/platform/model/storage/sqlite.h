@@ -65,6 +65,8 @@ class Query {
   bool step();
   /// Runs the statement to its end, ignoring any rows.
   void run();
+  /// Makes the statement ready to run again, with its parameters as they are bound.
+  Query& reset();
 
   bool isNull(int column) const;
   std::int64_t integer(int column) const;
