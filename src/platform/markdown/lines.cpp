@@ -39,9 +39,17 @@ std::size_t lineBegin(std::string_view text, std::size_t position) {
 }
 
 std::size_t lineEnd(std::string_view text, std::size_t position) {
+  if (position >= text.size()) return position;
   if (splitsCRLF(text, position)) --position;
-  while (position < text.size() && !isLineBreak(text[position])) ++position;
-  return position;
+  // In pieces, so that a text with only one of the two line breaks is not searched for the other.
+  constexpr std::size_t pieceSize = 128;
+  for (; position < text.size(); position += pieceSize) {
+    const std::string_view piece = text.substr(position, pieceSize);
+    const std::string_view line = piece.substr(0, piece.find('\n'));
+    const std::size_t end = std::min(line.find('\r'), line.size());
+    if (end < piece.size()) return position + end;
+  }
+  return text.size();
 }
 
 std::size_t behindLineBreak(std::string_view text, std::size_t end) {
