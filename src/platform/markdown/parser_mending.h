@@ -7,7 +7,8 @@
 
 namespace zephyrdown {
 
-/// A correction of the parser's input: `replacement` replaces `length` bytes at `at`.
+/// A correction of the parser's input: `replacement`, which is not shorter, replaces `length` bytes
+/// at `at`.
 struct Mend {
   std::size_t at = 0;
   std::size_t length = 0;

@@ -6,7 +6,6 @@
 #include "platform/text/utf8.h"
 
 namespace zephyrdown {
-namespace {}  // namespace
 
 WikiMention wikiMention(ByteRange range, std::string_view inside) {
   const std::string_view target = inside.substr(0, inside.find('|'));
