@@ -35,6 +35,7 @@ if(TAVI_SANITIZE)
   # fuzzer-no-link: instruments the rooms with coverage for the fuzz targets (tavi_fuzz).
   target_compile_options(tavi_compiler INTERFACE ${sanitizers} -fsanitize=fuzzer-no-link)
   target_link_options(tavi_compiler INTERFACE ${sanitizers})
+  target_compile_definitions(tavi_compiler INTERFACE TAVI_SANITIZED)
 elseif(TAVI_STATIC)
   # Loading shared libraries and relocating addresses would take a large share of a command that
   # runs for a millisecond.

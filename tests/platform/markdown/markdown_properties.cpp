@@ -56,9 +56,16 @@ bool showsText(std::string_view text, const Document& document, ByteRange line) 
     const std::size_t end = std::min(range.end, line.end);
     return begin < end && !isBlankText(text.substr(begin, end - begin));
   };
-  return std::any_of(document.stretches.begin(), document.stretches.end(),
-                     [&](const auto& piece) {
-                       return isOn({piece.begin, piece.end});
+  // Stretches are in order and do not overlap.
+  const auto first =
+      std::partition_point(document.stretches.begin(), document.stretches.end(),
+                           [&](const TextStretch& stretch) { return stretch.end <= line.begin; });
+  const auto last =
+      std::partition_point(first, document.stretches.end(),
+                           [&](const TextStretch& stretch) { return stretch.begin < line.end; });
+  return std::any_of(first, last,
+                     [&](const TextStretch& stretch) {
+                       return isOn({stretch.begin, stretch.end});
                      }) ||
          std::any_of(document.files.begin(), document.files.end(),
                      [&](const auto& file) { return isOn(file.link.range); });

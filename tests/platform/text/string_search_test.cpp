@@ -11,6 +11,7 @@
 
 #include "platform/text/comparison_units.h"
 #include "platform/text/lookalikes.h"
+#include "support/rounds.h"
 #include "text_testing.h"
 
 namespace platform::text {
@@ -120,7 +121,8 @@ TEST(StringSearch, AgreesWithItsDefinitionWhereMatchesCrowd) {
 TEST(StringSearch, FindsASCIIAtEveryDistanceFromTheBlocksOfTheScan) {
   constexpr char32_t kAlphabet[] = {'a', 'b', 'A', '@', '`', '\n'};
   RandomText random(kAlphabet, 5);
-  for (int round = 0; round < 1500; ++round) {
+  const int count = support::rounds(1500);
+  for (int round = 0; round < count; ++round) {
     const std::string text = random.ofLengthUpTo(70);
     expectAgreement(random.ofLengthUpTo(5), text);
     if (text.size() > 20) expectAgreement(text.substr(2, random.below(30)), text);

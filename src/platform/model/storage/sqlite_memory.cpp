@@ -12,11 +12,6 @@
 namespace tavimodel::sqlite {
 namespace {
 
-#if defined(__has_feature)
-#if __has_feature(address_sanitizer)
-#define TAVI_SANITIZED
-#endif
-#endif
 #ifdef TAVI_SANITIZED
 constexpr bool sanitized = true;
 #else
