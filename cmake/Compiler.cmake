@@ -26,6 +26,8 @@ target_compile_options(tavi_compiler INTERFACE
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
   # False positives of g++ 12 inside std::string and std::variant (GCC bugs 105329, 105651, 105562).
   target_compile_options(tavi_compiler INTERFACE -Wno-restrict -Wno-array-bounds -Wno-maybe-uninitialized)
+else()
+  target_compile_options(tavi_compiler INTERFACE -Wreserved-identifier)
 endif()
 target_link_options(tavi_compiler INTERFACE -Wl,--gc-sections -Wl,--build-id -Wl,--as-needed)
 
