@@ -3,7 +3,6 @@
 // and fails, so that the linker need not warn of it: --no-warnings would also silence undefined
 // symbols.
 //
-// NOLINTNEXTLINE(bugprone-reserved-identifier): the linker's name
 extern "C" void* __wrap_dlopen(const char* /*path*/, int /*mode*/) {
   return nullptr;
 }

@@ -3,9 +3,7 @@
 // instead (--eh-frame-hdr), but libgcc uses its table only if none are registered. These functions
 // replace the two registration functions of libgcc (--wrap).
 extern "C" {
-// NOLINTNEXTLINE(bugprone-reserved-identifier): the linker's names
 void __wrap___register_frame_info(const void* /*begin*/, void* /*object*/) {}
-// NOLINTNEXTLINE(bugprone-reserved-identifier)
 void* __wrap___deregister_frame_info(const void* /*begin*/) {
   return nullptr;
 }
