@@ -65,6 +65,7 @@ class NoteTable {
   };
 
   std::size_t rowAt(std::size_t index) const { return ordered_ ? order_[index] : index; }
+  void prefetchAfter(std::size_t index) const;
   std::vector<std::uint32_t> rowsByID() const;
   void loadTags(sqlite::Connection& connection);
   void loadPins(sqlite::Connection& connection);
