@@ -19,7 +19,7 @@ bool isReadBack(const std::string& hashtag, std::string_view name) {
 
 /// Whether all characters are letters or others that cannot be part of an entity, an address or
 /// markup.
-bool isPlain(std::string_view name) {
+bool hasNoMarkup(std::string_view name) {
   return std::all_of(name.begin(), name.end(), [](char c) {
     const unsigned char byte = byteOf(c);
     return byte >= 0x80 || isASCIILetter(byte) || isASCIIDigit(byte) ||
@@ -54,9 +54,10 @@ std::optional<std::string> ZDKHashtag::sanitizeTagName(std::string_view text) {
 
 std::optional<std::string> ZDKHashtag::hashtagStringForTagName(std::string_view name) {
   const std::string word = std::string("#").append(name);
+  if (isPlainTagName(name)) return word;
   for (const std::string& hashtag : {word, word + "#"}) {
     if (!isReadBack(hashtag, name)) continue;
-    if (isPlain(name) || isReadBackInText(hashtag, name)) return hashtag;
+    if (hasNoMarkup(name) || isReadBackInText(hashtag, name)) return hashtag;
   }
   return std::nullopt;
 }

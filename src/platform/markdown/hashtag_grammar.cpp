@@ -236,7 +236,26 @@ bool isTagCharacter(char32_t scalar) {
   return !isControl(scalar) && !isWhitespace(scalar) && !isSentencePunctuation(scalar);
 }
 
+bool isPlainTagName(std::string_view name) {
+  bool hasLetter = false;
+  std::ptrdiff_t slashes = 0;
+  char last = '/';
+  for (const char c : name) {
+    if (isASCIILetter(byteOf(c))) {
+      hasLetter = true;
+    } else if (c == '/') {
+      if (last == '/') return false;
+      ++slashes;
+    } else if (!isASCIIDigit(byteOf(c)) && std::string_view("_-+").find(c) == npos) {
+      return false;
+    }
+    last = c;
+  }
+  return hasLetter && last != '/' && name.size() <= kLongestName && slashes < kMostLevels;
+}
+
 std::optional<std::string> canonicalTagName(std::string_view text) {
+  if (isPlainTagName(text)) return std::string(text);
   if (!platform::text::isValidUTF8(text)) return std::nullopt;
   text = platform::text::trimmingWhitespaceAndNewlines(text);
   if (holdsLineBreak(text)) return std::nullopt;

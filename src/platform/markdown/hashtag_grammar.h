@@ -20,6 +20,10 @@ namespace zephyrdown {
 /// Whether a tag without a closing mark can contain the character.
 bool isTagCharacter(char32_t scalar);
 
+/// Whether the name is canonical and one word of letters, digits, slashes and "_-+" in ASCII, as
+/// most names are: then its hashtag is "#" and the name.
+bool isPlainTagName(std::string_view name);
+
 /// The canonical form of a name. Absent if no name is left, if it is longer than 256 bytes or has
 /// more than 32 levels, or if it contains an invalid character: a hash mark, a line break, a
 /// control character, or one that may be Markdown markup.
