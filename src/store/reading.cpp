@@ -63,8 +63,13 @@ std::vector<SearchMatch> TaviDatabaseStore::searchInNote(const std::string& id,
                                                          const std::string& string,
                                                          std::int64_t context,
                                                          std::optional<std::int64_t> limit) {
+  KVNote& note = unlockedNoteWithID(id);
+  if (auto large = note.textInParts()) {
+    const auto read = [&](std::size_t begin, std::size_t end) { return large->part(begin, end); };
+    return TextSearcher::search(TextInParts{large->size(), read}, string, context, limit);
+  }
   std::vector<SearchMatch> matches;
-  unlockedNoteWithID(id).readText(
+  note.readText(
       [&](std::string_view text) { matches = TextSearcher::search(text, string, context, limit); });
   return matches;
 }

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <iterator>
+#include <random>
 #include <string>
 #include <utility>
 
@@ -50,6 +52,55 @@ TEST(TextSearcher, WritesTheSnippetOnOneLine) {
 TEST(TextSearcher, StopsAtTheLimit) {
   EXPECT_EQ(found("a", "aaaa", 0, 2), (Found{{0, "a"}, {1, "a"}}));
   EXPECT_EQ(found("a", "aaaa", 0, 9).size(), 4u);
+}
+
+/// Returns whether the text was read in parts to the end.
+bool isSearchedInParts(std::string_view query, std::string_view text, std::int64_t context,
+                       std::optional<std::int64_t> limit, std::size_t partSize) {
+  bool isWhole = false;
+  const auto read = [&](std::size_t begin, std::size_t end) {
+    isWhole = isWhole || end - begin > partSize;
+    return text.substr(begin, end - begin);
+  };
+  Found matches;
+  for (const SearchMatch& match :
+       TextSearcher::search(TextInParts{text.size(), read, partSize}, query, context, limit)) {
+    matches.emplace_back(match.byteOffset, match.snippet);
+  }
+  EXPECT_EQ(matches, found(query, text, context, limit)) << query << " in " << text;
+  return !isWhole;
+}
+
+/// Texts with little ASCII, or with very long characters, are read as a whole.
+TEST(TextSearcher, FindsTheSameInParts) {
+  std::string marked = "e";
+  for (int mark = 0; mark < 60; ++mark) marked += "\u0301";
+  const std::vector<std::string> alphabets[] = {
+      {"a", "x", "X ", "word ", "\r\n", "\n", "s", "ss", "k", "\u00E9", "e\u0301", "\u00DF",
+       "\U0001F469", "\u200D", "\u212A" /* Kelvin */, "\uD55C"},
+      {"\u00E9", "e\u0301", "\u0301", "\xFF", "\U0001F469", "\u200D", "\u212A", "\u00DF"},
+      {"a", "x", "X", "s", "ss", "k", "sx", marked},
+      {"s", "ss", "x\r\n", "e"},
+  };
+  const std::vector<std::string> queries = {"x", "ss", "k",      "\u00E9", "e",  "word",
+                                            "s", "a",  "\u0301", "x\r\n",  "\n", "\U0001F469"};
+  std::mt19937 random(1);
+  std::size_t inParts = 0;
+  for (std::size_t round = 0; round < 2000 && !HasFailure(); ++round) {
+    const std::vector<std::string>& pieces = alphabets[round % std::size(alphabets)];
+    std::string text;
+    while (text.size() < 2500) text += pieces[random() % pieces.size()];
+    const auto limit = random() % 2 == 0 ? std::nullopt : std::optional<std::int64_t>(40);
+    const std::string& query = queries[random() % queries.size()];
+    inParts += isSearchedInParts(query, text, static_cast<std::int64_t>(random() % 8), limit, 512);
+  }
+  EXPECT_GT(inParts, 1000U);
+  EXPECT_LT(inParts, 2000U);
+  for (std::size_t before = 1000; before < 2000 && !HasFailure(); ++before) {
+    const std::string text =
+        std::string(before, 'y') + marked + marked + marked + "x" + std::string(2000, 'y');
+    isSearchedInParts("x", text, 7, std::nullopt, 2048);
+  }
 }
 
 }  // namespace

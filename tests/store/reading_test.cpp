@@ -58,6 +58,17 @@ TEST_F(Reading, HidesWhatALockedNoteHolds) {
   EXPECT_NE(fresh()->createNoteIfAbsent("#", "Body", {}).metadata.id, odd) << "how it begins";
 }
 
+TEST_F(Reading, SearchesALargeTextToItsEnd) {
+  const std::string filler(400'000, 'x');
+  const std::string id = create("# Large\nneedle " + filler + " Needle " + filler + " needle");
+  const std::vector<SearchMatch> matches = fresh()->searchInNote(id, "needle", 4, {});
+  ASSERT_EQ(matches.size(), 3U);
+  EXPECT_EQ(matches[1].snippet, "x Needle x");
+  EXPECT_EQ(matches[2].byteOffset, 8 + 7 + 400'000 + 8 + 400'000 + 1);
+  EXPECT_EQ(fresh()->searchInNote(id, "needle", 100'000, {})[2].snippet.size(), 50'000U + 6);
+  EXPECT_EQ(fresh()->searchInNote(id, "needle", 0, 2).size(), 2U);
+}
+
 TEST_F(Reading, FindsTitlesAmongActiveNotesOnly) {
   const std::string first = create("# Same");
   const std::string second = create("# same");

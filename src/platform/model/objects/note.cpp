@@ -4,7 +4,6 @@
 #include <chrono>
 
 #include "platform/markdown/ast.h"
-#include "platform/model/objects/large_text.h"
 #include "platform/model/objects/managed_object_context.h"
 #include "platform/model/objects/note_reader.h"
 #include "platform/model/storage/note_texts.h"
@@ -106,6 +105,14 @@ void KVNote::readText(const std::function<void(std::string_view)>& visit) {
   if (held_.now.text) return visit(*held_.now.text);
   forEachText(context_.reading(), {held_.now.row.id},
               [&](std::size_t, std::string_view text) { visit(text); });
+}
+
+std::optional<LargeText> KVNote::textInParts() {
+  const NoteState& now = held_.now;
+  if (now.text || (now.row.facts && now.row.facts->length < largeText)) return std::nullopt;
+  auto text = LargeText::open(context_.reading(), now.row.id);
+  if (text && static_cast<std::int64_t>(text->size()) < largeText) text.reset();
+  return text;
 }
 
 const TextFacts& KVNote::textFacts() {

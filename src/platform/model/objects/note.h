@@ -8,6 +8,7 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/model/objects/large_text.h"
 #include "platform/model/objects/linked_files.h"
 #include "platform/model/objects/note_state.h"
 
@@ -56,6 +57,8 @@ class KVNote {
   /// Calls `visit` with the text, without caching or copying it, as it may be huge. The view is
   /// valid until `visit` returns.
   void readText(const std::function<void(std::string_view)>& visit);
+  /// The text, to be read in parts, if it is large and not cached; otherwise absent.
+  std::optional<LargeText> textInParts();
   /// The text's hash, length and to-do counts.
   const TextFacts& textFacts();
   std::int32_t todoIncompleteValue() {
