@@ -171,11 +171,11 @@ bool SearchIndex::removeStale(std::int64_t slice) {
     sqlite::Query notes = connection_.query("SELECT notes FROM searchSlice WHERE slice = ?1");
     if (!notes.bind(1, slice).step() || notes.integer(0) == live.count()) return false;
   }
-  std::vector<std::pair<std::string, std::string>> entries;
+  std::vector<std::pair<std::string, PositionSet>> entries;
   forEachEntry(connection_, slice, [&](std::string_view key, std::string_view positions) {
     PositionSet set = PositionSet::decoded(positions);
     set &= live;
-    if (!set.isEmpty()) entries.emplace_back(key, set.encoded());
+    if (!set.isEmpty()) entries.emplace_back(key, set);
   });
   removeSlice(connection_, slice);
   if (live.isEmpty()) return true;
@@ -248,12 +248,12 @@ void SearchIndex::merge(const std::vector<std::int64_t>& slices) {
     const PositionSet live = liveIn(slice);
     live.forEach(
         [&](int position) { moved[static_cast<std::size_t>(position)] = builder.addPosition(); });
-    forEachEntry(connection_, slice, [&](std::string_view key, std::string_view positions) {
-      PositionSet set = PositionSet::decoded(positions);
+    forEachEntry(connection_, slice, [&](std::string_view key, std::string_view encoded) {
+      PositionSet set = PositionSet::decoded(encoded);
       set &= live;
       if (set.isEmpty()) return;
-      PositionList& list = builder.listOf(key);
-      set.forEach([&](int position) { list.add(moved[static_cast<std::size_t>(position)]); });
+      PositionSet& positions = builder.positionsOf(key);
+      set.forEach([&](int position) { positions.add(moved[static_cast<std::size_t>(position)]); });
     });
     removeSlice(connection_, slice);
     live.forEach([&](int position) {

@@ -15,45 +15,42 @@ constexpr std::size_t mostOfText = std::size_t{1} << 16;
 constexpr std::size_t mostOfSlice = std::size_t{1} << 18;
 constexpr std::size_t fewestSlots = std::size_t{1} << 12;
 constexpr Trigram noTrigram = ~Trigram{0};
-constexpr int notesInWord = 64;
 
 }  // namespace
 
 bool SliceBuilder::isFull() const {
-  return notes_ >= sliceCapacity || trigrams_.size() >= mostOfSlice;
+  return notes_ >= sliceCapacity || size() >= mostOfSlice;
 }
 
 void SliceBuilder::addNote(const std::vector<std::string_view>& texts) {
   const int position = addPosition();
-  const std::uint64_t bit = std::uint64_t{1} << (position % notesInWord);
-  const std::size_t most = trigrams_.size() + mostOfText;
+  const std::uint64_t bit = std::uint64_t{1} << (position % RecentTrigrams::notes);
+  const std::size_t most = size() + mostOfText;
   for (const std::string_view text : texts) {
-    forEachTrigram(text, [&](Trigram trigram) {
-      if (trigrams_.size() <= most) words_[placeOf(trigram)] |= bit;
-    });
+    forEachTrigram(
+        text,
+        [&](ASCIITrigram trigram) {
+          if (size() <= most) recent_.add(trigram, bit);
+        },
+        [&](Trigram trigram) {
+          if (size() <= most) positions_[placeOf(trigram)].add(position);
+        });
   }
-  if (trigrams_.size() > most) ofAnything_.add(position);
-  if (notes_ % notesInWord == 0) completeLists();
+  if (size() > most) ofAnything_.add(position);
+  if (notes_ % RecentTrigrams::notes == 0) addRecent();
 }
 
-/// Adds the last notes to the lists.
-void SliceBuilder::completeLists() {
-  const int first = (notes_ - 1) / notesInWord * notesInWord;
-  lists_.resize(words_.size());
-  for (std::size_t place = 0; place < words_.size(); ++place) {
-    if (words_[place] != 0) lists_[place].addWord(first, words_[place]);
-    words_[place] = 0;
-  }
-}
-
-PositionList& SliceBuilder::listOf(std::string_view key) {
-  PositionList* list = &ofAnything_;
-  forEachTrigram(key, [&](Trigram trigram) {
-    const std::size_t place = placeOf(trigram);
-    lists_.resize(words_.size());
-    list = &lists_[place];
+void SliceBuilder::addRecent() {
+  const int first = (notes_ - 1) / RecentTrigrams::notes * RecentTrigrams::notes;
+  recent_.drain([&](Trigram trigram, std::uint64_t notes) {
+    positions_[placeOf(trigram)].addWord(first, notes);
   });
-  return *list;
+}
+
+PositionSet& SliceBuilder::positionsOf(std::string_view key) {
+  PositionSet* positions = &ofAnything_;
+  forEachTrigram(key, [&](Trigram trigram) { positions = &positions_[placeOf(trigram)]; });
+  return *positions;
 }
 
 std::size_t SliceBuilder::placeOf(Trigram trigram) {
@@ -75,7 +72,7 @@ std::size_t SliceBuilder::addTrigram(Slot& slot, Trigram trigram) {
   const auto place = static_cast<std::uint32_t>(trigrams_.size());
   slot = {trigram, place};
   trigrams_.push_back(trigram);
-  words_.push_back(0);
+  positions_.emplace_back();
   if (trigrams_.size() * 2 > slots_.size()) enlarge();
   return place;
 }
@@ -88,7 +85,7 @@ void SliceBuilder::enlarge() {
 }
 
 void SliceBuilder::write(sqlite::Connection& connection, std::int64_t slice) {
-  completeLists();
+  addRecent();
   std::vector<Slot> sorted;
   sorted.reserve(trigrams_.size());
   for (std::uint32_t place = 0; place < trigrams_.size(); ++place) {
@@ -97,8 +94,8 @@ void SliceBuilder::write(sqlite::Connection& connection, std::int64_t slice) {
   std::sort(sorted.begin(), sorted.end(),
             [](const Slot& a, const Slot& b) { return a.trigram < b.trigram; });
   SliceWriter writer(connection, slice);
-  if (!ofAnything_.bytes().empty()) writer.add({}, ofAnything_.bytes());
-  for (const auto& [trigram, place] : sorted) writer.add(utf8Of(trigram), lists_[place].bytes());
+  if (!ofAnything_.isEmpty()) writer.add({}, ofAnything_);
+  for (const auto& [trigram, place] : sorted) writer.add(utf8Of(trigram), positions_[place]);
   writer.finish(notes_);
 }
 

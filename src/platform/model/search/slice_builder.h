@@ -5,6 +5,7 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/model/search/recent_trigrams.h"
 #include "platform/model/search/slice_positions.h"
 #include "platform/model/search/trigrams.h"
 #include "platform/model/storage/sqlite.h"
@@ -12,10 +13,6 @@
 namespace tavimodel {
 
 /// Builds a slice of the search index in memory, note by note (see slice_blocks.h).
-///
-/// Most of the time goes into noting trigrams one by one, so that this touches little memory: a
-/// slot of the hash table, and a word with a bit for each of 64 consecutive notes. The words are
-/// added to the lists of positions when the 64 notes are complete.
 class SliceBuilder {
  public:
   /// Adds a note at the next position. `texts` must be folded; no trigram spans two of them.
@@ -24,7 +21,7 @@ class SliceBuilder {
   int addPosition() { return notes_++; }
   /// The positions of the notes with an entry's key (see slice_blocks.h), for adding more. Valid
   /// until the next call.
-  PositionList& listOf(std::string_view key);
+  PositionSet& positionsOf(std::string_view key);
 
   int notes() const { return notes_; }
   /// Whether no more notes should be added.
@@ -43,13 +40,14 @@ class SliceBuilder {
   std::size_t addTrigram(Slot& slot, Trigram trigram);
   std::size_t slotOf(Trigram trigram) const;
   void enlarge();
-  void completeLists();
+  void addRecent();
+  std::size_t size() const { return trigrams_.size() + recent_.size(); }
 
   int notes_ = 0;
-  PositionList ofAnything_;  ///< notes with too many trigrams
+  RecentTrigrams recent_;   ///< of the last notes, not yet in `positions_`
+  PositionSet ofAnything_;  ///< notes with too many trigrams
   std::vector<Trigram> trigrams_;
-  std::vector<std::uint64_t> words_;  ///< bits of the notes not yet in `lists_`, lowest note first
-  std::vector<PositionList> lists_;
+  std::vector<PositionSet> positions_;
   std::vector<Slot> slots_;  ///< hash table with linear probing
 };
 

@@ -1,0 +1,57 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <memory>
+#include <new>
+#include <utility>
+#include <vector>
+
+#include "platform/model/search/trigrams.h"
+
+namespace tavimodel {
+
+/// The ASCII trigrams of up to 64 consecutive notes, with a bit for each note.
+///
+/// Most of the time of indexing goes into noting trigrams one by one. So these are not hashed, but
+/// are themselves the indexes of a table. Of its 16 MB, only the few pages with the trigrams of
+/// natural language are ever touched.
+class RecentTrigrams {
+ public:
+  static constexpr int notes = 64;
+
+  void add(ASCIITrigram trigram, std::uint64_t noteBit) {
+    std::uint64_t& word = words_.get()[trigram];
+    if (word == 0) present_.push_back(trigram);
+    word |= noteBit;
+  }
+
+  /// The number of different trigrams.
+  std::size_t size() const { return present_.size(); }
+
+  /// Calls `visit` with each trigram and the bits of its notes, and removes them.
+  template <class Visit>
+  void drain(const Visit& visit) {
+    for (const ASCIITrigram trigram : present_) {
+      visit(unpacked(trigram), std::exchange(words_.get()[trigram], 0));
+    }
+    present_.clear();
+  }
+
+ private:
+  struct Free {
+    void operator()(std::uint64_t* words) const { std::free(words); }
+  };
+  /// From calloc, which gets pages of zeros from the system only when they are touched.
+  static std::uint64_t* zeros() {
+    void* words = std::calloc(std::size_t{mostASCIITrigram} + 1, sizeof(std::uint64_t));
+    if (words == nullptr) throw std::bad_alloc();
+    return static_cast<std::uint64_t*>(words);
+  }
+
+  std::unique_ptr<std::uint64_t, Free> words_{zeros()};
+  std::vector<ASCIITrigram> present_;
+};
+
+}  // namespace tavimodel
