@@ -169,6 +169,12 @@ void UnitReader::skipASCIIUntil(char32_t wanted) {
   if (position > end_) end_ = position - 1;
 }
 
+void UnitReader::appendASCII(std::string& out) {
+  const std::size_t start = end_;
+  skipASCIIUntil(0x80);
+  for (std::size_t i = start; i < end_; ++i) out += static_cast<char>(folded(text_[i]));
+}
+
 char32_t UnitReader::folded(char ascii) const {
   const bool isUpper = ascii >= 'A' && ascii <= 'Z' && forms_.folding() == CaseFolding::full;
   return static_cast<char32_t>(isUpper ? ascii | 0x20 : ascii);
@@ -216,11 +222,12 @@ std::string comparisonForm(std::string_view text, CaseFolding folding) {
   std::string result;
   result.reserve(text.size() + text.size() / 8);
   UnitReader units(text, 0, ScalarForms::shared(folding));
-  while (units.next()) {
+  do {
     for (const char32_t scalar : units.scalars()) {
       appendScalar(result, scalar == kIllFormed ? char32_t{0xFFFD} : scalar);
     }
-  }
+    units.appendASCII(result);
+  } while (units.next());
   return result;
 }
 

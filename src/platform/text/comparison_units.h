@@ -77,6 +77,8 @@ class UnitReader {
 
   /// Skips units of plain ASCII that differ from `wanted`, but not necessarily all of them.
   void skipASCIIUntil(char32_t wanted);
+  /// Skips units of plain ASCII, and appends their forms.
+  void appendASCII(std::string& out);
   void skipToEnd() { end_ = text_.size(); }
 
   std::size_t begin() const { return begin_; }  ///< byte offset of the unit in the source
