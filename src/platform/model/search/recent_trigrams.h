@@ -21,10 +21,13 @@ class RecentTrigrams {
  public:
   static constexpr int notes = 64;
 
-  void add(ASCIITrigram trigram, std::uint64_t noteBit) {
+  /// Returns true if no other of these notes has the trigram.
+  bool add(ASCIITrigram trigram, std::uint64_t noteBit) {
     std::uint64_t& word = words_.get()[trigram];
-    if (word == 0) present_.push_back(trigram);
+    const bool isNew = word == 0;
+    if (isNew) present_.push_back(trigram);
     word |= noteBit;
+    return isNew;
   }
 
   /// The number of different trigrams.

@@ -135,41 +135,28 @@ bool SearchIndex::areUnknown(std::int64_t atLeast) {
   return query.integer(0) >= atLeast;
 }
 
-/// Reads the entries of a slice into a builder, which then adds notes behind them. The entries of
-/// positions that are not `live` are left out.
-void SearchIndex::load(SliceBuilder& builder, std::int64_t slice, const PositionSet& live) {
-  std::array<int, sliceCapacity> moved{};  // the new position of each old one
-  live.forEach(
-      [&](int position) { moved[static_cast<std::size_t>(position)] = builder.addPosition(); });
-  forEachEntry(connection_, slice, [&](std::string_view key, std::string_view encoded) {
-    PositionSet set = PositionSet::decoded(encoded);
-    set &= live;
-    if (set.isEmpty()) return;
-    PositionSet& positions = builder.positionsOf(key);
-    set.forEach([&](int position) { positions.add(moved[static_cast<std::size_t>(position)]); });
-  });
-}
-
-/// The last slice, if the notes that wait to be indexed are enough for it to be worth writing it
-/// again, and all its notes are as they were indexed; otherwise 0.
-std::int64_t SearchIndex::growingSlice() {
+/// Loads the last slice into the builder and returns it, if so many notes wait to be indexed that
+/// it is worth writing it again, and none of its own has changed. Otherwise returns a new one.
+std::int64_t SearchIndex::sliceToFill(SliceBuilder& builder) {
   sqlite::Query query = connection_.query(
-      "SELECT slice, notes FROM searchSlice WHERE notes < ?1 AND length(firsts) < ?2 "
-      "AND slice = (SELECT max(slice) FROM searchSlice)");
-  query.bind(1, smallSlice).bind(2, mostFirsts);
-  if (!query.step() || !areUnknown(query.integer(1))) return 0;
-  const PositionSet live = liveIn(query.integer(0));
-  const auto notes = static_cast<int>(query.integer(1));
-  return live.count() == notes && live.has(notes - 1) ? query.integer(0) : 0;
+      "SELECT slice, notes, length(firsts) FROM searchSlice ORDER BY slice DESC LIMIT 1");
+  if (!query.step()) return 1;
+  const std::int64_t last = query.integer(0);
+  const std::int64_t notes = query.integer(1);
+  const bool isSmall = notes < smallSlice && query.integer(2) < mostFirsts;
+  if (!isSmall || !areUnknown(notes)) return last + 1;
+  const PositionSet live = liveIn(last);
+  const int count = static_cast<int>(notes);
+  if (live.count() != count || !live.has(count - 1)) return last + 1;
+  builder.load(connection_, last, count);
+  return last;
 }
 
-/// Builds one slice from unindexed notes, or completes the last one. Returns true if the slice was
-/// full before the deadline, so that more notes may be left.
+/// Indexes notes until a slice is full. Returns true if that was before the deadline, so that more
+/// notes may be left.
 bool SearchIndex::addNotes(Clock::time_point deadline) {
   SliceBuilder builder;
-  const std::int64_t growing = growingSlice();
-  const std::int64_t slice = growing != 0 ? growing : newSlice();
-  if (growing != 0) load(builder, growing, liveIn(growing));
+  const std::int64_t slice = sliceToFill(builder);
   const int before = builder.notes();
   bool goesOn = true;
   std::int64_t note = INT64_MIN;
@@ -180,10 +167,9 @@ bool SearchIndex::addNotes(Clock::time_point deadline) {
       goesOn = !builder.isFull() && Clock::now() < deadline;
     }
   }
-  if (builder.notes() > before) {
-    if (growing != 0) removeSlice(connection_, growing);
-    builder.write(connection_, slice);
-  }
+  if (builder.notes() == before) return false;
+  removeSlice(connection_, slice);
+  builder.write(connection_, slice);
   return builder.isFull() && Clock::now() < deadline;
 }
 
@@ -278,14 +264,23 @@ void SearchIndex::merge(const std::vector<std::int64_t>& slices) {
   const std::int64_t merged = newSlice();
   SliceBuilder builder;
   for (const std::int64_t slice : slices) {
+    std::array<int, sliceCapacity> moved{};  // the new position of each old one
     const PositionSet live = liveIn(slice);
-    std::int64_t row = merged * sliceCapacity + builder.notes();
-    load(builder, slice, live);
+    live.forEach(
+        [&](int position) { moved[static_cast<std::size_t>(position)] = builder.addPosition(); });
+    forEachEntry(connection_, slice, [&](std::string_view key, std::string_view encoded) {
+      PositionSet set = PositionSet::decoded(encoded);
+      set &= live;
+      if (set.isEmpty()) return;
+      PositionSet& positions = builder.positionsOf(key);
+      set.forEach([&](int position) { positions.add(moved[static_cast<std::size_t>(position)]); });
+    });
     removeSlice(connection_, slice);
     live.forEach([&](int position) {
       sqlite::Query move =
           connection_.query("UPDATE noteSummary SET searchRow = ?2 WHERE searchRow = ?1");
-      move.bind(1, slice * sliceCapacity + position).bind(2, row++).run();
+      move.bind(1, slice * sliceCapacity + position);
+      move.bind(2, merged * sliceCapacity + moved[static_cast<std::size_t>(position)]).run();
     });
   }
   if (builder.notes() > 0) builder.write(connection_, merged);

@@ -50,8 +50,7 @@ class SearchIndex {
   bool removeStale(std::int64_t slice);
   bool addNotes(Clock::time_point deadline);
   void addNote(SliceBuilder& builder, std::int64_t note, std::int64_t slice);
-  void load(SliceBuilder& builder, std::int64_t slice, const PositionSet& live);
-  std::int64_t growingSlice();
+  std::int64_t sliceToFill(SliceBuilder& builder);
   void mergeSmall();
   void merge(const std::vector<std::int64_t>& slices);
   bool areUnknown(std::int64_t atLeast);

@@ -19,25 +19,35 @@ constexpr Trigram noTrigram = ~Trigram{0};
 }  // namespace
 
 bool SliceBuilder::isFull() const {
-  return notes_ >= sliceCapacity || size() >= mostOfSlice;
+  return notes_ >= sliceCapacity || trigrams_.size() + recent_.size() >= mostOfSlice;
 }
 
 void SliceBuilder::addNote(const std::vector<std::string_view>& texts) {
   const int position = addPosition();
   const std::uint64_t bit = std::uint64_t{1} << (position % RecentTrigrams::notes);
-  const std::size_t most = size() + mostOfText;
+  std::size_t left = mostOfText;
   for (const std::string_view text : texts) {
     forEachTrigram(
         text,
         [&](ASCIITrigram trigram) {
-          if (size() <= most) recent_.add(trigram, bit);
+          if (left > 0 && recent_.add(trigram, bit)) --left;
         },
         [&](Trigram trigram) {
-          if (size() <= most) positions_[placeOf(trigram)].add(position);
+          if (left == 0) return;
+          const std::size_t before = trigrams_.size();
+          positions_[placeOf(trigram)].add(position);
+          left -= trigrams_.size() - before;
         });
   }
-  if (size() > most) ofAnything_.add(position);
+  if (left == 0) ofAnything_.add(position);
   if (notes_ % RecentTrigrams::notes == 0) addRecent();
+}
+
+void SliceBuilder::load(sqlite::Connection& connection, std::int64_t slice, int notes) {
+  notes_ = notes;
+  forEachEntry(connection, slice, [&](std::string_view key, std::string_view positions) {
+    positionsOf(key) = PositionSet::decoded(positions);
+  });
 }
 
 void SliceBuilder::addRecent() {

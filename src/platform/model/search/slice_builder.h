@@ -15,6 +15,8 @@ namespace tavimodel {
 /// Builds a slice of the search index in memory, note by note (see slice_blocks.h).
 class SliceBuilder {
  public:
+  /// Reads the entries of a slice with this many notes into an empty builder.
+  void load(sqlite::Connection& connection, std::int64_t slice, int notes);
   /// Adds a note at the next position. `texts` must be folded; no trigram spans two of them.
   void addNote(const std::vector<std::string_view>& texts);
   /// Adds a note without trigrams at the next position, and returns the position.
@@ -41,7 +43,6 @@ class SliceBuilder {
   std::size_t slotOf(Trigram trigram) const;
   void enlarge();
   void addRecent();
-  std::size_t size() const { return trigrams_.size() + recent_.size(); }
 
   int notes_ = 0;
   RecentTrigrams recent_;   ///< of the last notes, not yet in `positions_`

@@ -29,29 +29,35 @@ constexpr Trigram unpacked(ASCIITrigram trigram) {
 /// of the text, in order, including repeated ones.
 template <class VisitASCII, class Visit>
 void forEachTrigram(std::string_view text, const VisitASCII& visitASCII, const Visit& visit) {
-  constexpr Trigram lastTwo = (Trigram{1} << 42) - 1;
-  ASCIITrigram ascii = 0;
-  std::size_t run = 0;  // the number of ASCII scalars before `at` without another one between them
-  Trigram trigram = 0;  // of the last scalars; not kept up to date within a run
+  Trigram trigram = 0;
   std::size_t scalars = 0;
-  for (std::size_t at = 0; at < text.size(); ++scalars) {
-    const auto byte = static_cast<unsigned char>(text[at]);
-    if (byte < 0x80) {
-      ++at;
-      ascii = (ascii << 7 | byte) & mostASCIITrigram;
-      if (++run >= trigramLength) {
+  const auto add = [&](char32_t scalar) {
+    constexpr Trigram lastTwo = (Trigram{1} << 42) - 1;
+    trigram = (trigram & lastTwo) << 21 | scalar;
+    if (++scalars >= trigramLength) visit(trigram);
+  };
+  for (std::size_t at = 0; at < text.size();) {
+    const std::string_view run =
+        text.substr(at, platform::text::asciiPrefixLength(text.substr(at)));
+    ASCIITrigram ascii = 0;
+    for (std::size_t i = 0; i < run.size(); ++i) {
+      const auto scalar = static_cast<unsigned char>(run[i]);
+      ascii = (ascii << 7 | scalar) & mostASCIITrigram;
+      if (i + 1 >= trigramLength) {
         visitASCII(ascii);
-        continue;
+      } else {
+        add(scalar);
       }
-      trigram = (trigram & lastTwo) << 21 | byte;
-    } else {
-      if (run >= trigramLength) trigram = unpacked(ascii);
-      run = 0;
+    }
+    if (run.size() >= trigramLength) {
+      trigram = unpacked(ascii);
+      scalars = trigramLength;
+    }
+    for (at += run.size(); at < text.size() && static_cast<unsigned char>(text[at]) >= 0x80;) {
       const auto scalar = platform::text::decodeMultibyteScalar(text, at);
-      trigram = (trigram & lastTwo) << 21 | scalar.value;
+      add(scalar.value);
       at = scalar.next;
     }
-    if (scalars + 1 >= trigramLength) visit(trigram);
   }
 }
 
