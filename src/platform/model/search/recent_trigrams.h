@@ -12,18 +12,17 @@
 
 namespace tavimodel {
 
-/// The ASCII trigrams of up to 64 consecutive notes, with a bit for each note.
+/// The packed trigrams of up to 64 consecutive notes, with a bit for each note.
 ///
 /// Most of the time of indexing goes into noting trigrams one by one. So these are not hashed, but
-/// are themselves the indexes of a table. Of its 16 MB, only the few pages with the trigrams of
-/// natural language are ever touched.
+/// are themselves the indexes of a table, of 2 MB.
 class RecentTrigrams {
  public:
   static constexpr int notes = 64;
 
   /// Returns true if no other of these notes has the trigram.
-  bool add(ASCIITrigram trigram, std::uint64_t noteBit) {
-    std::uint64_t& word = words_.get()[trigram];
+  bool add(PackedTrigram trigram, std::uint64_t noteBit) {
+    std::uint64_t& word = words_[trigram];
     const bool isNew = word == 0;
     if (isNew) present_.push_back(trigram);
     word |= noteBit;
@@ -36,8 +35,8 @@ class RecentTrigrams {
   /// Calls `visit` with each trigram and the bits of its notes, and removes them.
   template <class Visit>
   void drain(const Visit& visit) {
-    for (const ASCIITrigram trigram : present_) {
-      visit(unpacked(trigram), std::exchange(words_.get()[trigram], 0));
+    for (const PackedTrigram trigram : present_) {
+      visit(unpacked(trigram), std::exchange(words_[trigram], 0));
     }
     present_.clear();
   }
@@ -46,15 +45,15 @@ class RecentTrigrams {
   struct Free {
     void operator()(std::uint64_t* words) const { std::free(words); }
   };
-  /// From calloc, which gets pages of zeros from the system only when they are touched.
+  /// From calloc, since the system then provides only the pages that are touched.
   static std::uint64_t* zeros() {
-    void* words = std::calloc(std::size_t{mostASCIITrigram} + 1, sizeof(std::uint64_t));
+    void* words = std::calloc(packedTrigrams, sizeof(std::uint64_t));
     if (words == nullptr) throw std::bad_alloc();
     return static_cast<std::uint64_t*>(words);
   }
 
-  std::unique_ptr<std::uint64_t, Free> words_{zeros()};
-  std::vector<ASCIITrigram> present_;
+  std::unique_ptr<std::uint64_t[], Free> words_{zeros()};
+  std::vector<PackedTrigram> present_;
 };
 
 }  // namespace tavimodel

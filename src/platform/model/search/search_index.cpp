@@ -153,9 +153,8 @@ std::int64_t SearchIndex::sliceToFill(SliceBuilder& builder) {
 }
 
 /// Indexes notes until a slice is full. Returns true if that was before the deadline, so that more
-/// notes may be left.
-bool SearchIndex::addNotes(Clock::time_point deadline) {
-  SliceBuilder builder;
+/// notes may be left. The builder must be empty, and is empty afterwards.
+bool SearchIndex::addNotes(SliceBuilder& builder, Clock::time_point deadline) {
   const std::int64_t slice = sliceToFill(builder);
   const int before = builder.notes();
   bool goesOn = true;
@@ -168,9 +167,10 @@ bool SearchIndex::addNotes(Clock::time_point deadline) {
     }
   }
   if (builder.notes() == before) return false;
+  const bool isFull = builder.isFull();
   removeSlice(connection_, slice);
   builder.write(connection_, slice);
-  return builder.isFull() && Clock::now() < deadline;
+  return isFull && Clock::now() < deadline;
 }
 
 /// The positions of the notes that have not changed since the slice was written.
@@ -292,7 +292,8 @@ void SearchIndex::bringUpToDate(TidyBudget budget) {
   removeExpired(deadline);
   if (Clock::now() >= deadline || !areUnknown(budget.fewestNotes)) return;
   // Writing a slice takes less time than reading its notes, so reading gets two thirds of the time.
-  while (addNotes(Clock::now() + (deadline - Clock::now()) * 2 / 3)) {
+  SliceBuilder builder;
+  while (addNotes(builder, Clock::now() + (deadline - Clock::now()) * 2 / 3)) {
   }
   removeNextStale();
   mergeSmall();

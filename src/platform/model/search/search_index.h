@@ -48,7 +48,7 @@ class SearchIndex {
   void removeExpired(Clock::time_point deadline);
   void removeNextStale();
   bool removeStale(std::int64_t slice);
-  bool addNotes(Clock::time_point deadline);
+  bool addNotes(SliceBuilder& builder, Clock::time_point deadline);
   void addNote(SliceBuilder& builder, std::int64_t note, std::int64_t slice);
   std::int64_t sliceToFill(SliceBuilder& builder);
   void mergeSmall();

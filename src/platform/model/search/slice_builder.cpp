@@ -13,7 +13,8 @@ namespace {
 constexpr std::size_t mostOfText = std::size_t{1} << 16;
 /// A slice with this many trigrams counts as full, even if it has room for more notes.
 constexpr std::size_t mostOfSlice = std::size_t{1} << 18;
-constexpr std::size_t fewestSlots = std::size_t{1} << 12;
+/// Memory is taken for this number of trigrams at first.
+constexpr std::size_t usualTrigrams = std::size_t{1} << 13;
 constexpr Trigram noTrigram = ~Trigram{0};
 
 }  // namespace
@@ -29,7 +30,7 @@ void SliceBuilder::addNote(const std::vector<std::string_view>& texts) {
   for (const std::string_view text : texts) {
     forEachTrigram(
         text,
-        [&](ASCIITrigram trigram) {
+        [&](PackedTrigram trigram) {
           if (left > 0 && recent_.add(trigram, bit)) --left;
         },
         [&](Trigram trigram) {
@@ -64,7 +65,10 @@ PositionSet& SliceBuilder::positionsOf(std::string_view key) {
 }
 
 std::size_t SliceBuilder::placeOf(Trigram trigram) {
-  if (slots_.empty()) enlarge();
+  if (slots_.empty()) {
+    positions_.reserve(usualTrigrams);
+    enlarge();
+  }
   Slot& slot = slots_[slotOf(trigram)];
   return slot.trigram == trigram ? slot.place : addTrigram(slot, trigram);
 }
@@ -88,10 +92,18 @@ std::size_t SliceBuilder::addTrigram(Slot& slot, Trigram trigram) {
 }
 
 void SliceBuilder::enlarge() {
-  slots_.assign(std::max(fewestSlots, slots_.size() * 2), {noTrigram, 0});
+  slots_.assign(std::max(2 * usualTrigrams, slots_.size() * 2), {noTrigram, 0});
   for (std::uint32_t place = 0; place < trigrams_.size(); ++place) {
     slots_[slotOf(trigrams_[place])] = {trigrams_[place], place};
   }
+}
+
+void SliceBuilder::clear() {
+  notes_ = 0;
+  ofAnything_ = {};
+  trigrams_.clear();
+  positions_.clear();
+  std::fill(slots_.begin(), slots_.end(), Slot{noTrigram, 0});
 }
 
 void SliceBuilder::write(sqlite::Connection& connection, std::int64_t slice) {
@@ -107,6 +119,7 @@ void SliceBuilder::write(sqlite::Connection& connection, std::int64_t slice) {
   if (!ofAnything_.isEmpty()) writer.add({}, ofAnything_);
   for (const auto& [trigram, place] : sorted) writer.add(utf8Of(trigram), positions_[place]);
   writer.finish(notes_);
+  clear();
 }
 
 }  // namespace tavimodel

@@ -28,6 +28,7 @@ class SliceBuilder {
   int notes() const { return notes_; }
   /// Whether no more notes should be added.
   bool isFull() const;
+  /// Writes the slice, and leaves the builder empty.
   void write(sqlite::Connection& connection, std::int64_t slice);
 
  private:
@@ -43,6 +44,7 @@ class SliceBuilder {
   std::size_t slotOf(Trigram trigram) const;
   void enlarge();
   void addRecent();
+  void clear();
 
   int notes_ = 0;
   RecentTrigrams recent_;   ///< of the last notes, not yet in `positions_`

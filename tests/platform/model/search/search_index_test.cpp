@@ -76,7 +76,7 @@ TEST(Trigrams, AreAllThatATextHas) {
     std::u32string text;
     std::string bytes;
     while (random() % 16 != 0) {
-      text += scalars[random() % (round % 2 == 0 ? 4 : scalars.size())];
+      text += scalars[random() % (round % 2 == 0 ? 3 : scalars.size())];
       platform::text::appendScalar(bytes, text.back());
     }
     std::string found;
