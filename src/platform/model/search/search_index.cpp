@@ -200,7 +200,9 @@ bool SearchIndex::removeStale(std::int64_t slice) {
   removeSlice(connection_, slice);
   if (live.isEmpty()) return true;
   SliceWriter writer(connection_, slice);
-  for (const auto& [key, positions] : entries) writer.add(key, positions);
+  for (const auto& [key, positions] : entries) {
+    writer.add(key, PositionSet::Encoding(positions).bytes());
+  }
   writer.finish(live.count());
   return true;
 }
@@ -269,11 +271,12 @@ void SearchIndex::merge(const std::vector<std::int64_t>& slices) {
     live.forEach(
         [&](int position) { moved[static_cast<std::size_t>(position)] = builder.addPosition(); });
     forEachEntry(connection_, slice, [&](std::string_view key, std::string_view encoded) {
-      PositionSet set = PositionSet::decoded(encoded);
-      set &= live;
-      if (set.isEmpty()) return;
-      PositionSet& positions = builder.positionsOf(key);
-      set.forEach([&](int position) { positions.add(moved[static_cast<std::size_t>(position)]); });
+      PositionSet before = PositionSet::decoded(encoded);
+      before &= live;
+      if (before.isEmpty()) return;
+      PositionSet after;
+      before.forEach([&](int position) { after.add(moved[static_cast<std::size_t>(position)]); });
+      builder.addEntry(key, after);
     });
     removeSlice(connection_, slice);
     live.forEach([&](int position) {

@@ -23,9 +23,7 @@ void append(std::string& bytes, std::string_view part) {
 
 }  // namespace
 
-void SliceWriter::add(std::string_view key, const PositionSet& set) {
-  const PositionSet::Encoding encoding(set);
-  const std::string_view positions = encoding.bytes();
+void SliceWriter::add(std::string_view key, std::string_view positions) {
   if (block_.size() + key.size() + positions.size() + 2 > blockSize) writeBlock();
   if (block_.empty()) append(firsts_, key);
   append(block_, key);

@@ -17,9 +17,9 @@ namespace tavimodel {
 // the whole slice is rewritten.
 //
 // A block is a sequence of entries, ascending by key. An entry is the length of the key (one byte),
-// the key, the length of the positions (one byte), and the positions (see PositionSet). The key is
-// a trigram in UTF-8; the empty key has the notes whose text has too many trigrams, which are
-// candidates for every term.
+// the key, the length of the positions (one byte), and the positions (see PositionSet::Encoding).
+// The key is a trigram in UTF-8; the empty key has the notes whose text has too many trigrams,
+// which are candidates for every term.
 
 /// Writes the entries of one slice. They must be added in ascending order of their keys.
 class SliceWriter {
@@ -27,7 +27,7 @@ class SliceWriter {
   SliceWriter(sqlite::Connection& connection, std::int64_t slice)
       : connection_(connection), slice_(slice) {}
 
-  void add(std::string_view key, const PositionSet& set);
+  void add(std::string_view key, std::string_view positions);
   /// Writes the last block and the slice's row. `notes`: the number of positions in the slice.
   void finish(int notes);
 

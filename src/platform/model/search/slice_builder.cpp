@@ -17,6 +17,13 @@ constexpr std::size_t mostOfSlice = std::size_t{1} << 18;
 constexpr std::size_t usualTrigrams = std::size_t{1} << 13;
 constexpr Trigram noTrigram = ~Trigram{0};
 
+/// A trigram, and where its encoded positions are.
+struct Entry {
+  Trigram trigram;
+  std::size_t begin;
+  std::size_t size;
+};
+
 }  // namespace
 
 bool SliceBuilder::isFull() const {
@@ -25,6 +32,7 @@ bool SliceBuilder::isFull() const {
 
 void SliceBuilder::addNote(const std::vector<std::string_view>& texts) {
   const int position = addPosition();
+  const int group = position / RecentTrigrams::notes;
   const std::uint64_t bit = std::uint64_t{1} << (position % RecentTrigrams::notes);
   std::size_t left = mostOfText;
   for (const std::string_view text : texts) {
@@ -36,7 +44,7 @@ void SliceBuilder::addNote(const std::vector<std::string_view>& texts) {
         [&](Trigram trigram) {
           if (left == 0) return;
           const std::size_t before = trigrams_.size();
-          positions_[placeOf(trigram)].add(position);
+          addWord(group, placeOf(trigram), bit);
           left -= trigrams_.size() - before;
         });
   }
@@ -47,28 +55,43 @@ void SliceBuilder::addNote(const std::vector<std::string_view>& texts) {
 void SliceBuilder::load(sqlite::Connection& connection, std::int64_t slice, int notes) {
   notes_ = notes;
   forEachEntry(connection, slice, [&](std::string_view key, std::string_view positions) {
-    positionsOf(key) = PositionSet::decoded(positions);
+    addEntry(key, PositionSet::decoded(positions));
   });
 }
 
 void SliceBuilder::addRecent() {
-  const int first = (notes_ - 1) / RecentTrigrams::notes * RecentTrigrams::notes;
-  recent_.drain([&](Trigram trigram, std::uint64_t notes) {
-    positions_[placeOf(trigram)].addWord(first, notes);
+  const int group = (notes_ - 1) / RecentTrigrams::notes;
+  recent_.drain(
+      [&](Trigram trigram, std::uint64_t notes) { addWord(group, placeOf(trigram), notes); });
+}
+
+void SliceBuilder::addWord(int group, std::size_t place, std::uint64_t notes) {
+  std::vector<std::uint64_t>& words = words_[static_cast<std::size_t>(group)];
+  if (place >= words.size()) words.resize(trigrams_.size());
+  words[place] |= notes;
+}
+
+PositionSet SliceBuilder::positionsOf(std::size_t place) const {
+  PositionSet positions;
+  for (std::size_t group = 0; group < words_.size(); ++group) {
+    if (place < words_[group].size()) positions.words()[group] = words_[group][place];
+  }
+  return positions;
+}
+
+void SliceBuilder::addEntry(std::string_view key, const PositionSet& positions) {
+  if (key.empty()) ofAnything_ |= positions;
+  forEachTrigram(key, [&](Trigram trigram) {
+    const std::size_t place = placeOf(trigram);
+    for (std::size_t group = 0; group < words_.size(); ++group) {
+      const std::uint64_t notes = positions.words()[group];
+      if (notes != 0) addWord(static_cast<int>(group), place, notes);
+    }
   });
 }
 
-PositionSet& SliceBuilder::positionsOf(std::string_view key) {
-  PositionSet* positions = &ofAnything_;
-  forEachTrigram(key, [&](Trigram trigram) { positions = &positions_[placeOf(trigram)]; });
-  return *positions;
-}
-
 std::size_t SliceBuilder::placeOf(Trigram trigram) {
-  if (slots_.empty()) {
-    positions_.reserve(usualTrigrams);
-    enlarge();
-  }
+  if (slots_.empty()) enlarge();
   Slot& slot = slots_[slotOf(trigram)];
   return slot.trigram == trigram ? slot.place : addTrigram(slot, trigram);
 }
@@ -86,7 +109,6 @@ std::size_t SliceBuilder::addTrigram(Slot& slot, Trigram trigram) {
   const auto place = static_cast<std::uint32_t>(trigrams_.size());
   slot = {trigram, place};
   trigrams_.push_back(trigram);
-  positions_.emplace_back();
   if (trigrams_.size() * 2 > slots_.size()) enlarge();
   return place;
 }
@@ -102,22 +124,27 @@ void SliceBuilder::clear() {
   notes_ = 0;
   ofAnything_ = {};
   trigrams_.clear();
-  positions_.clear();
+  for (std::vector<std::uint64_t>& words : words_) words.clear();
   std::fill(slots_.begin(), slots_.end(), Slot{noTrigram, 0});
 }
 
 void SliceBuilder::write(sqlite::Connection& connection, std::int64_t slice) {
   addRecent();
-  std::vector<Slot> sorted;
-  sorted.reserve(trigrams_.size());
-  for (std::uint32_t place = 0; place < trigrams_.size(); ++place) {
-    sorted.push_back({trigrams_[place], place});
+  std::string encoded;  // all positions, by place
+  std::vector<Entry> entries;
+  entries.reserve(trigrams_.size());
+  for (std::size_t place = 0; place < trigrams_.size(); ++place) {
+    const PositionSet::Encoding positions(positionsOf(place));
+    entries.push_back({trigrams_[place], encoded.size(), positions.bytes().size()});
+    encoded += positions.bytes();
   }
-  std::sort(sorted.begin(), sorted.end(),
-            [](const Slot& a, const Slot& b) { return a.trigram < b.trigram; });
+  std::sort(entries.begin(), entries.end(),
+            [](const Entry& a, const Entry& b) { return a.trigram < b.trigram; });
   SliceWriter writer(connection, slice);
-  if (!ofAnything_.isEmpty()) writer.add({}, ofAnything_);
-  for (const auto& [trigram, place] : sorted) writer.add(utf8Of(trigram), positions_[place]);
+  if (!ofAnything_.isEmpty()) writer.add({}, PositionSet::Encoding(ofAnything_).bytes());
+  for (const Entry& entry : entries) {
+    writer.add(utf8Of(entry.trigram), std::string_view(encoded).substr(entry.begin, entry.size));
+  }
   writer.finish(notes_);
   clear();
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <string_view>
@@ -21,9 +22,8 @@ class SliceBuilder {
   void addNote(const std::vector<std::string_view>& texts);
   /// Adds a note without trigrams at the next position, and returns the position.
   int addPosition() { return notes_++; }
-  /// The positions of the notes with an entry's key (see slice_blocks.h), for adding more. Valid
-  /// until the next call.
-  PositionSet& positionsOf(std::string_view key);
+  /// Adds positions to an entry (see slice_blocks.h).
+  void addEntry(std::string_view key, const PositionSet& positions);
 
   int notes() const { return notes_; }
   /// Whether no more notes should be added.
@@ -41,16 +41,20 @@ class SliceBuilder {
   /// The trigram's index in the vectors below; adds a new trigram.
   std::size_t placeOf(Trigram trigram);
   std::size_t addTrigram(Slot& slot, Trigram trigram);
+  void addWord(int group, std::size_t place, std::uint64_t notes);
+  PositionSet positionsOf(std::size_t place) const;
   std::size_t slotOf(Trigram trigram) const;
   void enlarge();
   void addRecent();
   void clear();
 
   int notes_ = 0;
-  RecentTrigrams recent_;   ///< of the last notes, not yet in `positions_`
+  RecentTrigrams recent_;   ///< of the last notes, not yet in `words_`
   PositionSet ofAnything_;  ///< notes with too many trigrams
   std::vector<Trigram> trigrams_;
-  std::vector<PositionSet> positions_;
+  /// For each group of 64 notes their bits, by place. The group that is being added to is small
+  /// enough for a processor's cache. Places behind the end have no bits.
+  std::array<std::vector<std::uint64_t>, sliceCapacity / RecentTrigrams::notes> words_;
   std::vector<Slot> slots_;  ///< hash table with linear probing
 };
 

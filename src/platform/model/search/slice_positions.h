@@ -21,14 +21,17 @@ class PositionSet {
   static PositionSet decoded(std::string_view bytes);
 
   void add(int position) { word(position) |= bit(position); }
-  /// Adds up to 64 positions: `first`, a multiple of 64, for the word's lowest bit, and so on.
-  void addWord(int first, std::uint64_t positions) { word(first) |= positions; }
   bool has(int position) const { return (words_[index(position)] & bit(position)) != 0; }
   bool isEmpty() const;
   int count() const;
   PositionSet& operator&=(const PositionSet& other);
   PositionSet& operator|=(const PositionSet& other);
   bool operator==(const PositionSet&) const = default;
+
+  using Words = std::array<std::uint64_t, sliceCapacity / 64>;
+  /// The bits of the positions, the first one in the lowest bit of the first word.
+  const Words& words() const { return words_; }
+  Words& words() { return words_; }
 
   /// Calls `visit` with each position, ascending.
   template <class Visit>
@@ -45,7 +48,7 @@ class PositionSet {
   static std::uint64_t bit(int position) { return std::uint64_t{1} << (position % 64); }
   std::uint64_t& word(int position) { return words_[index(position)]; }
 
-  std::array<std::uint64_t, sliceCapacity / 64> words_{};
+  Words words_{};
 };
 
 /// A set in the database's encoding: the gaps between positions as LEB128 numbers, or, if these

@@ -17,9 +17,10 @@ using Trigram = std::uint64_t;
 constexpr std::size_t trigramLength = 3;
 
 /// The scalars of which most folded texts mostly consist: their trigrams can be packed in 18 bits,
-/// with the indexes of the scalars in this string, the first in the highest bits.
+/// with the indexes of the scalars in this string, the first in the highest bits. The most frequent
+/// ones come first, so that their trigrams are close together in a table.
 constexpr std::string_view commonScalars =
-    "abcdefghijklmnopqrstuvwxyz0123456789 \n.,-'\"():;!?/#*_`[]&+=@%$<>";
+    " etaoinsrhldcumfpgwybvkxjzq\n.,-0123456789'\"():;!?/#*_`[]&+=@%$<>";
 constexpr unsigned commonBits = 6;
 static_assert(commonScalars.size() == 1 << commonBits);
 using PackedTrigram = std::uint32_t;
