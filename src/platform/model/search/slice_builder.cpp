@@ -17,13 +17,6 @@ constexpr std::size_t mostOfSlice = std::size_t{1} << 18;
 constexpr std::size_t usualTrigrams = std::size_t{1} << 13;
 constexpr Trigram noTrigram = ~Trigram{0};
 
-/// A trigram, and where its encoded positions are.
-struct Entry {
-  Trigram trigram;
-  std::size_t begin;
-  std::size_t size;
-};
-
 }  // namespace
 
 bool SliceBuilder::isFull() const {
@@ -130,20 +123,17 @@ void SliceBuilder::clear() {
 
 void SliceBuilder::write(sqlite::Connection& connection, std::int64_t slice) {
   addRecent();
-  std::string encoded;  // all positions, by place
-  std::vector<Entry> entries;
-  entries.reserve(trigrams_.size());
-  for (std::size_t place = 0; place < trigrams_.size(); ++place) {
-    const PositionSet::Encoding positions(positionsOf(place));
-    entries.push_back({trigrams_[place], encoded.size(), positions.bytes().size()});
-    encoded += positions.bytes();
+  std::vector<Slot> sorted;
+  sorted.reserve(trigrams_.size());
+  for (std::uint32_t place = 0; place < trigrams_.size(); ++place) {
+    sorted.push_back({trigrams_[place], place});
   }
-  std::sort(entries.begin(), entries.end(),
-            [](const Entry& a, const Entry& b) { return a.trigram < b.trigram; });
+  std::sort(sorted.begin(), sorted.end(),
+            [](const Slot& a, const Slot& b) { return a.trigram < b.trigram; });
   SliceWriter writer(connection, slice);
   if (!ofAnything_.isEmpty()) writer.add({}, PositionSet::Encoding(ofAnything_).bytes());
-  for (const Entry& entry : entries) {
-    writer.add(utf8Of(entry.trigram), std::string_view(encoded).substr(entry.begin, entry.size));
+  for (const auto& [trigram, place] : sorted) {
+    writer.add(utf8Of(trigram), PositionSet::Encoding(positionsOf(place)).bytes());
   }
   writer.finish(notes_);
   clear();
