@@ -5,6 +5,7 @@
 #include <unicode/ustring.h>
 
 #include <algorithm>
+#include <cstring>
 #include <memory>
 #include <span>
 
@@ -93,6 +94,19 @@ bool isOwnForm(char32_t scalar) {
   return (scalar >= 0x3400 && scalar <= 0x4DBF) || (scalar >= 0x4E00 && scalar <= 0x9FFF);
 }
 
+char lowercased(char ascii) {
+  return static_cast<char>(ascii >= 'A' && ascii <= 'Z' ? ascii | 0x20 : ascii);
+}
+
+/// Lower-cases eight letters at once. In no step does a carry reach the next byte, since all bytes
+/// are below 0x80.
+std::uint64_t lowercased(std::uint64_t ascii) {
+  constexpr std::uint64_t ones = 0x0101010101010101;
+  const std::uint64_t fromA = ascii + (0x80 - 'A') * ones;        // the highest bit: not below 'A'
+  const std::uint64_t behindZ = ascii + (0x80 - 'Z' - 1) * ones;  // the highest bit: above 'Z'
+  return ascii | ((fromA & ~behindZ & 0x80 * ones) >> 2);
+}
+
 }  // namespace
 
 bool attachesToPrevious(char32_t scalar) {
@@ -172,12 +186,13 @@ void UnitReader::skipASCIIUntil(char32_t wanted) {
 void UnitReader::appendASCII(std::string& out) {
   const std::size_t start = end_;
   skipASCIIUntil(0x80);
-  for (std::size_t i = start; i < end_; ++i) out += static_cast<char>(folded(text_[i]));
+  out += text_.substr(start, end_ - start);
+  if (forms_.folding() == CaseFolding::none) return;
+  lowercaseASCII(out.data() + out.size() - (end_ - start), end_ - start);
 }
 
 char32_t UnitReader::folded(char ascii) const {
-  const bool isUpper = ascii >= 'A' && ascii <= 'Z' && forms_.folding() == CaseFolding::full;
-  return static_cast<char32_t>(isUpper ? ascii | 0x20 : ascii);
+  return static_cast<char32_t>(forms_.folding() == CaseFolding::full ? lowercased(ascii) : ascii);
 }
 
 void UnitReader::lookAhead() {
@@ -216,6 +231,16 @@ void UnitReader::readAgainInOrder() {
   const std::vector<char32_t> ordered = compared(decomposed(source), forms_.folding());
   length_ = ordered.size();  // the same number of scalars, reordered
   std::copy(ordered.begin(), ordered.end(), scalars_.begin());
+}
+
+void lowercaseASCII(char* bytes, std::size_t size) {
+  std::uint64_t word = 0;
+  for (; size >= sizeof word; bytes += sizeof word, size -= sizeof word) {
+    std::memcpy(&word, bytes, sizeof word);
+    word = lowercased(word);
+    std::memcpy(bytes, &word, sizeof word);
+  }
+  std::transform(bytes, bytes + size, bytes, [](char c) { return lowercased(c); });
 }
 
 std::string comparisonForm(std::string_view text, CaseFolding folding) {

@@ -107,6 +107,9 @@ class UnitReader {
   std::size_t behindAhead_ = 0;
 };
 
+/// Lower-cases the letters in `size` bytes, all of which must be ASCII.
+void lowercaseASCII(char* bytes, std::size_t size);
+
 /// The comparison form of a whole text. Ill-formed parts become U+FFFD.
 std::string comparisonForm(std::string_view text, CaseFolding folding);
 
