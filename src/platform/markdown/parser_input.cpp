@@ -103,8 +103,9 @@ void maskEndlessParagraphs(std::string_view body, std::optional<std::string>& co
 /// one line, by their marks or blanks, are read as text.
 void maskDeepNesting(std::string_view body, std::optional<std::string>& copy) {
   constexpr std::size_t kDeepest = 200;
-  for (std::size_t begin = 0; begin < body.size(); begin = nextLine(body, begin)) {
-    const std::string_view line = body.substr(begin, lineEnd(body, begin) - begin);
+  for (std::size_t begin = 0, end = 0; begin < body.size(); begin = behindLineBreak(body, end)) {
+    end = lineEnd(body, begin);
+    const std::string_view line = body.substr(begin, end - begin);
     if (line.size() <= kDeepest || line.find_first_not_of(" \t*") == npos ||
         line.find_first_not_of(" \t-") == npos) {
       continue;  // a rule has marks like those of lists

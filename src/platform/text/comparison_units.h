@@ -77,6 +77,8 @@ class UnitReader {
 
   /// Skips units of plain ASCII that differ from `wanted`, but not necessarily all of them.
   void skipASCIIUntil(char32_t wanted);
+  /// Skips units of plain ASCII, and appends their forms.
+  void appendASCII(std::string& out);
   void skipToEnd() { end_ = text_.size(); }
 
   std::size_t begin() const { return begin_; }  ///< byte offset of the unit in the source
@@ -104,6 +106,9 @@ class UnitReader {
   std::size_t ahead_ = static_cast<std::size_t>(-1);
   std::size_t behindAhead_ = 0;
 };
+
+/// Lower-cases the letters in `size` bytes, all of which must be ASCII.
+void lowercaseASCII(char* bytes, std::size_t size);
 
 /// The comparison form of a whole text. Ill-formed parts become U+FFFD.
 std::string comparisonForm(std::string_view text, CaseFolding folding);

@@ -27,7 +27,7 @@ bool isEasilyComposed(std::string_view text) {
 std::string foldedForSearch(std::string_view text) {
   if (!isASCII(text)) return comparisonForm(text, CaseFolding::full);
   std::string result(text);
-  std::transform(text.begin(), text.end(), result.begin(), lowercasedASCII);
+  lowercaseASCII(result.data(), result.size());
   return result;
 }
 

@@ -48,8 +48,9 @@ class SearchIndex {
   void removeExpired(Clock::time_point deadline);
   void removeNextStale();
   bool removeStale(std::int64_t slice);
-  bool addNotes(Clock::time_point deadline);
+  bool addNotes(SliceBuilder& builder, Clock::time_point deadline);
   void addNote(SliceBuilder& builder, std::int64_t note, std::int64_t slice);
+  std::int64_t sliceToFill(SliceBuilder& builder);
   void mergeSmall();
   void merge(const std::vector<std::int64_t>& slices);
   bool areUnknown(std::int64_t atLeast);

@@ -17,9 +17,9 @@ namespace tavimodel {
 // the whole slice is rewritten.
 //
 // A block is a sequence of entries, ascending by key. An entry is the length of the key (one byte),
-// the key, the length of the positions (one byte), and the positions (see PositionList). The key is
-// a trigram in UTF-8; the empty key has the notes whose text has too many trigrams, which are
-// candidates for every term.
+// the key, the length of the positions (one byte), and the positions (see PositionSet::Encoding).
+// The key is a trigram in UTF-8; the empty key has the notes whose text has too many trigrams,
+// which are candidates for every term.
 
 /// Writes the entries of one slice. They must be added in ascending order of their keys.
 class SliceWriter {

@@ -13,47 +13,74 @@ namespace {
 constexpr std::size_t mostOfText = std::size_t{1} << 16;
 /// A slice with this many trigrams counts as full, even if it has room for more notes.
 constexpr std::size_t mostOfSlice = std::size_t{1} << 18;
-constexpr std::size_t fewestSlots = std::size_t{1} << 12;
+/// Memory is taken for this number of trigrams at first.
+constexpr std::size_t usualTrigrams = std::size_t{1} << 13;
 constexpr Trigram noTrigram = ~Trigram{0};
-constexpr int notesInWord = 64;
 
 }  // namespace
 
 bool SliceBuilder::isFull() const {
-  return notes_ >= sliceCapacity || trigrams_.size() >= mostOfSlice;
+  return notes_ >= sliceCapacity || trigrams_.size() + recent_.size() >= mostOfSlice;
 }
 
 void SliceBuilder::addNote(const std::vector<std::string_view>& texts) {
   const int position = addPosition();
-  const std::uint64_t bit = std::uint64_t{1} << (position % notesInWord);
-  const std::size_t most = trigrams_.size() + mostOfText;
+  const int group = position / RecentTrigrams::notes;
+  const std::uint64_t bit = std::uint64_t{1} << (position % RecentTrigrams::notes);
+  std::size_t left = mostOfText;
   for (const std::string_view text : texts) {
-    forEachTrigram(text, [&](Trigram trigram) {
-      if (trigrams_.size() <= most) words_[placeOf(trigram)] |= bit;
-    });
+    forEachTrigram(
+        text,
+        [&](PackedTrigram trigram) {
+          if (left > 0 && recent_.add(trigram, bit)) --left;
+        },
+        [&](Trigram trigram) {
+          if (left == 0) return;
+          const std::size_t before = trigrams_.size();
+          addWord(group, placeOf(trigram), bit);
+          left -= trigrams_.size() - before;
+        });
   }
-  if (trigrams_.size() > most) ofAnything_.add(position);
-  if (notes_ % notesInWord == 0) completeLists();
+  if (left == 0) ofAnything_.add(position);
+  if (notes_ % RecentTrigrams::notes == 0) addRecent();
 }
 
-/// Adds the last notes to the lists.
-void SliceBuilder::completeLists() {
-  const int first = (notes_ - 1) / notesInWord * notesInWord;
-  lists_.resize(words_.size());
-  for (std::size_t place = 0; place < words_.size(); ++place) {
-    if (words_[place] != 0) lists_[place].addWord(first, words_[place]);
-    words_[place] = 0;
-  }
+void SliceBuilder::load(sqlite::Connection& connection, std::int64_t slice, int notes) {
+  notes_ = notes;
+  forEachEntry(connection, slice, [&](std::string_view key, std::string_view positions) {
+    addEntry(key, PositionSet::decoded(positions));
+  });
 }
 
-PositionList& SliceBuilder::listOf(std::string_view key) {
-  PositionList* list = &ofAnything_;
+void SliceBuilder::addRecent() {
+  const int group = (notes_ - 1) / RecentTrigrams::notes;
+  recent_.drain(
+      [&](Trigram trigram, std::uint64_t notes) { addWord(group, placeOf(trigram), notes); });
+}
+
+void SliceBuilder::addWord(int group, std::size_t place, std::uint64_t notes) {
+  std::vector<std::uint64_t>& words = words_[static_cast<std::size_t>(group)];
+  if (place >= words.size()) words.resize(trigrams_.size());
+  words[place] |= notes;
+}
+
+PositionSet SliceBuilder::positionsOf(std::size_t place) const {
+  PositionSet positions;
+  for (std::size_t group = 0; group < words_.size(); ++group) {
+    if (place < words_[group].size()) positions.words()[group] = words_[group][place];
+  }
+  return positions;
+}
+
+void SliceBuilder::addEntry(std::string_view key, const PositionSet& positions) {
+  if (key.empty()) ofAnything_ |= positions;
   forEachTrigram(key, [&](Trigram trigram) {
     const std::size_t place = placeOf(trigram);
-    lists_.resize(words_.size());
-    list = &lists_[place];
+    for (std::size_t group = 0; group < words_.size(); ++group) {
+      const std::uint64_t notes = positions.words()[group];
+      if (notes != 0) addWord(static_cast<int>(group), place, notes);
+    }
   });
-  return *list;
 }
 
 std::size_t SliceBuilder::placeOf(Trigram trigram) {
@@ -75,20 +102,27 @@ std::size_t SliceBuilder::addTrigram(Slot& slot, Trigram trigram) {
   const auto place = static_cast<std::uint32_t>(trigrams_.size());
   slot = {trigram, place};
   trigrams_.push_back(trigram);
-  words_.push_back(0);
   if (trigrams_.size() * 2 > slots_.size()) enlarge();
   return place;
 }
 
 void SliceBuilder::enlarge() {
-  slots_.assign(std::max(fewestSlots, slots_.size() * 2), {noTrigram, 0});
+  slots_.assign(std::max(2 * usualTrigrams, slots_.size() * 2), {noTrigram, 0});
   for (std::uint32_t place = 0; place < trigrams_.size(); ++place) {
     slots_[slotOf(trigrams_[place])] = {trigrams_[place], place};
   }
 }
 
+void SliceBuilder::clear() {
+  notes_ = 0;
+  ofAnything_ = {};
+  trigrams_.clear();
+  for (std::vector<std::uint64_t>& words : words_) words.clear();
+  std::fill(slots_.begin(), slots_.end(), Slot{noTrigram, 0});
+}
+
 void SliceBuilder::write(sqlite::Connection& connection, std::int64_t slice) {
-  completeLists();
+  addRecent();
   std::vector<Slot> sorted;
   sorted.reserve(trigrams_.size());
   for (std::uint32_t place = 0; place < trigrams_.size(); ++place) {
@@ -97,9 +131,12 @@ void SliceBuilder::write(sqlite::Connection& connection, std::int64_t slice) {
   std::sort(sorted.begin(), sorted.end(),
             [](const Slot& a, const Slot& b) { return a.trigram < b.trigram; });
   SliceWriter writer(connection, slice);
-  if (!ofAnything_.bytes().empty()) writer.add({}, ofAnything_.bytes());
-  for (const auto& [trigram, place] : sorted) writer.add(utf8Of(trigram), lists_[place].bytes());
+  if (!ofAnything_.isEmpty()) writer.add({}, PositionSet::Encoding(ofAnything_).bytes());
+  for (const auto& [trigram, place] : sorted) {
+    writer.add(utf8Of(trigram), PositionSet::Encoding(positionsOf(place)).bytes());
+  }
   writer.finish(notes_);
+  clear();
 }
 
 }  // namespace tavimodel

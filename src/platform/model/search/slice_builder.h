@@ -1,10 +1,12 @@
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <string_view>
 #include <vector>
 
+#include "platform/model/search/recent_trigrams.h"
 #include "platform/model/search/slice_positions.h"
 #include "platform/model/search/trigrams.h"
 #include "platform/model/storage/sqlite.h"
@@ -12,23 +14,21 @@
 namespace tavimodel {
 
 /// Builds a slice of the search index in memory, note by note (see slice_blocks.h).
-///
-/// Most of the time goes into noting trigrams one by one, so that this touches little memory: a
-/// slot of the hash table, and a word with a bit for each of 64 consecutive notes. The words are
-/// added to the lists of positions when the 64 notes are complete.
 class SliceBuilder {
  public:
+  /// Reads the entries of a slice with this many notes into an empty builder.
+  void load(sqlite::Connection& connection, std::int64_t slice, int notes);
   /// Adds a note at the next position. `texts` must be folded; no trigram spans two of them.
   void addNote(const std::vector<std::string_view>& texts);
   /// Adds a note without trigrams at the next position, and returns the position.
   int addPosition() { return notes_++; }
-  /// The positions of the notes with an entry's key (see slice_blocks.h), for adding more. Valid
-  /// until the next call.
-  PositionList& listOf(std::string_view key);
+  /// Adds positions to an entry (see slice_blocks.h).
+  void addEntry(std::string_view key, const PositionSet& positions);
 
   int notes() const { return notes_; }
   /// Whether no more notes should be added.
   bool isFull() const;
+  /// Writes the slice, and leaves the builder empty.
   void write(sqlite::Connection& connection, std::int64_t slice);
 
  private:
@@ -41,15 +41,20 @@ class SliceBuilder {
   /// The trigram's index in the vectors below; adds a new trigram.
   std::size_t placeOf(Trigram trigram);
   std::size_t addTrigram(Slot& slot, Trigram trigram);
+  void addWord(int group, std::size_t place, std::uint64_t notes);
+  PositionSet positionsOf(std::size_t place) const;
   std::size_t slotOf(Trigram trigram) const;
   void enlarge();
-  void completeLists();
+  void addRecent();
+  void clear();
 
   int notes_ = 0;
-  PositionList ofAnything_;  ///< notes with too many trigrams
+  RecentTrigrams recent_;   ///< of the last notes, not yet in `words_`
+  PositionSet ofAnything_;  ///< notes with too many trigrams
   std::vector<Trigram> trigrams_;
-  std::vector<std::uint64_t> words_;  ///< bits of the notes not yet in `lists_`, lowest note first
-  std::vector<PositionList> lists_;
+  /// For each group of 64 notes their bits, by place. The group that is being added to is small
+  /// enough for a processor's cache. Places behind the end have no bits.
+  std::array<std::vector<std::uint64_t>, sliceCapacity / RecentTrigrams::notes> words_;
   std::vector<Slot> slots_;  ///< hash table with linear probing
 };
 

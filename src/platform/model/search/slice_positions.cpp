@@ -39,12 +39,6 @@ PositionSet PositionSet::decoded(std::string_view bytes) {
   return set;
 }
 
-std::string PositionSet::encoded() const {
-  PositionList list;
-  forEach([&](int position) { list.add(position); });
-  return list.bytes();
-}
-
 bool PositionSet::isEmpty() const {
   return std::all_of(words_.begin(), words_.end(), [](std::uint64_t word) { return word == 0; });
 }
@@ -64,33 +58,32 @@ PositionSet& PositionSet::operator|=(const PositionSet& other) {
   return *this;
 }
 
-void PositionList::addWord(int first, std::uint64_t word) {
-  for (; word != 0 && bytes_.size() < bitmapSize; word &= word - 1) {
-    append(first + std::countr_zero(word));
-  }
-  if (word == 0) return;
-  last_ = first + 63 - std::countl_zero(word);
-  for (std::size_t at = static_cast<std::size_t>(first) / 8; word != 0; word >>= 8, ++at) {
-    bytes_[at] |= static_cast<char>(word & 0xFF);
-  }
+PositionSet::Encoding::Encoding(const PositionSet& set) {
+  if (!writeGaps(set)) writeBitmap(set);
 }
 
-void PositionList::append(int position) {
-  const auto setBit = [this](int at) {
-    bytes_[static_cast<std::size_t>(at) / 8] |= static_cast<char>(1 << (at % 8));
-  };
-  const int gap = position - last_ - 1;
-  last_ = position;
-  if (bytes_.size() == bitmapSize) return setBit(position);
-  const std::size_t width = gap < 0x80 ? 1 : 2;
-  if (bytes_.size() + width >= bitmapSize) {
-    const PositionSet before = PositionSet::decoded(bytes_);
-    bytes_.assign(bitmapSize, '\0');
-    before.forEach(setBit);
-    return setBit(position);
+/// Returns false if the gaps take as many bytes as a bitmap.
+bool PositionSet::Encoding::writeGaps(const PositionSet& set) {
+  int next = 0;
+  for (std::size_t i = 0; i < set.words_.size(); ++i) {
+    for (std::uint64_t rest = set.words_[i]; rest != 0; rest &= rest - 1) {
+      const int position = static_cast<int>(i * 64) + std::countr_zero(rest);
+      const int gap = position - next;
+      next = position + 1;
+      const std::size_t width = gap < 0x80 ? 1 : 2;
+      if (size_ + width >= bitmapSize) return false;
+      if (width == 2) bytes_[size_++] = static_cast<char>((gap & 0x7F) | 0x80);
+      bytes_[size_++] = static_cast<char>(width == 2 ? gap >> 7 : gap);
+    }
   }
-  if (width == 2) bytes_ += static_cast<char>((gap & 0x7F) | 0x80);
-  bytes_ += static_cast<char>(width == 2 ? gap >> 7 : gap);
+  return true;
+}
+
+void PositionSet::Encoding::writeBitmap(const PositionSet& set) {
+  size_ = bitmapSize;
+  for (std::size_t i = 0; i < bitmapSize; ++i) {
+    bytes_[i] = static_cast<char>(set.words_[i / 8] >> (i % 8 * 8) & 0xFF);
+  }
 }
 
 }  // namespace tavimodel

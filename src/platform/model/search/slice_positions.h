@@ -4,7 +4,6 @@
 #include <bit>
 #include <cstddef>
 #include <cstdint>
-#include <string>
 #include <string_view>
 
 namespace tavimodel {
@@ -15,10 +14,11 @@ constexpr int sliceCapacity = 1024;
 /// A set of positions of notes in a slice.
 class PositionSet {
  public:
+  class Encoding;
+
   static PositionSet all();
-  /// Decodes the bytes of PositionList or `encoded`. Other bytes give an unspecified set.
+  /// Decodes the bytes of an Encoding. Other bytes give an unspecified set.
   static PositionSet decoded(std::string_view bytes);
-  std::string encoded() const;
 
   void add(int position) { word(position) |= bit(position); }
   bool has(int position) const { return (words_[index(position)] & bit(position)) != 0; }
@@ -27,6 +27,11 @@ class PositionSet {
   PositionSet& operator&=(const PositionSet& other);
   PositionSet& operator|=(const PositionSet& other);
   bool operator==(const PositionSet&) const = default;
+
+  using Words = std::array<std::uint64_t, sliceCapacity / 64>;
+  /// The bits of the positions, the first one in the lowest bit of the first word.
+  const Words& words() const { return words_; }
+  Words& words() { return words_; }
 
   /// Calls `visit` with each position, ascending.
   template <class Visit>
@@ -39,33 +44,27 @@ class PositionSet {
   }
 
  private:
-  friend class PositionList;
   static std::size_t index(int position) { return static_cast<std::size_t>(position) / 64; }
   static std::uint64_t bit(int position) { return std::uint64_t{1} << (position % 64); }
   std::uint64_t& word(int position) { return words_[index(position)]; }
 
-  std::array<std::uint64_t, sliceCapacity / 64> words_{};
+  Words words_{};
 };
 
-/// Positions in the database's encoding, added in ascending order. The encoding is the gaps between
-/// positions as LEB128 numbers, or, if these would take as many bytes, a bitmap of 128 bytes in
-/// which the lowest bit of the first byte is position 0.
-class PositionList {
+/// A set in the database's encoding: the gaps between positions as LEB128 numbers, or, if these
+/// would take as many bytes, a bitmap of 128 bytes in which the lowest bit of the first byte is
+/// position 0.
+class PositionSet::Encoding {
  public:
-  /// `position` must not be less than the last one; adding the same again has no effect.
-  void add(int position) {
-    if (position != last_) append(position);
-  }
-  /// Adds up to 64 positions beyond the last one: `first`, a multiple of 64, for the word's lowest
-  /// bit, and so on.
-  void addWord(int first, std::uint64_t word);
-  const std::string& bytes() const { return bytes_; }
+  explicit Encoding(const PositionSet& set);
+  std::string_view bytes() const { return {bytes_.data(), size_}; }
 
  private:
-  void append(int position);
+  bool writeGaps(const PositionSet& set);
+  void writeBitmap(const PositionSet& set);
 
-  int last_ = -1;
-  std::string bytes_;
+  std::array<char, sliceCapacity / 8> bytes_;
+  std::size_t size_ = 0;
 };
 
 }  // namespace tavimodel

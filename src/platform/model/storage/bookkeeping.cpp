@@ -32,8 +32,9 @@ OpenWork openWork(sqlite::Connection& connection) {
 bool catchUp(sqlite::Connection& connection, IndexUpdate updateIndex, TidyBudget budget) {
   const auto deadline = Clock::now() + std::chrono::milliseconds(budget.milliseconds);
   try {
-    // This data can be derived again, so it need not survive a power failure.
-    connection.execute("PRAGMA synchronous = NORMAL");
+    // This data can be derived again, so it need not survive a power failure. Pages that do not fit
+    // in the cache, whose size is in KiB, would be written to the log more than once.
+    connection.execute("PRAGMA synchronous = NORMAL; PRAGMA cache_size = -8192");
     sqlite::Transaction transaction(connection, sqlite::Transaction::Kind::write);
     updateIndex(connection, budget);
     const bool timeRanOut = Clock::now() >= deadline;

@@ -9,6 +9,7 @@
 
 #include "platform/model/objects/opened_model.h"
 #include "platform/model/search/slice_positions.h"
+#include "platform/model/search/trigrams.h"
 #include "platform/text/utf8.h"
 #include "support/foreign_client.h"
 
@@ -59,16 +60,32 @@ class Index : public OpenedModel {
 TEST(Positions, AreReadAsTheyWereWritten) {
   std::mt19937 random(1);
   for (const int gap : {1, 2, 5, 9, 60, 300, 2000}) {
-    PositionList list;
     PositionSet set;
     std::uniform_int_distribution<int> below(0, gap - 1);
-    for (int at = below(random); at < sliceCapacity; at += 1 + below(random)) {
-      list.add(at);
-      set.add(at);
+    for (int at = below(random); at < sliceCapacity; at += 1 + below(random)) set.add(at);
+    const PositionSet::Encoding encoding(set);
+    EXPECT_EQ(PositionSet::decoded(encoding.bytes()), set) << "gaps up to " << gap;
+    EXPECT_LE(encoding.bytes().size(), sliceCapacity / 8U);
+  }
+}
+
+TEST(Trigrams, AreAllThatATextHas) {
+  std::mt19937 random(1);
+  const std::u32string scalars = U"ab\n\x7Fé字\x1F600";
+  for (int round = 0; round < 500; ++round) {
+    std::u32string text;
+    std::string bytes;
+    while (random() % 16 != 0) {
+      text += scalars[random() % (round % 2 == 0 ? 3 : scalars.size())];
+      platform::text::appendScalar(bytes, text.back());
     }
-    EXPECT_EQ(PositionSet::decoded(list.bytes()), set) << "gaps up to " << gap;
-    EXPECT_EQ(set.encoded(), list.bytes());
-    EXPECT_LE(list.bytes().size(), sliceCapacity / 8U);
+    std::string found;
+    forEachTrigram(bytes, [&](Trigram trigram) { found += utf8Of(trigram); });
+    std::string expected;
+    for (std::size_t i = 0; i + 2 < text.size(); ++i) {
+      for (const char32_t c : text.substr(i, 3)) platform::text::appendScalar(expected, c);
+    }
+    EXPECT_EQ(found, expected) << bytes;
   }
 }
 
