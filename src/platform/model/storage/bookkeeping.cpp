@@ -33,7 +33,7 @@ bool catchUp(sqlite::Connection& connection, IndexUpdate updateIndex, TidyBudget
   const auto deadline = Clock::now() + std::chrono::milliseconds(budget.milliseconds);
   try {
     // This data can be derived again, so it need not survive a power failure.
-    connection.execute("PRAGMA synchronous = NORMAL");
+    connection.query("PRAGMA synchronous = NORMAL").run();
     sqlite::Transaction transaction(connection, sqlite::Transaction::Kind::write);
     updateIndex(connection, budget);
     const bool timeRanOut = Clock::now() >= deadline;

@@ -1,8 +1,10 @@
 #include "platform/model/storage/file_identity.h"
 
+#include <fcntl.h>
 #include <sys/stat.h>
 
 #include <chrono>
+#include <ctime>
 
 #include "platform/model/storage/open_database.h"
 #include "platform/model/storage/write_ahead_log.h"
@@ -26,6 +28,20 @@ FileIdentity FileIdentity::of(const std::filesystem::path& path) {
           .size = status.st_size,
           .modified = nanoseconds(status.st_mtim),
           .changed = nanoseconds(status.st_ctim)};
+}
+
+bool FileIdentity::isSameFile(const FileIdentity& other) const {
+  return exists && other.exists && device == other.device && inode == other.inode &&
+         mode == other.mode;
+}
+
+std::optional<FileIdentity> withUniqueTime(const std::filesystem::path& path) {
+  timespec times[2] = {{.tv_sec = 0, .tv_nsec = UTIME_OMIT}, {}};
+  clock_gettime(CLOCK_REALTIME, &times[1]);
+  if (utimensat(AT_FDCWD, path.c_str(), times, 0) != 0) return std::nullopt;
+  const FileIdentity identity = FileIdentity::of(path);
+  if (identity.modified != nanoseconds(times[1])) return std::nullopt;
+  return identity;
 }
 
 DatabaseIdentity DatabaseIdentity::of(const std::filesystem::path& folder) {

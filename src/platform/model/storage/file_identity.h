@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <optional>
 
 namespace tavimodel {
 
@@ -21,7 +22,14 @@ struct FileIdentity {
   /// `exists` is false if stat(2) fails.
   static FileIdentity of(const std::filesystem::path& path);
   bool operator==(const FileIdentity&) const = default;
+  /// Whether both are of one file, whatever was written to it.
+  bool isSameFile(const FileIdentity& other) const;
 };
+
+/// Gives the file the present time in nanoseconds as its modification time. A file system takes the
+/// times of writes from a clock that ticks every few milliseconds, so any later write changes it.
+/// Returns the file's state; absent if the file system does not store such a time.
+std::optional<FileIdentity> withUniqueTime(const std::filesystem::path& path);
 
 /// The state of a database's folder and files, as a program that opens it now would find them.
 struct DatabaseIdentity {
