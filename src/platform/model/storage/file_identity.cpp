@@ -5,9 +5,9 @@
 
 #include <chrono>
 #include <ctime>
+#include <string>
 
 #include "platform/model/storage/open_database.h"
-#include "platform/model/storage/write_ahead_log.h"
 
 namespace tavimodel {
 namespace {
@@ -18,9 +18,9 @@ std::int64_t nanoseconds(const timespec& time) {
 
 }  // namespace
 
-FileIdentity FileIdentity::of(const std::filesystem::path& path) {
+FileIdentity FileIdentity::of(const char* path) {
   struct stat status {};
-  if (stat(path.c_str(), &status) != 0) return {};
+  if (stat(path, &status) != 0) return {};
   return {.exists = true,
           .device = status.st_dev,
           .inode = status.st_ino,
@@ -39,17 +39,18 @@ std::optional<FileIdentity> withUniqueTime(const std::filesystem::path& path) {
   timespec times[2] = {{.tv_sec = 0, .tv_nsec = UTIME_OMIT}, {}};
   clock_gettime(CLOCK_REALTIME, &times[1]);
   if (utimensat(AT_FDCWD, path.c_str(), times, 0) != 0) return std::nullopt;
-  const FileIdentity identity = FileIdentity::of(path);
+  const FileIdentity identity = FileIdentity::of(path.c_str());
   if (identity.modified != nanoseconds(times[1])) return std::nullopt;
   return identity;
 }
 
 DatabaseIdentity DatabaseIdentity::of(const std::filesystem::path& folder) {
-  const std::filesystem::path database = databaseIn(folder);
-  DatabaseIdentity identity{.folder = FileIdentity::of(folder),
-                            .database = FileIdentity::of(database),
-                            .log = FileIdentity::of(logOf(database)),
-                            .logIndex = FileIdentity::of(database.string() + "-shm")};
+  // Strings, since a path is taken apart whenever one is made.
+  const std::string database = databaseIn(folder).string();
+  DatabaseIdentity identity{.folder = FileIdentity::of(folder.c_str()),
+                            .database = FileIdentity::of(database.c_str()),
+                            .log = FileIdentity::of((database + "-wal").c_str()),
+                            .logIndex = FileIdentity::of((database + "-shm").c_str())};
   // The file is mapped into memory, and every read changes its times.
   identity.logIndex.modified = identity.logIndex.changed = 0;
   return identity;

@@ -20,7 +20,7 @@ struct FileIdentity {
   std::int64_t changed = 0;   ///< st_ctime, in the same unit
 
   /// `exists` is false if stat(2) fails.
-  static FileIdentity of(const std::filesystem::path& path);
+  static FileIdentity of(const char* path);
   bool operator==(const FileIdentity&) const = default;
   /// Whether both are of one file, whatever was written to it.
   bool isSameFile(const FileIdentity& other) const;
