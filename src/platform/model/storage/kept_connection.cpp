@@ -19,7 +19,7 @@ constexpr std::size_t mostStatements = 200;
 
 /// Pages of the log from which even a server that is never idle writes it back. The next program
 /// that opens the database after the server was killed reads the whole log.
-constexpr std::int64_t longLog = 2000;
+constexpr std::int64_t longLog = 3000;
 
 }  // namespace
 
