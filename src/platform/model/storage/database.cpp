@@ -6,6 +6,7 @@
 #include "platform/model/storage/schema.h"
 
 namespace tavimodel {
+
 Database::Database(const std::filesystem::path& folder, Access access, IndexUpdate updateIndex,
                    KeptConnection* kept)
     : folder_(folder),
@@ -16,6 +17,10 @@ Database::Database(const std::filesystem::path& folder, Access access, IndexUpda
       updateIndex_(updateIndex) {
   const bool isKept = connection_ != nullptr;
   if (!isKept) {
+    if (kept != nullptr && opened_.database.exists && !opened_.isSettled()) {
+      DatabaseIdentity::settle(folder);
+      opened_ = DatabaseIdentity::of(folder);
+    }
     connection_ = openDatabase(folder, access);
     if (!connection_->isRefused()) repairLockFlags(*connection_);
   }

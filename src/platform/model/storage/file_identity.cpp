@@ -35,15 +35,6 @@ bool FileIdentity::isSameFile(const FileIdentity& other) const {
          mode == other.mode;
 }
 
-std::optional<FileIdentity> withUniqueTime(const std::filesystem::path& path) {
-  timespec times[2] = {{.tv_sec = 0, .tv_nsec = UTIME_OMIT}, {}};
-  clock_gettime(CLOCK_REALTIME, &times[1]);
-  if (utimensat(AT_FDCWD, path.c_str(), times, 0) != 0) return std::nullopt;
-  const FileIdentity identity = FileIdentity::of(path.c_str());
-  if (identity.modified != nanoseconds(times[1])) return std::nullopt;
-  return identity;
-}
-
 DatabaseIdentity DatabaseIdentity::of(const std::filesystem::path& folder) {
   // Strings, since a path is taken apart whenever one is made.
   const std::string database = databaseIn(folder).string();
@@ -57,10 +48,19 @@ DatabaseIdentity DatabaseIdentity::of(const std::filesystem::path& folder) {
 }
 
 bool DatabaseIdentity::isSettled() const {
+  // A write sets both times to the present. A file system without nanoseconds may round them.
+  constexpr std::int64_t microsecond = 1000;
+  if (database.modified != database.changed && database.modified % microsecond != 0) return true;
   constexpr std::chrono::milliseconds ticks{
       20};  // the clock of a file system may have ticks of 4 or 10 ms
   const auto now = std::chrono::system_clock::now().time_since_epoch();
   return now - std::chrono::nanoseconds(database.changed) > ticks;
+}
+
+void DatabaseIdentity::settle(const std::filesystem::path& folder) {
+  timespec times[2] = {{.tv_sec = 0, .tv_nsec = UTIME_OMIT}, {}};
+  clock_gettime(CLOCK_REALTIME, &times[1]);
+  utimensat(AT_FDCWD, databaseIn(folder).c_str(), times, 0);
 }
 
 }  // namespace tavimodel

@@ -4,7 +4,6 @@
 
 #include <cstdint>
 #include <filesystem>
-#include <optional>
 
 namespace tavimodel {
 
@@ -26,19 +25,19 @@ struct FileIdentity {
   bool isSameFile(const FileIdentity& other) const;
 };
 
-/// Gives the file the present time in nanoseconds as its modification time. A file system takes the
-/// times of writes from a clock that ticks every few milliseconds, so any later write changes it.
-/// Returns the file's state; absent if the file system does not store such a time.
-std::optional<FileIdentity> withUniqueTime(const std::filesystem::path& path);
-
 /// The state of a database's folder and files, as a program that opens it now would find them.
 struct DatabaseIdentity {
   FileIdentity folder, database, log, logIndex;
 
   static DatabaseIdentity of(const std::filesystem::path& folder);
   bool operator==(const DatabaseIdentity&) const = default;
-  /// Whether the database file's last change is so old that another change would show in its times.
+  /// Whether another change of the database file would show in its times: the last one is old, or
+  /// its time differs from that of the last change of its attributes, as `settle` makes it.
   bool isSettled() const;
+  /// Gives the database file the present time in nanoseconds. A write takes its time from a clock
+  /// that ticks every few milliseconds, so any later one changes it. Does nothing if the file is
+  /// not the user's.
+  static void settle(const std::filesystem::path& folder);
 };
 
 }  // namespace tavimodel

@@ -63,8 +63,7 @@ void KeptConnection::keep(std::unique_ptr<sqlite::Connection> connection,
   identity_ = DatabaseIdentity::of(folder);
   // Of the files, only the log may have changed during the call.
   reusable_ = !connection_->isRefused() && identity_.database == opened.database &&
-              identity_.folder == opened.folder &&
-              (identity_.isSettled() || identity_.database == writtenBack_) &&
+              identity_.folder == opened.folder && identity_.isSettled() &&
               !connection_->hasRunScripts() && connection_->statementsKept() <= mostStatements;
   if (!isLogLong()) return;
   if (reusable_) {
@@ -88,12 +87,11 @@ void KeptConnection::writeBack() {
   try {
     FileStore files(folder_ / "files");
     tidyAndCheckpoint(*connection_, files, updateIndex_);
-    const auto database = withUniqueTime(databaseIn(folder_));
-    if (!database || !database->isSameFile(identity_.database)) return;
+    DatabaseIdentity::settle(folder_);
     const DatabaseIdentity now = DatabaseIdentity::of(folder_);
-    reusable_ = now.database == *database && now.folder == identity_.folder;
+    reusable_ = now.isSettled() && now.folder == identity_.folder &&
+                now.database.isSameFile(identity_.database);
     identity_ = now;
-    writtenBack_ = *database;
   } catch (const std::exception&) {
     // The next call opens the database.
   }

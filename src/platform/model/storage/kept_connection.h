@@ -53,7 +53,6 @@ class KeptConnection {
   /// Reveals a commit by another connection between a call's answer and `identity_`.
   std::int64_t dataVersion_ = 0;
   std::int64_t pagesWrittenBack_ = 0;  ///< pages in the log when it was last written back
-  FileIdentity writtenBack_;           ///< the database after that, with a unique time
   bool reusable_ =
       false;  ///< false: `work` has begun, or the connection's settings may differ from a new one's
   IndexUpdate updateIndex_;

@@ -77,7 +77,7 @@ class KeptInAStream : public Kept {
     const DatabaseIdentity before = DatabaseIdentity::of(home.data());
     commit(*connection,
            "WITH RECURSIVE n (i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 80) "
-           "INSERT INTO note (text) SELECT printf('%.*c', 125000, 'x') FROM n");
+           "INSERT INTO note (text) SELECT printf('%.*c', 200000, 'x') FROM n");
     kept->keep(std::move(connection), home.data(), before, kept->dataVersion());
   }
   static void commit(sqlite::Connection& connection, const char* sql) {
