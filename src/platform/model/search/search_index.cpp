@@ -183,16 +183,21 @@ PositionSet SearchIndex::liveIn(std::int64_t slice) {
   return live;
 }
 
+/// Whether a slice has entries of changed, deleted or locked notes. Counting takes half the time of
+/// reading the positions.
+bool SearchIndex::hasStale(std::int64_t slice) {
+  sqlite::Query query = connection_.query(
+      "SELECT notes <> (SELECT count(*) FROM noteSummary WHERE searchRow BETWEEN ?2 AND ?3) "
+      "FROM searchSlice WHERE slice = ?1");
+  query.bind(1, slice);
+  query.bind(2, slice * sliceCapacity).bind(3, (slice + 1) * sliceCapacity - 1);
+  return query.step() && query.integer(0) != 0;
+}
+
 /// Rewrites a slice without the entries of changed, deleted and locked notes. Returns false if it
 /// has none.
 bool SearchIndex::removeStale(std::int64_t slice) {
-  {
-    sqlite::Query stale = connection_.query(
-        "SELECT notes - (SELECT count(*) FROM noteSummary WHERE searchRow BETWEEN ?2 AND ?3) "
-        "FROM searchSlice WHERE slice = ?1");
-    stale.bind(1, slice).bind(2, slice * sliceCapacity).bind(3, (slice + 1) * sliceCapacity - 1);
-    if (!stale.step() || stale.integer(0) == 0) return false;
-  }
+  if (!hasStale(slice)) return false;
   const PositionSet live = liveIn(slice);
   std::vector<std::pair<std::string, PositionSet>> entries;
   forEachEntry(connection_, slice, [&](std::string_view key, std::string_view positions) {

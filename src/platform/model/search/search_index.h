@@ -47,6 +47,7 @@ class SearchIndex {
   std::vector<std::int64_t> rowsWith(const std::vector<Trigram>& trigrams, std::size_t most);
   void removeExpired(Clock::time_point deadline);
   void removeNextStale();
+  bool hasStale(std::int64_t slice);
   bool removeStale(std::int64_t slice);
   bool addNotes(SliceBuilder& builder, Clock::time_point deadline);
   void addNote(SliceBuilder& builder, std::int64_t note, std::int64_t slice);

@@ -34,7 +34,8 @@ bool catchUp(sqlite::Connection& connection, IndexUpdate updateIndex, TidyBudget
   try {
     // This data can be derived again, so it need not survive a power failure. Pages that do not fit
     // in the cache, whose size is in KiB, would be written to the log more than once.
-    connection.execute("PRAGMA synchronous = NORMAL; PRAGMA cache_size = -8192");
+    connection.query("PRAGMA synchronous = NORMAL").run();
+    connection.query("PRAGMA cache_size = -8192").run();
     sqlite::Transaction transaction(connection, sqlite::Transaction::Kind::write);
     updateIndex(connection, budget);
     const bool timeRanOut = Clock::now() >= deadline;

@@ -36,7 +36,8 @@ constexpr TidyBudget idleBudget{.fewestNotes = 1, .milliseconds = 8};
 using IndexUpdate = void (*)(sqlite::Connection& connection, TidyBudget budget);
 
 /// Updates the data derived from notes (text facts, folded titles, search index) if the write lock
-/// is free. Returns true if time ran out before everything was done. Never throws.
+/// is free. Returns true if time ran out before everything was done. Leaves the connection with
+/// `PRAGMA synchronous = NORMAL` and a larger page cache. Never throws.
 bool catchUp(sqlite::Connection& connection, IndexUpdate updateIndex, TidyBudget budget);
 
 }  // namespace tavimodel

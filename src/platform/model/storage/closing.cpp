@@ -29,6 +29,18 @@ bool tidy(sqlite::Connection& connection, FileStore& files, IndexUpdate updateIn
   return catchUp(connection, updateIndex, budget);
 }
 
+void tidyAndCheckpoint(sqlite::Connection& connection, FileStore& files, IndexUpdate updateIndex) {
+  tidy(connection, files, updateIndex, closingBudget);
+  connection.query("PRAGMA synchronous = FULL").run();
+  connection.query("PRAGMA cache_size = -2000").run();  // KiB, SQLite's default
+  connection.setBusyTimeout(waitForWriters);
+  sqlite3_wal_checkpoint_v2(connection.handle(), nullptr, SQLITE_CHECKPOINT_PASSIVE, nullptr,
+                            nullptr);
+  // A connection increments the file change counter when it has read page 1 from the file. Each log
+  // needs a counter of its own (see write_ahead_log.h).
+  connection.dropCachedPages();
+}
+
 void checkpointAndClose(std::unique_ptr<sqlite::Connection> connection,
                         const std::filesystem::path& folder) {
   if (!canWrite(*connection) || logSize(databaseIn(folder)) == 0) return;

@@ -20,8 +20,8 @@ class Database {
   /// whose connection is used if it is current; the destructor returns the connection to it.
   Database(const std::filesystem::path& folder, Access access, IndexUpdate updateIndex,
            KeptConnection* kept = nullptr);
-  /// Returns the connection to `kept`; without it, or if the log has grown long, does maintenance
-  /// (see bookkeeping.h), checkpoints the log, and closes the database.
+  /// Returns the connection to `kept`; without it, does maintenance (see bookkeeping.h),
+  /// checkpoints the log, and closes the database.
   ~Database();
   Database(const Database&) = delete;
   Database& operator=(const Database&) = delete;

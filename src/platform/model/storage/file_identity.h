@@ -19,8 +19,10 @@ struct FileIdentity {
   std::int64_t changed = 0;   ///< st_ctime, in the same unit
 
   /// `exists` is false if stat(2) fails.
-  static FileIdentity of(const std::filesystem::path& path);
+  static FileIdentity of(const char* path);
   bool operator==(const FileIdentity&) const = default;
+  /// Whether both are of one file, whatever was written to it.
+  bool isSameFile(const FileIdentity& other) const;
 };
 
 /// The state of a database's folder and files, as a program that opens it now would find them.
@@ -29,8 +31,13 @@ struct DatabaseIdentity {
 
   static DatabaseIdentity of(const std::filesystem::path& folder);
   bool operator==(const DatabaseIdentity&) const = default;
-  /// Whether the database file's last change is so old that another change would show in its times.
+  /// Whether another change of the database file would show in its times: the last one is old, or
+  /// its time differs from that of the last change of its attributes, as `settle` makes it.
   bool isSettled() const;
+  /// Gives the database file the present time in nanoseconds. A write takes its time from a clock
+  /// that ticks every few milliseconds, so any later one changes it. Does nothing if the file is
+  /// not the user's.
+  static void settle(const std::filesystem::path& folder);
 };
 
 }  // namespace tavimodel

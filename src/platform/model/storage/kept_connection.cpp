@@ -17,22 +17,30 @@ namespace {
 /// Limit of cached statements, since each kind of search has SQL of its own.
 constexpr std::size_t mostStatements = 200;
 
+/// Pages of the log from which even a server that is never idle writes it back. The next program
+/// that opens the database after the server was killed reads the whole log.
+constexpr std::int64_t longLog = 3000;
+
 }  // namespace
 
 KeptConnection::~KeptConnection() {
-  if (!connection_) return;
+  if (connection_) close();
+}
+
+void KeptConnection::close() {
   try {
     ensureCurrent();
     FileStore files(folder_ / "files");
     tidy(*connection_, files, updateIndex_, closingBudget);
     checkpointAndClose(std::move(connection_), folder_);
   } catch (const std::exception&) {
-    // The next program that opens the database does it.
+    connection_.reset();  // the next program that opens the database does it
   }
 }
 
-std::unique_ptr<sqlite::Connection> KeptConnection::take(const std::filesystem::path& folder) {
-  const bool isSame = connection_ && reusable_ && folder == folder_ && isCurrent();
+std::unique_ptr<sqlite::Connection> KeptConnection::take(const std::filesystem::path& folder,
+                                                         const DatabaseIdentity& found) {
+  const bool isSame = connection_ && reusable_ && folder == folder_ && isCurrent(found);
   auto kept = std::move(connection_);
   // The permissions of a parent folder may have changed.
   if (!isSame || access(databaseIn(folder).c_str(), R_OK | W_OK) != 0) return nullptr;
@@ -40,8 +48,8 @@ std::unique_ptr<sqlite::Connection> KeptConnection::take(const std::filesystem::
 }
 
 /// Whether the files are those of the last use, and no other connection has committed since.
-bool KeptConnection::isCurrent() const try {
-  return DatabaseIdentity::of(folder_) == identity_ && connection_->dataVersion() == dataVersion_;
+bool KeptConnection::isCurrent(const DatabaseIdentity& found) const try {
+  return found == identity_ && connection_->dataVersion() == dataVersion_;
 } catch (const sqlite::Error&) {
   return false;  // a new connection finds out why
 }
@@ -57,6 +65,36 @@ void KeptConnection::keep(std::unique_ptr<sqlite::Connection> connection,
   reusable_ = !connection_->isRefused() && identity_.database == opened.database &&
               identity_.folder == opened.folder && identity_.isSettled() &&
               !connection_->hasRunScripts() && connection_->statementsKept() <= mostStatements;
+  if (!isLogLong()) return;
+  if (reusable_) {
+    writeBack();
+  } else {
+    close();
+  }
+}
+
+/// Whether the log has become longer by `longLog` since it was written back.
+bool KeptConnection::isLogLong() {
+  const std::int64_t pages = connection_->logPages();
+  if (pages < pagesWrittenBack_) pagesWrittenBack_ = 0;  // the log has begun anew
+  return pages - pagesWrittenBack_ >= longLog;
+}
+
+/// Writes the log back between two calls of which the second finds the same connection.
+void KeptConnection::writeBack() {
+  pagesWrittenBack_ = connection_->logPages();
+  reusable_ = false;
+  try {
+    FileStore files(folder_ / "files");
+    tidyAndCheckpoint(*connection_, files, updateIndex_);
+    DatabaseIdentity::settle(folder_);
+    const DatabaseIdentity now = DatabaseIdentity::of(folder_);
+    reusable_ = now.isSettled() && now.folder == identity_.folder &&
+                now.database.isSameFile(identity_.database);
+    identity_ = now;
+  } catch (const std::exception&) {
+    // The next call opens the database.
+  }
 }
 
 bool KeptConnection::work() {
@@ -82,7 +120,7 @@ void KeptConnection::drop() {
 /// Reopens the database if its files have changed: this connection's log must not be applied to a
 /// file that has replaced the database.
 void KeptConnection::ensureCurrent() {
-  if (isCurrent()) return;
+  if (isCurrent(DatabaseIdentity::of(folder_))) return;
   connection_.reset();
   if (!DatabaseIdentity::of(folder_).database.exists)
     throw std::runtime_error("The database is gone.");

@@ -24,8 +24,11 @@ class KeptConnection {
   KeptConnection& operator=(const KeptConnection&) = delete;
 
   /// Returns the kept connection to the database in that folder, or null if the caller has to open
-  /// a new one.
-  std::unique_ptr<sqlite::Connection> take(const std::filesystem::path& folder);
+  /// a new one. `found`: the files now.
+  std::unique_ptr<sqlite::Connection> take(const std::filesystem::path& folder,
+                                           const DatabaseIdentity& found);
+  /// Connection::dataVersion of the connection that `take` returned.
+  std::int64_t dataVersion() const { return dataVersion_; }
   /// Keeps a connection after a call. `opened`: the files before it was opened or taken;
   /// `dataVersion`: Connection::dataVersion right after that.
   void keep(std::unique_ptr<sqlite::Connection> connection, const std::filesystem::path& folder,
@@ -38,7 +41,10 @@ class KeptConnection {
   void drop();
 
  private:
-  bool isCurrent() const;
+  bool isCurrent(const DatabaseIdentity& found) const;
+  bool isLogLong();
+  void writeBack();
+  void close();
   void ensureCurrent();
 
   std::unique_ptr<sqlite::Connection> connection_;
@@ -46,6 +52,7 @@ class KeptConnection {
   DatabaseIdentity identity_;
   /// Reveals a commit by another connection between a call's answer and `identity_`.
   std::int64_t dataVersion_ = 0;
+  std::int64_t pagesWrittenBack_ = 0;  ///< pages in the log when it was last written back
   bool reusable_ =
       false;  ///< false: `work` has begun, or the connection's settings may differ from a new one's
   IndexUpdate updateIndex_;

@@ -24,7 +24,6 @@ namespace {
 namespace fs = std::filesystem;
 using Mode = sqlite::Connection::Mode;
 
-constexpr int waitForWriters = 5000;                 // milliseconds
 constexpr std::chrono::milliseconds patience{1000};  // for others that open or close the database
 constexpr std::size_t databaseHeaderSize = 100;
 
@@ -55,9 +54,9 @@ bool hasSchema(const fs::path& path) {
 
 void configure(sqlite::Connection& connection) {
   connection.setBusyTimeout(waitForWriters);
-  // Database decides when to checkpoint.
+  // Database and KeptConnection decide when to checkpoint.
   sqlite3_db_config(connection.handle(), SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 1, nullptr);
-  sqlite3_wal_autocheckpoint(connection.handle(), 0);
+  connection.countLogPages();
   connection.setBeforeCommit(touchFirstPage);
   // Overwrites deleted content, whatever the build's default is.
   connection.query("PRAGMA secure_delete = ON").run();

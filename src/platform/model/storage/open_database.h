@@ -11,6 +11,9 @@ namespace tavimodel {
 /// no lock.
 enum class DatabaseAccess { readWrite, readOnly };
 
+/// How long a writing connection waits for another writer, in milliseconds.
+constexpr int waitForWriters = 5000;
+
 /// The path of `tavi.sqlite` in the application's data folder.
 std::filesystem::path databaseIn(const std::filesystem::path& folder);
 

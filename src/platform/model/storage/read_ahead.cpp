@@ -3,11 +3,12 @@
 #include <sqlite3.h>
 
 #include <algorithm>
-#include <cstddef>
 #include <cstdlib>
 #include <cstring>
 #include <memory>
 #include <new>
+
+#include "platform/model/storage/log_file.h"
 
 namespace tavimodel::sqlite {
 namespace {
@@ -26,16 +27,10 @@ struct Release {
   void operator()(void* memory) const { std::free(memory); }
 };
 
-/// The database file. The system's file object follows it in memory that SQLite has allocated.
-class File : public sqlite3_file {
+/// The database file.
+class File : public WrappedFile {
  public:
-  sqlite3_file* system() {
-    return reinterpret_cast<sqlite3_file*>(reinterpret_cast<std::byte*>(this) + size());
-  }
-  static constexpr std::size_t size() {
-    return (sizeof(File) + alignof(std::max_align_t) - 1) / alignof(std::max_align_t) *
-           alignof(std::max_align_t);
-  }
+  LogFile* log = nullptr;  ///< while it is open
 
   int read(void* to, int amount, sqlite3_int64 offset) {
     if (serves(to, amount, offset)) return SQLITE_OK;
@@ -93,23 +88,25 @@ class File : public sqlite3_file {
   int nearReads_ = 0;       ///< how many reads began near the last; fewer after others
   int window_ = firstWindow;
 };
+static_assert(sizeof(File) <= WrappedFile::wrapperSize);
 
 File& fileOf(sqlite3_file* file) {
   return *static_cast<File*>(file);
 }
 
-/// Calls the method of the system's file.
-template <auto method, typename... Arguments>
-auto forward(sqlite3_file* file, Arguments... arguments) {
-  sqlite3_file* system = fileOf(file).system();
-  return (system->pMethods->*method)(system, arguments...);
-}
-
-/// The same for a method after which the file may have other contents.
+/// Calls the method of the system's file, after which the file may have other contents.
 template <auto method, typename... Arguments>
 int forgetAndForward(sqlite3_file* file, Arguments... arguments) {
   fileOf(file).forget();
   return forward<method>(file, arguments...);
+}
+
+/// The same for a method that may give up the write lock: what the log holds back then belongs to a
+/// transaction that was rolled back, and must not be written later.
+template <auto method, typename... Arguments>
+int unlock(sqlite3_file* file, Arguments... arguments) {
+  if (LogFile* log = fileOf(file).log) static_cast<void>(log->flush());
+  return forgetAndForward<method>(file, arguments...);
 }
 
 int close(sqlite3_file* file) {
@@ -130,30 +127,49 @@ constexpr Methods methods{
     .xSync = forward<&Methods::xSync, int>,
     .xFileSize = forward<&Methods::xFileSize, sqlite3_int64*>,
     .xLock = forgetAndForward<&Methods::xLock, int>,
-    .xUnlock = forgetAndForward<&Methods::xUnlock, int>,
+    .xUnlock = unlock<&Methods::xUnlock, int>,
     .xCheckReservedLock = forward<&Methods::xCheckReservedLock, int*>,
     .xFileControl = forward<&Methods::xFileControl, int, void*>,
     .xSectorSize = forward<&Methods::xSectorSize>,
     .xDeviceCharacteristics = forward<&Methods::xDeviceCharacteristics>,
     .xShmMap = forward<&Methods::xShmMap, int, int, int, void volatile**>,
-    .xShmLock = forgetAndForward<&Methods::xShmLock, int, int, int>,
+    .xShmLock =
+        [](sqlite3_file* file, int offset, int count, int flags) {
+          constexpr auto lock = &Methods::xShmLock;
+          return (flags & SQLITE_SHM_UNLOCK) != 0
+                     ? unlock<lock>(file, offset, count, flags)
+                     : forgetAndForward<lock>(file, offset, count, flags);
+        },
     .xShmBarrier = forward<&Methods::xShmBarrier>,
-    .xShmUnmap = forward<&Methods::xShmUnmap, int>,
+    .xShmUnmap = unlock<&Methods::xShmUnmap, int>,
     .xFetch = nullptr,
     .xUnfetch = nullptr,
 };
 
-/// Opens the database with read-ahead, and all other files, such as the log, without.
-int open(sqlite3_vfs*, const char* path, sqlite3_file* file, int flags, int* flagsUsed) {
-  if ((flags & SQLITE_OPEN_MAIN_DB) == 0) {
-    return systemVFS->xOpen(systemVFS, path, file, flags, flagsUsed);
-  }
-  File* opened = new (file) File;
+template <typename Wrapped>
+int openWrapped(const char* path, sqlite3_file* file, const Methods& calls, int flags,
+                int* flagsUsed) {
+  Wrapped* opened = new (file) Wrapped;
   sqlite3_file* system = opened->system();
   system->pMethods = nullptr;
   const int code = systemVFS->xOpen(systemVFS, path, system, flags, flagsUsed);
-  opened->pMethods = system->pMethods != nullptr ? &methods : nullptr;
-  if (opened->pMethods == nullptr) opened->~File();
+  opened->pMethods = system->pMethods != nullptr ? &calls : nullptr;
+  if (opened->pMethods == nullptr) opened->~Wrapped();
+  return code;
+}
+
+/// Opens the database with read-ahead, its log as a LogFile, and other files as the system does.
+int open(sqlite3_vfs*, const char* path, sqlite3_file* file, int flags, int* flagsUsed) {
+  if ((flags & SQLITE_OPEN_MAIN_DB) != 0) {
+    return openWrapped<File>(path, file, methods, flags, flagsUsed);
+  }
+  if ((flags & SQLITE_OPEN_WAL) == 0) {
+    return systemVFS->xOpen(systemVFS, path, file, flags, flagsUsed);
+  }
+  const int code = openWrapped<LogFile>(path, file, LogFile::methods, flags, flagsUsed);
+  if (file->pMethods != nullptr) {
+    static_cast<LogFile*>(file)->enterIn(&fileOf(sqlite3_database_file_object(path)).log);
+  }
   return code;
 }
 
@@ -163,7 +179,7 @@ const char* registered() {
   static sqlite3_vfs vfs = *systemVFS;
   vfs.pNext = nullptr;
   vfs.zName = name;
-  vfs.szOsFile += static_cast<int>(File::size());
+  vfs.szOsFile += static_cast<int>(WrappedFile::wrapperSize);
   vfs.xOpen = open;
   vfs.xSleep = [](sqlite3_vfs*, int time) { return systemVFS->xSleep(systemVFS, time); };
   return sqlite3_vfs_register(&vfs, 0) == SQLITE_OK ? name : nullptr;

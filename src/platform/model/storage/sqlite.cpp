@@ -237,6 +237,18 @@ std::int64_t Connection::dataVersion() {
   return version.integer(0);
 }
 
+void Connection::countLogPages() {
+  const auto note = [](void* self, sqlite3*, const char*, int pages) {
+    static_cast<Connection*>(self)->logPages_ = pages;
+    return SQLITE_OK;
+  };
+  sqlite3_wal_hook(handle_, note, this);
+}
+
+void Connection::dropCachedPages() {
+  sqlite3_db_release_memory(handle_);
+}
+
 void Connection::syncLog() {
   sqlite3_file* log = nullptr;
   sqlite3_file_control(handle_, "main", SQLITE_FCNTL_JOURNAL_POINTER, &log);

@@ -113,6 +113,13 @@ class Connection {
   std::string fileHeader(std::size_t size) const;
   /// A number that changes when another connection commits (PRAGMA data_version).
   std::int64_t dataVersion();
+  /// Takes the place of SQLite's automatic checkpoints: from now on `logPages` counts.
+  void countLogPages();
+  /// The number of pages in the log after this connection's last commit; 0 before the first one.
+  /// Falls when SQLite begins a log that was written back anew.
+  std::int64_t logPages() const { return logPages_; }
+  /// Forgets the cached pages of the database, so that they are read again.
+  void dropCachedPages();
   /// Syncs the log, including commits that others made without a sync.
   void syncLog();
   /// Whether `execute` has run a script, which may have changed settings or created temporary
@@ -138,6 +145,7 @@ class Connection {
   sqlite3* handle_ = nullptr;
   std::unordered_map<std::string_view, Cached> statements_;  // keyed by the statement's own text
   std::int64_t statementsRun_ = 0;
+  std::int64_t logPages_ = 0;
   bool hasRunScripts_ = false;
   const char* beforeCommit_ = nullptr;
   std::string refusal_;
