@@ -108,6 +108,8 @@ class TaviDatabaseStore : public ImportingStore {
 
   /// Throws `concurrentModification` and the model's other errors.
   void save();
+  /// Does a save of the model, whose conflicts become NoteStoreError::concurrentModification.
+  static void namingConflicts(const std::function<void()>& save);
   void updateText(tavimodel::KVNote& note, std::string text, tavimodel::UnlinkedFiles unlinked);
   WriteResponse rewrite(tavimodel::KVNote& note, std::string text, const RemovalGate& gate);
   /// Rolls back and throws `attachmentRemovalGateFailed` if the gate refuses the change.

@@ -53,8 +53,8 @@ std::int64_t TaviDatabaseStore::renameTag(const std::string& oldName, const std:
   const auto tag = findTag(oldName);
   if (!tag) return 0;
   const auto count = static_cast<std::int64_t>(tag->noteCountWithChildren());
-  tag->renameTagWithTagNamed(TagParser::canonicalName(newName), TaviPreferences::tagsAtBottom());
-  save();
+  const std::string name = TagParser::canonicalName(newName);
+  namingConflicts([&] { tag->renameTagWithTagNamed(name, TaviPreferences::tagsAtBottom()); });
   return count;
 }
 

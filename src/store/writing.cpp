@@ -85,9 +85,12 @@ std::set<std::string> removedAttachments(const NoteMetadata& before, const NoteM
 }  // namespace
 
 void TaviDatabaseStore::save() {
-  if (!context().hasChanges()) return;
+  if (context().hasChanges()) namingConflicts([&] { context().save(); });
+}
+
+void TaviDatabaseStore::namingConflicts(const std::function<void()>& save) {
   try {
-    context().save();
+    save();
   } catch (const tavimodel::DomainError& error) {
     const bool conflict = error.domain() == tavimodel::NSCocoaErrorDomain &&
                           (error.code() == tavimodel::persistentStoreSaveConflictsError ||

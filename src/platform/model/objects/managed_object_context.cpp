@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "platform/model/lists/note_fetch.h"
+#include "platform/model/objects/note_batches.h"
 #include "platform/model/objects/note_reader.h"
 #include "platform/model/objects/note_writer.h"
 
@@ -11,6 +12,7 @@ namespace tavimodel {
 namespace {
 
 constexpr std::size_t manyNotes = 100;
+constexpr const char* cacheForMany = "PRAGMA cache_size = -65536";  // KiB
 
 }  // namespace
 
@@ -93,6 +95,25 @@ void ManagedObjectContext::write(const Entries& changed) {
   for (HeldNote* note : changed) writer.update(note->now, *note->committed);
   for (auto& entry : inserted_) writer.insert(entry->held.now);
   writer.removeDeadTags();
+}
+
+void ManagedObjectContext::saveEach(const std::vector<KVNote*>& notes,
+                                    const std::function<NoteChange(KVNote&)>& begin) {
+  if (notes.empty()) return;
+  try {
+    snapshot_.reset();
+    if (notes.size() > manyNotes) connection_.execute(cacheForMany);
+    beginWriting();
+    NoteWriter writer(connection_);
+    NoteBatches(writer, begin).change(notes);
+    writer.removeDeadTags();
+    snapshot_->commit();
+  } catch (...) {
+    reset();
+    throw;
+  }
+  snapshot_.reset();
+  locked_ = false;
 }
 
 void ManagedObjectContext::rollback() {

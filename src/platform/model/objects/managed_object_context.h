@@ -47,6 +47,10 @@ class ManagedObjectContext {
   /// Stores all changes. Throws DomainError for a conflict, otherwise sqlite::Error or
   /// std::system_error; a failed save stores nothing.
   void save();
+  /// Changes many notes, which must not have unsaved changes, and saves them in one transaction.
+  /// Only a few of their texts are in memory at a time. `begin` may read a note but not change it.
+  /// Fails like a save and in addition if a step throws, and then does a reset.
+  void saveEach(const std::vector<KVNote*>& notes, const std::function<NoteChange(KVNote&)>& begin);
   /// Discards all changes.
   void rollback();
   /// Discards all changes and all notes; references to notes become invalid.

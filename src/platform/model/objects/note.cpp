@@ -39,6 +39,12 @@ bool isSameName(std::string_view a, std::string_view b) {
 
 }  // namespace
 
+TextReading TextReading::of(std::string_view text) {
+  zephyrdown::ZDKTextSummary summary = zephyrdown::textSummary(text);
+  TextFacts facts = TextFacts::of(text, summary);
+  return {std::move(summary), std::move(facts)};
+}
+
 KVNote* KVNote::noteWithUniqueIdentifier(std::string_view identifier,
                                          ManagedObjectContext& context) {
   auto row = NoteReader(context.reading()).rowWithIdentifier(identifier);
@@ -182,21 +188,38 @@ void KVNote::updateNoteWithText(std::string text, bool updateModificationDate,
     linkedBefore = zephyrdown::textSummary(this->text()).files;
   }
   if (rewritten) dropLargeText();
-  const zephyrdown::ZDKTextSummary summary = zephyrdown::textSummary(text);
+  zephyrdown::ZDKTextSummary summary = zephyrdown::textSummary(text);
   std::vector<KVNoteFile> files = filesAfterChange(orderedFiles(), linkedBefore, summary.files);
-  // Reads the tags in any case, because the save compares them with the new ones.
-  const std::vector<std::string>& tags = tagsStrings();
-  const bool agrees = title() == summary.title && areSame(tags, summary.tags) &&
-                      havePositions(orderedFiles(), files);
-  if (!rewritten && agrees) return;
+  if (!rewritten && agreesWith(summary, files)) return;
+  TextFacts facts = TextFacts::of(text, summary);
+  adopt({std::move(summary), std::move(facts)}, std::move(files));
+  if (!rewritten) return;
+  if (updateModificationDate) held_.now.row.modificationDate = now();
+  held_.now.text = std::make_shared<const std::string>(std::move(text));
+}
+
+void KVNote::updateNoteWithText(std::string text, TextReading reading) {
+  const bool rewritten = this->text() != text;
+  std::vector<KVNoteFile> files = filesAfterChange(orderedFiles(), {}, reading.summary.files);
+  if (!rewritten && agreesWith(reading.summary, files)) return;
+  adopt(std::move(reading), std::move(files));
+  if (rewritten) held_.now.text = std::make_shared<const std::string>(std::move(text));
+}
+
+bool KVNote::agreesWith(const zephyrdown::ZDKTextSummary& summary,
+                        const std::vector<KVNoteFile>& files) {
+  return title() == summary.title && areSame(tagsStrings(), summary.tags) &&
+         havePositions(orderedFiles(), files);
+}
+
+void KVNote::adopt(TextReading reading, std::vector<KVNoteFile> files) {
+  tagsStrings();  // the save compares them with the new ones
   willChange();
   NoteState& state = held_.now;
-  state.row.title = summary.title;
-  state.row.facts = TextFacts::of(text, summary);
-  if (rewritten && updateModificationDate) state.row.modificationDate = now();
-  state.tags = summary.tags;
+  state.row.title = std::move(reading.summary.title);
+  state.row.facts = std::move(reading.facts);
+  state.tags = std::move(reading.summary.tags);
   state.files = std::move(files);
-  if (rewritten) state.text = std::make_shared<const std::string>(std::move(text));
 }
 
 void KVNote::setFlag(bool NoteRow::*flag, bool value) {

@@ -17,6 +17,14 @@ namespace tavimodel {
 class ManagedObjectContext;
 class NoteReader;
 
+/// What a note's text says.
+struct TextReading {
+  static TextReading of(std::string_view text);
+
+  zephyrdown::ZDKTextSummary summary;
+  TextFacts facts;
+};
+
 /// A note of a context, which owns its state. Attributes are loaded on first use and cached.
 /// Changes stay in memory until the context saves them; its rollback undoes them.
 class KVNote {
@@ -82,6 +90,8 @@ class KVNote {
   /// what to do with files whose links are removed.
   void updateNoteWithText(std::string text, bool updateModificationDate,
                           UnlinkedFiles unlinked = UnlinkedFiles::keep);
+  /// Likewise for a text that has been read already, and not as a modification by the user.
+  void updateNoteWithText(std::string text, TextReading reading);
   void trash();
   /// Moves the note out of the trash, and out of the archive if it is also there.
   void restoreFromTrash();
@@ -101,6 +111,7 @@ class KVNote {
   void removeFile(const KVNoteFile& file);
 
  private:
+  friend class NoteBatches;
   /// Returns the value, which is read from the database on first use.
   template <class Value>
   const Value& loaded(std::optional<Value> NoteState::*member,
@@ -108,10 +119,20 @@ class KVNote {
   /// Preserves the committed state before the first change, for the save and for a rollback.
   void willChange();
   void dropLargeText();
+  /// Whether title, tags and positions of files are stored as a new text has them.
+  bool agreesWith(const zephyrdown::ZDKTextSummary& summary, const std::vector<KVNoteFile>& files);
+  void adopt(TextReading reading, std::vector<KVNoteFile> files);
   void setFlag(bool NoteRow::*flag, bool value);
 
   ManagedObjectContext& context_;
   HeldNote& held_;
+};
+
+/// A change of one note in two steps, since planning takes as long as reading and writing.
+struct NoteChange {
+  std::function<void()>
+      plan;  ///< runs in another thread, and must not use the context; may be null
+  std::function<void()> apply;  ///< may be null
 };
 
 }  // namespace tavimodel

@@ -1,12 +1,12 @@
 #include "platform/model/objects/note_tag.h"
 
 #include <algorithm>
-#include <functional>
 #include <unordered_set>
 
 #include "platform/markdown/ast.h"
 #include "platform/markdown/operations.h"
 #include "platform/model/objects/managed_object_context.h"
+#include "platform/model/objects/tag_renaming.h"
 #include "platform/model/storage/tag_tree.h"
 
 namespace tavimodel {
@@ -34,51 +34,6 @@ void addTag(KVNote& note, const std::string& tag, bool bottom) {
 void removeTag(KVNote& note, const std::string& tag) {
   const Operations operations = ZDKAST::viewing(note.text()).removeHashtag(tag);
   if (!operations.empty() || hasRow(note, tag)) rewrite(note, operations);
-}
-
-/// Whether `name` is `tag` or a descendant of it.
-bool isWithin(std::string_view name, std::string_view tag) {
-  return name.starts_with(tag) && (name.size() == tag.size() || name[tag.size()] == '/');
-}
-
-std::string renamed(const std::string& name, const std::string& tag, const std::string& newName) {
-  return isWithin(name, tag) ? newName + name.substr(tag.size()) : name;
-}
-
-/// The names of `tag` and its descendants in the note's rows that are not in its text.
-std::vector<std::string> missingInText(KVNote& note, const ZDKAST& tree, const std::string& tag) {
-  std::unordered_set<std::string> written;
-  for (zephyrdown::HashtagMention& mention : tree.hashtags()) written.insert(mention.name);
-  std::vector<std::string> missing;
-  for (const std::string& name : note.tagsStrings()) {
-    if (isWithin(name, tag) && !written.contains(name)) missing.push_back(name);
-  }
-  return missing;
-}
-
-void renameTag(KVNote& note, const std::string& tag, const std::string& newName, bool bottom) {
-  Operations operations;
-  std::vector<std::string> missing;
-  {
-    const ZDKAST tree = ZDKAST::viewing(note.text());
-    missing = missingInText(note, tree, tag);
-    operations = tree.renameHashtag(tag, newName);
-  }
-  if (!operations.empty() || !missing.empty()) rewrite(note, operations);
-  for (const std::string& name : missing) addTag(note, renamed(name, tag, newName), bottom);
-}
-
-/// Changes the tag rows of a locked note, whose text stays as it is. `plan` returns the new name of
-/// a tag; if absent, the tag is removed.
-void relabel(KVNote& note,
-             const std::function<std::optional<std::string>(const std::string&)>& plan) {
-  std::vector<std::string> names;
-  std::unordered_set<std::string> known;
-  for (const std::string& name : note.tagsStrings()) {
-    auto now = plan(name);
-    if (now && known.insert(*now).second) names.push_back(std::move(*now));
-  }
-  note.setTagsStrings(std::move(names));
 }
 
 }  // namespace
@@ -154,30 +109,31 @@ void KVNoteTag::deleteTagInNotes(const std::vector<KVNote*>& notes) const {
       removeTag(*note, title_);
       continue;
     }
-    relabel(*note, [&](const std::string& name) {
-      return name == title_ ? std::nullopt : std::optional(name);
-    });
+    std::vector<std::string> names = note->tagsStrings();
+    std::erase(names, title_);
+    note->setTagsStrings(std::move(names));
   }
 }
 
 void KVNoteTag::renameTagWithTagNamed(const std::string& newName, bool bottom) const {
   if (newName == title_) return;
-  for (KVNote* note : context_->notesWithTag(title_, true)) {
-    if (!note->encryptedValue()) {
-      renameTag(*note, title_, newName, bottom);
-      continue;
-    }
-    relabel(*note, [&](const std::string& name) { return renamed(name, title_, newName); });
+  std::vector<KVNote*> notes = context_->notesWithTag(title_, true);
+  const std::vector<KVNote*> withPins = context_->notesPinnedIn(title_, true);
+  const std::unordered_set<KVNote*> tagged(notes.begin(), notes.end());
+  const std::unordered_set<KVNote*> pinned(withPins.begin(), withPins.end());
+  for (KVNote* note : withPins) {
+    if (!tagged.contains(note)) notes.push_back(note);
   }
-  for (KVNote* note : context_->notesPinnedIn(title_, true)) {
-    const std::vector<std::string> pins = note->pinnedInTags();
-    for (const std::string& pin : pins) {
-      const std::string now = renamed(pin, title_, newName);
-      if (now == pin) continue;
-      note->unpinInTag(pin);
-      note->pinInTag(now);
-    }
-  }
+  const TagRenaming renaming(title_, newName, bottom);
+  context_->saveEach(notes, [&](KVNote& note) {
+    NoteChange change;
+    if (tagged.contains(&note)) change = renaming.ofNote(note);
+    if (!pinned.contains(&note)) return change;
+    return NoteChange{change.plan, [&, rename = change.apply] {
+                        if (rename) rename();
+                        renaming.movePins(note);
+                      }};
+  });
 }
 
 void KVNoteTag::deleteTag() const {

@@ -37,9 +37,9 @@ class KVNoteTag {
   void addTagToNotes(const std::vector<KVNote*>& notes, bool bottom) const;
   /// Removes all hashtags of exactly this tag from each text.
   void deleteTagInNotes(const std::vector<KVNote*>& notes) const;
-  /// Renames the tag and its descendants in every note, and moves the pins; if a tag with the new
-  /// name exists, they are merged. If a note's rows have the tag but its text does not, the new
-  /// hashtag is added at the top or bottom.
+  /// Renames the tag and its descendants in every note, moves the pins, and saves; if a tag with
+  /// the new name exists, they are merged. If a note's rows have the tag but its text does not, the
+  /// new hashtag is added at the top or bottom.
   void renameTagWithTagNamed(const std::string& newName, bool bottom) const;
   /// Removes the tag from all its notes, and all pins in it. Its descendants stay.
   void deleteTag() const;

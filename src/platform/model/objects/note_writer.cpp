@@ -123,14 +123,23 @@ void NoteWriter::updateAttributes(const NoteRow& now, const NoteRow& before) {
 
 void NoteWriter::writeFacts(NoteRow& row) {
   const TextFacts& facts = *row.facts;
+  connection_
+      .query(
+          "UPDATE noteSummary SET textDigest = ?2, textLength = ?3, todoIncomplete = ?4, "
+          "todoCompleted = ?5, features = ?6 WHERE note = ?1")
+      .bind(1, row.id)
+      .bind(2, facts.digest)
+      .bind(3, facts.length)
+      .bind(4, facts.todoIncomplete)
+      .bind(5, facts.todoCompleted)
+      .bind(6, facts.features)
+      .run();
   bool keyUnknown = false;
   {
-    sqlite::Query query = connection_.query(
-        "UPDATE noteSummary SET textDigest = ?2, textLength = ?3, todoIncomplete = ?4, "
-        "todoCompleted = ?5, features = ?6 WHERE note = ?1 RETURNING version, titleKey IS NULL");
-    query.bind(1, row.id).bind(2, facts.digest).bind(3, facts.length);
-    query.bind(4, facts.todoIncomplete).bind(5, facts.todoCompleted).bind(6, facts.features);
-    query.step();
+    // RETURNING would take longer, as it creates a temporary table.
+    sqlite::Query query =
+        connection_.query("SELECT version, titleKey IS NULL FROM noteSummary WHERE note = ?1");
+    query.bind(1, row.id).step();
     row.version = query.integer(0);
     keyUnknown = query.integer(1) != 0;
   }
@@ -192,10 +201,11 @@ void NoteWriter::insertFile(std::int64_t note, KVNoteFile& file) {
 }
 
 std::optional<std::int64_t> NoteWriter::tagID(std::string_view name) {
+  if (const auto known = tagIDs_.find(name); known != tagIDs_.end()) return known->second;
   sqlite::Query find = connection_.query("SELECT id FROM tag WHERE title = ?1");
   find.bind(1, name);
   if (!find.step()) return std::nullopt;
-  return find.integer(0);
+  return tagIDs_.emplace(name, find.integer(0)).first->second;
 }
 
 std::int64_t NoteWriter::tagIDMade(std::string_view name) {
@@ -213,6 +223,7 @@ std::int64_t NoteWriter::tagIDMade(std::string_view name) {
 }
 
 void NoteWriter::removeDeadTags() {
+  tagIDs_.clear();
   // "0" is the character after "/", so the range has the names of the descendants.
   constexpr const char* removeIfDead =
       "DELETE FROM tag WHERE title = ?1 "

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
 #include <optional>
 #include <set>
 #include <string>
@@ -44,6 +45,7 @@ class NoteWriter {
   std::int64_t tagIDMade(std::string_view name);
 
   sqlite::Connection& connection_;
+  std::map<std::string, std::int64_t, std::less<>> tagIDs_;  ///< looked up already
   std::set<std::string> touchedTags_;
 };
 

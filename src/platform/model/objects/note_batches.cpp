@@ -1,0 +1,75 @@
+#include "platform/model/objects/note_batches.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace tavimodel {
+namespace {
+
+constexpr std::size_t mostNotes = 128;
+constexpr std::size_t mostBytes = 1024 * 1024;
+
+/// May run in several threads at once, which share the work.
+void planEach(std::span<const NoteChange> changes, std::atomic<std::size_t>& next) {
+  for (std::size_t i = next++; i < changes.size(); i = next++) {
+    if (changes[i].plan) changes[i].plan();
+  }
+}
+
+}  // namespace
+
+void NoteBatches::change(std::span<KVNote* const> notes) {
+  // If both are allowed, the library defers the plans when the system refuses a thread.
+  const auto policy =
+      notes.size() > mostNotes ? std::launch::async | std::launch::deferred : std::launch::deferred;
+  Batch previous;
+  while (!notes.empty()) {
+    Batch batch = read(notes);
+    notes = notes.subspan(batch.notes.size());
+    finishPlans(previous);
+    batch.planned = std::async(policy, planEach, std::span<const NoteChange>(batch.changes),
+                               std::ref(*batch.nextPlan));
+    write(previous);
+    previous = std::move(batch);
+  }
+  finishPlans(previous);
+  write(previous);
+}
+
+void NoteBatches::finishPlans(Batch& batch) {
+  if (!batch.planned.valid()) return;
+  planEach(batch.changes, *batch.nextPlan);
+  batch.planned.get();
+}
+
+/// Reads the first few of the notes. Before, nothing of them but their rows has been read, so their
+/// versions tell whether another program has changed them.
+NoteBatches::Batch NoteBatches::read(std::span<KVNote* const> notes) {
+  Batch batch;
+  batch.nextPlan = std::make_unique<std::atomic<std::size_t>>(0);
+  std::size_t bytes = 0;
+  while (batch.changes.size() < std::min(notes.size(), mostNotes) && bytes < mostBytes) {
+    KVNote& note = *notes[batch.changes.size()];
+    writer_.checkVersion(note.held_.now);
+    batch.changes.push_back(begin_(note));
+    if (note.held_.now.text) bytes += note.held_.now.text->size();
+  }
+  batch.notes = notes.first(batch.changes.size());
+  return batch;
+}
+
+/// Writes the notes, and frees what was read of them.
+void NoteBatches::write(Batch& batch) {
+  for (std::size_t i = 0; i < batch.notes.size(); ++i) {
+    if (batch.changes[i].apply) batch.changes[i].apply();
+    HeldNote& held = batch.notes[i]->held_;
+    if (held.committed) writer_.update(held.now, *held.committed);
+    held.committed.reset();
+    held.now.text.reset();
+    held.now.tags.reset();
+    held.now.pinnedInTags.reset();
+    held.now.files.reset();
+  }
+}
+
+}  // namespace tavimodel

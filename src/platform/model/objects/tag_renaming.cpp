@@ -1,0 +1,89 @@
+#include "platform/model/objects/tag_renaming.h"
+
+#include <memory>
+#include <unordered_set>
+
+#include "platform/markdown/ast.h"
+#include "platform/markdown/operations.h"
+#include "platform/model/objects/large_text.h"
+
+namespace tavimodel {
+
+using zephyrdown::ZDKAST;
+
+/// Whether `name` is the tag or a descendant of it.
+bool TagRenaming::concerns(std::string_view name) const {
+  return name.starts_with(tag_) && (name.size() == tag_.size() || name[tag_.size()] == '/');
+}
+
+std::string TagRenaming::renamed(const std::string& name) const {
+  return concerns(name) ? newName_ + name.substr(tag_.size()) : name;
+}
+
+/// The new text of a note whose tag rows are `rows`; absent if there is nothing to rename. Tags
+/// that only the rows have are added to the text.
+std::optional<std::string> TagRenaming::renamedText(const std::string& text,
+                                                    const Names& rows) const {
+  const ZDKAST tree = ZDKAST::viewing(text);
+  std::unordered_set<std::string> written;
+  for (zephyrdown::HashtagMention& mention : tree.hashtags()) written.insert(mention.name);
+  Names missing;
+  for (const std::string& name : rows) {
+    if (concerns(name) && !written.contains(name)) missing.push_back(name);
+  }
+  const auto operations = tree.renameHashtag(tag_, newName_);
+  if (operations.empty() && missing.empty()) return std::nullopt;
+  std::string result = zephyrdown::withOperations(text, operations);
+  for (const std::string& name : missing) {
+    const auto addition = ZDKAST::viewing(result).addHashtag(renamed(name), bottom_);
+    result = zephyrdown::withOperations(result, addition);
+  }
+  return result;
+}
+
+NoteChange TagRenaming::ofNote(KVNote& note) const {
+  if (note.encryptedValue()) return {nullptr, [this, &note] { renameRows(note); }};
+  struct Plan {
+    std::optional<std::string> text;
+    std::optional<TextReading> reading;
+  };
+  const auto plan = std::make_shared<Plan>();
+  const std::string& text = note.text();
+  const Names& rows = note.tagsStrings();
+  return {[this, plan, &text, &rows] {
+            plan->text = renamedText(text, rows);
+            // A large text is read after the old one has been freed.
+            const bool isLarge = static_cast<std::int64_t>(text.size()) >= largeText;
+            if (plan->text && !isLarge) plan->reading = TextReading::of(*plan->text);
+          },
+          [plan, &note] {
+            if (!plan->text) return;
+            if (plan->reading) {
+              note.updateNoteWithText(std::move(*plan->text), std::move(*plan->reading));
+            } else {
+              note.updateNoteWithText(std::move(*plan->text), false);
+            }
+          }};
+}
+
+void TagRenaming::renameRows(KVNote& note) const {
+  Names names;
+  std::unordered_set<std::string> known;
+  for (const std::string& name : note.tagsStrings()) {
+    std::string now = renamed(name);
+    if (known.insert(now).second) names.push_back(std::move(now));
+  }
+  note.setTagsStrings(std::move(names));
+}
+
+void TagRenaming::movePins(KVNote& note) const {
+  const Names pins = note.pinnedInTags();
+  for (const std::string& pin : pins) {
+    const std::string now = renamed(pin);
+    if (now == pin) continue;
+    note.unpinInTag(pin);
+    note.pinInTag(now);
+  }
+}
+
+}  // namespace tavimodel
