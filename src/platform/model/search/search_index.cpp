@@ -299,8 +299,8 @@ bool SearchIndex::bringUpToDate(TidyBudget budget) {
   SliceBuilder builder;
   bool areLeft = true;
   while (areLeft) {
-    // Writing a slice takes about a tenth of the time of reading its notes.
-    const auto readUntil = Clock::now() + (deadline - Clock::now()) * 7 / 8;
+    // What is read is then also written to the slice, the log and the database.
+    const auto readUntil = Clock::now() + (deadline - Clock::now()) * 3 / 4;
     areLeft = addNotes(builder, readUntil);
     if (Clock::now() >= readUntil) break;
   }
