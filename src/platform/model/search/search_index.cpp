@@ -136,7 +136,7 @@ bool SearchIndex::areUnknown(std::int64_t atLeast) {
 }
 
 /// Loads the last slice into the builder and returns it, if so many notes wait to be indexed that
-/// it is worth writing it again, and none of its own has changed. Otherwise returns a new one.
+/// it is worth writing it again, and it never lost one of its own. Otherwise returns a new one.
 std::int64_t SearchIndex::sliceToFill(SliceBuilder& builder) {
   sqlite::Query query = connection_.query(
       "SELECT slice, notes, length(firsts) FROM searchSlice ORDER BY slice DESC LIMIT 1");
@@ -145,15 +145,14 @@ std::int64_t SearchIndex::sliceToFill(SliceBuilder& builder) {
   const std::int64_t notes = query.integer(1);
   const bool isSmall = notes < smallSlice && query.integer(2) < mostFirsts;
   if (!isSmall || !areUnknown(notes)) return last + 1;
-  const PositionSet live = liveIn(last);
   const int count = static_cast<int>(notes);
-  if (live.count() != count || !live.has(count - 1)) return last + 1;
+  if (liveIn(last) != PositionSet::first(count)) return last + 1;
   builder.load(connection_, last, count);
   return last;
 }
 
-/// Indexes notes until a slice is full. Returns true if that was before the deadline, so that more
-/// notes may be left. The builder must be empty, and is empty afterwards.
+/// Indexes notes until a slice is full or the deadline has passed. Returns true if more notes may
+/// be left. The builder must be empty, and is empty afterwards.
 bool SearchIndex::addNotes(SliceBuilder& builder, Clock::time_point deadline) {
   const std::int64_t slice = sliceToFill(builder);
   const int before = builder.notes();
@@ -167,10 +166,9 @@ bool SearchIndex::addNotes(SliceBuilder& builder, Clock::time_point deadline) {
     }
   }
   if (builder.notes() == before) return false;
-  const bool isFull = builder.isFull();
   removeSlice(connection_, slice);
   builder.write(connection_, slice);
-  return isFull && Clock::now() < deadline;
+  return !goesOn;
 }
 
 /// The positions of the notes that have not changed since the slice was written.
@@ -297,21 +295,27 @@ void SearchIndex::merge(const std::vector<std::int64_t>& slices) {
   if (builder.notes() > 0) builder.write(connection_, merged);
 }
 
-void SearchIndex::bringUpToDate(TidyBudget budget) {
+bool SearchIndex::bringUpToDate(TidyBudget budget) {
   const auto start = Clock::now();
   const auto deadline = start + std::chrono::milliseconds(budget.milliseconds);
   removeExpired(deadline);
-  if (Clock::now() >= deadline || !areUnknown(budget.fewestNotes)) return;
-  // Writing a slice takes about a tenth of the time of reading its notes.
+  if (Clock::now() >= deadline) return true;
+  if (!areUnknown(budget.fewestNotes)) return false;
   SliceBuilder builder;
-  while (addNotes(builder, Clock::now() + (deadline - Clock::now()) * 7 / 8)) {
+  bool areLeft = true;
+  while (areLeft) {
+    // What is read is then also written to the slice, the log and the database.
+    const auto readUntil = Clock::now() + (deadline - Clock::now()) * 3 / 4;
+    areLeft = addNotes(builder, readUntil);
+    if (Clock::now() >= readUntil) break;
   }
   removeNextStale();
   mergeSmall();
+  return areLeft || Clock::now() >= deadline;
 }
 
-void updateSearchIndex(sqlite::Connection& connection, TidyBudget budget) {
-  SearchIndex(connection).bringUpToDate(budget);
+bool updateSearchIndex(sqlite::Connection& connection, TidyBudget budget) {
+  return SearchIndex(connection).bringUpToDate(budget);
 }
 
 }  // namespace tavimodel

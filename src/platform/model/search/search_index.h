@@ -37,8 +37,9 @@ class SearchIndex {
   std::optional<Candidates> candidates(std::string_view term, std::size_t most);
 
   /// Removes outdated texts, indexes new ones and merges slices, for about as long as the budget
-  /// allows. Requires an open write transaction.
-  void bringUpToDate(TidyBudget budget);
+  /// allows. Returns true if time ran out before everything was done. Requires an open write
+  /// transaction.
+  bool bringUpToDate(TidyBudget budget);
 
  private:
   using Clock = std::chrono::steady_clock;
@@ -66,6 +67,6 @@ class SearchIndex {
 };
 
 /// Calls SearchIndex::bringUpToDate; it is the IndexUpdate that the database runs on closing.
-void updateSearchIndex(sqlite::Connection& connection, TidyBudget budget);
+bool updateSearchIndex(sqlite::Connection& connection, TidyBudget budget);
 
 }  // namespace tavimodel

@@ -16,6 +16,12 @@ PositionSet PositionSet::all() {
   return set;
 }
 
+PositionSet PositionSet::first(int count) {
+  PositionSet set;
+  for (int position = 0; position < count; ++position) set.add(position);
+  return set;
+}
+
 PositionSet PositionSet::decoded(std::string_view bytes) {
   PositionSet set;
   if (bytes.size() == bitmapSize) {

@@ -17,6 +17,7 @@ class PositionSet {
   class Encoding;
 
   static PositionSet all();
+  static PositionSet first(int count);
   /// Decodes the bytes of an Encoding. Other bytes give an unspecified set.
   static PositionSet decoded(std::string_view bytes);
 

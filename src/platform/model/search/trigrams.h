@@ -30,8 +30,8 @@ constexpr PackedTrigram packedTrigrams = PackedTrigram{1} << trigramLength * com
 constexpr auto commonIndexes = [] {
   std::array<std::uint8_t, 256> indexes{};
   indexes.fill(commonScalars.size());
-  for (std::uint8_t i = 0; i < commonScalars.size(); ++i) {
-    indexes[static_cast<unsigned char>(commonScalars[i])] = i;
+  for (std::size_t i = 0; i < commonScalars.size(); ++i) {
+    indexes[static_cast<unsigned char>(commonScalars[i])] = static_cast<std::uint8_t>(i);
   }
   return indexes;
 }();

@@ -1,16 +1,10 @@
 #include "platform/model/storage/bookkeeping.h"
 
-#include <chrono>
 #include <exception>
 
 #include "platform/model/storage/sqlite.h"
 
 namespace tavimodel {
-namespace {
-
-using Clock = std::chrono::steady_clock;
-
-}  // namespace
 
 OpenWork openWork(sqlite::Connection& connection) {
   try {
@@ -30,15 +24,13 @@ OpenWork openWork(sqlite::Connection& connection) {
 }
 
 bool catchUp(sqlite::Connection& connection, IndexUpdate updateIndex, TidyBudget budget) {
-  const auto deadline = Clock::now() + std::chrono::milliseconds(budget.milliseconds);
   try {
     // This data can be derived again, so it need not survive a power failure. Pages that do not fit
     // in the cache, whose size is in KiB, would be written to the log more than once.
     connection.query("PRAGMA synchronous = NORMAL").run();
     connection.query("PRAGMA cache_size = -8192").run();
     sqlite::Transaction transaction(connection, sqlite::Transaction::Kind::write);
-    updateIndex(connection, budget);
-    const bool timeRanOut = Clock::now() >= deadline;
+    const bool timeRanOut = updateIndex(connection, budget);
     transaction.commit();
     return timeRanOut;
   } catch (const std::exception&) {

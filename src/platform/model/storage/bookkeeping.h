@@ -32,8 +32,9 @@ constexpr TidyBudget closingBudget{.fewestNotes = 64, .milliseconds = 60};
 /// For one slice of a server's idle time between two calls.
 constexpr TidyBudget idleBudget{.fewestNotes = 1, .milliseconds = 8};
 
-/// Updates the search index within the budget, in the caller's write transaction.
-using IndexUpdate = void (*)(sqlite::Connection& connection, TidyBudget budget);
+/// Updates the search index within the budget, in the caller's write transaction. Returns true if
+/// time ran out before everything was done.
+using IndexUpdate = bool (*)(sqlite::Connection& connection, TidyBudget budget);
 
 /// Updates the data derived from notes (text facts, folded titles, search index) if the write lock
 /// is free. Returns true if time ran out before everything was done. Leaves the connection with

@@ -103,6 +103,21 @@ TEST_F(Index, GivesEachNoteThroughManySlicesAndTheirMerging) {
   EXPECT_EQ(notesWith("nowhere").size(), 0U);
 }
 
+TEST_F(Index, GivesEachNoteOfASliceThatIsFilledUpARowOfItsOwn) {
+  insertNumbered(1, 70);
+  update(1000);
+  support::ForeignClient(home.database()).run("DELETE FROM note WHERE id = 3");
+  update(1000);
+  insertNumbered(71, 3000);
+  while (update(5)) {
+  }
+  EXPECT_EQ(value("SELECT count(DISTINCT searchRow) FROM noteSummary"), "2999");
+  EXPECT_EQ(value("SELECT sum(notes) FROM searchSlice"), "2999");
+  for (int i = 4; i <= 3000; i += 61) {
+    EXPECT_EQ(notesWith(fmt::format("number{:05}x", i)), std::vector<std::int64_t>{i});
+  }
+}
+
 TEST_F(Index, OffersATextOfTooManyTrigramsForEveryTerm) {
   std::string text;
   for (char32_t scalar = 0x20000; scalar < 0x31000; ++scalar) {
