@@ -9,44 +9,31 @@ namespace {
 constexpr std::size_t mostNotes = 128;
 constexpr std::size_t mostBytes = 1024 * 1024;
 
-/// May run in several threads at once, which share the work.
-void planEach(std::span<const NoteChange> changes, std::atomic<std::size_t>& next) {
-  for (std::size_t i = next++; i < changes.size(); i = next++) {
-    if (changes[i].plan) changes[i].plan();
-  }
-}
-
 }  // namespace
 
 void NoteBatches::change(std::span<KVNote* const> notes) {
-  // If both are allowed, the library defers the plans when the system refuses a thread.
-  const auto policy =
-      notes.size() > mostNotes ? std::launch::async | std::launch::deferred : std::launch::deferred;
+  const bool inBackground = notes.size() > mostNotes;
   Batch previous;
   while (!notes.empty()) {
     Batch batch = read(notes);
     notes = notes.subspan(batch.notes.size());
-    finishPlans(previous);
-    batch.planned = std::async(policy, planEach, std::span<const NoteChange>(batch.changes),
-                               std::ref(*batch.nextPlan));
+    previous.plans.finish();
+    const std::span<const NoteChange> changes = batch.changes;
+    const auto plan = [changes](std::size_t i) {
+      if (changes[i].plan) changes[i].plan();
+    };
+    batch.plans = platform::system::SharedWork(changes.size(), plan, inBackground);
     write(previous);
     previous = std::move(batch);
   }
-  finishPlans(previous);
+  previous.plans.finish();
   write(previous);
-}
-
-void NoteBatches::finishPlans(Batch& batch) {
-  if (!batch.planned.valid()) return;
-  planEach(batch.changes, *batch.nextPlan);
-  batch.planned.get();
 }
 
 /// Reads the first few of the notes. Before, nothing of them but their rows has been read, so their
 /// versions tell whether another program has changed them.
 NoteBatches::Batch NoteBatches::read(std::span<KVNote* const> notes) {
   Batch batch;
-  batch.nextPlan = std::make_unique<std::atomic<std::size_t>>(0);
   std::size_t bytes = 0;
   while (batch.changes.size() < std::min(notes.size(), mostNotes) && bytes < mostBytes) {
     KVNote& note = *notes[batch.changes.size()];

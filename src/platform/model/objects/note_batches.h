@@ -1,14 +1,12 @@
 #pragma once
 
-#include <atomic>
 #include <functional>
-#include <future>
-#include <memory>
 #include <span>
 #include <vector>
 
 #include "platform/model/objects/note.h"
 #include "platform/model/objects/note_writer.h"
+#include "platform/system/shared_work.h"
 
 namespace tavimodel {
 
@@ -28,12 +26,10 @@ class NoteBatches {
   struct Batch {
     std::span<KVNote* const> notes;
     std::vector<NoteChange> changes;  // one for each note
-    std::unique_ptr<std::atomic<std::size_t>> nextPlan;
-    std::future<void> planned;  // destroyed first, which waits for the thread
+    platform::system::SharedWork plans;
   };
 
   Batch read(std::span<KVNote* const> notes);
-  static void finishPlans(Batch& batch);
   void write(Batch& batch);
 
   NoteWriter& writer_;

@@ -11,6 +11,7 @@
 #include "platform/model/storage/row_ids.h"
 #include "platform/model/storage/schema.h"
 #include "platform/model/storage/text_facts.h"
+#include "platform/system/shared_work.h"
 #include "platform/text/folding.h"
 
 namespace tavimodel {
@@ -26,6 +27,12 @@ constexpr std::size_t mostSmallSlices = 8;
 /// Limit of `searchSlice.firsts` in bytes: a slice with few notes but many trigrams is not merged.
 constexpr std::int64_t mostFirsts = 8192;
 
+/// Limits of the notes that are read at once, of which the last may have more bytes.
+constexpr std::int64_t fewNotes = 64;
+constexpr std::size_t fewBytes = std::size_t{1} << 18;
+/// The number of texts without facts for which a second thread is started.
+constexpr std::ptrdiff_t worthAThread = 16;
+
 /// The trigrams used to look up a term, spread over its length.
 std::vector<Trigram> tellingTrigrams(std::string_view folded) {
   std::vector<Trigram> all;
@@ -39,6 +46,20 @@ std::vector<Trigram> tellingTrigrams(std::string_view folded) {
 }
 
 }  // namespace
+
+/// A note while it is added to the index.
+struct NoteToIndex {
+  std::int64_t id = 0;
+  std::string title;  ///< folded
+  std::string text;
+  bool isLocked = false;
+  bool isDeleted = false;  ///< permanently
+  bool lacksFacts = false;
+  TextFacts facts;             ///< if they were lacking
+  std::int64_t searchRow = 0;  ///< see noteSummary
+
+  bool isReadable() const { return !isLocked && !isDeleted; }
+};
 
 std::optional<SearchIndex::Candidates> SearchIndex::candidates(std::string_view term,
                                                                std::size_t most) {
@@ -75,37 +96,40 @@ std::vector<std::int64_t> SearchIndex::rowsWith(const std::vector<Trigram>& trig
   return rows;
 }
 
-/// Indexes a note, and stores the other data derived from its title and text. Only the title of a
-/// locked note is indexed, and nothing of a permanently deleted one.
-void SearchIndex::addNote(SliceBuilder& builder, std::int64_t note, std::int64_t slice) {
-  sqlite::Query read = connection_.query(fmt::format(
-      "SELECT note.title, note.text, note.encrypted, ifnull(note.permanentlyDeleted, 0), "
-      "s.textDigest IS NULL OR {} "
-      "FROM note JOIN noteSummary s ON s.note = note.id WHERE note.id = ?1",
-      FeatureSQL::linksNotStored));
-  if (!read.bind(1, note).step()) return;
-  const bool isLocked = read.integer(2) != 0;
-  const bool isDeleted = read.integer(3) != 0;
-  const std::string_view text = read.text(1);
-  const std::string title = platform::text::foldedForSearch(read.text(0));
-  const std::int64_t searchRow = slice * sliceCapacity + builder.notes();
-  const bool isReadable = !isLocked && !isDeleted;
-  const std::string body = isReadable ? platform::text::foldedForSearch(text) : std::string();
-  builder.addNote({body, isDeleted ? std::string_view() : title});
+/// Adds notes to the slice, and stores the other data derived from their titles and texts. Only the
+/// title of a locked note is indexed, and nothing of a permanently deleted one.
+void SearchIndex::add(SliceBuilder& builder, std::vector<NoteToIndex>& notes, std::int64_t slice) {
+  // Deriving the facts takes as long as the rest.
+  const auto deriveFacts = [&notes](std::size_t i) {
+    if (notes[i].lacksFacts) notes[i].facts = TextFacts::of(notes[i].text);
+  };
+  const auto lacking = std::count_if(notes.begin(), notes.end(),
+                                     [](const NoteToIndex& note) { return note.lacksFacts; });
+  platform::system::SharedWork facts(notes.size(), deriveFacts, lacking >= worthAThread);
+  for (NoteToIndex& note : notes) {
+    note.searchRow = slice * sliceCapacity + builder.notes();
+    const std::string body =
+        note.isReadable() ? platform::text::foldedForSearch(note.text) : std::string();
+    builder.addNote({body, note.isDeleted ? std::string_view() : note.title});
+  }
+  facts.finish();
+  for (const NoteToIndex& note : notes) store(note);
+}
 
-  if (read.integer(4) == 0) {
+void SearchIndex::store(const NoteToIndex& note) {
+  if (!note.lacksFacts) {
     sqlite::Query update =
         connection_.query("UPDATE noteSummary SET searchRow = ?2 WHERE note = ?1");
-    return update.bind(1, note).bind(2, searchRow).run();
+    return update.bind(1, note.id).bind(2, note.searchRow).run();
   }
-  const TextFacts facts = TextFacts::of(text);
+  const TextFacts& facts = note.facts;
   sqlite::Query update = connection_.query(
       "UPDATE noteSummary SET searchRow = ?2, titleKey = ?3, textDigest = ?4, textLength = ?5, "
       "todoIncomplete = ?6, todoCompleted = ?7, features = ?8 WHERE note = ?1");
-  update.bind(1, note).bind(2, searchRow).bind(3, title).bind(4, facts.digest);
+  update.bind(1, note.id).bind(2, note.searchRow).bind(3, note.title).bind(4, facts.digest);
   update.bind(5, facts.length).bind(6, facts.todoIncomplete).bind(7, facts.todoCompleted);
   update.bind(8, facts.features).run();
-  if (isReadable) storeLinks(connection_, note, facts.links);
+  if (note.isReadable()) storeLinks(connection_, note.id, facts.links);
 }
 
 std::int64_t SearchIndex::number(std::string_view sql) {
@@ -118,13 +142,25 @@ std::int64_t SearchIndex::newSlice() {
   return number("SELECT ifnull(max(slice), 0) + 1 FROM searchSlice");
 }
 
-std::vector<std::int64_t> SearchIndex::nextUnknown(std::int64_t after) {
-  constexpr std::int64_t few = 64;
-  sqlite::Query query = connection_.query(
-      "SELECT note FROM noteSummary WHERE searchRow IS NULL AND note > ?1 ORDER BY note LIMIT ?2");
-  query.bind(1, after).bind(2, few);
-  std::vector<std::int64_t> notes;
-  while (query.step()) notes.push_back(query.integer(0));
+std::vector<NoteToIndex> SearchIndex::nextUnknown(std::int64_t after, std::int64_t most) {
+  sqlite::Query query = connection_.query(fmt::format(
+      "SELECT s.note, note.title, note.text, note.encrypted, ifnull(note.permanentlyDeleted, 0), "
+      "s.textDigest IS NULL OR {} "
+      "FROM noteSummary s CROSS JOIN note ON note.id = s.note "
+      "WHERE s.searchRow IS NULL AND s.note > ?1 ORDER BY s.note LIMIT ?2",
+      FeatureSQL::linksNotStored));
+  query.bind(1, after).bind(2, most);
+  std::vector<NoteToIndex> notes;
+  for (std::size_t bytes = 0; bytes < fewBytes && query.step();) {
+    NoteToIndex& note = notes.emplace_back();
+    note.id = query.integer(0);
+    note.title = platform::text::foldedForSearch(query.text(1));
+    note.text = query.text(2);
+    note.isLocked = query.integer(3) != 0;
+    note.isDeleted = query.integer(4) != 0;
+    note.lacksFacts = query.integer(5) != 0;
+    bytes += note.text.size();
+  }
   return notes;
 }
 
@@ -157,13 +193,14 @@ bool SearchIndex::addNotes(SliceBuilder& builder, Clock::time_point deadline) {
   const std::int64_t slice = sliceToFill(builder);
   const int before = builder.notes();
   bool goesOn = true;
-  std::int64_t note = INT64_MIN;
-  for (auto notes = nextUnknown(note); goesOn && !notes.empty(); notes = nextUnknown(note)) {
-    for (std::size_t i = 0; i < notes.size() && goesOn; ++i) {
-      note = notes[i];
-      addNote(builder, note, slice);
-      goesOn = !builder.isFull() && Clock::now() < deadline;
-    }
+  std::int64_t last = INT64_MIN;
+  while (goesOn) {
+    std::vector<NoteToIndex> notes =
+        nextUnknown(last, std::min<std::int64_t>(fewNotes, sliceCapacity - builder.notes()));
+    if (notes.empty()) break;
+    last = notes.back().id;
+    add(builder, notes, slice);
+    goesOn = !builder.isFull() && Clock::now() < deadline;
   }
   if (builder.notes() == before) return false;
   removeSlice(connection_, slice);
@@ -305,7 +342,7 @@ bool SearchIndex::bringUpToDate(TidyBudget budget) {
   bool areLeft = true;
   while (areLeft) {
     // What is read is then also written to the slice, the log and the database.
-    const auto readUntil = Clock::now() + (deadline - Clock::now()) * 3 / 4;
+    const auto readUntil = Clock::now() + (deadline - Clock::now()) * 2 / 3;
     areLeft = addNotes(builder, readUntil);
     if (Clock::now() >= readUntil) break;
   }

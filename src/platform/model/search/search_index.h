@@ -13,6 +13,8 @@
 
 namespace tavimodel {
 
+struct NoteToIndex;
+
 /// The trigram index of the notes' titles and texts. It is a prefilter: it finds the notes that may
 /// contain a term, and the caller checks their texts.
 ///
@@ -51,13 +53,14 @@ class SearchIndex {
   bool hasStale(std::int64_t slice);
   bool removeStale(std::int64_t slice);
   bool addNotes(SliceBuilder& builder, Clock::time_point deadline);
-  void addNote(SliceBuilder& builder, std::int64_t note, std::int64_t slice);
+  void add(SliceBuilder& builder, std::vector<NoteToIndex>& notes, std::int64_t slice);
+  void store(const NoteToIndex& note);
   std::int64_t sliceToFill(SliceBuilder& builder);
   void mergeSmall();
   void merge(const std::vector<std::int64_t>& slices);
   bool areUnknown(std::int64_t atLeast);
-  /// The ids of the next few unindexed notes after `after`, ascending.
-  std::vector<std::int64_t> nextUnknown(std::int64_t after);
+  /// The next few unindexed notes with ids above `after`, ascending, at most `most`.
+  std::vector<NoteToIndex> nextUnknown(std::int64_t after, std::int64_t most);
   std::int64_t newSlice();
   std::int64_t number(std::string_view sql);
   void setCounter(std::string_view name, std::int64_t value);
