@@ -18,7 +18,7 @@ class SharedWork {
   SharedWork(std::size_t count, std::function<void(std::size_t)> step, bool inBackground);
 
   /// Does the steps that no thread has begun yet, and returns when all are done. Throws what a step
-  /// throws; then, as if destroyed without a call, some steps may be left out.
+  /// throws; some steps may then be left out.
   void finish();
 
  private:

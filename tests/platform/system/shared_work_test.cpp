@@ -2,7 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <chrono>
 #include <stdexcept>
+#include <thread>
 #include <utility>
 #include <vector>
 
@@ -32,12 +35,20 @@ TEST(SharedWork, ThrowsWhatAStepThrewInEitherThread) {
 }
 
 TEST(SharedWork, WaitsForTheOtherThreadWhenItIsGivenUp) {
-  std::vector<int> done(1000);
+  using std::chrono::milliseconds;
+  std::atomic<int> begun = 0;
+  std::atomic<int> ended = 0;
+  const auto step = [&](std::size_t) {
+    ++begun;
+    std::this_thread::sleep_for(milliseconds(10));
+    ++ended;
+  };
   {
-    const SharedWork work(
-        done.size(), [&](std::size_t i) { done[i] = 1; }, true);
+    const SharedWork work(3, step, true);
+    for (int i = 0; begun == 0 && i < 1000; ++i) std::this_thread::sleep_for(milliseconds(1));
   }
-  for (std::size_t i = 1; i < done.size(); ++i) EXPECT_LE(done[i], done[i - 1]);
+  EXPECT_EQ(begun, 3);
+  EXPECT_EQ(ended, 3);
 }
 
 }  // namespace

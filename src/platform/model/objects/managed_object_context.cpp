@@ -12,6 +12,7 @@ namespace tavimodel {
 namespace {
 
 constexpr std::size_t manyNotes = 100;
+/// Pages that do not fit in the cache would be written to the log and read again repeatedly.
 constexpr const char* cacheForMany = "PRAGMA cache_size = -65536";  // KiB
 
 }  // namespace
@@ -72,8 +73,7 @@ bool ManagedObjectContext::hasChanges() {
 void ManagedObjectContext::save() {
   const Entries changed = this->changed();
   if (!locked_) snapshot_.reset();
-  // Pages that do not fit in the cache would be written to the log and read again repeatedly.
-  if (changed.size() > manyNotes) connection_.execute("PRAGMA cache_size = -65536");  // KiB
+  if (changed.size() > manyNotes) connection_.execute(cacheForMany);
   if (!locked_) beginWriting();
   const std::unique_ptr<sqlite::Transaction> transaction = std::move(snapshot_);
   locked_ = false;

@@ -128,11 +128,11 @@ class KVNote {
   HeldNote& held_;
 };
 
-/// A change of one note in two steps, since planning takes as long as reading and writing.
+/// A change of one note in two steps, since planning takes as long as reading and writing. Either
+/// may be null. `plan` may run in another thread, and must not use the context.
 struct NoteChange {
-  std::function<void()>
-      plan;  ///< runs in another thread, and must not use the context; may be null
-  std::function<void()> apply;  ///< may be null
+  std::function<void()> plan;
+  std::function<void()> apply;
 };
 
 }  // namespace tavimodel
