@@ -105,7 +105,7 @@ void ManagedObjectContext::saveEach(const std::vector<KVNote*>& notes,
     if (notes.size() > manyNotes) connection_.execute(cacheForMany);
     beginWriting();
     NoteWriter writer(connection_);
-    NoteBatches(writer, begin).change(notes);
+    NoteBatches(connection_, writer, begin).change(notes);
     writer.removeDeadTags();
     snapshot_->commit();
   } catch (...) {

@@ -30,14 +30,14 @@ void NoteBatches::change(std::span<KVNote* const> notes) {
   write(previous);
 }
 
-/// Reads the first few of the notes. Before, nothing of them but their rows has been read, so their
-/// versions tell whether another program has changed them.
+/// Reads the first few of the notes. Their texts are read under the write lock; whether their rows
+/// have changed since they were read is told by their versions, when they are written.
 NoteBatches::Batch NoteBatches::read(std::span<KVNote* const> notes) {
   Batch batch;
   std::size_t bytes = 0;
   while (batch.changes.size() < std::min(notes.size(), mostNotes) && bytes < mostBytes) {
     KVNote& note = *notes[batch.changes.size()];
-    writer_.checkVersion(note.held_.now);
+    if (note.held_.now.text) writer_.checkVersion(note.held_.now);
     batch.changes.push_back(begin_(note));
     if (note.held_.now.text) bytes += note.held_.now.text->size();
   }
@@ -47,16 +47,33 @@ NoteBatches::Batch NoteBatches::read(std::span<KVNote* const> notes) {
 
 /// Writes the notes, and frees what was read of them.
 void NoteBatches::write(Batch& batch) {
+  std::vector<HeldNote*> others;
   for (std::size_t i = 0; i < batch.notes.size(); ++i) {
     if (batch.changes[i].apply) batch.changes[i].apply();
     HeldNote& held = batch.notes[i]->held_;
-    if (held.committed) writer_.update(held.now, *held.committed);
+    if (!writeText(held)) others.push_back(&held);
+  }
+  if (!others.empty()) triggersOff_.reset();
+  for (HeldNote* held : others) {
+    writer_.checkVersion(held->committed ? *held->committed : held->now);
+    if (held->committed) writer_.update(held->now, *held->committed);
+  }
+  for (KVNote* note : batch.notes) {
+    HeldNote& held = note->held_;
     held.committed.reset();
     held.now.text.reset();
     held.now.tags.reset();
     held.now.pinnedInTags.reset();
     held.now.files.reset();
   }
+}
+
+/// Writes a note of which only the text has changed. Returns false for another, with nothing done.
+bool NoteBatches::writeText(HeldNote& held) {
+  if (!ownTriggersOnly_ || !held.committed) return false;
+  if (!NoteWriter::differInText(held.now, *held.committed)) return false;
+  if (!triggersOff_) triggersOff_.emplace(connection_);
+  return writer_.updateText(held.now, *held.committed);
 }
 
 }  // namespace tavimodel

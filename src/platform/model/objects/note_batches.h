@@ -1,11 +1,14 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 #include <span>
 #include <vector>
 
 #include "platform/model/objects/note.h"
 #include "platform/model/objects/note_writer.h"
+#include "platform/model/storage/schema.h"
+#include "platform/model/storage/sqlite.h"
 #include "platform/system/shared_work.h"
 
 namespace tavimodel {
@@ -15,8 +18,12 @@ namespace tavimodel {
 /// threads plan what is left.
 class NoteBatches {
  public:
-  NoteBatches(NoteWriter& writer, const std::function<NoteChange(KVNote&)>& begin)
-      : writer_(writer), begin_(begin) {}
+  NoteBatches(sqlite::Connection& connection, NoteWriter& writer,
+              const std::function<NoteChange(KVNote&)>& begin)
+      : connection_(connection),
+        writer_(writer),
+        begin_(begin),
+        ownTriggersOnly_(hasOwnTriggersOnly(connection)) {}
 
   /// Throws what the steps throw, sqlite::Error, and DomainError if another program has changed a
   /// note since its row was read.
@@ -31,9 +38,13 @@ class NoteBatches {
 
   Batch read(std::span<KVNote* const> notes);
   void write(Batch& batch);
+  bool writeText(HeldNote& held);
 
+  sqlite::Connection& connection_;
   NoteWriter& writer_;
   const std::function<NoteChange(KVNote&)>& begin_;
+  bool ownTriggersOnly_;
+  std::optional<sqlite::TriggersOff> triggersOff_;
 };
 
 }  // namespace tavimodel

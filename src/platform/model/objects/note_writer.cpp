@@ -1,5 +1,8 @@
 #include "platform/model/objects/note_writer.h"
 
+#include <sqlite3.h>
+
+#include <algorithm>
 #include <unordered_map>
 #include <unordered_set>
 
@@ -36,6 +39,12 @@ const std::vector<std::string>& orNone(const std::optional<std::vector<std::stri
 std::optional<SHA256Digest> digestIfLarge(const NoteState& read) {
   const bool isLarge = read.text && static_cast<std::int64_t>(read.text->size()) >= largeText;
   return isLarge ? platform::system::sha256(*read.text) : read.textDigest;
+}
+
+/// Whether `updateAttributes` has nothing to do.
+bool sameAttributes(const NoteRow& a, const NoteRow& b) {
+  return a.title == b.title && a.trashed == b.trashed && a.archived == b.archived &&
+         a.pinned == b.pinned;
 }
 
 }  // namespace
@@ -104,6 +113,39 @@ void NoteWriter::update(NoteState& now, const NoteState& before) {
   if (now.files) writeFiles(now, before.files ? *before.files : std::vector<KVNoteFile>{});
 }
 
+bool NoteWriter::differInText(const NoteState& now, const NoteState& before) {
+  const auto sameFile = [](const KVNoteFile& a, const KVNoteFile& b) {
+    return a.id == b.id && a.position == b.position;
+  };
+  return now.text != before.text && !before.textDigest && sameAttributes(now.row, before.row) &&
+         now.row.modificationDate == before.row.modificationDate && !now.row.encrypted &&
+         !now.row.permanentlyDeleted && now.pinnedInTags == before.pinnedInTags && now.files &&
+         before.files && std::ranges::equal(*now.files, *before.files, sameFile);
+}
+
+bool NoteWriter::updateText(NoteState& now, const NoteState& before) {
+  NoteRow& row = now.row;
+  const TextFacts& facts = *row.facts;
+  sqlite3_randomness(sizeof row.version, &row.version);
+  sqlite::Query summary = connection_.query(
+      "UPDATE noteSummary SET version = ?3, textDigest = ?4, textLength = ?5, "
+      "todoIncomplete = ?6, todoCompleted = ?7, features = ?8, searchRow = NULL "
+      "WHERE note = ?1 AND version = ?2 AND textDigest IS NOT NULL "
+      "AND EXISTS (SELECT 1 FROM note WHERE id = ?1)");
+  summary.bind(1, row.id).bind(2, before.row.version).bind(3, row.version);
+  summary.bind(4, facts.digest).bind(5, facts.length).bind(6, facts.todoIncomplete);
+  summary.bind(7, facts.todoCompleted).bind(8, facts.features).run();
+  if (connection_.rowsChanged() == 0) return false;
+  connection_.query("UPDATE note SET text = ?2 WHERE id = ?1")
+      .bind(1, row.id)
+      .bind(2, *now.text)
+      .run();
+  connection_.query("DELETE FROM noteLink WHERE note = ?1").bind(1, row.id).run();
+  storeLinks(connection_, row.id, facts.links);
+  if (now.tags) writeTags(row.id, *now.tags, orNone(before.tags));
+  return true;
+}
+
 /// Takes a large text out before another one is put in. In one statement SQLite would hold the new
 /// text in a row, the old one for the triggers, and its pages to undo the statement, all at once.
 void NoteWriter::clearText(std::int64_t note) {
@@ -111,10 +153,7 @@ void NoteWriter::clearText(std::int64_t note) {
 }
 
 void NoteWriter::updateAttributes(const NoteRow& now, const NoteRow& before) {
-  if (now.title == before.title && now.trashed == before.trashed &&
-      now.archived == before.archived && now.pinned == before.pinned) {
-    return;
-  }
+  if (sameAttributes(now, before)) return;
   sqlite::Query query = connection_.query(
       "UPDATE note SET title = ?2, trashed = ?3, archived = ?4, pinned = ?5 WHERE id = ?1");
   query.bind(1, now.id).bind(2, now.title).bind(3, std::int64_t{now.trashed});

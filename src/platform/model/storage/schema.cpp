@@ -7,6 +7,7 @@
 #include <set>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 
 #include "platform/model/storage/sqlite.h"
 #include "platform/model/storage/text_facts.h"
@@ -334,6 +335,19 @@ int knownVersion(sqlite::Connection& connection) {
 bool hasCurrentSchema(sqlite::Connection& connection) {
   return sqlite3_table_column_metadata(connection.handle(), "main", "searchSlice", nullptr, nullptr,
                                        nullptr, nullptr, nullptr, nullptr) == SQLITE_OK;
+}
+
+bool hasOwnTriggersOnly(sqlite::Connection& connection) {
+  // SQLite keeps a statement from the trigger's name on as it was written.
+  constexpr std::string_view head = "CREATE TRIGGER ";
+  sqlite::Query query = connection.query("SELECT sql FROM sqlite_schema WHERE type = 'trigger'");
+  while (query.step()) {
+    const std::string_view sql = query.text(0);
+    if (!sql.starts_with(head)) return false;
+    const bool isOwn = std::string_view(createTriggers).find(sql.substr(head.size())) != sql.npos;
+    if (!isOwn) return false;
+  }
+  return true;
 }
 
 void upgradeSchema(sqlite::Connection& connection) {

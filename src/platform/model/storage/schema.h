@@ -23,6 +23,10 @@ void upgradeSchema(sqlite::Connection& connection);
 /// database, which upgradeSchema leaves as it is.
 bool hasCurrentSchema(sqlite::Connection& connection);
 
+/// Whether the database has no triggers but those of this program, so that statements which do
+/// their work may run without them. Throws sqlite::Error.
+bool hasOwnTriggersOnly(sqlite::Connection& connection);
+
 /// Corrects the copy of `note.encrypted` in `noteSummary` where a program changed one of the two
 /// without the triggers, so that no list and no search shows a locked text. Throws sqlite::Error if
 /// it cannot.

@@ -218,6 +218,10 @@ std::int64_t Connection::lastInsertedRow() const {
   return sqlite3_last_insert_rowid(handle_);
 }
 
+std::int64_t Connection::rowsChanged() const {
+  return sqlite3_changes64(handle_);
+}
+
 void Connection::setBusyTimeout(int milliseconds) {
   sqlite3_busy_timeout(handle_, milliseconds);
 }
@@ -259,6 +263,14 @@ void Connection::syncLog() {
 
 void Connection::fail() const {
   throwError(handle_, sqlite3_errcode(handle_));
+}
+
+TriggersOff::TriggersOff(Connection& connection) : connection_(connection) {
+  sqlite3_db_config(connection_.handle(), SQLITE_DBCONFIG_ENABLE_TRIGGER, 0, nullptr);
+}
+
+TriggersOff::~TriggersOff() {
+  sqlite3_db_config(connection_.handle(), SQLITE_DBCONFIG_ENABLE_TRIGGER, 1, nullptr);
 }
 
 ExclusiveLock::ExclusiveLock(Connection& connection) : file_(fileOf(connection.handle())) {

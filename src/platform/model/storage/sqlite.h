@@ -100,6 +100,8 @@ class Connection {
   /// Runs a script of statements that take no parameters.
   void execute(const char* script);
   std::int64_t lastInsertedRow() const;
+  /// The number of rows that the last INSERT, UPDATE or DELETE changed, without those of triggers.
+  std::int64_t rowsChanged() const;
   /// Sets how long a statement waits for another writer before it fails with SQLITE_BUSY.
   void setBusyTimeout(int milliseconds);
   /// Sets a statement to run at the end of each write transaction. The string must outlive the
@@ -149,6 +151,19 @@ class Connection {
   bool hasRunScripts_ = false;
   const char* beforeCommit_ = nullptr;
   std::string refusal_;
+};
+
+/// While it lives, the connection's statements fire no triggers. Both of its ends make SQLite
+/// prepare all cached statements again.
+class TriggersOff {
+ public:
+  explicit TriggersOff(Connection& connection);
+  ~TriggersOff();
+  TriggersOff(const TriggersOff&) = delete;
+  TriggersOff& operator=(const TriggersOff&) = delete;
+
+ private:
+  Connection& connection_;
 };
 
 /// An exclusive lock of the database file against all other connections, also those of this

@@ -2,6 +2,7 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
+#include <filesystem>
 #include <functional>
 #include <random>
 #include <stdexcept>
@@ -103,6 +104,46 @@ TEST_F(ManyNotes, AreRenamedLikeEachOfThem) {
   EXPECT_EQ(client.value("SELECT count(*) FROM tag WHERE title LIKE 'work%'"), "0");
 }
 
+/// What this program keeps about the notes, without random numbers and the index.
+std::string bookkeeping(const std::filesystem::path& database) {
+  return ForeignClient(database).value(
+      "SELECT group_concat(concat, char(10)) FROM ("
+      "SELECT note || ' ' || ifnull(title, '') || ' ' || modificationDate || ' ' || titleKey || ' "
+      "' "
+      "|| textDigest || ' ' || textLength || ' ' || todoIncomplete || ' ' || features || ' ' || "
+      "(SELECT text FROM note WHERE id = note) AS concat FROM noteSummary "
+      "UNION ALL SELECT 'link ' || note || ' ' || target FROM noteLink "
+      "UNION ALL SELECT 'tag ' || note || ' ' || title FROM noteTag JOIN tag ON tag.id = tag "
+      "ORDER BY 1)");
+}
+
+TEST_F(ManyNotes, AreWrittenAlikeWithTriggersOffAndOn) {
+  fill();
+  stack.reset();
+  // Triggers stay on where somebody else has some.
+  const std::filesystem::path triggered = home.path() / "triggered";
+  std::filesystem::copy(home.data(), triggered, std::filesystem::copy_options::recursive);
+  ForeignClient client(triggered / home.database().filename());
+  client.run(
+      "CREATE TABLE seen (id INTEGER PRIMARY KEY, text TEXT); "
+      "CREATE TRIGGER theirs AFTER UPDATE OF text ON note BEGIN "
+      "INSERT OR REPLACE INTO seen VALUES (NEW.id, NEW.text); END");
+  for (const std::filesystem::path& data : {home.data(), triggered}) {
+    std::string error;
+    const auto opened = KVCoreDataStackForExtensions::initStackOutputError(data, error);
+    ASSERT_NE(opened, nullptr) << error;
+    ManagedObjectContext& notes = *opened->managedObjectContext();
+    KVNoteTag::tagWithName("work", notes)->renameTagWithTagNamed("job/1", false);
+    // The triggers are on again.
+    notes.notesWithTag("job/1", true).front()->updateNoteWithText("# another #job/1", false);
+    notes.save();
+  }
+  EXPECT_EQ(bookkeeping(home.database()), bookkeeping(triggered / home.database().filename()));
+  EXPECT_EQ(
+      client.value("SELECT count(*) FROM seen JOIN note USING (id) WHERE seen.text = note.text"),
+      client.value("SELECT count(*) FROM note WHERE text LIKE '%job/1%'"));
+}
+
 TEST_F(ManyNotes, AreAllSavedOrNone) {
   fill();
   const auto throwing = [] { throw std::runtime_error("cannot"); };
@@ -118,13 +159,19 @@ TEST_F(ManyNotes, AreAllSavedOrNone) {
       [&](KVNote&) {
         return NoteChange{nullptr, throwing};
       },
-      changing,  // which another program has changed
+      // which another program has changed
+      changing,
+      [](KVNote& note) {
+        return NoteChange{nullptr, [&] { note.updateNoteWithText(note.text() + "\nmore", false); }};
+      },
+      [](KVNote&) { return NoteChange(); },
   };
+  const auto* const firstForeign = std::end(failures) - 3;
   for (const auto& failure : failures) {
     const std::vector<KVNote*> notes = context().notesWithTag("work", true);
     ASSERT_GT(notes.size(), 200U);
     ForeignClient client(home.database());
-    if (&failure == std::end(failures) - 1) {
+    if (&failure >= firstForeign) {
       client.run("UPDATE note SET pinned = 1 WHERE uniqueIdentifier = '" +
                  notes[200]->uniqueIdentifier() + "'");
     }
@@ -136,6 +183,21 @@ TEST_F(ManyNotes, AreAllSavedOrNone) {
   }
   context().saveEach(context().notesWithTag("work", true), changing);
   EXPECT_TRUE(context().notesWithTag("work", true).empty());
+}
+
+TEST_F(ManyNotes, AreNotWrittenOverATextThatChangedWithoutTriggers) {
+  fill();
+  const std::vector<KVNote*> notes = context().notesWithTag("work", true);
+  EXPECT_FALSE(notes[7]->text().empty());
+  ForeignClient client(home.database());
+  sqlite3_db_config(client.handle(), SQLITE_DBCONFIG_ENABLE_TRIGGER, 0, nullptr);
+  client.run("UPDATE note SET text = text || 'theirs' WHERE uniqueIdentifier = '" +
+             notes[7]->uniqueIdentifier() + "'");
+  const std::string before = state();
+  EXPECT_ANY_THROW(context().saveEach(notes, [](KVNote& note) {
+    return NoteChange{nullptr, [&] { note.updateNoteWithText(note.text() + "\nmore", false); }};
+  }));
+  EXPECT_EQ(state(), before);
 }
 
 }  // namespace
