@@ -11,8 +11,8 @@ using Methods = sqlite3_io_methods;
 
 constexpr int frameHeaderSize = 24;
 constexpr int capacity = 128 * 1024;
-/// A command writes few transactions, for which the memory would cost more than the calls.
-constexpr int commitsBefore = 4;
+/// Most commands write fewer frames, for which the memory would cost more than the calls.
+constexpr int framesBefore = 64;
 
 LogFile& logOf(sqlite3_file* file) {
   return *static_cast<LogFile*>(file);
@@ -71,7 +71,7 @@ const sqlite3_io_methods LogFile::methods{
 /// are in the file already.
 bool LogFile::holdsBack(int amount, sqlite3_int64 offset) {
   if (size_ > 0) return true;
-  if (amount != frameHeaderSize || offset != next_ || commitsSeen_ < commitsBefore) return false;
+  if (amount != frameHeaderSize || offset != next_ || framesSeen_ < framesBefore) return false;
   if (!held_) held_.reset(static_cast<char*>(sqlite3_malloc(capacity)));
   return held_ != nullptr;
 }
@@ -87,7 +87,7 @@ int LogFile::write(const void* bytes, int amount, sqlite3_int64 offset) {
   if (isHeader) commits_ = isOfCommit(bytes);
   next_ = offset + amount;
   if (!holds) {
-    if (endsCommit) commitsSeen_ = std::min(commitsSeen_ + 1, commitsBefore);
+    if (isHeader) framesSeen_ = std::min(framesSeen_ + 1, framesBefore);
     return forward<&Methods::xWrite>(this, bytes, amount, offset);
   }
   std::memcpy(held_.get() + size_, bytes, static_cast<std::size_t>(amount));

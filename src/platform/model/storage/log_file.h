@@ -36,7 +36,7 @@ class LogFile : public WrappedFile {
   int size_ = 0;             ///< bytes held back
   sqlite3_int64 next_ = -1;  ///< where the last write ended; -1 after another call
   bool commits_ = false;     ///< the last frame's header is that of a commit
-  int commitsSeen_ = 0;
+  int framesSeen_ = 0;       ///< up to a limit
   LogFile** place_ = nullptr;
 };
 static_assert(sizeof(LogFile) <= WrappedFile::wrapperSize);
