@@ -21,8 +21,11 @@ namespace {
 /// hardly narrow the result.
 constexpr std::size_t mostTrigrams = 12;
 
-/// Slices with fewer notes are merged if there are more than `mostSmallSlices` of them.
-constexpr std::int64_t smallSlice = sliceCapacity * 3 / 4;
+/// Slices with fewer notes are merged into one of `whole` notes, if there are more than
+/// `mostSmallSlices` of them.
+constexpr std::int64_t smallPart(std::int64_t whole) {
+  return whole * 3 / 4;
+}
 constexpr std::size_t mostSmallSlices = 8;
 /// Limit of `searchSlice.firsts` in bytes: a slice with few notes but many trigrams is not merged.
 constexpr std::int64_t mostFirsts = 8192;
@@ -173,13 +176,13 @@ bool SearchIndex::areUnknown(std::int64_t atLeast) {
 
 /// Loads the last slice into the builder and returns it, if so many notes wait to be indexed that
 /// it is worth writing it again, and it never lost one of its own. Otherwise returns a new one.
-std::int64_t SearchIndex::sliceToFill(SliceBuilder& builder) {
+std::int64_t SearchIndex::sliceToFill(SliceBuilder& builder, std::int64_t whole) {
   sqlite::Query query = connection_.query(
       "SELECT slice, notes, length(firsts) FROM searchSlice ORDER BY slice DESC LIMIT 1");
   if (!query.step()) return 1;
   const std::int64_t last = query.integer(0);
   const std::int64_t notes = query.integer(1);
-  const bool isSmall = notes < smallSlice && query.integer(2) < mostFirsts;
+  const bool isSmall = notes < smallPart(whole) && query.integer(2) < mostFirsts;
   if (!isSmall || !areUnknown(notes)) return last + 1;
   const int count = static_cast<int>(notes);
   if (liveIn(last) != PositionSet::first(count)) return last + 1;
@@ -189,8 +192,8 @@ std::int64_t SearchIndex::sliceToFill(SliceBuilder& builder) {
 
 /// Indexes notes until a slice is full or the deadline has passed. Returns true if more notes may
 /// be left. The builder must be empty, and is empty afterwards.
-bool SearchIndex::addNotes(SliceBuilder& builder, Clock::time_point deadline) {
-  const std::int64_t slice = sliceToFill(builder);
+bool SearchIndex::addNotes(SliceBuilder& builder, Clock::time_point deadline, std::int64_t whole) {
+  const std::int64_t slice = sliceToFill(builder, whole);
   const int before = builder.notes();
   bool goesOn = true;
   std::int64_t last = INT64_MIN;
@@ -289,17 +292,18 @@ void SearchIndex::setCounter(std::string_view name, std::int64_t value) {
       .run();
 }
 
-void SearchIndex::mergeSmall() {
+/// Merges small slices into one of at most `whole` notes, if there are enough of them.
+void SearchIndex::mergeSmall(std::int64_t whole) {
   std::vector<std::int64_t> slices;
   std::int64_t notes = 0;
   std::size_t small = 0;
   sqlite::Query query = connection_.query(
       "SELECT slice, notes FROM searchSlice WHERE notes < ?1 AND length(firsts) < ?2 "
       "ORDER BY notes, slice");
-  query.bind(1, smallSlice).bind(2, mostFirsts);
+  query.bind(1, smallPart(whole)).bind(2, mostFirsts);
   for (; query.step(); ++small) {
     notes += query.integer(1);
-    if (notes <= sliceCapacity) slices.push_back(query.integer(0));
+    if (notes <= whole) slices.push_back(query.integer(0));
   }
   if (small > mostSmallSlices && slices.size() > 1) merge(slices);
 }
@@ -309,17 +313,13 @@ void SearchIndex::merge(const std::vector<std::int64_t>& slices) {
   const std::int64_t merged = newSlice();
   SliceBuilder builder;
   for (const std::int64_t slice : slices) {
-    std::array<int, sliceCapacity> moved{};  // the new position of each old one
+    SliceBuilder::Moves moved;
+    moved.fill(-1);
     const PositionSet live = liveIn(slice);
     live.forEach(
         [&](int position) { moved[static_cast<std::size_t>(position)] = builder.addPosition(); });
-    forEachEntry(connection_, slice, [&](std::string_view key, std::string_view encoded) {
-      PositionSet before = PositionSet::decoded(encoded);
-      before &= live;
-      if (before.isEmpty()) return;
-      PositionSet after;
-      before.forEach([&](int position) { after.add(moved[static_cast<std::size_t>(position)]); });
-      builder.addEntry(key, after);
+    forEachEntry(connection_, slice, [&](std::string_view key, std::string_view positions) {
+      builder.addEntry(key, positions, moved);
     });
     removeSlice(connection_, slice);
     live.forEach([&](int position) {
@@ -343,11 +343,11 @@ bool SearchIndex::bringUpToDate(TidyBudget budget) {
   while (areLeft) {
     // What is read is then also written to the slice, the log and the database.
     const auto readUntil = Clock::now() + (deadline - Clock::now()) * 2 / 3;
-    areLeft = addNotes(builder, readUntil);
+    areLeft = addNotes(builder, readUntil, budget.notesInSlice);
     if (Clock::now() >= readUntil) break;
   }
   removeNextStale();
-  mergeSmall();
+  if (Clock::now() < deadline) mergeSmall(budget.notesInSlice);
   return areLeft || Clock::now() >= deadline;
 }
 

@@ -52,11 +52,11 @@ class SearchIndex {
   void removeNextStale();
   bool hasStale(std::int64_t slice);
   bool removeStale(std::int64_t slice);
-  bool addNotes(SliceBuilder& builder, Clock::time_point deadline);
+  bool addNotes(SliceBuilder& builder, Clock::time_point deadline, std::int64_t whole);
   void add(SliceBuilder& builder, std::vector<NoteToIndex>& notes, std::int64_t slice);
   void store(const NoteToIndex& note);
-  std::int64_t sliceToFill(SliceBuilder& builder);
-  void mergeSmall();
+  std::int64_t sliceToFill(SliceBuilder& builder, std::int64_t whole);
+  void mergeSmall(std::int64_t whole);
   void merge(const std::vector<std::int64_t>& slices);
   bool areUnknown(std::int64_t atLeast);
   /// The next few unindexed notes with ids above `after`, ascending, at most `most`.

@@ -1,6 +1,8 @@
 #include "platform/model/search/slice_builder.h"
 
 #include <algorithm>
+#include <numeric>
+#include <optional>
 #include <string>
 
 #include "platform/model/search/slice_blocks.h"
@@ -47,8 +49,10 @@ void SliceBuilder::addNote(const std::vector<std::string_view>& texts) {
 
 void SliceBuilder::load(sqlite::Connection& connection, std::int64_t slice, int notes) {
   notes_ = notes;
+  Moves unmoved;
+  std::iota(unmoved.begin(), unmoved.end(), 0);
   forEachEntry(connection, slice, [&](std::string_view key, std::string_view positions) {
-    addEntry(key, PositionSet::decoded(positions));
+    addEntry(key, positions, unmoved);
   });
 }
 
@@ -72,14 +76,17 @@ PositionSet SliceBuilder::positionsOf(std::size_t place) const {
   return positions;
 }
 
-void SliceBuilder::addEntry(std::string_view key, const PositionSet& positions) {
-  if (key.empty()) ofAnything_ |= positions;
-  forEachTrigram(key, [&](Trigram trigram) {
-    const std::size_t place = placeOf(trigram);
-    for (std::size_t group = 0; group < words_.size(); ++group) {
-      const std::uint64_t notes = positions.words()[group];
-      if (notes != 0) addWord(static_cast<int>(group), place, notes);
-    }
+void SliceBuilder::addEntry(std::string_view key, std::string_view positions, const Moves& moved) {
+  std::optional<Trigram> trigram;
+  forEachTrigram(key, [&](Trigram only) { trigram = only; });
+  std::optional<std::size_t> place;
+  PositionSet::forEachOf(positions, [&](int before) {
+    const int position = moved[static_cast<std::size_t>(before)];
+    if (position < 0) return;
+    if (!trigram) return ofAnything_.add(position);
+    if (!place) place = placeOf(*trigram);
+    addWord(position / RecentTrigrams::notes, *place,
+            std::uint64_t{1} << (position % RecentTrigrams::notes));
   });
 }
 

@@ -22,8 +22,10 @@ class SliceBuilder {
   void addNote(const std::vector<std::string_view>& texts);
   /// Adds a note without trigrams at the next position, and returns the position.
   int addPosition() { return notes_++; }
-  /// Adds positions to an entry (see slice_blocks.h).
-  void addEntry(std::string_view key, const PositionSet& positions);
+  /// The new position of each one of another slice; negative: none.
+  using Moves = std::array<int, sliceCapacity>;
+  /// Adds an entry of another slice (see slice_blocks.h), with its positions moved.
+  void addEntry(std::string_view key, std::string_view positions, const Moves& moved);
 
   int notes() const { return notes_; }
   /// Whether no more notes should be added.

@@ -4,11 +4,6 @@
 #include <numeric>
 
 namespace tavimodel {
-namespace {
-
-constexpr std::size_t bitmapSize = sliceCapacity / 8;
-
-}  // namespace
 
 PositionSet PositionSet::all() {
   PositionSet set;
@@ -22,26 +17,18 @@ PositionSet PositionSet::first(int count) {
   return set;
 }
 
-PositionSet PositionSet::decoded(std::string_view bytes) {
+PositionSet PositionSet::ofBitmap(std::string_view bytes) {
   PositionSet set;
-  if (bytes.size() == bitmapSize) {
-    for (std::size_t i = 0; i < bitmapSize; ++i) {
-      set.words_[i / 8] |= std::uint64_t{static_cast<unsigned char>(bytes[i])} << (i % 8 * 8);
-    }
-    return set;
+  for (std::size_t i = 0; i < bitmapSize; ++i) {
+    set.words_[i / 8] |= std::uint64_t{static_cast<unsigned char>(bytes[i])} << (i % 8 * 8);
   }
-  int position = -1;
-  int gap = 0;
-  int shift = 0;
-  for (const char byte : bytes) {
-    gap |= (byte & 0x7F) << shift;
-    shift = 7;
-    if ((byte & 0x80) != 0) continue;
-    position += gap + 1;
-    if (position >= sliceCapacity) break;
-    set.add(position);
-    gap = shift = 0;
-  }
+  return set;
+}
+
+PositionSet PositionSet::decoded(std::string_view bytes) {
+  if (bytes.size() == bitmapSize) return ofBitmap(bytes);
+  PositionSet set;
+  forEachOfGaps(bytes, [&](int position) { set.add(position); });
   return set;
 }
 

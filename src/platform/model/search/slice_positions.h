@@ -20,6 +20,9 @@ class PositionSet {
   static PositionSet first(int count);
   /// Decodes the bytes of an Encoding. Other bytes give an unspecified set.
   static PositionSet decoded(std::string_view bytes);
+  /// Calls `visit` with each position of an Encoding, ascending.
+  template <class Visit>
+  static void forEachOf(std::string_view bytes, const Visit& visit);
 
   void add(int position) { word(position) |= bit(position); }
   bool has(int position) const { return (words_[index(position)] & bit(position)) != 0; }
@@ -49,6 +52,11 @@ class PositionSet {
   static std::uint64_t bit(int position) { return std::uint64_t{1} << (position % 64); }
   std::uint64_t& word(int position) { return words_[index(position)]; }
 
+  static constexpr std::size_t bitmapSize = sliceCapacity / 8;  ///< bytes
+  static PositionSet ofBitmap(std::string_view bytes);
+  template <class Visit>
+  static void forEachOfGaps(std::string_view bytes, const Visit& visit);
+
   Words words_{};
 };
 
@@ -64,8 +72,33 @@ class PositionSet::Encoding {
   bool writeGaps(const PositionSet& set);
   void writeBitmap(const PositionSet& set);
 
-  std::array<char, sliceCapacity / 8> bytes_;
+  std::array<char, bitmapSize> bytes_;
   std::size_t size_ = 0;
 };
+
+template <class Visit>
+void PositionSet::forEachOf(std::string_view bytes, const Visit& visit) {
+  if (bytes.size() == bitmapSize) {
+    ofBitmap(bytes).forEach(visit);
+  } else {
+    forEachOfGaps(bytes, visit);
+  }
+}
+
+template <class Visit>
+void PositionSet::forEachOfGaps(std::string_view bytes, const Visit& visit) {
+  int position = -1;
+  int gap = 0;
+  int shift = 0;
+  for (const char byte : bytes) {
+    gap |= (byte & 0x7F) << shift;
+    shift = 7;
+    if ((byte & 0x80) != 0) continue;
+    position += gap + 1;
+    if (position >= sliceCapacity) break;
+    visit(position);
+    gap = shift = 0;
+  }
+}
 
 }  // namespace tavimodel

@@ -138,7 +138,8 @@ class SearchEquivalence : public OpenedModel {
     if (generate.oneIn(12)) reopen();
     if (generate.oneIn(8)) {
       context().reset();
-      catchUp(stack->connection(), updateSearchIndex, {.fewestNotes = 1, .milliseconds = 1000});
+      catchUp(stack->connection(), updateSearchIndex,
+              {.fewestNotes = 1, .milliseconds = 1000, .notesInSlice = 1024});
     }
   }
 

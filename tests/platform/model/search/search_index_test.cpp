@@ -29,7 +29,7 @@ class Index : public OpenedModel {
   bool update(int milliseconds) {
     context().reset();
     return catchUp(stack->connection(), updateSearchIndex,
-                   {.fewestNotes = 1, .milliseconds = milliseconds});
+                   {.fewestNotes = 1, .milliseconds = milliseconds, .notesInSlice = 1024});
   }
 
   std::vector<std::int64_t> notesWith(const std::string& term) {

@@ -20,7 +20,8 @@ class Search : public OpenedModel {
 
   void index() {
     context().reset();
-    catchUp(stack->connection(), updateSearchIndex, {.fewestNotes = 1, .milliseconds = 1000});
+    catchUp(stack->connection(), updateSearchIndex,
+            {.fewestNotes = 1, .milliseconds = 1000, .notesInSlice = 1024});
   }
 
   /// The titles of the notes found, ascending.
