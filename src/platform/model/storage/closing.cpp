@@ -29,11 +29,16 @@ bool tidy(sqlite::Connection& connection, FileStore& files, IndexUpdate updateIn
   return catchUp(connection, updateIndex, budget);
 }
 
-void tidyAndCheckpoint(sqlite::Connection& connection, FileStore& files, IndexUpdate updateIndex) {
-  tidy(connection, files, updateIndex, closingBudget);
+bool tidyOpen(sqlite::Connection& connection, FileStore& files, IndexUpdate updateIndex,
+              TidyBudget budget) {
+  const bool timeRanOut = tidy(connection, files, updateIndex, budget);
   connection.query("PRAGMA synchronous = FULL").run();
   connection.query("PRAGMA cache_size = -2000").run();  // KiB, SQLite's default
   connection.setBusyTimeout(waitForWriters);
+  return timeRanOut;
+}
+
+void checkpointOpen(sqlite::Connection& connection) {
   sqlite3_wal_checkpoint_v2(connection.handle(), nullptr, SQLITE_CHECKPOINT_PASSIVE, nullptr,
                             nullptr);
   // A connection increments the file change counter when it has read page 1 from the file. Each log

@@ -16,10 +16,14 @@ class FileStore;
 bool tidy(sqlite::Connection& connection, FileStore& files, IndexUpdate updateIndex,
           TidyBudget budget);
 
-/// What closing does, while the connection stays open and as it was: maintenance, and a checkpoint
-/// as far as other connections permit. The log keeps its size, and SQLite begins it anew with the
-/// next commit; writing to it in place takes half the time of making it longer.
-void tidyAndCheckpoint(sqlite::Connection& connection, FileStore& files, IndexUpdate updateIndex);
+/// `tidy` for a connection that stays open, with its settings as they were.
+bool tidyOpen(sqlite::Connection& connection, FileStore& files, IndexUpdate updateIndex,
+              TidyBudget budget);
+
+/// Checkpoints the log of a connection that stays open, as far as other connections permit. The log
+/// keeps its size, and SQLite begins it anew with the next commit; writing to it in place takes
+/// half the time of making it longer. Never throws.
+void checkpointOpen(sqlite::Connection& connection);
 
 /// Checkpoints and truncates the log, unless another connection is reading it, and closes the
 /// database. Call it after `tidy`, which sets the connection's busy timeout to 0.

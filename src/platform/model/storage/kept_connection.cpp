@@ -2,6 +2,7 @@
 
 #include <unistd.h>
 
+#include <chrono>
 #include <exception>
 #include <stdexcept>
 #include <utility>
@@ -20,6 +21,12 @@ constexpr std::size_t mostStatements = 200;
 /// Pages of the log from which even a server that is never idle writes it back. The next program
 /// that opens the database after the server was killed reads the whole log.
 constexpr std::int64_t longLog = 3000;
+/// Pages that an idle server writes back at once.
+constexpr std::int64_t longIdleLog = 500;
+/// A slice that has taken longer leaves closing to the next one.
+constexpr std::chrono::milliseconds longBeforeClosing(2);
+
+using Clock = std::chrono::steady_clock;
 
 }  // namespace
 
@@ -65,47 +72,53 @@ void KeptConnection::keep(std::unique_ptr<sqlite::Connection> connection,
   reusable_ = !connection_->isRefused() && identity_.database == opened.database &&
               identity_.folder == opened.folder && identity_.isSettled() &&
               !connection_->hasRunScripts() && connection_->statementsKept() <= mostStatements;
-  if (!isLogLong()) return;
-  if (reusable_) {
-    writeBack();
-  } else {
-    close();
-  }
-}
-
-/// Whether the log has become longer by `longLog` since it was written back.
-bool KeptConnection::isLogLong() {
-  const std::int64_t pages = connection_->logPages();
-  if (pages < pagesWrittenBack_) pagesWrittenBack_ = 0;  // the log has begun anew
-  return pages - pagesWrittenBack_ >= longLog;
-}
-
-/// Writes the log back between two calls of which the second finds the same connection.
-void KeptConnection::writeBack() {
-  pagesWrittenBack_ = connection_->logPages();
+  if (!isLogLong(longLog)) return;
+  if (!reusable_) return close();
   reusable_ = false;
   try {
     FileStore files(folder_ / "files");
-    tidyAndCheckpoint(*connection_, files, updateIndex_);
-    DatabaseIdentity::settle(folder_);
-    const DatabaseIdentity now = DatabaseIdentity::of(folder_);
-    reusable_ = now.isSettled() && now.folder == identity_.folder &&
-                now.database.isSameFile(identity_.database);
-    identity_ = now;
+    tidyOpen(*connection_, files, updateIndex_, closingBudget);
+    writeBack();
   } catch (const std::exception&) {
     // The next call opens the database.
   }
 }
 
+/// Whether the log has become longer by this number of pages since it was written back.
+bool KeptConnection::isLogLong(std::int64_t limit) {
+  const std::int64_t pages = connection_->logPages();
+  if (pages < pagesWrittenBack_) pagesWrittenBack_ = 0;  // the log has begun anew
+  return pages - pagesWrittenBack_ >= limit;
+}
+
+/// Writes the log back between two calls of which the second finds the same connection.
+void KeptConnection::writeBack() {
+  pagesWrittenBack_ = connection_->logPages();
+  checkpointOpen(*connection_);
+  DatabaseIdentity::settle(folder_);
+  const DatabaseIdentity now = DatabaseIdentity::of(folder_);
+  reusable_ = now.isSettled() && now.folder == identity_.folder &&
+              now.database.isSameFile(identity_.database);
+  identity_ = now;
+}
+
 bool KeptConnection::work() {
   if (!connection_) return false;
-  reusable_ = false;
+  const auto start = Clock::now();
+  bool reusable = std::exchange(reusable_, false);
   try {
-    ensureCurrent();
+    if (!ensureCurrent()) reusable = false;
+    if (isLogLong(longIdleLog)) {
+      writeBack();
+      reusable_ = reusable_ && reusable;
+      return true;
+    }
     FileStore files(folder_ / "files");
-    const bool more = tidy(*connection_, files, updateIndex_, idleBudget);
-    identity_ = DatabaseIdentity::of(folder_);
-    if (more) return true;
+    const bool more = tidyOpen(*connection_, files, updateIndex_, idleBudget);
+    const DatabaseIdentity now = DatabaseIdentity::of(folder_);
+    reusable_ = reusable && now.database == identity_.database && now.folder == identity_.folder;
+    identity_ = now;
+    if (more || Clock::now() - start > longBeforeClosing) return true;
     checkpointAndClose(std::move(connection_), folder_);
   } catch (const std::exception&) {
     connection_.reset();  // the next program that opens the database does it
@@ -118,15 +131,16 @@ void KeptConnection::drop() {
 }
 
 /// Reopens the database if its files have changed: this connection's log must not be applied to a
-/// file that has replaced the database.
-void KeptConnection::ensureCurrent() {
-  if (isCurrent(DatabaseIdentity::of(folder_))) return;
+/// file that has replaced the database. Returns false if it did.
+bool KeptConnection::ensureCurrent() {
+  if (isCurrent(DatabaseIdentity::of(folder_))) return true;
   connection_.reset();
   if (!DatabaseIdentity::of(folder_).database.exists)
     throw std::runtime_error("The database is gone.");
   connection_ = openDatabase(folder_, DatabaseAccess::readWrite);
   if (!connection_->isRefused()) repairLockFlags(*connection_);
   dataVersion_ = connection_->dataVersion();
+  return false;
 }
 
 }  // namespace tavimodel

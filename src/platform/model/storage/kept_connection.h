@@ -34,18 +34,19 @@ class KeptConnection {
   void keep(std::unique_ptr<sqlite::Connection> connection, const std::filesystem::path& folder,
             const DatabaseIdentity& opened, std::int64_t dataVersion);
 
-  /// Does a slice of maintenance, about 10 ms long. Returns false when no work is left: the
-  /// database is then closed, and its log empty unless another program uses it. Never throws.
+  /// Does a slice of maintenance, of 10 ms at most. The connection can be taken after each of them.
+  /// Returns false when no work is left: the database is then closed, and its log empty unless
+  /// another program uses it. Never throws.
   bool work();
   /// Closes the connection without maintenance.
   void drop();
 
  private:
   bool isCurrent(const DatabaseIdentity& found) const;
-  bool isLogLong();
+  bool isLogLong(std::int64_t limit);
   void writeBack();
   void close();
-  void ensureCurrent();
+  bool ensureCurrent();
 
   std::unique_ptr<sqlite::Connection> connection_;
   std::filesystem::path folder_;
@@ -53,8 +54,7 @@ class KeptConnection {
   /// Reveals a commit by another connection between a call's answer and `identity_`.
   std::int64_t dataVersion_ = 0;
   std::int64_t pagesWrittenBack_ = 0;  ///< pages in the log when it was last written back
-  bool reusable_ =
-      false;  ///< false: `work` has begun, or the connection's settings may differ from a new one's
+  bool reusable_ = false;              ///< false: the connection may differ from a new one
   IndexUpdate updateIndex_;
 };
 

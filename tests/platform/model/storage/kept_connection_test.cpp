@@ -41,6 +41,23 @@ class Kept : public testing::Test {
     return kept->take(home.data(), DatabaseIdentity::of(home.data()));
   }
 
+  static void commit(sqlite::Connection& connection, const char* sql) {
+    sqlite::Transaction transaction(connection, sqlite::Transaction::Kind::write);
+    connection.query(sql).run();
+    transaction.commit();
+  }
+
+  void expectSettingsOfANewOne(sqlite::Connection& connection) const {
+    const auto fresh = openDatabase(home.data(), DatabaseAccess::readWrite);
+    for (const char* setting : {"PRAGMA synchronous", "PRAGMA busy_timeout", "PRAGMA secure_delete",
+                                "PRAGMA cache_size"}) {
+      sqlite::Query ours = connection.query(setting);
+      sqlite::Query theirs = fresh->query(setting);
+      EXPECT_TRUE(ours.step() && theirs.step());
+      EXPECT_EQ(ours.integer(0), theirs.integer(0)) << setting;
+    }
+  }
+
   support::ThrowawayHome home{support::ThrowawayHome::On::memory};
   const fs::path older = home.path() / "older";
   std::unique_ptr<KeptConnection> kept = std::make_unique<KeptConnection>(updateSearchIndex);
@@ -64,6 +81,30 @@ TEST_F(Kept, IsNotTakenAfterACommitThatTheFilesDoNotShow) {
   EXPECT_EQ(take(), nullptr);
 }
 
+// A call may come between two slices of idle work. The next slice has to go on as if it had not.
+TEST_F(Kept, IsTakenAsItWasBetweenAllSlicesOfWork) {
+  auto connection = take();
+  commit(*connection,
+         "WITH RECURSIVE n (i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 4000) "
+         "INSERT INTO note (text) SELECT hex(randomblob(150)) FROM n");
+  keep(std::move(connection), kept->dataVersion());
+  int slices = 0;
+  for (; kept->work(); ++slices) {
+    const DatabaseIdentity before = DatabaseIdentity::of(home.data());
+    connection = kept->take(home.data(), before);
+    ASSERT_NE(connection, nullptr) << slices;
+    expectSettingsOfANewOne(*connection);
+    EXPECT_LT(connection->logPages(), 3000);
+    kept->keep(std::move(connection), home.data(), before, kept->dataVersion());
+  }
+  EXPECT_GT(slices, 3);
+  EXPECT_EQ(logSize(home.database()), 0U);
+  support::ForeignClient client(home.database());
+  EXPECT_EQ(client.value("SELECT count(*) FROM noteSummary WHERE searchRow IS NULL"), "0");
+  EXPECT_EQ(client.value("SELECT count(*) FROM note"), "4001");
+  EXPECT_EQ(client.value("PRAGMA integrity_check"), "ok");
+}
+
 /// With a log so long that it is written back between two calls, and enough notes to be indexed.
 class KeptInAStream : public Kept {
  protected:
@@ -80,11 +121,6 @@ class KeptInAStream : public Kept {
            "INSERT INTO note (text) SELECT printf('%.*c', 200000, 'x') FROM n");
     kept->keep(std::move(connection), home.data(), before, kept->dataVersion());
   }
-  static void commit(sqlite::Connection& connection, const char* sql) {
-    sqlite::Transaction transaction(connection, sqlite::Transaction::Kind::write);
-    connection.query(sql).run();
-    transaction.commit();
-  }
   std::string header() const {
     std::string bytes(100, '\0');
     std::ifstream(home.database(), std::ios::binary).read(bytes.data(), 100);
@@ -96,14 +132,7 @@ TEST_F(KeptInAStream, IsTakenAgainAsItWas) {
   EXPECT_GT(fs::file_size(home.database()), 10'000'000U) << "the log is written back";
   const auto connection = take();
   ASSERT_NE(connection, nullptr);
-  const auto fresh = openDatabase(home.data(), DatabaseAccess::readWrite);
-  for (const char* setting :
-       {"PRAGMA synchronous", "PRAGMA busy_timeout", "PRAGMA secure_delete", "PRAGMA cache_size"}) {
-    sqlite::Query ours = connection->query(setting);
-    sqlite::Query theirs = fresh->query(setting);
-    EXPECT_TRUE(ours.step() && theirs.step());
-    EXPECT_EQ(ours.integer(0), theirs.integer(0)) << setting;
-  }
+  expectSettingsOfANewOne(*connection);
 }
 
 // Within one tick of the file system's clock.
