@@ -72,6 +72,12 @@ class LoadRow(Row):
 
 
 @dataclass
+class CatchUpRow(ServerRow):
+    """Requests to a server that brings the index up to date while it waits for them. In the floor's
+    place stand the same requests with nothing left to do; the aim is in milliseconds above them."""
+
+
+@dataclass
 class MemoryRow(Row):
     """A server's memory after many calls, in place of the program's; after few, of the floor's."""
 
@@ -312,6 +318,14 @@ ROWS = [
         {"10k": 0.8},
         floor_command("commit"),
         program_command("mcp-server"),
+    ),
+    CatchUpRow(
+        "server: get_note while the index catches up",
+        {"10k": 10},
+        None,
+        program_command("mcp-server"),
+        tool="get_note",
+        arguments=lambda corpus: {"id": corpus.facts["sample"]},
     ),
     MemoryRow(
         "server: memory after 100,000 calls",

@@ -57,18 +57,19 @@ class Stopwatch:
             file.flush()
             watch = self.build / "bench" / "bench_round_trips"
             return self._timed(
-                lambda rounds: [watch, file.name, rounds], servers, environment, 7, most
+                lambda rounds: [watch, file.name, rounds, 0], servers, environment, 7, most
             )
 
-    def conversation(self, requests, server, environment, rounds=1):
-        """Times each of the requests to one server, all of them `rounds` times. To measure memory,
+    def conversation(self, requests, server, environment, rounds=1, pause=0):
+        """Times each of the requests to one server, all of them `rounds` times, each after `pause` to
+        twice as many milliseconds. To measure memory,
         send few requests: the memory of the timing program counts when it starts the server.
         """
         with tempfile.NamedTemporaryFile("w", suffix=".jsonl") as file:
             file.writelines(request + "\n" for request in requests)
             file.flush()
             watch = self.build / "bench" / "bench_round_trips"
-            return self._run([watch, file.name, rounds], [server], environment)[0]
+            return self._run([watch, file.name, rounds, pause], [server], environment)[0]
 
     def _timed(self, watch, commands, environment, least, most):
         # The first rounds warm the page cache and show how long a round takes.
