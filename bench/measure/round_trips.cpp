@@ -1,5 +1,5 @@
-// round_trips REQUESTS ROUNDS PAUSE -- COMMAND... [-- COMMAND...]...: starts each command once, as a
-// server that answers each line with a line. Sends the lines of the file REQUESTS, ROUNDS times,
+// round_trips REQUESTS ROUNDS PAUSE -- COMMAND... [-- COMMAND...]...: starts each command once, as
+// a server that answers each line with a line. Sends the lines of the file REQUESTS, ROUNDS times,
 // and measures the time from before each request to after its answer. The servers take turns. Waits
 // for PAUSE to 2 * PAUSE milliseconds before each round, a different time in each.
 // Prints one line per command: its maximum memory in KiB, then each time in nanoseconds.
