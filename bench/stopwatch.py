@@ -62,8 +62,8 @@ class Stopwatch:
 
     def conversation(self, requests, server, environment, rounds=1, pause=0):
         """Times each of the requests to one server, all of them `rounds` times, each after `pause` to
-        twice as many milliseconds. To measure memory,
-        send few requests: the memory of the timing program counts when it starts the server.
+        twice as many milliseconds. To measure memory, send few requests: the memory of the timing
+        program counts when it starts the server.
         """
         with tempfile.NamedTemporaryFile("w", suffix=".jsonl") as file:
             file.writelines(request + "\n" for request in requests)

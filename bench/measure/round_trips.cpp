@@ -28,7 +28,7 @@ int main(int, char** arguments) {
   std::vector<std::vector<std::int64_t>> times(commands.size());
   for (long round = 0; round < rounds; ++round) {
     if (pause > 0) {
-      constexpr long step = 7;  // prime to most pauses
+      constexpr long step = 7;  // shares no factor with most pauses
       std::this_thread::sleep_for(std::chrono::milliseconds(pause + round * step % pause));
     }
     for (const std::string& request : requests) {

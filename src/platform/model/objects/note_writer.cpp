@@ -124,18 +124,20 @@ bool NoteWriter::differInText(const NoteState& now, const NoteState& before) {
 }
 
 bool NoteWriter::updateText(NoteState& now, const NoteState& before) {
-  NoteRow& row = now.row;
+  const NoteRow& row = now.row;
   const TextFacts& facts = *row.facts;
-  sqlite3_randomness(sizeof row.version, &row.version);
+  std::int64_t version = 0;
+  sqlite3_randomness(sizeof version, &version);
   sqlite::Query summary = connection_.query(
       "UPDATE noteSummary SET version = ?3, textDigest = ?4, textLength = ?5, "
       "todoIncomplete = ?6, todoCompleted = ?7, features = ?8, searchRow = NULL "
       "WHERE note = ?1 AND version = ?2 AND textDigest IS NOT NULL "
       "AND EXISTS (SELECT 1 FROM note WHERE id = ?1)");
-  summary.bind(1, row.id).bind(2, before.row.version).bind(3, row.version);
+  summary.bind(1, row.id).bind(2, before.row.version).bind(3, version);
   summary.bind(4, facts.digest).bind(5, facts.length).bind(6, facts.todoIncomplete);
   summary.bind(7, facts.todoCompleted).bind(8, facts.features).run();
   if (connection_.rowsChanged() == 0) return false;
+  now.row.version = version;
   connection_.query("UPDATE note SET text = ?2 WHERE id = ?1")
       .bind(1, row.id)
       .bind(2, *now.text)

@@ -21,8 +21,8 @@ struct OpenWork {
 OpenWork openWork(sqlite::Connection& connection);
 
 /// Limits of one round of index maintenance: at least `fewestNotes` unindexed notes are required to
-/// start it, and it stops after `milliseconds`. Slices of the index that are small for one of
-/// `notesInSlice` are written again, with others or new notes; that takes 12 µs a note.
+/// start it, and it stops after `milliseconds`. Slices of the index are filled and
+/// merged up to `notesInSlice`, because rewriting one takes about 12 µs a note.
 struct TidyBudget {
   std::int64_t fewestNotes;
   int milliseconds;

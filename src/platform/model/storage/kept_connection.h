@@ -34,9 +34,9 @@ class KeptConnection {
   void keep(std::unique_ptr<sqlite::Connection> connection, const std::filesystem::path& folder,
             const DatabaseIdentity& opened, std::int64_t dataVersion);
 
-  /// Does a slice of maintenance, of 10 ms at most. The connection can be taken after each of them.
-  /// Returns false when no work is left: the database is then closed, and its log empty unless
-  /// another program uses it. Never throws.
+  /// Does a slice of maintenance, of about 10 ms, or longer if a stream of writes has left a long
+  /// log. The connection can be taken after each of them. Returns false when no work is left: the
+  /// database is then closed, and its log empty unless another program uses it. Never throws.
   bool work();
   /// Closes the connection without maintenance.
   void drop();

@@ -107,13 +107,12 @@ TEST_F(ManyNotes, AreRenamedLikeEachOfThem) {
 /// What this program keeps about the notes, without random numbers and the index.
 std::string bookkeeping(const std::filesystem::path& database) {
   return ForeignClient(database).value(
-      "SELECT group_concat(concat, char(10)) FROM ("
-      "SELECT note || ' ' || ifnull(title, '') || ' ' || modificationDate || ' ' || titleKey || ' "
-      "' "
-      "|| textDigest || ' ' || textLength || ' ' || todoIncomplete || ' ' || features || ' ' || "
-      "(SELECT text FROM note WHERE id = note) AS concat FROM noteSummary "
-      "UNION ALL SELECT 'link ' || note || ' ' || target FROM noteLink "
-      "UNION ALL SELECT 'tag ' || note || ' ' || title FROM noteTag JOIN tag ON tag.id = tag "
+      "SELECT group_concat(row, char(10)) FROM ("
+      "SELECT json_array(note, s.title, s.modificationDate, titleKey, textDigest, textLength, "
+      "todoIncomplete, todoCompleted, features, text) AS row "
+      "FROM noteSummary s JOIN note ON note.id = s.note "
+      "UNION ALL SELECT json_array('link', note, target) FROM noteLink "
+      "UNION ALL SELECT json_array('tag', note, title) FROM noteTag JOIN tag ON tag.id = tag "
       "ORDER BY 1)");
 }
 
