@@ -12,9 +12,19 @@ void ByteSink::flush() {
   if (size > 0) accept({buffer_.get(), size});
 }
 
-void ByteSink::appendPastBuffer(std::string_view bytes) {
+void ByteSink::makeRoom() {
   flush();
-  if (bytes.size() >= bufferSize) return accept(bytes);
+  if (buffer_) return;
+  buffer_ = std::make_unique_for_overwrite<char[]>(bufferSize);
+  capacity_ = bufferSize;
+}
+
+void ByteSink::appendPastBuffer(std::string_view bytes) {
+  if (bytes.size() >= bufferSize) {
+    flush();
+    return accept(bytes);
+  }
+  makeRoom();
   append(bytes);
 }
 

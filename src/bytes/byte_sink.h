@@ -20,11 +20,11 @@ class ByteSink {
   virtual ~ByteSink() = default;
 
   void put(char byte) {
-    if (used_ == bufferSize) flush();
+    if (used_ == capacity_) makeRoom();
     buffer_[used_++] = byte;
   }
   void append(std::string_view bytes) {
-    if (bytes.size() > bufferSize - used_) return appendPastBuffer(bytes);
+    if (bytes.size() > capacity_ - used_) return appendPastBuffer(bytes);
     bytes.copy(buffer_.get() + used_, bytes.size());
     used_ += bytes.size();
   }
@@ -32,14 +32,16 @@ class ByteSink {
   void flush();
 
  protected:
-  ByteSink() : buffer_(std::make_unique_for_overwrite<char[]>(bufferSize)) {}
+  ByteSink() = default;
   /// Delivers all of `bytes`, the next part of the output, or throws.
   virtual void accept(std::string_view bytes) = 0;
 
  private:
   void appendPastBuffer(std::string_view bytes);
+  void makeRoom();
 
-  std::unique_ptr<char[]> buffer_;
+  std::unique_ptr<char[]> buffer_;  // from the first byte on: few commands write errors
+  std::size_t capacity_ = 0;
   std::size_t used_ = 0;
 };
 
