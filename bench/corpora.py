@@ -12,6 +12,7 @@ from pathlib import Path
 HERE = Path(__file__).resolve().parent
 SIZES = {"1k": 1_000, "10k": 10_000, "100k": 100_000, "1m": 1_000_000, "huge": "huge"}
 PROGRAM_ONLY = {"1m"}  # no Markdown files and no floors' file: the program is compared with itself
+LIST = ("list", "-n", "1")  # takes as long however many notes are not indexed, unlike a search
 SCHEMA = HERE.parent / "src" / "platform" / "model" / "storage" / "schema.cpp"
 
 
@@ -93,7 +94,7 @@ def _make(size, folder, generator, program):
         generate("floor", made.floor)
     # The program makes its database itself, and brings its index up to date, a bounded step at
     # the end of each command. What it leaves for later is what its user has, too.
-    _search(made, program)
+    _run(made, program, *LIST)
     generate("rows", made.database)
     facts["broadTag"] = _broad_tag(made.database)
     facts["indexingCommands"], facts["notIndexed"] = _index(made, program)
@@ -110,16 +111,15 @@ def _broad_tag(database):
     return min(shares, key=lambda share: abs(share[1] - notes / 6), default=("",))[0]
 
 
-def _search(corpus, program):
-    command = [program, "search", "nothing holds this", "-n", "1"]
-    subprocess.run(command, env=corpus.environment, check=True, capture_output=True)
+def _run(corpus, program, *arguments):
+    subprocess.run([program, *arguments], env=corpus.environment, check=True, capture_output=True)
 
 
 def _index(corpus, program):
     """How many commands it took, and how many notes are left for later."""
     commands, left = 0, unindexed(corpus.database)
     while left > 0:
-        _search(corpus, program)
+        _run(corpus, program, *LIST)
         commands += 1
         before, left = left, unindexed(corpus.database)
         if left == before:
@@ -184,7 +184,7 @@ def _ask(database, question):
 def clear(corpus, program):
     """Gives the corpus a new database without notes."""
     shutil.rmtree(corpus.database.parent)
-    _search(corpus, program)
+    _run(corpus, program, *LIST)
 
 
 def add_rows(corpus, count, build):
