@@ -342,7 +342,7 @@ bool SearchIndex::bringUpToDate(TidyBudget budget) {
   bool areLeft = true;
   while (areLeft) {
     // What is read is then also written to the slice, the log and the database.
-    const auto readUntil = Clock::now() + (deadline - Clock::now()) * 2 / 3;
+    const auto readUntil = Clock::now() + (deadline - Clock::now()) * 3 / 5;
     areLeft = addNotes(builder, readUntil, budget.notesInSlice);
     if (Clock::now() >= readUntil) break;
   }
