@@ -16,4 +16,18 @@ std::string_view placeTest(Place place) {
   return "ifnull(permanentlyDeleted, 0) = 0";
 }
 
+std::string_view placeTestOfScan(Place place) {
+  switch (place) {
+    case Place::anywhere:
+      break;
+    case Place::notes:
+      return "place = 0";
+    case Place::trash:
+      return "place IN (4, 6)";
+    case Place::archive:
+      return "place IN (2, 6)";
+  }
+  return "place IN (0, 2, 4, 6)";
+}
+
 }  // namespace tavimodel

@@ -24,8 +24,10 @@ struct SortDescriptor {
 /// note is in none.
 enum class Place { anywhere, notes, trash, archive };
 
-/// Returns an SQL test on the columns of `noteSummary s`.
+/// Returns an SQL test on the columns of `noteSummary s`, for which there are indexes.
 std::string_view placeTest(Place place);
+/// Returns the same test on one column, for a scan of all rows, which needs no index.
+std::string_view placeTestOfScan(Place place);
 
 /// Which notes to fetch, and in which order. Notes that are equal in all descriptors are sorted by
 /// descending id, whatever the descriptors' directions. An absent title equals an empty one, and an

@@ -59,19 +59,27 @@ NoteTable decidedBySQL(sqlite::Connection& connection, const FetchRequest& reque
   // row.
   if (!page && !isDriven(plan)) from += " NOT INDEXED";
   NoteTable table(request.detailed);
-  std::string sql = fmt::format("SELECT {} FROM {} WHERE {} AND {}", table.columns(), from,
-                                placeTest(request.place), plan != nullptr ? plan->where() : "1");
+  const std::string_view where = plan != nullptr ? std::string_view(plan->where()) : "1";
   if (page) {
-    sql += fmt::format("{} LIMIT {} OFFSET {}", order, request.fetchLimit, request.fetchOffset);
+    sqlite::Query query = connection.query(fmt::format(
+        "SELECT {} FROM {} WHERE {} AND {}{} LIMIT {} OFFSET {}", table.columns(), from,
+        placeTest(request.place), where, order, request.fetchLimit, request.fetchOffset));
+    if (plan != nullptr) plan->bind(query);
+    while (query.step()) table.add(query);
+    table.loadRelations(connection);
+    return table;
   }
-  sqlite::Query query = connection.query(sql);
-  if (plan != nullptr) plan->bind(query);
-  if (!page && plan == nullptr) {
+  sqlite::Query query =
+      connection.query(fmt::format("SELECT visitRow({}) FROM {} WHERE {} AND {}", table.columns(),
+                                   from, placeTestOfScan(request.place), where));
+  if (plan != nullptr) {
+    plan->bind(query);
+  } else {
     table.reserve(static_cast<std::size_t>(NoteFetch(connection).count(request)));
   }
-  while (query.step()) table.add(query);
+  query.visit([&](const sqlite::Row& row) { table.add(row); });
   table.loadRelations(connection);
-  if (!page) table.setOrder(sortedPage(table.rows(), request));
+  table.setOrder(sortedPage(table.rows(), request));
   return table;
 }
 
@@ -146,9 +154,10 @@ std::int64_t NoteFetch::count(const FetchRequest& request) {
   }
   const SearchPlan plan(*request.search, connection_, mostDriven);
   if (!plan.needsText()) {
-    sqlite::Query query = connection_.query(
-        fmt::format("SELECT count(*) FROM {}{} WHERE {} AND {}", plan.source(),
-                    isDriven(&plan) ? "" : " NOT INDEXED", placeTest(request.place), plan.where()));
+    const bool scan = !isDriven(&plan);
+    sqlite::Query query = connection_.query(fmt::format(
+        "SELECT count(*) FROM {}{} WHERE {} AND {}", plan.source(), scan ? " NOT INDEXED" : "",
+        scan ? placeTestOfScan(request.place) : placeTest(request.place), plan.where()));
     plan.bind(query);
     return number(std::move(query));
   }

@@ -25,6 +25,24 @@ bool isWalkCheaper(sqlite::Connection& connection, std::size_t notes) {
   return static_cast<std::int64_t>(notes) * stepsForALookUp >= all.integer(0);
 }
 
+/// Finds rows by ascending ids.
+class RowsByID {
+ public:
+  /// `byID`: indices into `rows`, in the order of ids. Both must outlive this object.
+  RowsByID(const std::vector<ListedRow>& rows, const std::vector<std::uint32_t>& byID)
+      : rows_(rows), next_(byID.begin()), end_(byID.end()) {}
+
+  /// The index of the row with that id, which is not below those asked for before.
+  std::optional<std::uint32_t> at(std::int64_t id) {
+    while (next_ != end_ && rows_[*next_].id < id) ++next_;
+    return next_ != end_ && rows_[*next_].id == id ? std::optional(*next_) : std::nullopt;
+  }
+
+ private:
+  const std::vector<ListedRow>& rows_;
+  std::vector<std::uint32_t>::const_iterator next_, end_;
+};
+
 /// Calls `visit(index, query)` for each row of `relation` that belongs to one of the notes, with an
 /// index into `rows` and a query whose columns begin at 1. Visits note by note, in the order of
 /// `byID`.
@@ -37,12 +55,9 @@ void forEachRelated(sqlite::Connection& connection, const std::vector<ListedRow>
                                       walk ? "" : " WHERE note = ?1", order);
   sqlite::Query query = connection.query(sql);
   if (walk) {
-    auto wanted = byID.begin();
+    RowsByID wanted(rows, byID);
     while (query.step()) {
-      const std::int64_t note = query.integer(0);
-      while (wanted != byID.end() && rows[*wanted].id < note) ++wanted;
-      if (wanted == byID.end()) return;
-      if (rows[*wanted].id == note) visit(*wanted, query);
+      if (const auto row = wanted.at(query.integer(0))) visit(*row, query);
     }
     return;
   }
@@ -75,7 +90,8 @@ void NoteTable::reserve(std::size_t notes) {
   if (detailed_) details_.reserve(notes);
 }
 
-void NoteTable::add(const sqlite::Query& query) {
+template <class Row>
+void NoteTable::addRow(const Row& query) {
   constexpr double absent = std::numeric_limits<double>::quiet_NaN();
   ListedRow& row = rows_.emplace_back();
   row.id = query.integer(0);
@@ -99,6 +115,9 @@ void NoteTable::add(const sqlite::Query& query) {
   details.todoCompleted = query.integer(11);
 }
 
+template void NoteTable::addRow(const sqlite::Query&);
+template void NoteTable::addRow(const sqlite::Row&);
+
 void NoteTable::loadRelations(sqlite::Connection& connection) {
   if (rows_.empty()) return;
   loadTags(connection);
@@ -118,16 +137,29 @@ std::vector<std::uint32_t> NoteTable::rowsByID() const {
 
 void NoteTable::loadTags(sqlite::Connection& connection) {
   TagNames names(connection, arena_);
-  if (isWalkCheaper(connection, rows_.size())) names.readAll();
   tags_.reserve(2 * rows_.size());
-  forEachRelated(connection, rows_, rowsByID(), "tag", "noteTag", "note",
-                 [&](std::uint32_t index, const sqlite::Query& related) {
-                   const auto number = names.numberOf(related.integer(1));
-                   if (!number) return;
-                   ListedRow& row = rows_[index];
-                   if (row.tagCount++ == 0) row.firstTag = static_cast<std::uint32_t>(tags_.size());
-                   tags_.push_back(*number);
-                 });
+  const auto append = [&](std::uint32_t index, std::int64_t tag) {
+    const auto number = names.numberOf(tag);
+    if (!number) return;
+    ListedRow& row = rows_[index];
+    if (row.tagCount++ == 0) row.firstTag = static_cast<std::uint32_t>(tags_.size());
+    tags_.push_back(*number);
+  };
+  const std::vector<std::uint32_t> byID = rowsByID();
+  if (isWalkCheaper(connection, rows_.size())) {
+    names.readAll();
+    RowsByID wanted(rows_, byID);
+    // By its primary key, so that a note's tags come one after the other.
+    connection
+        .query("SELECT visitRow(note, tag) FROM noteTag INDEXED BY sqlite_autoindex_noteTag_1")
+        .visit([&](const sqlite::Row& related) {
+          if (const auto row = wanted.at(related.integer(0))) append(*row, related.integer(1));
+        });
+  } else {
+    forEachRelated(
+        connection, rows_, byID, "tag", "noteTag", "note",
+        [&](std::uint32_t row, const sqlite::Query& related) { append(row, related.integer(1)); });
+  }
   const std::vector<std::uint32_t> ranks = names.sort();
   for (std::uint32_t& tag : tags_) tag = ranks[tag];
   for (const ListedRow& row : rows_) {

@@ -26,7 +26,8 @@ class NoteTable {
   std::string_view columns() const;
 
   /// Adds the note of the query's current row, whose columns begin at 0.
-  void add(const sqlite::Query& query);
+  void add(const sqlite::Query& query) { addRow(query); }
+  void add(const sqlite::Row& row) { addRow(row); }
   void reserve(std::size_t notes);
 
   /// Loads the tags and, if `detailed`, pins, files and missing text facts. Call it once, after all
@@ -64,6 +65,8 @@ class NoteTable {
     Part pins, files;
   };
 
+  template <class Row>
+  void addRow(const Row& row);
   std::size_t rowAt(std::size_t index) const { return ordered_ ? order_[index] : index; }
   void prefetchAfter(std::size_t index) const;
   std::vector<std::uint32_t> rowsByID() const;

@@ -129,6 +129,50 @@ void Query::run() {
   }
 }
 
+void Query::visit(const std::function<void(const Row&)>& visitor) {
+  const auto* const outer = std::exchange(connection_->visitor_, &visitor);
+  const int code = sqlite3_step(statement_);
+  connection_->visitor_ = outer;
+  if (const auto failure = std::exchange(connection_->visitorFailure_, nullptr)) {
+    std::rethrow_exception(failure);
+  }
+  if (code != SQLITE_ROW) connection_->fail();
+}
+
+void Connection::visitRow(sqlite3_context* context, int /*count*/, sqlite3_value** values) {
+  auto* const self = static_cast<Connection*>(sqlite3_user_data(context));
+  try {
+    (*self->visitor_)(Row(values));
+  } catch (...) {  // SQLite's own frames must not be unwound
+    self->visitorFailure_ = std::current_exception();
+    sqlite3_result_error_code(context, SQLITE_ABORT);
+  }
+}
+
+bool Row::isNull(int column) const {
+  return sqlite3_value_type(values_[column]) == SQLITE_NULL;
+}
+
+std::int64_t Row::integer(int column) const {
+  return sqlite3_value_int64(values_[column]);
+}
+
+double Row::real(int column) const {
+  return sqlite3_value_double(values_[column]);
+}
+
+std::string_view Row::text(int column) const {
+  const auto* bytes = static_cast<const char*>(sqlite3_value_blob(values_[column]));
+  if (bytes == nullptr) return {};
+  return {bytes, static_cast<std::size_t>(sqlite3_value_bytes(values_[column]))};
+}
+
+std::optional<double> Row::optionalReal(int column) const {
+  const double value = real(column);  // 0 for NULL
+  if (value == 0 && isNull(column)) return std::nullopt;
+  return value;
+}
+
 Query& Query::reset() {
   sqlite3_reset(statement_);
   ++connection_->statementsRun_;
@@ -167,7 +211,12 @@ Connection::Connection(const std::string& path, Mode mode) {
       mode == Mode::readOnly ? SQLITE_OPEN_READONLY | SQLITE_OPEN_URI : SQLITE_OPEN_READWRITE;
   const int flags = access | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE;
   const int code = sqlite3_open_v2(path.c_str(), &handle_, flags, readAheadVFS());
-  if (code == SQLITE_OK) return;
+  if (code == SQLITE_OK) {
+    // An aggregate function, so that it sees the rows of which the whole WHERE clause is true.
+    sqlite3_create_function(handle_, "visitRow", -1, SQLITE_UTF8 | SQLITE_DIRECTONLY, this, nullptr,
+                            &Connection::visitRow, [](sqlite3_context*) {});
+    return;
+  }
   const Error error(code & 0xff, sqlite3_system_errno(handle_), sqlite3_errmsg(handle_));
   sqlite3_close_v2(handle_);
   throw error;

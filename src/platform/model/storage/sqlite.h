@@ -1,6 +1,8 @@
 #pragma once
 
 #include <cstdint>
+#include <exception>
+#include <functional>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -10,8 +12,10 @@
 #include <vector>
 
 struct sqlite3;
+struct sqlite3_context;
 struct sqlite3_file;
 struct sqlite3_stmt;
+struct sqlite3_value;
 
 /// A thin layer over SQLite: owners for its handles, and one place that turns result codes into
 /// errors. Functions throw Error unless their comment says otherwise.
@@ -32,6 +36,21 @@ class Error : public std::runtime_error {
 };
 
 class Connection;
+
+/// A row that Query::visit passes on. Columns are numbered from 0.
+class Row {
+ public:
+  explicit Row(sqlite3_value** values) : values_(values) {}
+  bool isNull(int column) const;
+  std::int64_t integer(int column) const;
+  double real(int column) const;
+  /// Valid while the row is visited.
+  std::string_view text(int column) const;
+  std::optional<double> optionalReal(int column) const;
+
+ private:
+  sqlite3_value** values_;
+};
 
 /// A prepared statement borrowed from its connection. The destructor resets and returns it. As in
 /// SQLite, parameters are numbered from 1, columns from 0.
@@ -65,6 +84,10 @@ class Query {
   bool step();
   /// Runs the statement to its end, ignoring any rows.
   void run();
+  /// Runs a statement of the form "SELECT visitRow(<columns>) FROM ..." and calls `visitor` with
+  /// each of its rows, in the order in which SQLite reads them; ORDER BY has no effect. Takes about
+  /// three quarters of the time of stepping through the rows. What `visitor` throws is passed on.
+  void visit(const std::function<void(const Row&)>& visitor);
   /// Makes the statement ready to run again, with its parameters as they are bound.
   Query& reset();
 
@@ -137,6 +160,7 @@ class Connection {
   friend class Query;
   friend class Transaction;
   void giveBack(sqlite3_stmt* statement);
+  static void visitRow(sqlite3_context* context, int count, sqlite3_value** values);
   [[noreturn]] void fail() const;
 
   /// A prepared statement; `onLoan` while a Query uses it.
@@ -150,6 +174,8 @@ class Connection {
   std::int64_t logPages_ = 0;
   bool hasRunScripts_ = false;
   const char* beforeCommit_ = nullptr;
+  const std::function<void(const Row&)>* visitor_ = nullptr;  // of the innermost Query::visit
+  std::exception_ptr visitorFailure_;
   std::string refusal_;
 };
 
