@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -11,6 +12,7 @@
 #include "platform/model/objects/large_text.h"
 #include "platform/model/objects/linked_files.h"
 #include "platform/model/objects/note_state.h"
+#include "platform/model/search/index_changes.h"
 
 namespace tavimodel {
 
@@ -69,6 +71,8 @@ class KVNote {
   std::optional<LargeText> textInParts();
   /// The text's hash, length and to-do counts.
   const TextFacts& textFacts();
+  /// The same, if another program has not changed the text since they were derived.
+  const std::optional<TextFacts>& knownFacts() const { return held_.now.row.facts; }
   std::int32_t todoIncompleteValue() {
     return static_cast<std::int32_t>(textFacts().todoIncomplete);
   }
@@ -133,6 +137,9 @@ class KVNote {
 struct NoteChange {
   std::function<void()> plan;
   std::function<void()> apply;
+  /// Set by `plan` if it knows what becomes of the note's trigrams when only its text changes; may
+  /// be null.
+  std::shared_ptr<const std::optional<TrigramChange>> trigrams;
 };
 
 }  // namespace tavimodel

@@ -28,6 +28,7 @@ void NoteBatches::change(std::span<KVNote* const> notes) {
   }
   previous.plans.finish();
   write(previous);
+  indexChanges_.write(connection_);
 }
 
 /// Reads the first few of the notes. Their texts are read under the write lock; whether their rows
@@ -51,7 +52,7 @@ void NoteBatches::write(Batch& batch) {
   for (std::size_t i = 0; i < batch.notes.size(); ++i) {
     if (batch.changes[i].apply) batch.changes[i].apply();
     HeldNote& held = batch.notes[i]->held_;
-    if (!writeText(held)) others.push_back(&held);
+    if (!writeText(held, batch.changes[i])) others.push_back(&held);
   }
   if (!others.empty()) triggersOff_.reset();
   for (HeldNote* held : others) {
@@ -69,11 +70,15 @@ void NoteBatches::write(Batch& batch) {
 }
 
 /// Writes a note of which only the text has changed. Returns false for another, with nothing done.
-bool NoteBatches::writeText(HeldNote& held) {
+bool NoteBatches::writeText(HeldNote& held, const NoteChange& change) {
   if (!ownTriggersOnly_ || !held.committed) return false;
   if (!NoteWriter::differInText(held.now, *held.committed)) return false;
   if (!triggersOff_) triggersOff_.emplace(connection_);
-  return writer_.updateText(held.now, *held.committed);
+  const std::optional<std::int64_t> searchRow = held.committed->row.searchRow;
+  const bool staysIndexed = searchRow && change.trigrams && *change.trigrams;
+  if (!writer_.updateText(held.now, *held.committed, staysIndexed)) return false;
+  if (staysIndexed) indexChanges_.add(*searchRow, **change.trigrams);
+  return true;
 }
 
 }  // namespace tavimodel

@@ -7,6 +7,7 @@
 
 #include "platform/model/objects/note.h"
 #include "platform/model/objects/note_writer.h"
+#include "platform/model/search/index_changes.h"
 #include "platform/model/storage/schema.h"
 #include "platform/model/storage/sqlite.h"
 #include "platform/system/shared_work.h"
@@ -38,13 +39,14 @@ class NoteBatches {
 
   Batch read(std::span<KVNote* const> notes);
   void write(Batch& batch);
-  bool writeText(HeldNote& held);
+  bool writeText(HeldNote& held, const NoteChange& change);
 
   sqlite::Connection& connection_;
   NoteWriter& writer_;
   const std::function<NoteChange(KVNote&)>& begin_;
   bool ownTriggersOnly_;
   std::optional<sqlite::TriggersOff> triggersOff_;
+  IndexChanges indexChanges_;
 };
 
 }  // namespace tavimodel

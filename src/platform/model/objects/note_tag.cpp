@@ -129,10 +129,11 @@ void KVNoteTag::renameTagWithTagNamed(const std::string& newName, bool bottom) c
     NoteChange change;
     if (tagged.contains(&note)) change = renaming.ofNote(note);
     if (!pinned.contains(&note)) return change;
-    return NoteChange{change.plan, [&, rename = change.apply] {
-                        if (rename) rename();
-                        renaming.movePins(note);
-                      }};
+    change.apply = [&, rename = std::move(change.apply)] {
+      if (rename) rename();
+      renaming.movePins(note);
+    };
+    return change;
   });
 }
 

@@ -1,5 +1,6 @@
 #include "platform/model/objects/note_writer.h"
 
+#include <fmt/format.h>
 #include <sqlite3.h>
 
 #include <algorithm>
@@ -123,21 +124,25 @@ bool NoteWriter::differInText(const NoteState& now, const NoteState& before) {
          before.files && std::ranges::equal(*now.files, *before.files, sameFile);
 }
 
-bool NoteWriter::updateText(NoteState& now, const NoteState& before) {
+bool NoteWriter::updateText(NoteState& now, const NoteState& before, bool staysIndexed) {
   const NoteRow& row = now.row;
   const TextFacts& facts = *row.facts;
   std::int64_t version = 0;
   sqlite3_randomness(sizeof version, &version);
-  sqlite::Query summary = connection_.query(
+  sqlite::Query summary = connection_.query(fmt::format(
       "UPDATE noteSummary SET version = ?3, textDigest = ?4, textLength = ?5, "
-      "todoIncomplete = ?6, todoCompleted = ?7, features = ?8, searchRow = NULL "
-      "WHERE note = ?1 AND version = ?2 AND textDigest IS NOT NULL "
-      "AND EXISTS (SELECT 1 FROM note WHERE id = ?1)");
+      "todoIncomplete = ?6, todoCompleted = ?7, features = ?8{} "
+      "WHERE note = ?1 AND version = ?2 AND textDigest IS NOT NULL{} "
+      "AND EXISTS (SELECT 1 FROM note WHERE id = ?1)",
+      staysIndexed ? "" : ", searchRow = NULL", staysIndexed ? " AND searchRow = ?9" : ""));
   summary.bind(1, row.id).bind(2, before.row.version).bind(3, version);
   summary.bind(4, facts.digest).bind(5, facts.length).bind(6, facts.todoIncomplete);
-  summary.bind(7, facts.todoCompleted).bind(8, facts.features).run();
+  summary.bind(7, facts.todoCompleted).bind(8, facts.features);
+  if (staysIndexed) summary.bind(9, before.row.searchRow);
+  summary.run();
   if (connection_.rowsChanged() == 0) return false;
   now.row.version = version;
+  if (!staysIndexed) now.row.searchRow.reset();
   connection_.query("UPDATE note SET text = ?2 WHERE id = ?1")
       .bind(1, row.id)
       .bind(2, *now.text)

@@ -30,8 +30,9 @@ class NoteWriter {
   static bool differInText(const NoteState& now, const NoteState& before);
   /// `checkVersion` and `update` for such a note, with triggers off: one statement does what three
   /// of theirs would. Returns false, with nothing done, if the note has changed or its facts are
-  /// not known.
-  bool updateText(NoteState& now, const NoteState& before);
+  /// not known. `staysIndexed`: the note keeps its row in the search index, which the caller brings
+  /// up to date; false is returned if it has none or another one than it was read with.
+  bool updateText(NoteState& now, const NoteState& before, bool staysIndexed);
   /// Removes tags that these writes have left without notes, pins and descendants.
   void removeDeadTags();
 

@@ -6,9 +6,11 @@
 #include "platform/markdown/ast.h"
 #include "platform/markdown/operations.h"
 #include "platform/model/objects/large_text.h"
+#include "platform/text/folding.h"
 
 namespace tavimodel {
 
+using platform::text::foldedForSearch;
 using zephyrdown::ZDKAST;
 
 /// Whether `name` is the tag or a descendant of it.
@@ -46,16 +48,24 @@ NoteChange TagRenaming::ofNote(KVNote& note) const {
   struct Plan {
     std::optional<std::string> text;
     std::optional<TextReading> reading;
+    std::optional<TrigramChange> trigrams;
   };
   const auto plan = std::make_shared<Plan>();
   const std::string& text = note.text();
   const Names& rows = note.tagsStrings();
-  return {[this, plan, &text, &rows] {
-            plan->text = renamedText(text, rows);
-            // A large text is read after the old one has been freed.
-            const bool isLarge = static_cast<std::int64_t>(text.size()) >= largeText;
-            if (plan->text && !isLarge) plan->reading = TextReading::of(*plan->text);
-          },
+  const auto planned = [this, plan, &text, &rows, title = note.title().value_or(""),
+                        digest = note.knownFacts() ? note.knownFacts()->digest : ""] {
+    plan->text = renamedText(text, rows);
+    // A large text is read after the old one has been freed.
+    const bool isLarge = static_cast<std::int64_t>(text.size()) >= largeText;
+    if (!plan->text || isLarge) return;
+    plan->reading = TextReading::of(*plan->text);
+    // A program that has turned triggers off may have changed the text unnoticed by the index.
+    if (digest != TextFacts::digestOf(text)) return;
+    plan->trigrams = TrigramChange::between(foldedForSearch(text), foldedForSearch(*plan->text),
+                                            foldedForSearch(title));
+  };
+  return {planned,
           [plan, &note] {
             if (!plan->text) return;
             if (plan->reading) {
@@ -63,7 +73,8 @@ NoteChange TagRenaming::ofNote(KVNote& note) const {
             } else {
               note.updateNoteWithText(std::move(*plan->text), false);
             }
-          }};
+          },
+          {plan, &plan->trigrams}};
 }
 
 void TagRenaming::renameRows(KVNote& note) const {

@@ -21,7 +21,8 @@ struct NoteToIndex;
 /// Notes are grouped in slices (see slice_blocks.h). When a note is changed, deleted or locked,
 /// triggers remove its row from the index at once. The trigrams of its former text stay in the
 /// slice, without effect, until the slice is rewritten: by the next command after a deletion or
-/// lock, otherwise in rotation.
+/// lock, otherwise in rotation. Where a tag is renamed in many notes, the slices are changed
+/// instead (see index_changes.h).
 class SearchIndex {
  public:
   explicit SearchIndex(sqlite::Connection& connection) : connection_(connection) {}

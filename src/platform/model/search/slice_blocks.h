@@ -13,8 +13,8 @@
 namespace tavimodel {
 
 // A slice of the search index maps each trigram of its notes' texts to the positions of the notes
-// that contain it. It is written once, in blocks that each fill a database page. To remove a text,
-// the whole slice is rewritten.
+// that contain it. It is written in blocks that each fill a database page. To remove a text that is
+// not known any more, the whole slice is rewritten.
 //
 // A block is a sequence of entries, ascending by key. An entry is the length of the key (one byte),
 // the key, the length of the positions (one byte), and the positions (see PositionSet::Encoding).
@@ -62,6 +62,18 @@ class SliceReader {
 /// Calls `visit` with the key and the encoded positions of each entry, ascending by key.
 void forEachEntry(sqlite::Connection& connection, std::int64_t slice,
                   const std::function<void(std::string_view key, std::string_view)>& visit);
+
+/// A change of one entry: the positions that are added to it, and those that are removed.
+struct EntryChange {
+  std::string key;
+  PositionSet added, removed;
+};
+
+/// Changes entries of a slice, ascending by key, and rewrites their blocks. Returns false if there
+/// is no such slice or a block would become too large or empty; some changes may have been made
+/// then.
+bool changeEntries(sqlite::Connection& connection, std::int64_t slice,
+                   const std::vector<EntryChange>& changes);
 
 /// Deletes a slice, if it exists.
 void removeSlice(sqlite::Connection& connection, std::int64_t slice);

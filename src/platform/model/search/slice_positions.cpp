@@ -51,6 +51,11 @@ PositionSet& PositionSet::operator|=(const PositionSet& other) {
   return *this;
 }
 
+PositionSet& PositionSet::operator-=(const PositionSet& other) {
+  for (std::size_t i = 0; i < words_.size(); ++i) words_[i] &= ~other.words_[i];
+  return *this;
+}
+
 PositionSet::Encoding::Encoding(const PositionSet& set) {
   if (!writeGaps(set)) writeBitmap(set);
 }

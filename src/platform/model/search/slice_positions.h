@@ -30,6 +30,7 @@ class PositionSet {
   int count() const;
   PositionSet& operator&=(const PositionSet& other);
   PositionSet& operator|=(const PositionSet& other);
+  PositionSet& operator-=(const PositionSet& other);
   bool operator==(const PositionSet&) const = default;
 
   using Words = std::array<std::uint64_t, sliceCapacity / 64>;

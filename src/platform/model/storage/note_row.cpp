@@ -7,7 +7,7 @@ namespace tavimodel {
 const std::string_view noteRowColumns =
     "s.note, s.version, s.uniqueIdentifier, s.title, s.creationDate, s.modificationDate, "
     "s.trashed, s.archived, s.permanentlyDeleted, s.pinned, s.encrypted, s.readOnly, "
-    "s.textDigest, s.textLength, s.todoIncomplete, s.todoCompleted, s.features";
+    "s.searchRow, s.textDigest, s.textLength, s.todoIncomplete, s.todoCompleted, s.features";
 
 NoteRow readNoteRow(const sqlite::Query& query, int first) {
   NoteRow row;
@@ -25,6 +25,8 @@ NoteRow readNoteRow(const sqlite::Query& query, int first) {
   row.pinned = query.integer(column++) != 0;
   row.encrypted = query.integer(column++) != 0;
   row.readOnly = query.integer(column++) != 0;
+  if (!query.isNull(column)) row.searchRow = query.integer(column);
+  ++column;
   if (query.isNull(column)) return row;
   TextFacts& facts = row.facts.emplace();
   facts.digest = query.text(column++);

@@ -27,6 +27,7 @@ struct NoteRow {
   bool pinned = false;
   bool encrypted = false;
   bool readOnly = false;
+  std::optional<std::int64_t> searchRow;  ///< in the search index; absent: not indexed
   std::optional<TextFacts> facts;  ///< absent: unknown, since another program changed the text
 };
 

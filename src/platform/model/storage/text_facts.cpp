@@ -12,11 +12,15 @@ TextFacts TextFacts::of(std::string_view text) {
   return of(text, zephyrdown::textSummary(text));
 }
 
-TextFacts TextFacts::of(std::string_view text, const zephyrdown::ZDKTextSummary& summary) {
+std::string TextFacts::digestOf(std::string_view text) {
   const platform::system::SHA256Digest digest = platform::system::sha256(text);
+  return platform::system::hexadecimal(
+      {reinterpret_cast<const char*>(digest.data()), std::size_t{8}});
+}
+
+TextFacts TextFacts::of(std::string_view text, const zephyrdown::ZDKTextSummary& summary) {
   TextFacts facts;
-  facts.digest =
-      platform::system::hexadecimal({reinterpret_cast<const char*>(digest.data()), std::size_t{8}});
+  facts.digest = digestOf(text);
   facts.length = static_cast<std::int64_t>(text.size());
   facts.todoIncomplete = summary.todoIncomplete;
   facts.todoCompleted = summary.todoCompleted;

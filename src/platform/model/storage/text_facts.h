@@ -30,6 +30,8 @@ struct TextFacts {
   static TextFacts of(std::string_view text);
   /// Like the above, for a text that has already been parsed.
   static TextFacts of(std::string_view text, const zephyrdown::ZDKTextSummary& summary);
+  /// `digest` of a text.
+  static std::string digestOf(std::string_view text);
 };
 
 /// The same bits in SQL: tests of `noteSummary.features`, which is NULL where the facts are not

@@ -4,13 +4,19 @@
 #include <algorithm>
 #include <filesystem>
 #include <functional>
+#include <map>
 #include <random>
+#include <set>
 #include <stdexcept>
 
 #include "platform/markdown/ast.h"
 #include "platform/markdown/operations.h"
 #include "platform/model/objects/note_tag.h"
 #include "platform/model/objects/opened_model.h"
+#include "platform/model/objects/tag_renaming.h"
+#include "platform/model/search/search_index.h"
+#include "platform/model/search/slice_blocks.h"
+#include "platform/text/folding.h"
 #include "support/foreign_client.h"
 
 namespace tavimodel {
@@ -102,6 +108,79 @@ TEST_F(ManyNotes, AreRenamedLikeEachOfThem) {
     EXPECT_EQ(notes[i]->pinnedInTags().size(), id % 7 == 0 ? 1U : 0U);
   }
   EXPECT_EQ(client.value("SELECT count(*) FROM tag WHERE title LIKE 'work%'"), "0");
+}
+
+/// The trigrams of the notes that are indexed: those that the index has, and those of their texts.
+struct Indexed {
+  std::map<std::int64_t, std::set<std::string>> found, expected;
+
+  explicit Indexed(sqlite::Connection& connection) {
+    std::map<std::int64_t, std::set<std::string>> byRow;
+    sqlite::Query slices = connection.query("SELECT slice FROM searchSlice");
+    while (slices.step()) {
+      const std::int64_t slice = slices.integer(0);
+      forEachEntry(connection, slice, [&](std::string_view key, std::string_view positions) {
+        PositionSet::decoded(positions).forEach(
+            [&](int position) { byRow[slice * sliceCapacity + position].emplace(key); });
+      });
+    }
+    sqlite::Query notes = connection.query(
+        "SELECT note, searchRow, note.title, iif(note.encrypted, '', text) FROM noteSummary "
+        "JOIN note ON note = id WHERE searchRow IS NOT NULL");
+    while (notes.step()) {
+      const std::int64_t note = notes.integer(0);
+      found[note] = byRow[notes.integer(1)];
+      for (const int column : {2, 3}) {
+        forEachTrigram(platform::text::foldedForSearch(notes.text(column)),
+                       [&](Trigram trigram) { expected[note].insert(utf8Of(trigram)); });
+      }
+    }
+  }
+};
+
+void index(sqlite::Connection& connection) {
+  catchUp(connection, updateSearchIndex,
+          {.fewestNotes = 1, .milliseconds = 10'000, .notesInSlice = 100});
+}
+
+TEST_F(ManyNotes, StayIndexedWhenTheirTagIsRenamed) {
+  fill();
+  ForeignClient(home.database()).run("UPDATE note SET encrypted = 1 WHERE id % 50 = 0");
+  reopen();
+  index(stack->connection());
+  KVNoteTag::tagWithName("work", context())->renameTagWithTagNamed("Große/a\u0301", false);
+  const Indexed indexed(stack->connection());
+  EXPECT_EQ(indexed.found, indexed.expected);
+  EXPECT_GT(indexed.found.size(), count / 2U) << "all but those whose title has changed";
+}
+
+TEST_F(ManyNotes, AreIndexedAgainIfTheIndexMayHaveAnotherText) {
+  fill();
+  reopen();
+  index(stack->connection());
+  ForeignClient client(home.database());
+  const std::vector<KVNote*> notes = context().notesWithTag("work", true);
+  const auto of = [](KVNote& note) {
+    return fmt::format(" WHERE uniqueIdentifier = '{}'", note.uniqueIdentifier());
+  };
+  // A program that has turned triggers off changes some texts, but not their titles.
+  sqlite3_db_config(client.handle(), SQLITE_DBCONFIG_ENABLE_TRIGGER, 0, nullptr);
+  for (std::size_t i = 0; i < notes.size(); i += 4) {
+    client.run("UPDATE note SET text = text || char(10) || 'theirs'" + of(*notes[i]));
+  }
+  const TagRenaming renaming("work", "job", false);
+  context().saveEach(notes, [&, i = 0](KVNote& note) mutable {
+    // Others move in the index after their rows have been read.
+    if (++i % 4 == 0) {
+      stack->connection()
+          .query("UPDATE noteSummary SET searchRow = searchRow + 100000" + of(note))
+          .run();
+    }
+    return renaming.ofNote(note);
+  });
+  const Indexed indexed(stack->connection());
+  EXPECT_EQ(indexed.found, indexed.expected);
+  EXPECT_FALSE(indexed.found.empty());
 }
 
 /// What this program keeps about the notes, without random numbers and the index.

@@ -1,0 +1,117 @@
+#include "platform/model/search/index_changes.h"
+
+#include <algorithm>
+#include <iterator>
+#include <string>
+
+#include "platform/model/search/slice_blocks.h"
+
+namespace tavimodel {
+namespace {
+
+/// Limit of the part of a text that has changed, in bytes.
+constexpr std::size_t mostChanged = 512;
+
+bool isContinuation(char byte) {
+  return (static_cast<unsigned char>(byte) & 0xC0) == 0x80;
+}
+
+/// The offset `count` scalars before `at`, or 0. `at` may be inside a scalar, which then counts.
+std::size_t scalarsBefore(std::string_view text, std::size_t at, std::size_t count) {
+  const auto toBegin = [&] {
+    while (at > 0 && at < text.size() && isContinuation(text[at])) --at;
+  };
+  for (toBegin(); count > 0 && at > 0; --count) {
+    --at;
+    toBegin();
+  }
+  return at;
+}
+
+/// The offset `count` scalars behind `at`, or the text's length.
+std::size_t scalarsBehind(std::string_view text, std::size_t at, std::size_t count) {
+  const auto toEnd = [&] {
+    while (at < text.size() && isContinuation(text[at])) ++at;
+  };
+  for (toEnd(); count > 0 && at < text.size(); --count) {
+    ++at;
+    toEnd();
+  }
+  return at;
+}
+
+std::vector<Trigram> trigramsOf(std::string_view text) {
+  std::vector<Trigram> trigrams;
+  forEachTrigram(text, [&](Trigram trigram) { trigrams.push_back(trigram); });
+  std::sort(trigrams.begin(), trigrams.end());
+  trigrams.erase(std::unique(trigrams.begin(), trigrams.end()), trigrams.end());
+  return trigrams;
+}
+
+std::vector<Trigram> without(const std::vector<Trigram>& all, const std::vector<Trigram>& some) {
+  std::vector<Trigram> rest;
+  std::set_difference(all.begin(), all.end(), some.begin(), some.end(), std::back_inserter(rest));
+  return rest;
+}
+
+}  // namespace
+
+std::optional<TrigramChange> TrigramChange::between(std::string_view before, std::string_view after,
+                                                    std::string_view title) {
+  const std::size_t shorter = std::min(before.size(), after.size());
+  const auto head = static_cast<std::size_t>(
+      std::mismatch(before.begin(), before.begin() + static_cast<std::ptrdiff_t>(shorter),
+                    after.begin())
+          .first -
+      before.begin());
+  const auto tail = static_cast<std::size_t>(
+      std::mismatch(before.rbegin(), before.rbegin() + static_cast<std::ptrdiff_t>(shorter - head),
+                    after.rbegin())
+          .first -
+      before.rbegin());
+  // A trigram that reaches into the difference has up to two scalars before or behind it.
+  constexpr std::size_t reach = trigramLength - 1;
+  const auto changed = [&](std::string_view text) {
+    const std::size_t begin = scalarsBefore(text, head, reach);
+    return text.substr(begin, scalarsBehind(text, text.size() - tail, reach) - begin);
+  };
+  const std::string_view was = changed(before);
+  const std::string_view is = changed(after);
+  if (std::max(was.size(), is.size()) > mostChanged) return std::nullopt;
+  const std::vector<Trigram> had = trigramsOf(was);
+  const std::vector<Trigram> has = trigramsOf(is);
+  TrigramChange change{without(has, had), without(had, has)};
+  std::erase_if(change.lost, [&](Trigram trigram) {
+    const std::string bytes = utf8Of(trigram);
+    return after.find(bytes) != after.npos || title.find(bytes) != title.npos;
+  });
+  return change;
+}
+
+void IndexChanges::add(std::int64_t searchRow, const TrigramChange& change) {
+  Slice& slice = slices_[searchRow / sliceCapacity];
+  const int position = static_cast<int>(searchRow % sliceCapacity);
+  slice.notes.add(position);
+  for (const Trigram trigram : change.gained) slice.trigrams[trigram].gained.add(position);
+  for (const Trigram trigram : change.lost) slice.trigrams[trigram].lost.add(position);
+}
+
+void IndexChanges::write(sqlite::Connection& connection) const {
+  for (const auto& [number, slice] : slices_) {
+    std::vector<EntryChange> changes;
+    changes.reserve(slice.trigrams.size());
+    for (const auto& [trigram, positions] : slice.trigrams) {
+      changes.push_back({utf8Of(trigram), positions.gained, positions.lost});
+    }
+    std::sort(changes.begin(), changes.end(),
+              [](const EntryChange& a, const EntryChange& b) { return a.key < b.key; });
+    if (changeEntries(connection, number, changes)) continue;
+    sqlite::Query forget =
+        connection.query("UPDATE noteSummary SET searchRow = NULL WHERE searchRow = ?1");
+    slice.notes.forEach([&, first = number * sliceCapacity](int position) {
+      forget.reset().bind(1, first + position).run();
+    });
+  }
+}
+
+}  // namespace tavimodel
