@@ -1,6 +1,7 @@
 #include "platform/model/search/index_changes.h"
 
 #include <algorithm>
+#include <cstring>
 #include <iterator>
 #include <string>
 
@@ -40,6 +41,36 @@ std::size_t scalarsBehind(std::string_view text, std::size_t at, std::size_t cou
   return at;
 }
 
+/// Blocks are compared faster than bytes.
+constexpr std::size_t block = 64;
+
+/// How many bytes two texts begin with in common.
+std::size_t commonPrefix(std::string_view a, std::string_view b) {
+  const std::size_t most = std::min(a.size(), b.size());
+  std::size_t same = 0;
+  while (same + block <= most && a.substr(same, block) == b.substr(same, block)) same += block;
+  while (same < most && a[same] == b[same]) ++same;
+  return same;
+}
+
+/// How many bytes two texts end with in common.
+std::size_t commonSuffix(std::string_view a, std::string_view b) {
+  const std::size_t most = std::min(a.size(), b.size());
+  a.remove_prefix(a.size() - most);
+  b.remove_prefix(b.size() - most);
+  std::size_t rest = most;
+  while (rest >= block && a.substr(rest - block, block) == b.substr(rest - block, block))
+    rest -= block;
+  while (rest > 0 && a[rest - 1] == b[rest - 1]) --rest;
+  return most - rest;
+}
+
+/// For short strings that are not there, memmem(3) takes a third of the time of std::string's
+/// search.
+bool contains(std::string_view text, std::string_view part) {
+  return memmem(text.data(), text.size(), part.data(), part.size()) != nullptr;
+}
+
 std::vector<Trigram> trigramsOf(std::string_view text) {
   std::vector<Trigram> trigrams;
   forEachTrigram(text, [&](Trigram trigram) { trigrams.push_back(trigram); });
@@ -58,17 +89,8 @@ std::vector<Trigram> without(const std::vector<Trigram>& all, const std::vector<
 
 std::optional<TrigramChange> TrigramChange::between(std::string_view before, std::string_view after,
                                                     std::string_view title) {
-  const std::size_t shorter = std::min(before.size(), after.size());
-  const auto head = static_cast<std::size_t>(
-      std::mismatch(before.begin(), before.begin() + static_cast<std::ptrdiff_t>(shorter),
-                    after.begin())
-          .first -
-      before.begin());
-  const auto tail = static_cast<std::size_t>(
-      std::mismatch(before.rbegin(), before.rbegin() + static_cast<std::ptrdiff_t>(shorter - head),
-                    after.rbegin())
-          .first -
-      before.rbegin());
+  const std::size_t head = commonPrefix(before, after);
+  const std::size_t tail = commonSuffix(before.substr(head), after.substr(head));
   // A trigram that reaches into the difference has up to two scalars before or behind it.
   constexpr std::size_t reach = trigramLength - 1;
   const auto changed = [&](std::string_view text) {
@@ -83,7 +105,7 @@ std::optional<TrigramChange> TrigramChange::between(std::string_view before, std
   TrigramChange change{without(has, had), without(had, has)};
   std::erase_if(change.lost, [&](Trigram trigram) {
     const std::string bytes = utf8Of(trigram);
-    return after.find(bytes) != after.npos || title.find(bytes) != title.npos;
+    return contains(after, bytes) || contains(title, bytes);
   });
   return change;
 }

@@ -34,7 +34,9 @@ TEST(TrigramChanges, LeadFromOneTextToTheOther) {
     return bytes;
   };
   for (int round = 0; round < 20'000; ++round) {
-    const std::string head = text(6), tail = text(6), title = text(4);
+    const std::string title = text(4);
+    const std::string head = std::string(random() % 200, 'a') + text(6);
+    const std::string tail = text(6) + std::string(random() % 200, 'b');
     const std::string before = head + text(4) + tail;
     const std::string after = head + text(4) + tail;
     const auto change = TrigramChange::between(before, after, title);
