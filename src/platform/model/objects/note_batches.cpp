@@ -67,6 +67,7 @@ void NoteBatches::write(Batch& batch) {
     held.now.pinnedInTags.reset();
     held.now.files.reset();
   }
+  if (indexChanges_.areMany()) indexChanges_.write(connection_);
 }
 
 /// Writes a note of which only the text has changed. Returns false for another, with nothing done.

@@ -4,6 +4,7 @@
 #include <cstring>
 #include <iterator>
 #include <string>
+#include <utility>
 
 #include "platform/model/search/slice_blocks.h"
 
@@ -114,12 +115,19 @@ void IndexChanges::add(std::int64_t searchRow, const TrigramChange& change) {
   Slice& slice = slices_[searchRow / sliceCapacity];
   const int position = static_cast<int>(searchRow % sliceCapacity);
   slice.notes.add(position);
-  for (const Trigram trigram : change.gained) slice.trigrams[trigram].gained.add(position);
-  for (const Trigram trigram : change.lost) slice.trigrams[trigram].lost.add(position);
+  for (const Trigram gained : change.gained) positionsOf(slice, gained).gained.add(position);
+  for (const Trigram lost : change.lost) positionsOf(slice, lost).lost.add(position);
 }
 
-void IndexChanges::write(sqlite::Connection& connection) const {
-  for (const auto& [number, slice] : slices_) {
+IndexChanges::Positions& IndexChanges::positionsOf(Slice& slice, Trigram trigram) {
+  const auto [found, isNew] = slice.trigrams.try_emplace(trigram);
+  if (isNew) ++trigrams_;
+  return found->second;
+}
+
+void IndexChanges::write(sqlite::Connection& connection) {
+  trigrams_ = 0;
+  for (const auto& [number, slice] : std::exchange(slices_, {})) {
     std::vector<EntryChange> changes;
     changes.reserve(slice.trigrams.size());
     for (const auto& [trigram, positions] : slice.trigrams) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <map>
 #include <optional>
@@ -30,9 +31,11 @@ class IndexChanges {
  public:
   /// `searchRow`: the note's row in the index (noteSummary.searchRow).
   void add(std::int64_t searchRow, const TrigramChange& change);
-  /// Writes the changes in the caller's write transaction. Notes in a slice that has no room for
-  /// them are set to be indexed again. Throws sqlite::Error.
-  void write(sqlite::Connection& connection) const;
+  /// Whether the changes take some 30 MB and should be written before more are added.
+  bool areMany() const { return trigrams_ > most; }
+  /// Writes the changes in the caller's write transaction, and forgets them. Notes in a slice that
+  /// has no room for them are set to be indexed again. Throws sqlite::Error.
+  void write(sqlite::Connection& connection);
 
  private:
   struct Positions {
@@ -43,7 +46,12 @@ class IndexChanges {
     std::unordered_map<Trigram, Positions> trigrams;
   };
 
+  static constexpr std::size_t most = 100'000;
+
+  Positions& positionsOf(Slice& slice, Trigram trigram);
+
   std::map<std::int64_t, Slice> slices_;
+  std::size_t trigrams_ = 0;  ///< of all slices
 };
 
 }  // namespace tavimodel
