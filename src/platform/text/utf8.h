@@ -28,6 +28,11 @@ bool isASCII(std::string_view bytes);
 /// The number of bytes before the first one that is not ASCII.
 std::size_t asciiPrefixLength(std::string_view bytes);
 
+/// Whether a byte of well-formed UTF-8 is not the first one of a scalar.
+inline bool isContinuation(char byte) {
+  return (static_cast<unsigned char>(byte) & 0xC0) == 0x80;
+}
+
 /// A scalar, and the offset after it. An ill-formed part has the value U+FFFD.
 struct DecodedScalar {
   char32_t value;

@@ -59,6 +59,7 @@ class KVNote {
   bool trashedValue() const { return held_.now.row.trashed; }
   bool archivedValue() const { return held_.now.row.archived; }
   bool pinnedValue() const { return held_.now.row.pinned; }
+  bool isIndexed() const { return held_.now.row.searchRow.has_value(); }
 
   /// The Markdown text; empty if absent.
   const std::string& text();

@@ -53,18 +53,20 @@ NoteChange TagRenaming::ofNote(KVNote& note) const {
   const auto plan = std::make_shared<Plan>();
   const std::string& text = note.text();
   const Names& rows = note.tagsStrings();
-  const auto planned = [this, plan, &text, &rows, title = note.title().value_or(""),
-                        digest = note.knownFacts() ? note.knownFacts()->digest : ""] {
-    plan->text = renamedText(text, rows);
-    // A large text is read after the old one has been freed.
-    const bool isLarge = static_cast<std::int64_t>(text.size()) >= largeText;
-    if (!plan->text || isLarge) return;
-    plan->reading = TextReading::of(*plan->text);
-    // A program that has turned triggers off may have changed the text unnoticed by the index.
-    if (digest != TextFacts::digestOf(text)) return;
-    plan->trigrams = TrigramChange::between(foldedForSearch(text), foldedForSearch(*plan->text),
-                                            foldedForSearch(title));
-  };
+  const auto planned =
+      [this, plan, &text, &rows, title = note.title().value_or(""),
+       indexedDigest = note.isIndexed() && note.knownFacts() ? note.knownFacts()->digest : ""] {
+        plan->text = renamedText(text, rows);
+        // A large text is read after the old one has been freed.
+        const bool isLarge = static_cast<std::int64_t>(text.size()) >= largeText;
+        if (!plan->text || isLarge) return;
+        plan->reading = TextReading::of(*plan->text);
+        if (indexedDigest.empty()) return;
+        // A program that has turned triggers off may have changed the text unnoticed by the index.
+        if (indexedDigest != TextFacts::digestOf(text)) return;
+        plan->trigrams = TrigramChange::between(foldedForSearch(text), foldedForSearch(*plan->text),
+                                                foldedForSearch(title));
+      };
   return {planned,
           [plan, &note] {
             if (!plan->text) return;

@@ -25,8 +25,8 @@ struct TrigramChange {
                                               std::string_view title);
 };
 
-/// Changes of many indexed notes, which are written to the search index together. This takes a
-/// tenth of the time of indexing the notes again, if many of them gain and lose the same trigrams.
+/// Changes of many indexed notes, which are written to the search index together. Where many of
+/// them gain and lose the same trigrams, this takes far less time than to index the notes again.
 class IndexChanges {
  public:
   /// `searchRow`: the note's row in the index (noteSummary.searchRow).
