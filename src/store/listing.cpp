@@ -1,7 +1,9 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <string_view>
 #include <utility>
+#include <vector>
 
 #include "platform/model/search/note_search.h"
 #include "store/database_store.h"
@@ -74,7 +76,9 @@ FetchRequest listRequest(const ListRequest& request) {
 template <class Record>
 class FetchedList final : public RecordSource<Record> {
  public:
-  /// Fills the row from a note and its text, which is empty unless `readsText`.
+  using Visitor = typename RecordSource<Record>::Visitor;
+  /// Fills the row from a note and its text, which is empty unless `readsText`. Threads call it at
+  /// the same time.
   using Convert = std::function<void(const NoteView&, std::string_view text, Record& row)>;
 
   FetchedList(ManagedObjectContext& context, FetchRequest request, bool readsText, Convert convert)
@@ -90,18 +94,25 @@ class FetchedList final : public RecordSource<Record> {
     return std::min(left, request_.fetchLimit);
   }
 
-  void forEach(const std::function<void(const Record&)>& visit) override {
-    if (!table_) table_ = context_.fetch(request_);
+  void forEach(const Visitor& visit) override {
+    if (load()) return forEachBetween(0, count(), visit);
     Record row;  // reused for all rows to save allocations
-    if (readsText_) {
-      context_.forEachText(*table_, [&](const NoteView& note, std::string_view text) {
-        convert_(note, text, row);
-        visit(row);
-      });
-      return;
-    }
-    for (std::size_t i = 0; i < table_->size(); ++i) {
-      convert_((*table_)[i], {}, row);
+    context_.forEachText(*table_, [&](const NoteView& note, std::string_view text) {
+      convert_(note, text, row);
+      visit(row);
+    });
+  }
+
+  bool load() override {
+    if (!table_) table_ = context_.fetch(request_);
+    return !readsText_;
+  }
+
+  void forEachBetween(std::int64_t first, std::int64_t last, const Visitor& visit) const override {
+    Record row;  // reused, as above
+    std::vector<std::string_view> tags;
+    for (std::int64_t i = first; i < last; ++i) {
+      convert_(table_->note(static_cast<std::size_t>(i), tags), {}, row);
       visit(row);
     }
   }

@@ -49,6 +49,24 @@ TEST_F(ReadingCommands, ListPrintsRowsOrTheirNumber) {
             refused(64, "--count cannot be combined with --limit or --offset"));
 }
 
+// Long lists are sorted and written with a second thread, pages by SQL in one.
+TEST_F(ReadingCommands, ALongListHasTheRowsOfItsPages) {
+  otherProgram(
+      "WITH RECURSIVE more(i) AS (SELECT 4 UNION ALL SELECT i + 1 FROM more WHERE i < 9000) "
+      "INSERT INTO note (id, title, text, modificationDate, pinned) "
+      "SELECT i, 'Title ' || i % 700, 'text', i * 7919 % 3000, i % 50 = 0 FROM more;"
+      "INSERT INTO tag (id, title) VALUES (10, 'a'), (11, 'b/c'), (12, 'd e');"
+      "INSERT INTO noteTag SELECT note.id, tag.id FROM note, tag "
+      "WHERE note.id > 3 AND tag.id >= 10 AND note.id % tag.id < 4");
+  for (const char* sort : {"pinned,modified", "title"}) {
+    std::string pages;
+    for (int offset = 0; offset < 9000; offset += 1000) {
+      pages += run({"list", "-s", sort, "-n", "1000", "-o", std::to_string(offset)}).output;
+    }
+    EXPECT_TRUE(run({"list", "-s", sort}) == printed(pages)) << sort;
+  }
+}
+
 TEST_F(ReadingCommands, ListAndSearchSayWhenTheyFoundNothing) {
   for (const std::vector<std::string>& search :
        {std::vector<std::string>{"list", "--location", "archive"}, {"search", "none"}}) {

@@ -107,6 +107,22 @@ TEST(WriteRows, PrintsEveryKindOfRecord) {
   EXPECT_EQ(rows(std::vector<PinRecord>{{"global"}}, tsv, {}), "global\n");
 }
 
+// Two threads write a long list, part by part.
+TEST(WriteRows, PrintsALongListInOrder) {
+  for (const std::int64_t count : {4095, 4096, 4097, 16384, 16385, 40000}) {
+    std::vector<TagRecord> tags;
+    std::string lines, array;
+    for (std::int64_t i = 0; i < count; ++i) {
+      tags.push_back({"#" + std::to_string(i)});
+      lines += tags.back().tag + "\n";
+      array += (i == 0 ? "[" : ",") + ("{\"tag\":\"" + tags.back().tag + "\"}");
+    }
+    EXPECT_EQ(rows(tags, tsv, {}), lines);
+    EXPECT_EQ(rows(tags, csv, {}), "tag\n" + lines);
+    EXPECT_EQ(rows(tags, json, {}), array + "]\n");
+  }
+}
+
 template <class Write>
 std::string written(OutputFormat format, const Write& write) {
   StringSink sink;

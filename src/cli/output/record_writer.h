@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -28,10 +29,18 @@ class RecordWriter {
                          const std::vector<FieldDescriptor<Record>>& fields) {
     std::int64_t count = 0;
     beginRows(namesOf(fields));
-    rows.forEach([&](const Record& record) {
-      writeRow(record, fields);
-      ++count;
-    });
+    if (rows.load() && rows.count() >= worthAThread) {
+      count = rows.count();
+      writeInTwoThreads(count, [&](RecordWriter& writer, std::int64_t first, std::int64_t last) {
+        rows.forEachBetween(first, last,
+                            [&](const Record& record) { writer.writeRow(record, fields); });
+      });
+    } else {
+      rows.forEach([&](const Record& record) {
+        writeRow(record, fields);
+        ++count;
+      });
+    }
     endRows();
     return count;
   }
@@ -52,6 +61,13 @@ class RecordWriter {
   void writeAttachment(std::string_view filename, std::string_view bytes);
 
  private:
+  static constexpr std::int64_t worthAThread = 4096;  ///< rows
+
+  /// Writes `count` rows. Calls `write`, in two threads, with the writer to use and a range of
+  /// rows.
+  using WriteRange = std::function<void(RecordWriter&, std::int64_t first, std::int64_t last)>;
+  void writeInTwoThreads(std::int64_t count, const WriteRange& write);
+
   template <class Record>
   static std::vector<std::string_view> namesOf(const std::vector<FieldDescriptor<Record>>& fields) {
     std::vector<std::string_view> names;
@@ -74,6 +90,8 @@ class RecordWriter {
   void endRows();
   void beginRow();
   void endRow();
+  /// Appends complete rows from another writer of this format.
+  void appendRows(std::string_view rows);
   void endDocument();
   void writeCell(std::string_view name, const FieldValue& value, bool first);
 

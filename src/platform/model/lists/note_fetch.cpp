@@ -10,6 +10,7 @@
 #include "platform/model/lists/term_search.h"
 #include "platform/model/search/search_plan.h"
 #include "platform/model/storage/row_ids.h"
+#include "platform/system/shared_work.h"
 
 namespace tavimodel {
 namespace {
@@ -49,6 +50,17 @@ bool isDriven(const SearchPlan* plan) {
   return plan != nullptr && plan->drivenNotes().has_value();
 }
 
+/// Loads the relations of a table, and puts the page that is asked for in order.
+NoteTable complete(NoteTable table, sqlite::Connection& connection, const FetchRequest& request) {
+  constexpr std::size_t worthAThread = 4096;
+  platform::system::SharedWork ordering(
+      1, [&](std::size_t) { table.setOrder(sortedPage(table.rows(), request)); },
+      table.rows().size() >= worthAThread);
+  table.loadRelations(connection);
+  ordering.finish();
+  return table;
+}
+
 /// Fetches notes by SQL alone. `plan` is null if there is no query.
 NoteTable decidedBySQL(sqlite::Connection& connection, const FetchRequest& request,
                        const SearchPlan* plan) {
@@ -78,11 +90,10 @@ NoteTable decidedBySQL(sqlite::Connection& connection, const FetchRequest& reque
     table.reserve(static_cast<std::size_t>(NoteFetch(connection).count(request)));
   }
   query.visit([&](const sqlite::Row& row) { table.add(row); });
-  table.loadRelations(connection);
-  table.setOrder(sortedPage(table.rows(), request));
-  return table;
+  return complete(std::move(table), connection, request);
 }
 
+/// The table of these notes, in this order, without their relations.
 NoteTable tableOf(sqlite::Connection& connection, const std::vector<std::int64_t>& ids,
                   bool detailed) {
   NoteTable table(detailed);
@@ -94,12 +105,6 @@ NoteTable tableOf(sqlite::Connection& connection, const std::vector<std::int64_t
   query.bind(1, list);
   table.reserve(ids.size());
   while (query.step()) table.add(query);
-  table.loadRelations(connection);
-  return table;
-}
-
-NoteTable sorted(NoteTable table, const FetchRequest& request) {
-  table.setOrder(sortedPage(table.rows(), request));
   return table;
 }
 
@@ -131,20 +136,23 @@ NoteTable NoteFetch::table(const FetchRequest& request) {
   if (!plan.needsText()) return decidedBySQL(connection_, request, &plan);
 
   TermSearch search(connection_, plan, request.place);
-  const auto tableOfAll = [&](const std::vector<std::int64_t>& ids) {
-    return tableOf(connection_, ids, request.detailed);
+  const auto inOrder = [&](const std::vector<std::int64_t>& ids) {
+    NoteTable table = tableOf(connection_, ids, request.detailed);
+    table.loadRelations(connection_);
+    return table;
   };
-  if (plan.drivenNotes().value_or(INT64_MAX) <= shortWalk) {
-    return sorted(tableOfAll(search.throughAll()), request);
-  }
-  if (auto ids = search.byWalking(request, shortWalk)) return tableOfAll(*ids);
+  const auto unordered = [&](const std::vector<std::int64_t>& ids) {
+    return complete(tableOf(connection_, ids, request.detailed), connection_, request);
+  };
+  if (plan.drivenNotes().value_or(INT64_MAX) <= shortWalk) return unordered(search.throughAll());
+  if (auto ids = search.byWalking(request, shortWalk)) return inOrder(*ids);
   auto found = search.throughIndex(commonFrom);
   if (!found) {
-    if (auto ids = search.byWalking(request, longWalk)) return tableOfAll(*ids);
+    if (auto ids = search.byWalking(request, longWalk)) return inOrder(*ids);
     found = search.throughIndex(unlimited);
   }
   if (!found) found = search.throughAll();
-  return sorted(tableOfAll(*found), request);
+  return unordered(*found);
 }
 
 std::int64_t NoteFetch::count(const FetchRequest& request) {

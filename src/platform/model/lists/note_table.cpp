@@ -224,12 +224,12 @@ void NoteTable::setOrder(std::vector<std::uint32_t> order) {
   if (row.tagCount > 0) __builtin_prefetch(&tags_[row.firstTag]);
 }
 
-NoteView NoteTable::operator[](std::size_t index) const {
+NoteView NoteTable::note(std::size_t index, std::vector<std::string_view>& tags) const {
   prefetchAfter(index);
   const ListedRow& row = rows_[rowAt(index)];
-  shownTags_.clear();
+  tags.clear();
   for (std::uint32_t i = 0; i < row.tagCount; ++i) {
-    shownTags_.push_back(tagNames_[tags_[row.firstTag + i]]);
+    tags.push_back(tagNames_[tags_[row.firstTag + i]]);
   }
   NoteView note;
   note.id = row.id;
@@ -241,7 +241,7 @@ NoteView NoteTable::operator[](std::size_t index) const {
   note.archived = row.archived;
   note.pinned = row.pinned;
   note.encrypted = row.encrypted;
-  note.tags = shownTags_;
+  note.tags = tags;
   if (!detailed_) return note;
   const Details& details = details_[rowAt(index)];
   note.digest = details.digest;

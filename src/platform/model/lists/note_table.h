@@ -41,8 +41,9 @@ class NoteTable {
   void setOrder(std::vector<std::uint32_t> order);
 
   std::size_t size() const { return ordered_ ? order_.size() : rows_.size(); }
-  /// The note at `index` of the list. Valid until the next call.
-  NoteView operator[](std::size_t index) const;
+  /// The note at `index` of the list, with its tags in `tags`. Valid until `tags` is changed.
+  /// Threads may call this at the same time, each with `tags` of its own.
+  NoteView note(std::size_t index, std::vector<std::string_view>& tags) const;
 
   /// Calls `visit` with each index and text of the list in order. The text of a locked note is
   /// empty. Throws sqlite::Error.
@@ -85,7 +86,6 @@ class NoteTable {
   std::vector<std::uint32_t> tags_;         ///< note by note: indices in `tagNames_`, ascending
   std::vector<std::string_view> pins_;      ///< note by note
   std::vector<std::string_view> filenames_;
-  mutable std::vector<std::string_view> shownTags_;  ///< of the last note returned by operator[]
 };
 
 }  // namespace tavimodel

@@ -43,8 +43,10 @@ bool ManagedObjectContext::hasPinnedNote() {
 
 void ManagedObjectContext::forEachText(
     const NoteTable& table, const std::function<void(const NoteView&, std::string_view)>& visit) {
-  table.forEachText(reading(),
-                    [&](std::size_t index, std::string_view text) { visit(table[index], text); });
+  std::vector<std::string_view> tags;
+  table.forEachText(reading(), [&](std::size_t index, std::string_view text) {
+    visit(table.note(index, tags), text);
+  });
 }
 
 void ManagedObjectContext::beginWriting() {

@@ -219,7 +219,7 @@ TEST_F(Model, LocksANoteByItsFlagAloneWhateverTheTriggersDid) {
   const auto locked = [&] { return note(*open(), id).encryptedValue(); };
   const auto listed = [&] {
     auto stack = open();
-    return stack->managedObjectContext()->fetch({})[0].encrypted;
+    return stack->managedObjectContext()->fetch({}).rows()[0].encrypted;
   };
   sqlite3_db_config(client.handle(), SQLITE_DBCONFIG_ENABLE_TRIGGER, 0, nullptr);
   for (const bool flag : {true, false, true}) {
@@ -256,7 +256,7 @@ TEST_F(Model, BringsADatabaseOfAnEarlierVersionUpToDate) {
     FetchRequest request;
     request.search = readSearch(query).query;
     const NoteTable notes = stack->managedObjectContext()->fetch(request);
-    for (std::size_t i = 0; i < notes.size(); ++i) found += notes[i].title;
+    for (const ListedRow& note : notes.rows()) found += note.title();
     return found;
   };
   using Access = KVCoreDataStackForExtensions::Access;

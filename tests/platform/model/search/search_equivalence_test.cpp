@@ -173,7 +173,8 @@ class SearchEquivalence : public OpenedModel {
   std::vector<std::int64_t> fetched(const FetchRequest& request) {
     const NoteTable table = context().fetch(request);
     std::vector<std::int64_t> ids;
-    for (std::size_t i = 0; i < table.size(); ++i) ids.push_back(table[i].id);
+    std::vector<std::string_view> tags;
+    for (std::size_t i = 0; i < table.size(); ++i) ids.push_back(table.note(i, tags).id);
     return ids;
   }
 

@@ -31,7 +31,7 @@ class Search : public OpenedModel {
     request.search = readSearch(query).query;
     std::multiset<std::string> titles;
     const NoteTable notes = context().fetch(request);
-    for (std::size_t i = 0; i < notes.size(); ++i) titles.emplace(notes[i].title);
+    for (const ListedRow& note : notes.rows()) titles.emplace(note.title());
     EXPECT_EQ(context().count(request), static_cast<std::int64_t>(titles.size())) << query;
     return titles;
   }
