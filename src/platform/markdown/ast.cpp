@@ -1,5 +1,6 @@
 #include "platform/markdown/ast.h"
 
+#include <algorithm>
 #include <unordered_set>
 
 #include "platform/markdown/document.h"
@@ -64,6 +65,24 @@ void ZDKAST::applyTextOperationResults(const Operations& results) {
   owned_ = withOperations(source(), results);
 }
 
+std::optional<ZDKTextSummary> ZDKAST::summaryAfterRenaming(const Operations& renaming,
+                                                           std::string_view from,
+                                                           std::string_view to) const {
+  const Document& found = document();
+  // The positions of links to files would move.
+  if (!found.files.empty() || !changesNamesOnly(renaming, source(), found, from)) {
+    return std::nullopt;
+  }
+  ZDKTextSummary summary = textSummary();
+  std::vector<std::string> tags;
+  for (std::string& tag : summary.tags) {
+    std::string name = renamedTag(tag, from, to).value_or(std::move(tag));
+    if (std::find(tags.begin(), tags.end(), name) == tags.end()) tags.push_back(std::move(name));
+  }
+  summary.tags = std::move(tags);
+  return summary;
+}
+
 ZDKTextSummary ZDKAST::textSummary() const {
   const Document& found = document();
   ZDKTextSummary summary;
@@ -92,6 +111,10 @@ const std::string& ZDKAST::markdown() const {
 
 std::vector<HashtagMention> ZDKAST::hashtags() const {
   return document().hashtags;
+}
+
+bool ZDKAST::hasHashtag(std::string_view name) const {
+  return hasTag(document(), name);
 }
 
 }  // namespace zephyrdown

@@ -32,6 +32,8 @@ struct FileLink {
   ByteRange range;       ///< the whole link, including the comment with its preview flag
   std::string filename;  ///< percent-decoded, without a fragment ("#page=2")
   bool isImage = false;
+
+  bool operator==(const FileLink&) const = default;
 };
 
 /// The contents of a note's text that are stored beside it, in text order.
@@ -45,6 +47,8 @@ struct ZDKTextSummary {
   std::int32_t todoCompleted = 0;      ///< finished task list items
   bool hasImages = false;              ///< any image, local or remote
   bool hasCode = false;                ///< a code span or block
+
+  bool operator==(const ZDKTextSummary&) const = default;
 };
 
 struct Document;
@@ -92,6 +96,12 @@ class ZDKAST {
   std::vector<ZDKASTOperationResult> renameHashtag(std::string_view from,
                                                    std::string_view to) const;
 
+  /// The summary of the text after `renaming`, edits planned by `renameHashtag`, if it is certain
+  /// without parsing that text, as it is for most.
+  std::optional<ZDKTextSummary> summaryAfterRenaming(
+      const std::vector<ZDKASTOperationResult>& renaming, std::string_view from,
+      std::string_view to) const;
+
   /// Applies edits planned on this tree. Their ranges must not overlap.
   void applyTextOperationResults(const std::vector<ZDKASTOperationResult>& results);
 
@@ -99,6 +109,7 @@ class ZDKAST {
   ZDKTextSummary textSummary() const;
   /// Every occurrence of a hashtag, in text order.
   std::vector<HashtagMention> hashtags() const;
+  bool hasHashtag(std::string_view name) const;
 
  private:
   ZDKAST() = default;

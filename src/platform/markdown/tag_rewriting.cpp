@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <set>
 
+#include "platform/markdown/ascii.h"
 #include "platform/markdown/hashtag.h"
 #include "platform/markdown/hashtag_grammar.h"
 #include "platform/markdown/insertion.h"
@@ -12,11 +13,6 @@
 
 namespace zephyrdown {
 namespace {
-
-bool hasTag(const Document& document, std::string_view name) {
-  return std::any_of(document.hashtags.begin(), document.hashtags.end(),
-                     [&](const HashtagMention& tag) { return tag.name == name; });
-}
 
 /// The hashtag that is read as `name` before `rest`, the plain text that follows. An additional
 /// closing mark separates "#2024#.5", and a backslash escapes a hash mark that follows.
@@ -38,6 +34,14 @@ std::optional<std::string> fittingHashtag(std::string_view name, std::string_vie
     }
   }
   return std::nullopt;
+}
+
+/// Whether it is "#" and a name of ASCII letters, digits and slashes.
+bool isPlainWord(std::string_view hashtag) {
+  if (!hashtag.starts_with('#') || !isPlainTagName(hashtag.substr(1))) return false;
+  return std::all_of(hashtag.begin() + 1, hashtag.end(), [](char c) {
+    return isASCIILetter(byteOf(c)) || isASCIIDigit(byteOf(c)) || c == '/';
+  });
 }
 
 /// Plans a new tag line directly below the title; without a heading, as the first line.
@@ -86,9 +90,7 @@ class Renamer {
   }
 
   std::optional<std::string> renamed(std::string_view name) const {
-    if (name == from_) return std::string(to_);
-    if (!name.starts_with(from_) || name[from_.size()] != '/') return std::nullopt;
-    return std::string(to_).append(name.substr(from_.size()));
+    return renamedTag(name, from_, to_);
   }
 
   void rewrite(const HashtagMention& tag, const std::string& name, bool isKnown) {
@@ -120,6 +122,11 @@ class Renamer {
 
 }  // namespace
 
+bool hasTag(const Document& document, std::string_view name) {
+  return std::any_of(document.hashtags.begin(), document.hashtags.end(),
+                     [&](const HashtagMention& tag) { return tag.name == name; });
+}
+
 Operations plannedTag(std::string_view text, const Document& document, std::string_view name,
                       bool bottom) {
   const auto hashtag = ZDKHashtag::hashtagStringForTagName(name);
@@ -147,6 +154,38 @@ Operations plannedTagRemoval(std::string_view text, const Document& document,
     results.front().replacement = lineBreakStyle(text);
   }
   return results;
+}
+
+std::optional<std::string> renamedTag(std::string_view name, std::string_view from,
+                                      std::string_view to) {
+  if (name == from) return std::string(to);
+  if (!name.starts_with(from) || name[from.size()] != '/') return std::nullopt;
+  return std::string(to).append(name.substr(from.size()));
+}
+
+// Nothing in Markdown depends on which letters and digits a tag has. How many there are matters to
+// the limits of wiki links, of tables and for texts made to be slow; the whole name to a title and
+// to a reference's label.
+bool changesNamesOnly(const Operations& renaming, std::string_view text, const Document& document,
+                      std::string_view from) {
+  constexpr std::size_t kLongest = 10'000;
+  if (text.size() > kLongest) return false;
+  for (const std::string_view mark : {"]:", "]](", "|"}) {
+    if (text.find(mark) != npos) return false;
+  }
+  const auto titleEnd = document.headingEnd ? document.headingEnd : document.titleEnd;
+  if (!titleEnd) return false;
+  const auto mentions = std::count_if(
+      document.hashtags.begin(), document.hashtags.end(),
+      [&](const HashtagMention& tag) { return renamedTag(tag.name, from, "").has_value(); });
+  if (static_cast<std::size_t>(mentions) != renaming.size()) return false;
+  return std::all_of(renaming.begin(), renaming.end(), [&](const ZDKASTOperationResult& edit) {
+    const std::size_t begin = lineBegin(text, edit.range.begin);
+    const std::string_view line = text.substr(begin, lineEnd(text, begin) - begin);
+    return edit.range.begin >= *titleEnd && line.find('_') == npos && line.find("[[") == npos &&
+           isPlainWord(text.substr(edit.range.begin, edit.range.end - edit.range.begin)) &&
+           isPlainWord(edit.replacement);
+  });
 }
 
 Operations plannedTagRename(std::string_view text, const Document& document, std::string_view from,

@@ -75,6 +75,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   for (const std::string& name : summary.tags) {
     done(text, tree.removeHashtag(name));
     done(text, tree.renameHashtag(name, "zz top"));
+    for (const char* to : {"z", "zz/1top"}) {
+      const auto renaming = tree.renameHashtag(name, to);
+      const auto renamed = tree.summaryAfterRenaming(renaming, name, to);
+      require(!renamed || *renamed == textSummary(done(text, renaming)));
+    }
   }
   for (const FileLink& file : summary.files) done(text, tree.removeLinkWithURL(file.filename));
   return 0;

@@ -268,6 +268,14 @@ class Text {
     const Names tags = summaryOf(renamed).tags;
     EXPECT_FALSE(holds(tags, name)) << renamed;
     EXPECT_EQ(std::count(tags.begin(), tags.end(), "zz top"), 1) << renamed;
+    for (const char* to : {"z", "zz/1top"}) checkSummaryAfterRenaming(name, to);
+  }
+
+  void checkSummaryAfterRenaming(const std::string& name, const std::string& to) {
+    const Operations renaming = tree_.renameHashtag(name, to);
+    const auto summary = tree_.summaryAfterRenaming(renaming, name, to);
+    const ZDKTextSummary read = summaryOf(rewritten(text_, renaming));
+    EXPECT_TRUE(summary.value_or(read) == read) << name;
   }
 
   const std::string& text_;

@@ -92,6 +92,31 @@ TEST(Markdown, HoldsItsPropertiesForRandomTexts) {
   }
 }
 
+// What is said of a renamed text without parsing it is what parsing it says.
+TEST(Markdown, KnowsTheSummaryOfARenamedText) {
+  constexpr const char* kNames[] = {"t", "u", "w/x", "longer1"};
+  constexpr const char* kTags[] = {" #t ",  " #u",    "#w/x",  "\n#t", "(#u",  "*#t*",
+                                   " #t a", " #u/y,", "#w/x#", "~#t~", "\"#u", "&#t"};
+  RandomTexts random(20261126);
+  int known = 0;
+  const int count = support::rounds(20'000);
+  for (int round = 0; round < count && !HasFailure(); ++round) {
+    std::string text = random.below(8) == 0 ? "" : "T\n\n";
+    for (std::size_t i = 1 + random.below(12); i > 0; --i) {
+      text += random.below(3) == 0 ? random.text(kTags, 1) : random.text(kMarkdown, 1);
+    }
+    const ZDKAST tree = parsed(text);
+    const std::string from = random.text(kNames, 1), to = random.text(kNames, 1);
+    const auto renaming = tree.renameHashtag(from, to);
+    const auto summary = tree.summaryAfterRenaming(renaming, from, to);
+    if (!summary || renaming.empty()) continue;
+    ++known;
+    EXPECT_TRUE(*summary == textSummary(applied(text, renaming))) << text << "\n"
+                                                                  << from << " to " << to;
+  }
+  EXPECT_GT(known, count / 20);
+}
+
 TEST(Markdown, HoldsItsPropertiesForRandomCharacters) {
   constexpr const char* kMarks[] = {"\n", "\n\n", " ", "#", "- ", "> ",
                                     "*",  "[",    "]", "(", ")",  "`"};

@@ -95,5 +95,23 @@ TEST(RenamedTag, TakesItsChildrenAlong) {
   EXPECT_EQ(renamed("#x y# #x y/c d# z", "x y", "a"), "#a #a/c d# z");
 }
 
+TEST(RenamedTag, LeavesASummaryThatIsKnownUnlessMoreMayChange) {
+  const auto isKnown = [](const std::string& text, const char* from, const char* to) {
+    const ZDKAST tree = ZDKAST::viewing(text);
+    return tree.summaryAfterRenaming(tree.renameHashtag(from, to), from, to).has_value();
+  };
+  for (const char* text : {"# T\n#a", "# T\n#a/b c #d#\n- [ ] x [y](z/)", "T\n\n*#a* `c`\n[[w]]"}) {
+    EXPECT_TRUE(isKnown(text, "a", "new/1")) << text;
+    EXPECT_FALSE(isKnown(text, "a", "new one")) << text;
+    EXPECT_FALSE(isKnown(text, "a", "new-one")) << text;
+  }
+  for (const char* text :
+       {"#a", "# T #a", "T\n#a\n===", "# T\n#a#", "# T\n[#a]\n\n[#b]: /u", "# T\n#a [[w]]",
+        "# T\n#a [f](f.pdf)", "# T\n#a _x_", "# T\n#a\n\n|x|\n|-|\n"}) {
+    EXPECT_FALSE(isKnown(text, "a", "b")) << text;
+  }
+  EXPECT_FALSE(isKnown("# T\n#a" + std::string(10'000, ' '), "a", "b"));
+}
+
 }  // namespace
 }  // namespace zephyrdown

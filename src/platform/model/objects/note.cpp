@@ -40,7 +40,10 @@ bool isSameName(std::string_view a, std::string_view b) {
 }  // namespace
 
 TextReading TextReading::of(std::string_view text) {
-  zephyrdown::ZDKTextSummary summary = zephyrdown::textSummary(text);
+  return of(text, zephyrdown::textSummary(text));
+}
+
+TextReading TextReading::of(std::string_view text, zephyrdown::ZDKTextSummary summary) {
   TextFacts facts = TextFacts::of(text, summary);
   return {std::move(summary), std::move(facts)};
 }

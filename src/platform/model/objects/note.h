@@ -22,6 +22,8 @@ class NoteReader;
 /// What a note's text says.
 struct TextReading {
   static TextReading of(std::string_view text);
+  /// Of a text that has already been parsed.
+  static TextReading of(std::string_view text, zephyrdown::ZDKTextSummary summary);
 
   zephyrdown::ZDKTextSummary summary;
   TextFacts facts;

@@ -24,21 +24,20 @@ std::string TagRenaming::renamed(const std::string& name) const {
 
 /// The new text of a note whose tag rows are `rows`; absent if there is nothing to rename. Tags
 /// that only the rows have are added to the text.
-std::optional<std::string> TagRenaming::renamedText(const std::string& text,
-                                                    const Names& rows) const {
+std::optional<TagRenaming::Renamed> TagRenaming::renamedText(const std::string& text,
+                                                             const Names& rows) const {
   const ZDKAST tree = ZDKAST::viewing(text);
-  std::unordered_set<std::string> written;
-  for (zephyrdown::HashtagMention& mention : tree.hashtags()) written.insert(mention.name);
   Names missing;
   for (const std::string& name : rows) {
-    if (concerns(name) && !written.contains(name)) missing.push_back(name);
+    if (concerns(name) && !tree.hasHashtag(name)) missing.push_back(name);
   }
   const auto operations = tree.renameHashtag(tag_, newName_);
   if (operations.empty() && missing.empty()) return std::nullopt;
-  std::string result = zephyrdown::withOperations(text, operations);
+  Renamed result{zephyrdown::withOperations(text, operations), std::nullopt};
+  if (missing.empty()) result.summary = tree.summaryAfterRenaming(operations, tag_, newName_);
   for (const std::string& name : missing) {
-    const auto addition = ZDKAST::viewing(result).addHashtag(renamed(name), bottom_);
-    result = zephyrdown::withOperations(result, addition);
+    const auto addition = ZDKAST::viewing(result.text).addHashtag(renamed(name), bottom_);
+    result.text = zephyrdown::withOperations(result.text, addition);
   }
   return result;
 }
@@ -56,11 +55,15 @@ NoteChange TagRenaming::ofNote(KVNote& note) const {
   const auto planned =
       [this, plan, &text, &rows, title = note.title().value_or(""),
        indexedDigest = note.isIndexed() && note.knownFacts() ? note.knownFacts()->digest : ""] {
-        plan->text = renamedText(text, rows);
+        auto renamed = renamedText(text, rows);
+        if (!renamed) return;
+        plan->text = std::move(renamed->text);
         // A large text is read after the old one has been freed.
         const bool isLarge = static_cast<std::int64_t>(text.size()) >= largeText;
-        if (!plan->text || isLarge) return;
-        plan->reading = TextReading::of(*plan->text);
+        if (isLarge) return;
+        plan->reading = renamed->summary
+                            ? TextReading::of(*plan->text, std::move(*renamed->summary))
+                            : TextReading::of(*plan->text);
         if (indexedDigest.empty()) return;
         // A program that has turned triggers off may have changed the text unnoticed by the index.
         if (indexedDigest != TextFacts::digestOf(text)) return;

@@ -27,7 +27,11 @@ class TagRenaming {
 
   bool concerns(std::string_view name) const;
   std::string renamed(const std::string& name) const;
-  std::optional<std::string> renamedText(const std::string& text, const Names& rows) const;
+  struct Renamed {
+    std::string text;
+    std::optional<zephyrdown::ZDKTextSummary> summary;  ///< absent: not known without parsing
+  };
+  std::optional<Renamed> renamedText(const std::string& text, const Names& rows) const;
   void renameRows(KVNote& note) const;
 
   std::string tag_, newName_;
