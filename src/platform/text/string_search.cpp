@@ -139,4 +139,12 @@ bool StringSearch::isIn(std::string_view text) const {
   return find(text).has_value();
 }
 
+bool containsBytes(std::string_view text, std::string_view bytes) {
+  if (bytes.empty()) return true;
+  const BytePattern pattern(bytes, /*ignoreCase=*/false);
+  ByteScan scan(pattern, text, 0);
+  if (scan.next()) return true;
+  return scan.gaveUp() && text.find(bytes) != std::string_view::npos;
+}
+
 }  // namespace platform::text

@@ -221,5 +221,23 @@ TEST(StringSearch, IsLinearForNeedlesThatAreMadeToHurt) {
   }
 }
 
+TEST(ContainsBytes, FindsThemAtEveryPlaceOfTextsOfAnyLength) {
+  for (std::size_t length = 1; length < 40; ++length) {
+    for (std::size_t at = 0; at + 3 <= length; ++at) {
+      std::string text(length, 'a');
+      EXPECT_FALSE(containsBytes(text, "\xC3\xA9z"));
+      text.replace(at, 3, "\xC3\xA9z");
+      EXPECT_TRUE(containsBytes(text, "\xC3\xA9z")) << at << " of " << length;
+    }
+  }
+  EXPECT_TRUE(containsBytes("", ""));
+  EXPECT_FALSE(containsBytes("", "a"));
+  // A comparison of long parts begins at nearly every place.
+  const std::string run(50'000, 'a');
+  const std::string part = std::string(500, 'a') + "b" + std::string(500, 'a');
+  EXPECT_FALSE(containsBytes(run, part));
+  EXPECT_TRUE(containsBytes(run + part, part));
+}
+
 }  // namespace
 }  // namespace platform::text

@@ -1,17 +1,18 @@
 #include "platform/model/search/index_changes.h"
 
 #include <algorithm>
-#include <cstring>
 #include <iterator>
 #include <string>
 #include <utility>
 
 #include "platform/model/search/slice_blocks.h"
+#include "platform/text/string_search.h"
 #include "platform/text/utf8.h"
 
 namespace tavimodel {
 namespace {
 
+using platform::text::containsBytes;
 using platform::text::decodeScalar;
 using platform::text::isContinuation;
 using platform::text::previousScalar;
@@ -57,12 +58,6 @@ std::size_t commonSuffix(std::string_view a, std::string_view b) {
   return most - rest;
 }
 
-/// memmem(3) is quicker than std::string's search, which stops at each occurrence of the first
-/// byte.
-bool contains(std::string_view text, std::string_view part) {
-  return memmem(text.data(), text.size(), part.data(), part.size()) != nullptr;
-}
-
 std::vector<Trigram> trigramsOf(std::string_view text) {
   std::vector<Trigram> trigrams;
   forEachTrigram(text, [&](Trigram trigram) { trigrams.push_back(trigram); });
@@ -97,7 +92,7 @@ std::optional<TrigramChange> TrigramChange::between(std::string_view before, std
   TrigramChange change{without(has, had), without(had, has)};
   std::erase_if(change.lost, [&](Trigram trigram) {
     const std::string bytes = utf8Of(trigram);
-    return contains(after, bytes) || contains(title, bytes);
+    return containsBytes(after, bytes) || containsBytes(title, bytes);
   });
   return change;
 }
