@@ -4,6 +4,7 @@
 #include <unicode/locid.h>
 #include <unicode/unistr.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <cstdlib>
 
@@ -44,7 +45,11 @@ icu::StringPiece piece(std::string_view text) {
 }  // namespace
 
 std::strong_ordering compareByCodePoints(std::string_view a, std::string_view b) {
-  if (isASCII(a) && isASCII(b)) return a <=> b;
+  const auto difference = std::mismatch(a.begin(), a.end(), b.begin(), b.end());
+  const auto isDecided = [](std::string_view from) { return isASCII(from.substr(0, 2)); };
+  const auto begin = static_cast<std::size_t>(difference.first - a.begin());
+  // An ASCII character composes with none before it, and only with marks behind it.
+  if (isDecided(a.substr(begin)) && isDecided(b.substr(begin))) return a <=> b;
   return canonicallyComposed(a) <=> canonicallyComposed(b);
 }
 

@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "platform/text/folding.h"
+
 namespace platform::text {
 namespace {
 
@@ -17,6 +19,24 @@ TEST(Ordering, ByCodePointsAfterComposition) {
             (std::vector<std::string>{"B", "a", "b", "\u00E8", "e\u0301", "\uFB01", "\U0001F600"}));
   EXPECT_EQ(compareByCodePoints("\u00E9", "e\u0301"), std::strong_ordering::equal);
   EXPECT_EQ(compareByCodePoints("a", "a\u0301"), std::strong_ordering::less);
+}
+
+TEST(Ordering, ByCodePointsComparesTheComposedForms) {
+  const std::vector<std::string> pieces = {"",       "a",      "b",      "e",    "\u0301",
+                                           "\u0323", "\u00E9", "\u1EB9", "\xC3", "\u1100\u1161"};
+  std::vector<std::string> texts;
+  for (const std::string& first : pieces) {
+    for (const std::string& second : pieces) {
+      texts.push_back(first + second);
+      texts.push_back("a" + first + second);
+    }
+  }
+  for (const std::string& a : texts) {
+    for (const std::string& b : texts) {
+      ASSERT_TRUE(compareByCodePoints(a, b) == (canonicallyComposed(a) <=> canonicallyComposed(b)))
+          << testing::PrintToString(a) << testing::PrintToString(b);
+    }
+  }
 }
 
 class Collation : public testing::Test {
