@@ -30,8 +30,7 @@ constexpr std::size_t mostSmallSlices = 8;
 /// Limit of `searchSlice.firsts` in bytes: a slice with few notes but many trigrams is not merged.
 constexpr std::int64_t mostFirsts = 8192;
 
-/// Limits of the notes that are read at once, of which the last may have more bytes.
-constexpr std::int64_t fewNotes = 64;
+/// Limit of the texts that are read at once, of which the last may have more bytes.
 constexpr std::size_t fewBytes = std::size_t{1} << 18;
 /// The number of texts without facts for which a second thread is started.
 constexpr std::ptrdiff_t worthAThread = 16;
@@ -192,14 +191,14 @@ std::int64_t SearchIndex::sliceToFill(SliceBuilder& builder, std::int64_t whole)
 
 /// Indexes notes until a slice is full or the deadline has passed. Returns true if more notes may
 /// be left. The builder must be empty, and is empty afterwards.
-bool SearchIndex::addNotes(SliceBuilder& builder, Clock::time_point deadline, std::int64_t whole) {
-  const std::int64_t slice = sliceToFill(builder, whole);
+bool SearchIndex::addNotes(SliceBuilder& builder, Clock::time_point deadline, TidyBudget budget) {
+  const std::int64_t slice = sliceToFill(builder, budget.notesInSlice);
   const int before = builder.notes();
   bool goesOn = true;
   std::int64_t last = INT64_MIN;
   while (goesOn) {
-    std::vector<NoteToIndex> notes =
-        nextUnknown(last, std::min<std::int64_t>(fewNotes, sliceCapacity - builder.notes()));
+    std::vector<NoteToIndex> notes = nextUnknown(
+        last, std::min<std::int64_t>(budget.notesAtOnce, sliceCapacity - builder.notes()));
     if (notes.empty()) break;
     last = notes.back().id;
     add(builder, notes, slice);
@@ -343,7 +342,7 @@ bool SearchIndex::bringUpToDate(TidyBudget budget) {
   while (areLeft) {
     // What is read is then also written to the slice, the log and the database.
     const auto readUntil = Clock::now() + (deadline - Clock::now()) * 3 / 5;
-    areLeft = addNotes(builder, readUntil, budget.notesInSlice);
+    areLeft = addNotes(builder, readUntil, budget);
     if (Clock::now() >= readUntil) break;
   }
   removeNextStale();

@@ -53,7 +53,7 @@ class SearchIndex {
   void removeNextStale();
   bool hasStale(std::int64_t slice);
   bool removeStale(std::int64_t slice);
-  bool addNotes(SliceBuilder& builder, Clock::time_point deadline, std::int64_t whole);
+  bool addNotes(SliceBuilder& builder, Clock::time_point deadline, TidyBudget budget);
   void add(SliceBuilder& builder, std::vector<NoteToIndex>& notes, std::int64_t slice);
   void store(const NoteToIndex& note);
   std::int64_t sliceToFill(SliceBuilder& builder, std::int64_t whole);

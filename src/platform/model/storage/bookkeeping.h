@@ -27,12 +27,14 @@ struct TidyBudget {
   std::int64_t fewestNotes;
   int milliseconds;
   std::int64_t notesInSlice;
+  std::int64_t notesAtOnce = 64;  ///< between two looks at the clock
 };
 /// For the end of a command. A few unindexed notes are left, since searches read their texts
 /// instead; so a program that writes note after note pays for the index only once per batch.
 constexpr TidyBudget closingBudget{.fewestNotes = 64, .milliseconds = 60, .notesInSlice = 1024};
 /// For one slice of a server's idle time between two calls.
-constexpr TidyBudget idleBudget{.fewestNotes = 1, .milliseconds = 5, .notesInSlice = 512};
+constexpr TidyBudget idleBudget{
+    .fewestNotes = 1, .milliseconds = 5, .notesInSlice = 320, .notesAtOnce = 32};
 
 /// Updates the search index within the budget, in the caller's write transaction. Returns true if
 /// time ran out before everything was done.
