@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <initializer_list>
 
 #include "platform/model/lists/row_order.h"
 #include "platform/model/lists/text_walk.h"
@@ -19,6 +20,8 @@ using Terms = std::vector<std::string>;
 constexpr int titleColumn = 1;
 constexpr int lockedColumn = 2;
 constexpr int firstPlanColumn = 3;
+// Of TermSearch::selectTexts; its others are the same.
+constexpr int textColumn = 3;
 
 /// The few groups that narrow the search most: those with the longest shortest term.
 std::vector<Terms> mostTelling(std::vector<Terms> groups) {
@@ -34,12 +37,33 @@ std::vector<Terms> mostTelling(std::vector<Terms> groups) {
   return groups;
 }
 
+/// Whether an index of noteSummary has the notes of a place in this order.
+bool isOrderOfAnIndex(const std::vector<SortDescriptor>& order) {
+  const auto is = [&](std::initializer_list<SortKey> keys) {
+    return std::equal(order.begin(), order.end(), keys.begin(), keys.end(),
+                      [](const auto& by, SortKey key) { return by.key == key && !by.ascending; });
+  };
+  return is({SortKey::pinned, SortKey::modificationDate}) || is({SortKey::modificationDate}) ||
+         is({SortKey::creationDate});
+}
+
 }  // namespace
 
 sqlite::Query TermSearch::select(std::string_view from, std::string_view order) {
   return connection_.query(
       fmt::format("SELECT s.note, s.title, s.encrypted{} FROM {} WHERE {} AND {}{}",
                   plan_.columns(), from, placeTest(place_), plan_.where(), order));
+}
+
+/// Selects the notes that are neither in the trash nor in the archive, with their texts. Reads
+/// nothing of noteSummary but an index, since a row of it may be on a page of its own. In other
+/// orders and places SQLite would sort the notes, and their texts with them.
+sqlite::Query TermSearch::selectTexts(std::string_view order) {
+  return connection_.query(fmt::format(
+      "SELECT s.note, note.title, note.encrypted, {} "
+      "FROM noteSummary s CROSS JOIN note ON note.id = s.note "
+      "WHERE s.trashed = 0 AND s.archived = 0 AND ifnull(note.permanentlyDeleted, 0) = 0{}",
+      readableText, order));
 }
 
 std::optional<std::vector<std::int64_t>> TermSearch::throughIndex(std::size_t most) {
@@ -93,12 +117,16 @@ std::optional<std::vector<std::int64_t>> TermSearch::byWalking(const FetchReques
   const std::int64_t wanted = request.fetchOffset + request.fetchLimit;
   std::vector<std::int64_t> found;
   std::int64_t looked = 0;
-  sqlite::Query rows = select("noteSummary s", order);
+  const bool withTexts =
+      place_ == Place::notes && decidesByText() && isOrderOfAnIndex(request.sortDescriptors);
+  sqlite::Query rows = withTexts ? selectTexts(order) : select("noteSummary s", order);
   plan_.bind(rows);
   while (static_cast<std::int64_t>(found.size()) < wanted && rows.step()) {
     const bool hopeful = static_cast<std::int64_t>(found.size()) * 4 >= wanted;
     if (++looked > patience && !hopeful) return std::nullopt;
-    if (matchesByLookup(rows)) found.push_back(rows.integer(0));
+    if (withTexts ? matches(rows, rows.text(textColumn)) : matchesByLookup(rows)) {
+      found.push_back(rows.integer(0));
+    }
   }
   const auto skipped = std::min(request.fetchOffset, static_cast<std::int64_t>(found.size()));
   found.erase(found.begin(), found.begin() + skipped);

@@ -42,9 +42,14 @@ class TermSearch {
   using Terms = std::vector<std::string>;
 
   sqlite::Query select(std::string_view from, std::string_view order);
+  sqlite::Query selectTexts(std::string_view order);
   std::optional<std::vector<std::int64_t>> candidatesOfAny(const Terms& terms, std::size_t most);
   std::vector<std::int64_t> matchesAmong(const std::vector<std::int64_t>& candidates);
   bool readsTexts() const { return !plan_.ocrOnly() && !plan_.titlesOnly(); }
+  /// Whether nothing but titles and texts decides.
+  bool decidesByText() const {
+    return readsTexts() && plan_.where() == "1" && plan_.columns().empty();
+  }
   bool matchesByLookup(const sqlite::Query& row);
   bool matches(const sqlite::Query& row, std::string_view text);
   std::string recognisedText(std::int64_t note);
