@@ -98,9 +98,11 @@ std::vector<std::int64_t> SearchIndex::rowsWith(const std::vector<Trigram>& trig
   return rows;
 }
 
-/// Adds notes to the slice, and stores the other data derived from their titles and texts. Only the
-/// title of a locked note is indexed, and nothing of a permanently deleted one.
-void SearchIndex::add(SliceBuilder& builder, std::vector<NoteToIndex>& notes, std::int64_t slice) {
+/// Adds notes to the slice, and derives the other data from their titles and texts. Only the title
+/// of a locked note is indexed, and nothing of a permanently deleted one. Stores the notes that
+/// were added before.
+void SearchIndex::add(SliceBuilder& builder, std::vector<NoteToIndex>& notes, std::int64_t slice,
+                      const std::vector<NoteToIndex>& addedBefore) {
   // Deriving the facts takes as long as the rest.
   const auto deriveFacts = [&notes](std::size_t i) {
     if (notes[i].lacksFacts) notes[i].facts = TextFacts::of(notes[i].text);
@@ -108,6 +110,7 @@ void SearchIndex::add(SliceBuilder& builder, std::vector<NoteToIndex>& notes, st
   const auto lacking = std::count_if(notes.begin(), notes.end(),
                                      [](const NoteToIndex& note) { return note.lacksFacts; });
   platform::system::SharedWork facts(notes.size(), deriveFacts, lacking >= worthAThread);
+  for (const NoteToIndex& note : addedBefore) store(note);
   for (NoteToIndex& note : notes) {
     note.searchRow = slice * sliceCapacity + builder.notes();
     const std::string body =
@@ -115,7 +118,6 @@ void SearchIndex::add(SliceBuilder& builder, std::vector<NoteToIndex>& notes, st
     builder.addNote({body, note.isDeleted ? std::string_view() : note.title});
   }
   facts.finish();
-  for (const NoteToIndex& note : notes) store(note);
 }
 
 void SearchIndex::store(const NoteToIndex& note) {
@@ -196,14 +198,17 @@ bool SearchIndex::addNotes(SliceBuilder& builder, Clock::time_point deadline, Ti
   const int before = builder.notes();
   bool goesOn = true;
   std::int64_t last = INT64_MIN;
+  std::vector<NoteToIndex> added;  // not stored yet
   while (goesOn) {
     std::vector<NoteToIndex> notes = nextUnknown(
         last, std::min<std::int64_t>(budget.notesAtOnce, sliceCapacity - builder.notes()));
     if (notes.empty()) break;
     last = notes.back().id;
-    add(builder, notes, slice);
+    add(builder, notes, slice, added);
+    added = std::move(notes);
     goesOn = !builder.isFull() && Clock::now() < deadline;
   }
+  for (const NoteToIndex& note : added) store(note);
   if (builder.notes() == before) return false;
   removeSlice(connection_, slice);
   builder.write(connection_, slice);

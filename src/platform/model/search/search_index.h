@@ -54,7 +54,8 @@ class SearchIndex {
   bool hasStale(std::int64_t slice);
   bool removeStale(std::int64_t slice);
   bool addNotes(SliceBuilder& builder, Clock::time_point deadline, TidyBudget budget);
-  void add(SliceBuilder& builder, std::vector<NoteToIndex>& notes, std::int64_t slice);
+  void add(SliceBuilder& builder, std::vector<NoteToIndex>& notes, std::int64_t slice,
+           const std::vector<NoteToIndex>& addedBefore);
   void store(const NoteToIndex& note);
   std::int64_t sliceToFill(SliceBuilder& builder, std::int64_t whole);
   void mergeSmall(std::int64_t whole);
