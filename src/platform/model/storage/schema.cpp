@@ -372,6 +372,11 @@ void upgradeSchema(sqlite::Connection& connection) {
 }
 
 void repairLockFlags(sqlite::Connection& connection) {
+  // Every command asks this, and for most the answer is no.
+  constexpr const char* locked =
+      "SELECT 1 FROM note WHERE encrypted = 1 "
+      "UNION ALL SELECT 1 FROM noteSummary WHERE encrypted = 1";
+  if (!connection.query(locked).step()) return;
   constexpr const char* differing =
       "SELECT s.note FROM note n CROSS JOIN noteSummary s ON s.note = n.id "
       "WHERE n.encrypted = 1 AND s.encrypted = 0 "
