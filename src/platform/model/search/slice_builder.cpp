@@ -1,7 +1,6 @@
 #include "platform/model/search/slice_builder.h"
 
 #include <algorithm>
-#include <numeric>
 #include <optional>
 #include <string>
 
@@ -18,6 +17,13 @@ constexpr std::size_t mostOfSlice = std::size_t{1} << 18;
 /// Memory is taken for this number of trigrams at first.
 constexpr std::size_t usualTrigrams = std::size_t{1} << 13;
 constexpr Trigram noTrigram = ~Trigram{0};
+
+/// The trigram of an entry; absent for that of notes that are candidates for every term.
+std::optional<Trigram> trigramOf(std::string_view key) {
+  std::optional<Trigram> trigram;
+  forEachTrigram(key, [&](Trigram only) { trigram = only; });
+  return trigram;
+}
 
 }  // namespace
 
@@ -49,10 +55,17 @@ void SliceBuilder::addNote(const std::vector<std::string_view>& texts) {
 
 void SliceBuilder::load(sqlite::Connection& connection, std::int64_t slice, int notes) {
   notes_ = notes;
-  Moves unmoved;
-  std::iota(unmoved.begin(), unmoved.end(), 0);
   forEachEntry(connection, slice, [&](std::string_view key, std::string_view positions) {
-    addEntry(key, positions, unmoved);
+    const PositionSet set = PositionSet::decoded(positions);
+    const std::optional<Trigram> trigram = trigramOf(key);
+    if (!trigram) {
+      ofAnything_ |= set;
+      return;
+    }
+    const std::size_t place = placeOf(*trigram);
+    for (int group = 0; group * RecentTrigrams::notes < notes; ++group) {
+      addWord(group, place, set.words()[static_cast<std::size_t>(group)]);
+    }
   });
 }
 
@@ -77,8 +90,7 @@ PositionSet SliceBuilder::positionsOf(std::size_t place) const {
 }
 
 void SliceBuilder::addEntry(std::string_view key, std::string_view positions, const Moves& moved) {
-  std::optional<Trigram> trigram;
-  forEachTrigram(key, [&](Trigram only) { trigram = only; });
+  const std::optional<Trigram> trigram = trigramOf(key);
   std::optional<std::size_t> place;
   PositionSet::forEachOf(positions, [&](int before) {
     const int position = moved[static_cast<std::size_t>(before)];
