@@ -20,7 +20,7 @@ using Terms = std::vector<std::string>;
 constexpr int titleColumn = 1;
 constexpr int lockedColumn = 2;
 constexpr int firstPlanColumn = 3;
-// Of TermSearch::selectTexts; its others are the same.
+// Of statements with texts; their other columns are the same.
 constexpr int textColumn = 3;
 
 /// The few groups that narrow the search most: those with the longest shortest term.
@@ -134,6 +134,7 @@ std::optional<std::vector<std::int64_t>> TermSearch::byWalking(const FetchReques
 }
 
 std::vector<std::int64_t> TermSearch::throughAll() {
+  if (decidesByText()) return amongTextsOfAll();
   // Scans both tables in parallel, in the order of ids; a join would look up each row.
   const std::string from = plan_.source() + (plan_.drivenNotes() ? "" : " NOT INDEXED");
   sqlite::Query rows = select(from, " ORDER BY s.note");
@@ -145,6 +146,18 @@ std::vector<std::int64_t> TermSearch::throughAll() {
     if (matches(rows, readsTexts() ? texts.textOf(note) : std::string_view())) {
       found.push_back(note);
     }
+  }
+  return found;
+}
+
+/// Scans one table only, which has all that decides.
+std::vector<std::int64_t> TermSearch::amongTextsOfAll() {
+  sqlite::Query rows = connection_.query(
+      fmt::format("SELECT id, title, encrypted, {} FROM note NOT INDEXED WHERE {} ORDER BY id",
+                  readableText, placeTest(place_)));
+  std::vector<std::int64_t> found;
+  while (rows.step()) {
+    if (matches(rows, rows.text(textColumn))) found.push_back(rows.integer(0));
   }
   return found;
 }

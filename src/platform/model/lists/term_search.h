@@ -44,6 +44,7 @@ class TermSearch {
   sqlite::Query select(std::string_view from, std::string_view order);
   sqlite::Query selectTexts(std::string_view order);
   std::optional<std::vector<std::int64_t>> candidatesOfAny(const Terms& terms, std::size_t most);
+  std::vector<std::int64_t> amongTextsOfAll();
   std::vector<std::int64_t> matchesAmong(const std::vector<std::int64_t>& candidates);
   bool readsTexts() const { return !plan_.ocrOnly() && !plan_.titlesOnly(); }
   /// Whether nothing but titles and texts decides.
