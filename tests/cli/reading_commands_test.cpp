@@ -55,9 +55,10 @@ TEST_F(ReadingCommands, ALongListHasTheRowsOfItsPages) {
       "WITH RECURSIVE more(i) AS (SELECT 4 UNION ALL SELECT i + 1 FROM more WHERE i < 9000) "
       "INSERT INTO note (id, title, text, modificationDate, pinned) "
       "SELECT i, 'Title ' || i % 700, 'text', i * 7919 % 3000, i % 50 = 0 FROM more;"
-      "INSERT INTO tag (id, title) VALUES (10, 'a'), (11, 'b/c'), (12, 'd e');"
+      "INSERT INTO tag (id, title) VALUES (10, 'a'), (12, 'b/c'), (-3, 'd e'), (1 << 40, 'f');"
       "INSERT INTO noteTag SELECT note.id, tag.id FROM note, tag "
-      "WHERE note.id > 3 AND tag.id >= 10 AND note.id % tag.id < 4");
+      "WHERE note.id > 3 AND tag.id <> 1 AND (note.id + tag.id) % 7 < 4;"
+      "INSERT INTO noteTag SELECT id, 11 FROM note WHERE id % 3 = 0");  // there is no such tag
   for (const char* sort : {"pinned,modified", "title"}) {
     std::string pages;
     for (int offset = 0; offset < 9000; offset += 1000) {

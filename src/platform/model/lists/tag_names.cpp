@@ -11,13 +11,25 @@ namespace tavimodel {
 void TagNames::readAll() {
   sqlite::Query query = connection_.query("SELECT id, title FROM tag");
   while (query.step()) {
-    numbers_.emplace(query.integer(0), static_cast<std::uint32_t>(names_.size()));
+    const std::int64_t tag = query.integer(0);
+    const auto number = static_cast<std::uint32_t>(names_.size());
+    if (tag >= 0 && tag < mostInTable) {
+      const auto place = static_cast<std::size_t>(tag);
+      if (place >= table_.size()) table_.resize(place + 1, absent);
+      table_[place] = number;
+    } else {
+      numbers_.emplace(tag, number);
+    }
     names_.push_back(arena_.keep(query.text(1)));
   }
   hasAll_ = true;
 }
 
 std::optional<std::uint32_t> TagNames::numberOf(std::int64_t tag) {
+  if (tag >= 0 && tag < static_cast<std::int64_t>(table_.size())) {
+    const std::uint32_t number = table_[static_cast<std::size_t>(tag)];
+    return number != absent ? std::optional(number) : std::nullopt;
+  }
   if (const auto known = numbers_.find(tag); known != numbers_.end()) return known->second;
   if (hasAll_) return std::nullopt;
   if (!name_) name_.emplace(connection_.query("SELECT title FROM tag WHERE id = ?1"));

@@ -35,6 +35,10 @@ class TagNames {
   std::optional<sqlite::Query> name_;  // selects the name of one tag; made on first use
   bool hasAll_ = false;
   std::vector<std::string_view> names_;  // by number, or by rank
+  // By row id. The table has those of `readAll` that are small, as nearly all are.
+  static constexpr std::int64_t mostInTable = 1 << 16;
+  static constexpr std::uint32_t absent = UINT32_MAX;
+  std::vector<std::uint32_t> table_;
   std::unordered_map<std::int64_t, std::uint32_t> numbers_;
 };
 
