@@ -107,7 +107,7 @@ TEST(RenamedTag, LeavesASummaryThatIsKnownUnlessMoreMayChange) {
   }
   for (const char* text :
        {"#a", "# T #a", "T\n#a\n===", "# T\n#a#", "# T\n[#a]\n\n[#b]: /u", "# T\n#a [[w]]",
-        "# T\n#a [f](f.pdf)", "# T\n#a _x_", "# T\n#a\n\n|x|\n|-|\n"}) {
+        "# T\n#a [f](f.pdf)", "# T\n#a\n[[x]](y/)", "# T\n#a _x_", "# T\n#a\n\n|x|\n|-|\n"}) {
     EXPECT_FALSE(isKnown(text, "a", "b")) << text;
   }
   EXPECT_FALSE(isKnown("# T\n#a" + std::string(10'000, ' '), "a", "b"));
