@@ -1,8 +1,5 @@
 #include "cli/output/field_value.h"
 
-#include <algorithm>
-#include <cstring>
-
 #include "domain/tag_parser.h"
 #include "operations/pin_operations.h"
 
@@ -17,13 +14,6 @@ const std::optional<std::string>& form(Forms& forms, const std::string& text, co
 }
 
 }  // namespace
-
-std::size_t FieldContext::Hash::operator()(const std::string& text) const noexcept {
-  std::uint64_t last = 0;
-  const std::size_t read = std::min(text.size(), sizeof last);
-  std::memcpy(&last, text.data() + text.size() - read, read);
-  return (last ^ text.size()) * 0x9E3779B97F4A7C15 >> 32;  // Fibonacci hashing
-}
 
 TextList FieldContext::list(const std::vector<std::string>& texts) {
   list_.assign(texts.begin(), texts.end());

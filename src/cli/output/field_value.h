@@ -31,11 +31,7 @@ class FieldContext {
   TextList displayedPins(const std::vector<std::string>& pins);
 
  private:
-  /// Of the length and the last bytes, in which names differ most; std::hash reads all bytes.
-  struct Hash {
-    std::size_t operator()(const std::string& text) const noexcept;
-  };
-  using Forms = std::unordered_map<std::string, std::optional<std::string>, Hash>;
+  using Forms = std::unordered_map<std::string, std::optional<std::string>>;
 
   std::vector<std::string_view> list_;
   Forms tags_;
