@@ -39,7 +39,8 @@ class JSONWriter {
   /// Members of objects are written in their order in style `commandLine`. In style `wire` they are
   /// sorted by name at every depth, and only the last of several with the same name is written.
   void value(const JSONValue& value);
-  /// `json` must be one encoded JSON value; it is written as it is.
+  /// `json` must be an encoded JSON value, or several with commas between them; it is written as it
+  /// is.
   void raw(std::string_view json) { literal(json); }
 
   /// Writes one string in parts: beginString, any number of stringPart, endString. The whole string

@@ -4,6 +4,7 @@
 #include <unordered_set>
 
 #include "platform/markdown/document.h"
+#include "platform/markdown/hashtag.h"
 #include "platform/markdown/insertion.h"
 #include "platform/markdown/layout.h"
 #include "platform/markdown/link_removal.h"
@@ -76,7 +77,7 @@ std::optional<ZDKTextSummary> ZDKAST::summaryAfterRenaming(const Operations& ren
   ZDKTextSummary summary = textSummary();
   std::vector<std::string> tags;
   for (std::string& tag : summary.tags) {
-    std::string name = renamedTag(tag, from, to).value_or(std::move(tag));
+    std::string name = ZDKHashtag::renamedTagName(tag, from, to).value_or(std::move(tag));
     if (std::find(tags.begin(), tags.end(), name) == tags.end()) tags.push_back(std::move(name));
   }
   summary.tags = std::move(tags);

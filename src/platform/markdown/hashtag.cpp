@@ -62,4 +62,14 @@ std::optional<std::string> ZDKHashtag::hashtagStringForTagName(std::string_view 
   return std::nullopt;
 }
 
+bool ZDKHashtag::isTagOrDescendant(std::string_view name, std::string_view tag) {
+  return name.starts_with(tag) && (name.size() == tag.size() || name[tag.size()] == '/');
+}
+
+std::optional<std::string> ZDKHashtag::renamedTagName(std::string_view name, std::string_view from,
+                                                      std::string_view to) {
+  if (!isTagOrDescendant(name, from)) return std::nullopt;
+  return std::string(to).append(name.substr(from.size()));
+}
+
 }  // namespace zephyrdown

@@ -90,7 +90,7 @@ class Renamer {
   }
 
   std::optional<std::string> renamed(std::string_view name) const {
-    return renamedTag(name, from_, to_);
+    return ZDKHashtag::renamedTagName(name, from_, to_);
   }
 
   void rewrite(const HashtagMention& tag, const std::string& name, bool isKnown) {
@@ -156,13 +156,6 @@ Operations plannedTagRemoval(std::string_view text, const Document& document,
   return results;
 }
 
-std::optional<std::string> renamedTag(std::string_view name, std::string_view from,
-                                      std::string_view to) {
-  if (name == from) return std::string(to);
-  if (!name.starts_with(from) || name[from.size()] != '/') return std::nullopt;
-  return std::string(to).append(name.substr(from.size()));
-}
-
 // Nothing in Markdown depends on which letters and digits a tag has. How many there are matters to
 // the limits of wiki links, of tables and for texts made to be slow; the whole name to a title and
 // to a reference's label.
@@ -177,7 +170,7 @@ bool changesNamesOnly(const Operations& renaming, std::string_view text, const D
   if (!titleEnd) return false;
   const auto mentions = std::count_if(
       document.hashtags.begin(), document.hashtags.end(),
-      [&](const HashtagMention& tag) { return renamedTag(tag.name, from, "").has_value(); });
+      [&](const HashtagMention& tag) { return ZDKHashtag::isTagOrDescendant(tag.name, from); });
   if (static_cast<std::size_t>(mentions) != renaming.size()) return false;
   return std::all_of(renaming.begin(), renaming.end(), [&](const ZDKASTOperationResult& edit) {
     const std::size_t begin = lineBegin(text, edit.range.begin);

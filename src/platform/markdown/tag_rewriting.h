@@ -1,7 +1,5 @@
 #pragma once
 
-#include <optional>
-#include <string>
 #include <string_view>
 
 #include "platform/markdown/document.h"
@@ -20,9 +18,6 @@ Operations plannedTagRemoval(std::string_view text, const Document& document,
 /// Plans the edits of ZDKAST::renameHashtag.
 Operations plannedTagRename(std::string_view text, const Document& document, std::string_view from,
                             std::string_view to);
-/// The new name of a tag when `from` is renamed; absent if it is neither that tag nor a descendant.
-std::optional<std::string> renamedTag(std::string_view name, std::string_view from,
-                                      std::string_view to);
 /// Whether it is certain that `renaming`, planned for `from` on this document, changes the names of
 /// its tags and nothing else that Markdown reads in the text.
 bool changesNamesOnly(const Operations& renaming, std::string_view text, const Document& document,

@@ -4,6 +4,7 @@
 #include <unordered_set>
 
 #include "platform/markdown/ast.h"
+#include "platform/markdown/hashtag.h"
 #include "platform/markdown/operations.h"
 #include "platform/model/objects/large_text.h"
 #include "platform/text/folding.h"
@@ -12,14 +13,10 @@ namespace tavimodel {
 
 using platform::text::foldedForSearch;
 using zephyrdown::ZDKAST;
-
-/// Whether `name` is the tag or a descendant of it.
-bool TagRenaming::concerns(std::string_view name) const {
-  return name.starts_with(tag_) && (name.size() == tag_.size() || name[tag_.size()] == '/');
-}
+using zephyrdown::ZDKHashtag;
 
 std::string TagRenaming::renamed(const std::string& name) const {
-  return concerns(name) ? newName_ + name.substr(tag_.size()) : name;
+  return ZDKHashtag::renamedTagName(name, tag_, newName_).value_or(name);
 }
 
 /// The new text of a note whose tag rows are `rows`; absent if there is nothing to rename. Tags
@@ -29,7 +26,8 @@ std::optional<TagRenaming::Renamed> TagRenaming::renamedText(const std::string& 
   const ZDKAST tree = ZDKAST::viewing(text);
   Names missing;
   for (const std::string& name : rows) {
-    if (concerns(name) && !tree.hasHashtag(name)) missing.push_back(name);
+    const bool isConcerned = ZDKHashtag::isTagOrDescendant(name, tag_);
+    if (isConcerned && !tree.hasHashtag(name)) missing.push_back(name);
   }
   const auto operations = tree.renameHashtag(tag_, newName_);
   if (operations.empty() && missing.empty()) return std::nullopt;

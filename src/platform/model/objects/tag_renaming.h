@@ -30,7 +30,6 @@ class TagRenaming {
     std::optional<zephyrdown::ZDKTextSummary> summary;  ///< absent: not known without parsing
   };
 
-  bool concerns(std::string_view name) const;
   std::string renamed(const std::string& name) const;
   std::optional<Renamed> renamedText(const std::string& text, const Names& rows) const;
   void renameRows(KVNote& note) const;
