@@ -173,6 +173,16 @@ def note_count(database):
     return _ask(database, "SELECT count(*) FROM note")
 
 
+def first_texts(corpus, count):
+    return [text for text, in _rows(
+        corpus.floor, "SELECT text FROM body ORDER BY id LIMIT ?", count)]
+
+
+def newest_texts(database, count):
+    return [text for text, in _rows(
+        database, "SELECT text FROM note ORDER BY id DESC LIMIT ?", count)][::-1]
+
+
 def text_length(database):
     return _ask(database, "SELECT sum(length(text)) FROM note")
 

@@ -5,6 +5,8 @@ import shlex
 from dataclasses import dataclass, field
 from typing import Callable
 
+import corpora
+
 NOTE_SIZES = ("1k", "10k", "100k", "1m")
 
 
@@ -68,7 +70,11 @@ class ServerWriteRow(ServerRow):
 
 @dataclass
 class LoadRow(Row):
-    """Many notes, one durable commit each, through one server. The aim is a rate."""
+    """Many notes, one durable commit each, through one server. The floor keeps its trigram index in
+    the same commits. The aim is a rate."""
+
+    kind: str = ""  # of note, for the floor
+    notes: Callable = list  # (corpus, number) -> the arguments of create_note
 
 
 @dataclass
@@ -152,6 +158,12 @@ LOADED_NOTES = 2_000
 
 def small_note(number):
     return {"title": f"Note {number}", "content": f"Its text, number {number}.", "tags": ["work"]}
+
+
+def copied_note(text):
+    """The arguments of create_note that give a new note this text."""
+    heading, content = text.split("\n\n", 1)
+    return {"title": heading.removeprefix("# "), "content": content}
 
 
 def asked(name, factor, tool, arguments, kind=ServerRow):
@@ -318,6 +330,17 @@ ROWS = [
         {"10k": 0.8},
         floor_command("commit"),
         program_command("mcp-server"),
+        kind="copies",
+        notes=lambda corpus, number: [
+            copied_note(text) for text in corpora.first_texts(corpus, number)],
+    ),
+    LoadRow(
+        "load of one-line notes, a durable commit a note",
+        {"10k": 0.5},
+        floor_command("commit"),
+        program_command("mcp-server"),
+        kind="small",
+        notes=lambda corpus, number: [small_note(i) for i in range(number)],
     ),
     CatchUpRow(
         "server: get_note while the index catches up",

@@ -4,8 +4,8 @@
 #include <string>
 
 #include "common/database.h"
+#include "new_notes.h"
 #include "output.h"
-#include "small_notes.h"
 #include "word_search.h"
 
 namespace {
@@ -147,8 +147,8 @@ void searchNotes(Output& output, bench::Database& database, std::string_view wor
   });
 }
 
-void createNote(Output& output, floors::SmallNotes& small, std::string_view title) {
-  small.add(title);
+void createNote(Output& output, floors::NewNotes& notes, std::string_view title) {
+  notes.addSmall(title);
   respond(output, [&](bool inText) {
     writeJSON(output, R"({"title":")", inText);
     writeJSON(output, title, inText);
@@ -179,7 +179,7 @@ void listNotesWithContent(Output& output, bench::Database& database) {
 int main(int, char** argv) {
   Output output;
   bench::Database database(argv[1]);
-  floors::SmallNotes small(database, floors::SmallNotes::Index::trigrams);
+  floors::NewNotes newNotes(database, floors::NewNotes::Index::trigrams);
   char* line = nullptr;
   std::size_t capacity = 0;
   for (ssize_t size; (size = getline(&line, &capacity, stdin)) > 0;) {
@@ -190,7 +190,7 @@ int main(int, char** argv) {
       const bool newest = request.find(R"("limit":20)") != request.npos;
       (newest ? searchNewest : searchNotes)(output, database, valueBehind(request, R"("query":")"));
     }
-    if (tool == "create_note") createNote(output, small, valueBehind(request, R"("title":")"));
+    if (tool == "create_note") createNote(output, newNotes, valueBehind(request, R"("title":")"));
     if (tool == "list_notes") listNotesWithContent(output, database);
   }
 }

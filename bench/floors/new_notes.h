@@ -9,13 +9,13 @@
 
 namespace floors {
 
-/// Adds small notes, each with a durable commit of its own.
-class SmallNotes {
+/// Adds notes, each with a durable commit of its own.
+class NewNotes {
  public:
   enum class Index { none, trigrams };
 
   /// With `trigrams` the index of the texts is kept in the same commit.
-  SmallNotes(bench::Database& database, Index index)
+  NewNotes(bench::Database& database, Index index)
       : indexed_(index == Index::trigrams),
         begin_(database, "BEGIN IMMEDIATE"),
         note_(database,
@@ -29,17 +29,21 @@ class SmallNotes {
     database.execute("PRAGMA synchronous = FULL");
   }
 
-  void add(std::string_view number) {
-    const std::string text =
-        "# A small note\n\n#work\n\nIts text, number " + std::string(number) + ".";
+  void add(std::string_view title, std::string_view text) {
     begin_.run();
     note_.bind(1, static_cast<double>(std::time(nullptr)));
-    note_.bind(2, std::string_view("A small note")).run();
+    note_.bind(2, title).run();
     const std::int64_t id = sqlite3_last_insert_rowid(handle_);
-    body_.bind(1, id).bind(2, std::string_view(text)).run();
+    body_.bind(1, id).bind(2, text).run();
     tag_.bind(1, id).run();
-    if (indexed_) trigrams_.bind(1, id).bind(2, std::string_view(text)).run();
+    if (indexed_) trigrams_.bind(1, id).bind(2, text).run();
     commit_.run();
+  }
+
+  void addSmall(std::string_view number) {
+    const std::string text =
+        "# A small note\n\n#work\n\nIts text, number " + std::string(number) + ".";
+    add("A small note", text);
   }
 
  private:
