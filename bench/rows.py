@@ -173,8 +173,8 @@ def asked(name, factor, tool, arguments, kind=ServerRow):
                 arguments=arguments, p99_aim=aim)
 
 
-def flat(name, *arguments, changes=False):
-    return FlatRow(name, {"1m": 1.2}, None, program_command(*arguments), changes=changes)
+def flat(name, *arguments, aim=1.2, changes=False):
+    return FlatRow(name, {"1m": aim}, None, program_command(*arguments), changes=changes)
 
 
 ROWS = [
@@ -300,8 +300,9 @@ ROWS = [
         "show by id": ("show", "{sample}"),
         "list 20 newest": ("list", "-n", "20"),
         "count": ("list", "--count"),
-        "common word, first 20": ("search", "{commonWord}", "-n", "20"),
     }.items()),
+    # The 20 are among the newest 92 of a million notes, and among the newest 60 of a thousand.
+    flat("common word, first 20", "search", "{commonWord}", "-n", "20", aim=1.4),
     flat("create, durable", "create", "A small note", "--content", "Its text.", changes=True),
     flat("append, durable", "append", "{scratchNote}", "--content", "One line.", changes=True),
     ImportRow(
