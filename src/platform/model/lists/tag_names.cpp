@@ -9,7 +9,8 @@
 namespace tavimodel {
 
 void TagNames::readAll() {
-  sqlite::Query query = connection_.query("SELECT id, title FROM tag");
+  // The index has them in the order of their bytes, which is that of `sort` for nearly all names.
+  sqlite::Query query = connection_.query("SELECT id, title FROM tag ORDER BY title");
   while (query.step()) {
     const std::int64_t tag = query.integer(0);
     const auto number = static_cast<std::uint32_t>(names_.size());
@@ -44,9 +45,10 @@ std::optional<std::uint32_t> TagNames::numberOf(std::int64_t tag) {
 std::vector<std::uint32_t> TagNames::sort() {
   std::vector<std::uint32_t> numbers(names_.size());
   std::iota(numbers.begin(), numbers.end(), std::uint32_t{0});
-  std::sort(numbers.begin(), numbers.end(), [&](std::uint32_t a, std::uint32_t b) {
+  const auto byName = [&](std::uint32_t a, std::uint32_t b) {
     return platform::text::CodePointLess()(names_[a], names_[b]);
-  });
+  };
+  if (!std::ranges::is_sorted(numbers, byName)) std::ranges::sort(numbers, byName);
   std::vector<std::uint32_t> ranks(numbers.size());
   std::vector<std::string_view> sorted;
   sorted.reserve(numbers.size());
