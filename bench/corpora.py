@@ -152,6 +152,7 @@ def change_all(corpus):
     with connection:
         connection.execute("UPDATE note SET text = text || char(10)")
     connection.close()
+    os.sync()
 
 
 def tagged_texts(database, tag):
