@@ -31,7 +31,7 @@ struct TidyBudget {
 };
 /// For the end of a command. A few unindexed notes are left, since searches read their texts
 /// instead; so a program that writes note after note pays for the index only once per batch.
-constexpr TidyBudget closingBudget{.fewestNotes = 64, .milliseconds = 60, .notesInSlice = 1024};
+constexpr TidyBudget closingBudget{.fewestNotes = 64, .milliseconds = 45, .notesInSlice = 1024};
 /// For one slice of a server's idle time between two calls.
 constexpr TidyBudget idleBudget{
     .fewestNotes = 1, .milliseconds = 5, .notesInSlice = 320, .notesAtOnce = 32};
