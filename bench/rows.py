@@ -73,7 +73,6 @@ class LoadRow(Row):
     """Many notes, one durable commit each, through one server. The floor keeps its trigram index in
     the same commits. The aim is a rate."""
 
-    kind: str = ""  # of note, for the floor
     notes: Callable = list  # (corpus, number) -> the arguments of create_note
 
 
@@ -320,18 +319,16 @@ ROWS = [
     LoadRow(
         "load, a durable commit a note",
         {"10k": 0.8},
-        floor_command("commit"),
+        lambda corpus: ["commit", str(corpus.floor), "copies"],
         program_command("mcp-server"),
-        kind="copies",
         notes=lambda corpus, number: [
             copied_note(text) for text in corpora.first_texts(corpus, number)],
     ),
     LoadRow(
         "load of one-line notes, a durable commit a note",
         {"10k": 0.5},
-        floor_command("commit"),
+        lambda corpus: ["commit", str(corpus.floor), "small"],
         program_command("mcp-server"),
-        kind="small",
         notes=lambda corpus, number: [small_note(i) for i in range(number)],
     ),
     CatchUpRow(
