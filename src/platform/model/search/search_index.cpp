@@ -280,8 +280,9 @@ void SearchIndex::removeNextStale() {
   std::int64_t first = 0;
   for (int looked = 0; looked < mostLooked; ++looked) {
     const std::int64_t slice = number(
-        "SELECT ifnull((SELECT slice FROM searchSlice "
-        "ORDER BY slice <= (SELECT value FROM counter WHERE name = 'purged'), slice LIMIT 1), 0)");
+        "SELECT ifnull((SELECT min(slice) FROM searchSlice "
+        "WHERE slice > (SELECT value FROM counter WHERE name = 'purged')), "
+        "(SELECT ifnull(min(slice), 0) FROM searchSlice))");
     if (slice == first) return;
     if (looked == 0) first = slice;
     setCounter("purged", slice);
