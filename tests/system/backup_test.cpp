@@ -207,7 +207,7 @@ TEST_F(Backup, ByEachRecipeOfTheDocumentationComesBackWhole) {
     EXPECT_EQ(runProgram({"search", "written", "--count"}).output, "1\n");
     EXPECT_EQ(runProgram({"tags"}).output, "#work\n");
     EXPECT_EQ(value("PRAGMA journal_mode"), "wal");
-    EXPECT_EQ(value("PRAGMA user_version"), "3");
+    EXPECT_EQ(value("PRAGMA user_version"), "4");
     EXPECT_EQ(value("PRAGMA integrity_check"), "ok");
   }
 }

@@ -4,6 +4,7 @@
 
 #include "platform/model/objects/large_text.h"
 #include "platform/model/storage/tag_tree.h"
+#include "platform/model/storage/title_keys.h"
 #include "platform/text/folding.h"
 
 namespace tavimodel {
@@ -37,12 +38,10 @@ std::optional<NoteRow> NoteReader::rowWithIdentifier(std::string_view identifier
 }
 
 std::vector<NoteRow> NoteReader::rowsWithTitle(std::string_view title) {
-  // The key is NULL if the title has not been folded yet, which SQL cannot do.
   sqlite::Query query =
-      connection_.query(fmt::format("SELECT {} FROM noteSummary s WHERE (s.titleKey = ?1 "
-                                    "OR (s.searchRow IS NULL AND s.titleKey IS NULL)) "
+      connection_.query(fmt::format("SELECT {} FROM noteSummary s WHERE ({} OR {}) "
                                     "AND ifnull(s.permanentlyDeleted, 0) = 0 ORDER BY s.note",
-                                    noteRowColumns));
+                                    noteRowColumns, TitleSQL::matches, TitleSQL::keyUnknown));
   const std::string key = platform::text::foldedForSearch(title);
   query.bind(1, key);
   std::vector<NoteRow> rows;

@@ -180,18 +180,19 @@ void NoteWriter::writeFacts(NoteRow& row) {
       .bind(5, facts.todoCompleted)
       .bind(6, facts.features)
       .run();
-  bool keyUnknown = false;
+  const std::string key = platform::text::foldedForSearch(row.title.value_or(""));
+  bool lacksKey = false;
   {
     // RETURNING would take longer, as it creates a temporary table.
-    sqlite::Query query =
-        connection_.query("SELECT version, titleKey IS NULL FROM noteSummary WHERE note = ?1");
-    query.bind(1, row.id).step();
+    sqlite::Query query = connection_.query(
+        "SELECT version, titleKey IS NULL AND title IS NOT ?2 COLLATE NOCASE "
+        "FROM noteSummary WHERE note = ?1");
+    query.bind(1, row.id).bind(2, key).step();
     row.version = query.integer(0);
-    keyUnknown = query.integer(1) != 0;
+    lacksKey = query.integer(1) != 0;
   }
   if (!row.encrypted && !row.permanentlyDeleted) storeLinks(connection_, row.id, facts.links);
-  if (!keyUnknown) return;  // the key of the old title must not be stored again
-  const std::string key = platform::text::foldedForSearch(row.title.value_or(""));
+  if (!lacksKey) return;
   sqlite::Query query = connection_.query("UPDATE noteSummary SET titleKey = ?2 WHERE note = ?1");
   query.bind(1, row.id).bind(2, key).run();
 }

@@ -10,6 +10,7 @@
 #include "platform/model/storage/note_texts.h"
 #include "platform/model/storage/schema.h"
 #include "platform/model/storage/text_facts.h"
+#include "platform/model/storage/title_keys.h"
 #include "platform/text/folding.h"
 
 namespace tavimodel {
@@ -17,19 +18,19 @@ namespace {
 
 using Notes = std::vector<std::int64_t>;
 
-/// Looks up notes by the titles in links, using the index of folded titles, and a map of the few
-/// notes whose folded titles are not stored yet.
+/// Looks up notes by the titles in links, using the indexes of titles, and a map of the few notes
+/// whose keys are not stored yet.
 class TitleLookup {
  public:
   explicit TitleLookup(sqlite::Connection& connection) : connection_(connection) {
     sqlite::Query unknown = connection.query(
-        "SELECT note, title FROM noteSummary WHERE searchRow IS NULL AND titleKey IS NULL");
+        fmt::format("SELECT note, title FROM noteSummary s WHERE {}", TitleSQL::keyUnknown));
     while (unknown.step()) {
       unknown_[platform::text::foldedForSearch(unknown.text(1))].push_back(unknown.integer(0));
     }
   }
 
-  /// The notes missing from the index of folded titles, by folded title.
+  /// The notes whose keys are not stored, by folded title.
   const std::unordered_map<std::string, Notes>& unknown() const { return unknown_; }
 
   /// The notes that a folded link target names. The target may name a heading in the note,
@@ -49,7 +50,8 @@ class TitleLookup {
     if (!isNew) return known->second;
     Notes& notes = known->second;
     const std::string& key = known->first;
-    sqlite::Query query = connection_.query("SELECT note FROM noteSummary WHERE titleKey = ?1");
+    sqlite::Query query = connection_.query(
+        fmt::format("SELECT note FROM noteSummary s WHERE {}", TitleSQL::matches));
     query.bind(1, key);
     while (query.step()) notes.push_back(query.integer(0));
     if (const auto more = unknown_.find(key); more != unknown_.end())
@@ -61,6 +63,32 @@ class TitleLookup {
   std::unordered_map<std::string, Notes> unknown_;
   std::unordered_map<std::string, Notes> known_;  // cache of look-ups, by folded title
   Notes none_;
+};
+
+/// Looks up notes by the keys of their titles, in one walk through the index of keys.
+class KeysInOrder {
+ public:
+  explicit KeysInOrder(sqlite::Connection& connection)
+      : query_(connection.query("SELECT titleKey, note FROM noteSummary "
+                                "WHERE titleKey IS NOT NULL ORDER BY titleKey")),
+        areLeft_(query_.step()) {}
+
+  /// The notes with a key, which must not be less than the one before.
+  const Notes& notesWith(std::string_view key) {
+    if (!notes_.empty() && key == key_) return notes_;
+    key_ = key;
+    notes_.clear();
+    for (; areLeft_ && query_.text(0) <= key; areLeft_ = query_.step()) {
+      if (query_.text(0) == key) notes_.push_back(query_.integer(1));
+    }
+    return notes_;
+  }
+
+ private:
+  sqlite::Query query_;
+  bool areLeft_;
+  std::string key_;  // the last one
+  Notes notes_;      // that have it
 };
 
 }  // namespace
@@ -77,20 +105,23 @@ std::vector<std::int64_t> linkedNotes(sqlite::Connection& connection) {
     addAll(from, titles.notesCalled(target));
   };
   std::string unknown = fmt::format("(s.features IS NULL OR {})", FeatureSQL::wikiLinks);
-  if (hasCurrentSchema(connection)) {
+  if (hasSearchIndex(connection)) {
     unknown = fmt::format("s.searchRow IS NULL AND (s.features IS NULL OR {})",
                           FeatureSQL::linksNotStored);
     // Sorted by title, so that consecutive look-ups hit the same page of the title index.
     sqlite::Query exact = connection.query(
         "SELECT l.note, l.target, s.note FROM noteLink l "
-        "LEFT JOIN noteSummary s ON s.titleKey = l.target ORDER BY l.target");
+        "LEFT JOIN noteSummary s ON s.title = l.target COLLATE NOCASE ORDER BY l.target");
+    KeysInOrder keys(connection);
     while (exact.step()) {
       const std::int64_t from = exact.integer(0);
-      if (exact.isNull(2)) {
-        const std::string_view target = exact.text(1);
-        if (target.find('/') != std::string_view::npos) add(from, target);
-      } else if (exact.integer(2) != from) {
-        linked.push_back(exact.integer(2));
+      const std::string_view target = exact.text(1);
+      const Notes& notes = keys.notesWith(target);
+      addAll(from, notes);
+      if (!exact.isNull(2)) {
+        if (exact.integer(2) != from) linked.push_back(exact.integer(2));
+      } else if (notes.empty() && target.find('/') != std::string_view::npos) {
+        add(from, target);
       }
     }
     for (const auto& [key, notes] : titles.unknown()) {

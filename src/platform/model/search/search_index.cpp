@@ -66,7 +66,7 @@ struct NoteToIndex {
 std::optional<SearchIndex::Candidates> SearchIndex::candidates(std::string_view term,
                                                                std::size_t most) {
   const std::vector<Trigram> trigrams = tellingTrigrams(platform::text::foldedForSearch(term));
-  if (trigrams.empty() || !hasCurrentSchema(connection_)) return std::nullopt;
+  if (trigrams.empty() || !hasSearchIndex(connection_)) return std::nullopt;
 
   Candidates result;
   std::vector<std::int64_t> rows = rowsWith(trigrams, most);
@@ -128,8 +128,9 @@ void SearchIndex::store(const NoteToIndex& note) {
   }
   const TextFacts& facts = note.facts;
   sqlite::Query update = connection_.query(
-      "UPDATE noteSummary SET searchRow = ?2, titleKey = ?3, textDigest = ?4, textLength = ?5, "
-      "todoIncomplete = ?6, todoCompleted = ?7, features = ?8 WHERE note = ?1");
+      "UPDATE noteSummary SET searchRow = ?2, titleKey = nullif(?3 COLLATE NOCASE, title), "
+      "textDigest = ?4, textLength = ?5, todoIncomplete = ?6, todoCompleted = ?7, features = ?8 "
+      "WHERE note = ?1");
   update.bind(1, note.id).bind(2, note.searchRow).bind(3, note.title).bind(4, facts.digest);
   update.bind(5, facts.length).bind(6, facts.todoIncomplete).bind(7, facts.todoCompleted);
   update.bind(8, facts.features).run();

@@ -234,7 +234,13 @@ TEST_F(Model, LocksANoteByItsFlagAloneWhateverTheTriggersDid) {
 TEST_F(Model, BringsADatabaseOfAnEarlierVersionUpToDate) {
   const std::string id = create("# a #work\n[[Target]]");
   create("# Target");
+  create("# indexed");
   ForeignClient client(home.database());
+  const std::string version3 =
+      "DROP INDEX summaryByTitleIgnoringCase; "
+      "UPDATE noteSummary SET titleKey = lower(title); "
+      "UPDATE noteSummary SET searchRow = 2047 WHERE title = 'indexed'; "
+      "PRAGMA user_version = 3";
   const std::string version2 =
       "DROP TABLE searchSlice; DROP TABLE searchBlock; DROP TABLE noteLink; "
       "DELETE FROM counter WHERE name GLOB '*purged'; "
@@ -260,13 +266,17 @@ TEST_F(Model, BringsADatabaseOfAnEarlierVersionUpToDate) {
     return found;
   };
   using Access = KVCoreDataStackForExtensions::Access;
-  for (const std::string& earlier : {version2, version2 + "; " + version1}) {
+  for (const std::string& earlier :
+       {version3, version3 + "; " + version2, version3 + "; " + version2 + "; " + version1}) {
     client.run(earlier);
     for (const Access access : {Access::readOnly, Access::readWrite}) {
       EXPECT_EQ(titles("targ -work", access), "Target");
       EXPECT_EQ(titles("@backlinks", access), "Target");
-      EXPECT_EQ(client.value("PRAGMA user_version") == "3", access == Access::readWrite);
+      EXPECT_EQ(client.value("PRAGMA user_version") == "4", access == Access::readWrite);
     }
+    EXPECT_EQ(client.value("SELECT count(searchRow) FROM noteSummary"),
+              earlier == version3 ? "1" : "0");
+    EXPECT_EQ(client.value("SELECT count(titleKey) FROM noteSummary"), "0");
     EXPECT_EQ(note(*open(), id).tagsStrings(), std::vector<std::string>{"work"});
     client.run("PRAGMA recursive_triggers = ON; INSERT OR REPLACE INTO note SELECT * FROM note");
     EXPECT_EQ(note(*open(), id).tagsStrings(), std::vector<std::string>{"work"});
