@@ -116,11 +116,10 @@ std::vector<std::int64_t> linkedNotes(sqlite::Connection& connection) {
     while (exact.step()) {
       const std::int64_t from = exact.integer(0);
       const std::string_view target = exact.text(1);
-      const Notes& notes = keys.notesWith(target);
-      addAll(from, notes);
+      addAll(from, keys.notesWith(target));
       if (!exact.isNull(2)) {
         if (exact.integer(2) != from) linked.push_back(exact.integer(2));
-      } else if (notes.empty() && target.find('/') != std::string_view::npos) {
+      } else if (target.find('/') != std::string_view::npos) {
         add(from, target);
       }
     }

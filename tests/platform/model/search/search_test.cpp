@@ -93,6 +93,14 @@ TEST_F(Search, AnswersEveryDirective) {
   }
 }
 
+TEST_F(Search, TellsANotesLinksToItselfFromThoseOfOthers) {
+  create("# Mars\n[[mars]]");
+  create("# Ärger\n[[ärger]]");
+  EXPECT_EQ(found("@backlinks"), Titles{});
+  create("# others\n[[mars]] [[ärger]]");
+  EXPECT_EQ(found("@backlinks"), (Titles{"Mars", "Ärger"}));
+}
+
 TEST_F(Search, SeesAStrangersTextAtOnce) {
   create("# a\nnothing here");
   index();
